@@ -1,0 +1,147 @@
+// Decoding: the loop over keys, and what becomes of unknown fields.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "clear.hpp"
+#include "message.hpp"
+
+namespace pavo_zorv {
+
+// Steps over the value of an unknown field. One of known size that runs past the end ends the message in good order.
+PAVO_ZORV_NOINLINE inline step skip_unknown(std::uint32_t key, const octet *at, const octet *end) {
+  std::size_t size = 0;
+  switch (static_cast<wire_type>(key & 7)) {
+    case wire_type::varint:
+      at = skip_varint(at, end);
+      return at != nullptr ? step{at, CODEC_OK} : failed(CODEC_ERR_TRUNCATED);
+    case wire_type::fixed64:
+      size = 8;
+      break;
+    case wire_type::fixed32:
+      size = 4;
+      break;
+    case wire_type::delimited: {
+      const auto [next, length] = read_varint<std::uint32_t>(at, end);
+      if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
+      at = next;
+      size = length;
+      break;
+    }
+    default:
+      return failed(CODEC_ERR_BAD_WIRE_TYPE);
+  }
+  return {size < static_cast<std::size_t>(end - at) ? at + size : end, CODEC_OK};
+}
+
+template <class Record>
+class decoder {
+ public:
+  PAVO_ZORV_INLINE decoder(Record &record, const decoding &input) : record_(record), input_(input) {}
+
+  // Reads fields until the end or the first failure.
+  PAVO_ZORV_INLINE int read(const octet *at, const octet *end) {
+    while (at != end) {
+      const auto [next, key] = read_varint<std::uint32_t>(at, end);
+      if (next == nullptr) return CODEC_ERR_TRUNCATED;
+      const step done = read_fields(key, next, end);
+      if (done.result != CODEC_OK) return done.result;
+      at = done.next;
+    }
+    return CODEC_OK;
+  }
+
+  presence_of<Record> seen() const { return seen_; }
+
+ private:
+  static constexpr std::size_t fields = field_count<Record>;
+
+  // The key of a field; for one that the message does not have, a number that is no key.
+  static constexpr std::uint64_t key_at(std::size_t index) {
+    std::uint64_t key = (std::uint64_t{1} << 32) + index;
+    for_each_row<Record>([&](auto row_index) {
+      if (row_index == index) key = key_of(row_at<Record, row_index>.number, row_at<Record, row_index>.wire);
+    });
+    return key;
+  }
+
+  // Reads the field of a key, and those behind it as long as they stand in order, as they mostly do: the key of the
+  // next field is tried before the keys are searched again. A case for each field that a message may have; the last
+  // ones are unreachable in most messages, and gone.
+  PAVO_ZORV_INLINE step read_fields(std::uint64_t key, const octet *at, const octet *end) {
+    step done{at, CODEC_OK};
+    // clang-format off
+#define PAVO_ZORV_FIELD(index)                                            \
+  case key_at(index):                                                     \
+    if constexpr (index < fields) {                                       \
+      done = read_value<index>(done.next, end);                           \
+      if (done.result != CODEC_OK) return done;                           \
+      const octet *const next = step_over_key<index + 1>(done.next, end); \
+      if (next == nullptr) return done;                                   \
+      done.next = next;                                                   \
+    }                                                                     \
+    [[fallthrough]];
+    switch (key) {
+      PAVO_ZORV_FIELD(0)  PAVO_ZORV_FIELD(1)  PAVO_ZORV_FIELD(2)  PAVO_ZORV_FIELD(3)
+      PAVO_ZORV_FIELD(4)  PAVO_ZORV_FIELD(5)  PAVO_ZORV_FIELD(6)  PAVO_ZORV_FIELD(7)
+      PAVO_ZORV_FIELD(8)  PAVO_ZORV_FIELD(9)  PAVO_ZORV_FIELD(10) PAVO_ZORV_FIELD(11)
+      PAVO_ZORV_FIELD(12) PAVO_ZORV_FIELD(13) PAVO_ZORV_FIELD(14) PAVO_ZORV_FIELD(15)
+      PAVO_ZORV_FIELD(16) PAVO_ZORV_FIELD(17) PAVO_ZORV_FIELD(18) PAVO_ZORV_FIELD(19)
+      PAVO_ZORV_FIELD(20) PAVO_ZORV_FIELD(21) PAVO_ZORV_FIELD(22) PAVO_ZORV_FIELD(23)
+      PAVO_ZORV_FIELD(24) PAVO_ZORV_FIELD(25) PAVO_ZORV_FIELD(26) PAVO_ZORV_FIELD(27)
+      PAVO_ZORV_FIELD(28) PAVO_ZORV_FIELD(29) PAVO_ZORV_FIELD(30) PAVO_ZORV_FIELD(31)
+      default:
+        break;
+    }
+#undef PAVO_ZORV_FIELD
+    // clang-format on
+    if (number_of(static_cast<std::uint32_t>(key)) - 1 < fields) return failed(CODEC_ERR_WRONG_WIRE_TYPE);
+    return skip_unknown(static_cast<std::uint32_t>(key), at, end);
+  }
+
+  template <std::size_t Index>
+  PAVO_ZORV_INLINE step read_value(const octet *at, const octet *end) {
+    constexpr auto bit = presence_bit<Record, Index>;
+    const step done = row_at<Record, Index>.decode(record_, at, end, input_, (seen_ & bit) != 0);
+    if (done.result == CODEC_OK) seen_ = static_cast<presence_of<Record>>(seen_ | bit);
+    return done;
+  }
+
+  // Where the value of a field begins if its key stands here in its shortest form, else null.
+  template <std::size_t Index>
+  PAVO_ZORV_INLINE const octet *step_over_key(const octet *at, const octet *end) {
+    if constexpr (Index >= fields) {
+      return nullptr;
+    } else if constexpr (key_at(Index) < 0x80) {
+      return at != end && *at == key_at(Index) ? at + 1 : nullptr;
+    } else {
+      constexpr octet first = (key_at(Index) & 0x7f) | 0x80, second = key_at(Index) >> 7;
+      return end - at >= 2 && at[0] == first && at[1] == second ? at + 2 : nullptr;
+    }
+  }
+
+  Record &record_;
+  const decoding &input_;
+  presence_of<Record> seen_ = 0;
+};
+
+// What was read before a failure stays, with its presence bits.
+template <class Record>
+int decode_message(Record &record, const octet *at, const octet *end, const decoding &input) {
+  decoder<Record> decoder(record, input);
+  const int result = decoder.read(at, end);
+  record.presence = static_cast<presence_of<Record>>(record.presence | decoder.seen());
+  return result;
+}
+
+template <class Record>
+int decode(Record &record, const octet *buffer, std::size_t length, pavo_zorv_allocate allocate, void *context,
+           std::uint32_t options = 0) {
+  clear_message(record);
+  if (length == 0) return CODEC_OK;
+  return decode_message(record, buffer, buffer + length,
+                        decoding{{allocate, context}, options, {buffer, buffer + length}});
+}
+
+}  // namespace pavo_zorv

@@ -1,0 +1,180 @@
+// Encoding: one pass measures, one pass writes. Writing goes backwards from the measured end, so that a nested message
+// is whole before its length is written: no length is computed twice or remembered, at any depth.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#include "blocks.hpp"
+#include "message.hpp"
+
+namespace pavo_zorv {
+
+// A varint, last octet first.
+template <class Sink, class Value>
+PAVO_ZORV_NOINLINE typename Sink::place prepend_long_varint(const Sink &sink, typename Sink::place at, Value value) {
+  unsigned shift = 7 * (static_cast<unsigned>(varint_size(value)) - 1);
+  at = sink.prepend_octet(at, static_cast<octet>(value >> shift));
+  while (shift != 0) {
+    shift -= 7;
+    at = sink.prepend_octet(at, static_cast<octet>(value >> shift | 0x80));
+  }
+  return at;
+}
+
+// Writes where the whole encoding is known to fit: no octet is checked.
+struct exact_sink {
+  using place = octet *;
+  segment_table *table;
+  octet *first;
+
+  octet *start_of(place message) const { return message; }
+
+  PAVO_ZORV_INLINE place prepend_octet(place at, octet value) const {
+    *--at = value;
+    return at;
+  }
+
+  template <class Value>
+  PAVO_ZORV_INLINE place prepend_varint(place at, Value value) const {
+    if (value < 0x80) return prepend_octet(at, static_cast<octet>(value));
+    if (value < 0x4000)
+      return prepend_octet(prepend_octet(at, static_cast<octet>(value >> 7)), static_cast<octet>(value | 0x80));
+    return prepend_long_varint(*this, at, value);
+  }
+
+  PAVO_ZORV_INLINE place prepend_block(place at, const void *block, std::size_t length) const {
+    at -= length;
+    if (block != nullptr) copy_octets(at, block, length);
+    return at;
+  }
+};
+
+// Writes what lies below the length of a short buffer, octet by octet; a block that does not fit whole is left out.
+// Nothing is inlined: what is written in vain need not be fast.
+struct clipped_sink {
+  using place = std::size_t;
+  segment_table *table;
+  octet *buffer;
+  std::size_t length;
+
+  // A message behind the end of the buffer has none; the outermost keeps the one it was given.
+  octet *start_of(place message) const { return message == 0 || message < length ? buffer + message : nullptr; }
+
+  place prepend_octet(place at, octet value) const {
+    if (--at < length) buffer[at] = value;
+    return at;
+  }
+
+  template <class Value>
+  PAVO_ZORV_NOINLINE place prepend_varint(place at, Value value) const {
+    return prepend_long_varint(*this, at, value);
+  }
+
+  PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::size_t size) const {
+    at -= size;
+    if (block != nullptr && at <= length && size <= length - at) std::memcpy(buffer + at, block, size);
+    return at;
+  }
+};
+
+template <class Sink>
+PAVO_ZORV_INLINE typename Sink::place prepend_key(const Sink &sink, typename Sink::place at, unsigned number,
+                                                  wire_type type) {
+  return sink.prepend_varint(at, key_of(number, type));
+}
+
+// The table's entries for one message: one that covers it or, where a bytes member is referenced, the piece before the
+// referenced octets, these octets, and the rest behind them. A message's own entry, or its rest, comes behind those of
+// the messages it contains, so it is taken first.
+template <class Sink>
+class message_entries {
+ public:
+  using place = typename Sink::place;
+
+  message_entries(const Sink &sink, place end) : sink_(sink), end_(end), split_(end) {
+    if (sink.table != nullptr) last_ = sink.table->take();
+  }
+
+  bool wanted() const { return sink_.table != nullptr; }
+
+  // Splits the message at a place, between a length prefix and what follows the octets it announces.
+  void split(place at, const octet *block, std::uint64_t length) {
+    if (at == end_) {
+      sink_.table->put_back();
+      rest_ = false;
+    }
+    sink_.table->set(sink_.table->take(), block, length);
+    first_ = sink_.table->take();
+    split_ = at;
+    is_split_ = true;
+  }
+
+  void finish(place start) const {
+    if (sink_.table == nullptr) return;
+    octet *const base = sink_.start_of(start);
+    if (is_split_) {
+      sink_.table->set(first_, base, static_cast<std::size_t>(split_ - start));
+      if (rest_) sink_.table->set(last_, behind(base, split_ - start), static_cast<std::size_t>(end_ - split_));
+    } else if (start == end_) {
+      sink_.table->put_back();
+    } else {
+      sink_.table->set(last_, base, static_cast<std::size_t>(end_ - start));
+    }
+  }
+
+ private:
+  // As numbers, because a message behind the end of the buffer has no base.
+  template <class Distance>
+  static octet *behind(octet *base, Distance distance) {
+    return reinterpret_cast<octet *>(reinterpret_cast<std::uintptr_t>(base) + static_cast<std::uintptr_t>(distance));
+  }
+
+  const Sink &sink_;
+  place end_;
+  place split_;
+  std::size_t last_ = 0;
+  std::size_t first_ = 0;
+  bool is_split_ = false;
+  bool rest_ = true;
+};
+
+template <class Record, class Sink>
+typename Sink::place write_message(const Record &record, const Sink &sink, typename Sink::place end, bool referenced) {
+  message_entries<Sink> entries(sink, end);
+  const auto presence = record.presence;
+  auto at = end;
+  [&]<std::size_t... Index>(std::index_sequence<Index...>) {
+    constexpr std::size_t last = field_count<Record> - 1;
+    ((at = row_at<Record, last - Index>.write(sink, at, record, (presence & presence_bit<Record, last - Index>) != 0,
+                                              referenced, entries)),
+     ...);
+  }
+  (std::make_index_sequence<field_count<Record>>{});
+  entries.finish(at);
+  return at;
+}
+
+template <class Record>
+std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
+                   std::uint32_t *segment_count, std::uint32_t options = 0) {
+  const bool referenced = (options & PAVO_ZORV_REFERENCE) != 0;
+  const extent needed = measure_message(record, referenced);
+  if (buffer == nullptr) length = 0;
+  segment_table entries{segments, segments != nullptr && segment_count != nullptr ? *segment_count : 0,
+                        needed.segments};
+  segment_table *const table = entries.capacity != 0 ? &entries : nullptr;
+  if (segment_count != nullptr) *segment_count = static_cast<std::uint32_t>(needed.segments);
+
+  if (needed.octets <= length) {
+    if (buffer != nullptr) write_message(record, exact_sink{table, buffer}, buffer + needed.octets, referenced);
+  } else if ((length != 0 || table != nullptr) && needed.octets != SIZE_MAX) {
+    write_message(record, clipped_sink{table, buffer, length}, needed.octets, referenced);
+  }
+  return needed.octets;
+}
+
+}  // namespace pavo_zorv

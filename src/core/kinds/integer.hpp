@@ -1,0 +1,60 @@
+// Integers of 8, 32 and 64 bits. Values wider than the member are cut when they are read; a signed one is written as
+// the pattern of its own width, so -1 takes five octets with 32 bits and ten with 64.
+#pragma once
+
+#include <concepts>
+#include <type_traits>
+
+#include "../encode.hpp"
+#include "../measure.hpp"
+#include "../message.hpp"
+
+namespace pavo_zorv {
+
+template <class Value>
+concept integer_member = std::same_as<Value, std::uint8_t> || std::same_as<Value, std::uint32_t> ||
+    std::same_as<Value, std::int32_t> || std::same_as<Value, std::uint64_t> || std::same_as<Value, std::int64_t>;
+
+template <class Record, integer_member Value>
+struct integer_row : row {
+  static constexpr kind type = kind::integer;
+  static constexpr wire_type wire = wire_type::varint;
+  using element = Value;
+  Value Record::*value;
+
+  // What travels: the member's pattern, eight bits as part of a 32-bit number.
+  using on_wire = std::conditional_t<sizeof(Value) == 8, std::uint64_t, std::uint32_t>;
+
+  static constexpr bool owns() { return false; }
+  static constexpr bool holds_bytes() { return false; }
+  constexpr auto members() const { return std::tuple{value}; }
+
+  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &, bool) const {
+    const auto [next, number_read] = read_varint<on_wire>(at, end);
+    if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
+    record.*value = static_cast<Value>(number_read);
+    return {next, CODEC_OK};
+  }
+
+  PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
+    if (present)
+      total.sum.octets += varint_size(key_of(number, wire)) + varint_size(static_cast<on_wire>(record.*value));
+  }
+
+  template <class Sink, class Entries>
+  PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
+                                              bool present, bool, Entries &) const {
+    if (!present) return at;
+    at = sink.prepend_varint(at, static_cast<on_wire>(record.*value));
+    return prepend_key(sink, at, number, wire);
+  }
+
+  PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const { return compare_values(a.*value, b.*value); }
+};
+
+template <class Record, integer_member Value>
+consteval auto scalar(unsigned number, const char *name, Value Record::*value) {
+  return integer_row<Record, Value>{{number, name}, value};
+}
+
+}  // namespace pavo_zorv

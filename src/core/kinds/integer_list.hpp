@@ -1,0 +1,91 @@
+// Lists of 8-bit or 32-bit integers: an owned array and its count, one field for each element, never packed.
+#pragma once
+
+#include <algorithm>
+#include <concepts>
+#include <cstring>
+
+#include "../blocks.hpp"
+#include "../encode.hpp"
+#include "../measure.hpp"
+#include "../message.hpp"
+#include "../runs.hpp"
+
+namespace pavo_zorv {
+
+template <class Element>
+concept integer_element = std::same_as<Element, std::uint8_t> || std::same_as<Element, std::uint32_t>;
+
+template <class Record, integer_element Element>
+struct integer_list_row : row {
+  static constexpr kind type = kind::integers;
+  static constexpr wire_type wire = wire_type::varint;
+  using element = Element;
+  Element *Record::*elements;
+  std::uint32_t Record::*count;
+
+  static constexpr bool owns() { return true; }
+  static constexpr bool holds_bytes() { return false; }
+  constexpr auto members() const { return std::tuple{elements, count}; }
+
+  // A second run is refused, and a missing allocator found, before the values are looked at.
+  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &input,
+                               bool seen) const {
+    if (seen) return failed(CODEC_ERR_TRUNCATED);
+    if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
+    const std::size_t length = count_integers<Element>(number, at, end, input.whole);
+    if (length == 0) return failed(CODEC_ERR_TRUNCATED);
+    auto *const block = input.memory.array<Element>(length);
+    if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
+    const octet *const next = read_integers(block, length, number, at, end, input.whole);
+    record.*elements = block;
+    record.*count = static_cast<std::uint32_t>(length);
+    return {next, CODEC_OK};
+  }
+
+  PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
+    if (!present || record.*count == 0) return;
+    total.sum.octets +=
+        record.*count * varint_size(key_of(number, wire)) + measure_integers(record.*elements, record.*count);
+  }
+
+  template <class Sink, class Entries>
+  PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
+                                              bool present, bool, Entries &) const {
+    if (!present) return at;
+    return prepend_integers(sink, at, number, record.*elements, record.*count);
+  }
+
+  PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
+    const Element *const source = record.*elements;
+    const std::uint32_t length = source != nullptr ? record.*count : 0;
+    record.*elements = nullptr;
+    record.*count = 0;
+    if (length == 0) return true;
+    auto *const copy = copying.memory.array<Element>(length);
+    if (copy == nullptr) return false;
+    copy_octets(copy, source, length * sizeof(Element));
+    record.*elements = copy;
+    record.*count = length;
+    return true;
+  }
+
+  // The count stays: a record that is encoded again must be cleared before.
+  PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const {
+    releaser.give_back(record.*elements);
+  }
+
+  PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const {
+    const std::uint32_t common = std::min(a.*count, b.*count);
+    const int difference = compare_integers(a.*elements, b.*elements, common);
+    if (difference != 0) return difference;
+    return compare_values(a.*count, b.*count);
+  }
+};
+
+template <class Record, integer_element Element>
+consteval auto repeated(unsigned number, const char *name, Element *Record::*elements, std::uint32_t Record::*count) {
+  return integer_list_row<Record, Element>{{number, name}, elements, count};
+}
+
+}  // namespace pavo_zorv

@@ -1,0 +1,85 @@
+// The operations on whole messages, declared for the kinds of member that contain messages.
+#pragma once
+
+#include <cstdint>
+
+#include "memory.hpp"
+#include "schema.hpp"
+#include "segments.hpp"
+#include "wire.hpp"
+
+namespace pavo_zorv {
+
+// What decoding is given besides the octets.
+struct decoding {
+  pavo_zorv::memory memory;
+  std::uint32_t options;
+  buffer whole;
+
+  bool referenced() const { return (options & PAVO_ZORV_REFERENCE) != 0; }
+};
+
+// What reading a field came to: the place behind it, or null and the failure.
+struct step {
+  const octet *next;
+  int result;
+};
+
+template <class Record>
+PAVO_ZORV_INLINE constexpr void collect_presence(const Record &record, std::uint32_t &bits) {
+  bits |= record.presence & presence_mask<Record>;
+  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+    constexpr auto &row = row_at<Record, index>;
+    if constexpr (row.type == kind::message) collect_presence(record.*row.value, bits);
+  });
+}
+
+constexpr step failed(int result) { return {nullptr, result}; }
+
+// Whether no presence bit is set in a message and those inside it: then its encoding is empty. An envelope mostly holds
+// one of its payloads; one look at the flags of the others spares visiting them.
+template <class Record>
+PAVO_ZORV_INLINE constexpr bool is_blank(const Record &record) {
+  std::uint32_t bits = 0;
+  collect_presence(record, bits);
+  return bits == 0;
+}
+
+// Every member zero; the presence bits of no field stay as they are.
+template <class Record>
+void clear_message(Record &record);
+
+// Reads fields into a clear record.
+template <class Record>
+int decode_message(Record &record, const octet *at, const octet *end, const decoding &input);
+
+template <class Record>
+extent measure_message(const Record &record, bool referenced);
+
+// Writes a message backwards so that it ends at `end`; returns where it starts.
+template <class Record, class Sink>
+typename Sink::place write_message(const Record &record, const Sink &sink, typename Sink::place end, bool referenced);
+
+// A copy in the making: members for which there is no memory are left empty, and the copying goes on.
+struct copying {
+  pavo_zorv::memory memory;
+  bool complete = true;
+};
+
+// Makes a record that was copied octet by octet own its memory: every pointer is replaced by one to a copy.
+template <class Record>
+void own_message(Record &record, copying &copy);
+
+template <class Record>
+void release_message(Record &record, const releaser &releaser);
+
+template <class Record>
+int compare_messages(const Record &a, const Record &b);
+
+// -1, 0 or 1.
+template <class Value>
+constexpr int compare_values(Value a, Value b) {
+  return (a > b) - (a < b);
+}
+
+}  // namespace pavo_zorv

@@ -1,0 +1,23 @@
+// Releasing: every block that a record owns, in field order.
+#pragma once
+
+#include "message.hpp"
+
+namespace pavo_zorv {
+
+template <class Record>
+void release_message(Record &record, const releaser &releaser) {
+  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+    constexpr auto &row = row_at<Record, index>;
+    if constexpr (row.owns()) row.release(record, releaser);
+  });
+}
+
+template <class Record>
+void release(Record &record, pavo_zorv_release release, void *context, std::uint32_t options = 0) {
+  if constexpr (owns_memory<Record>) {
+    release_message(record, releaser{release, context, (options & PAVO_ZORV_REFERENCE) != 0});
+  }
+}
+
+}  // namespace pavo_zorv

@@ -1,0 +1,375 @@
+// Runs: the fields of one list, which stand together on the wire, one key and one value for each element. Every fast
+// loop has a plain twin that says what it computes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "encode.hpp"
+#include "windows.hpp"
+#include "wire.hpp"
+
+namespace pavo_zorv {
+
+// Counts the elements of a run from its first value on. `skip` steps over one value, to null where it is cut off. Of
+// the keys inside the run only the number is looked at, not the wire type. 0 when a value, or the key behind one, is
+// cut off.
+template <class Skip>
+PAVO_ZORV_INLINE std::size_t count_run(unsigned number, const octet *at, const octet *end, Skip skip) {
+  for (std::size_t count = 1;; ++count) {
+    at = skip(at, end);
+    if (at == nullptr) return 0;
+    if (at == end) return count;
+    const auto [next, key] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return 0;
+    if (number_of(key) != number) return count;
+    at = next;
+  }
+}
+
+namespace plain {
+
+// Counts the integers of a run from its first value on.
+inline std::size_t count_integers(unsigned number, const octet *at, const octet *end) {
+  return count_run(number, at, end, skip_varint);
+}
+
+// Reads integers that have been counted, cut to the width of the elements; returns the place behind the last.
+template <class Element>
+const octet *read_integers(Element *elements, std::size_t count, const octet *at, const octet *end) {
+  for (std::size_t index = 0; index < count; ++index) {
+    if (index != 0) at = skip_varint(at, end);
+    const auto [next, value] = read_varint<std::uint32_t>(at, end);
+    elements[index] = static_cast<Element>(value);
+    at = next;
+  }
+  return at;
+}
+
+// The octets that integers take as varints, without their keys.
+template <class Element>
+std::size_t measure_integers(const Element *elements, std::size_t count) {
+  std::size_t octets = 0;
+  for (std::size_t index = 0; index < count; ++index) octets += varint_size(std::uint32_t{elements[index]});
+  return octets;
+}
+
+// Writes integers backwards, each with its key.
+template <class Sink, class Element>
+typename Sink::place prepend_integers(const Sink &sink, typename Sink::place at, unsigned number,
+                                      const Element *elements, std::size_t count) {
+  for (std::size_t index = count; index-- != 0;) {
+    at = sink.prepend_varint(at, std::uint32_t{elements[index]});
+    at = prepend_key(sink, at, number, wire_type::varint);
+  }
+  return at;
+}
+
+}  // namespace plain
+
+// Where elements of a run lie in a window: the bit of the last octet of each value. The first begins at `at`, every
+// other behind the key behind the one before it.
+struct elements_seen {
+  const octet *at;
+  std::uint64_t ends;
+};
+
+// Eight elements at once where each takes three octets and, with the key behind or before it, a 32-bit word: labels of
+// twenty bits mostly do. A quarter of the work that windows take.
+class label_block {
+ public:
+  static constexpr std::size_t elements = 8;
+  static constexpr std::size_t size = elements * 4;
+  static constexpr bool usable = std::endian::native == std::endian::little;
+
+  explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
+
+  // On the wire: whether each word is a value of three octets and a key of one behind it.
+  PAVO_ZORV_INLINE bool regular(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
+
+  PAVO_ZORV_INLINE void read(std::uint32_t *values) const {
+    const words labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
+    std::memcpy(values, &labels, size);
+  }
+
+  // In memory: whether each value takes three octets.
+  PAVO_ZORV_INLINE static bool all_labels(const std::uint32_t *values) {
+    const label_block block(values);
+    return none(static_cast<words>(block.words_ - 0x4000 >= 0x200000 - 0x4000));
+  }
+
+  // Each value with the key before it.
+  PAVO_ZORV_INLINE static void write(octet *at, std::uint32_t key, const std::uint32_t *values) {
+    const words labels = label_block(values).words_;
+    const words octets = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
+    std::memcpy(at, &octets, size);
+  }
+
+ private:
+  using words [[gnu::vector_size(size)]] = std::uint32_t;
+
+  PAVO_ZORV_INLINE static bool none(const words &bits) {
+    std::uint64_t parts[size / 8];
+    std::memcpy(parts, &bits, size);
+    return (parts[0] | parts[1] | parts[2] | parts[3]) == 0;
+  }
+
+  words words_;
+};
+
+// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Varints
+// end in turn at a value and at a key, so the parity of the ends tells them apart; where a key should begin and none in
+// its shortest form does, the run ends, or goes on with an odd key that is read by itself. Returns the place behind the
+// last value; null when a value, or the key behind one, is cut off.
+template <unsigned KeySize, class Visit>
+PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const octet *end, const octet *limit,
+                                       Visit &visit) {
+  const key_octets<KeySize> octets(key);
+  for (;;) {
+    if constexpr (KeySize == 1 && Visit::wants_blocks) {
+      while (end - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
+        const label_block block(at);
+        if (!block.regular(key)) break;
+        visit.block(block);
+        at += label_block::size;
+      }
+    }
+    const auto left = static_cast<std::size_t>(end - at);
+    const window seen = look(at, limit, octets);
+    const std::uint64_t inside = left < window_size ? (std::uint64_t{1} << left) - 1 : ~std::uint64_t{0};
+    const std::uint64_t ends = seen.ends & inside;
+    const std::uint64_t values = ends & parity_up_to(ends);
+    const std::uint64_t odd = (values << 1 & inside) & ~seen.keys;
+    if (odd == 0 && left <= window_size) {
+      // All that is left is seen, and regular: it must end with a value.
+      if (left == 0 || (values >> (left - 1) & 1) == 0) return nullptr;
+      visit.elements(elements_seen{at, values});
+      return end;
+    }
+    const std::uint64_t keys = ends & ~values;
+    if (odd == 0 && keys != 0) {
+      // The window may cut the last value, or the key behind it: the next one begins behind the last whole key.
+      const auto whole = static_cast<unsigned>(64 - std::countl_zero(keys));
+      visit.elements(elements_seen{at, values & ((std::uint64_t{1} << (whole - 1)) - 1)});
+      at += whole;
+      continue;
+    }
+    if (odd == 0) {
+      // One value that is longer than the window, or as long.
+      const octet *const next = skip_varint(at, end);
+      if (next == nullptr) return nullptr;
+      visit.elements(elements_seen{at, std::uint64_t{1} << 63});
+      at = next;
+      if (at == end) return end;
+    } else {
+      const auto place = static_cast<unsigned>(std::countr_zero(odd));
+      visit.elements(elements_seen{at, values & ((std::uint64_t{1} << place) - 1)});
+      at += place;
+    }
+    const auto [next, other] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return nullptr;
+    if (number_of(other) != number_of(key)) return at;
+    at = next;
+  }
+}
+
+template <class Element>
+struct element_counter {
+  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
+  std::size_t count = 0;
+
+  void elements(elements_seen seen) { count += count_bits(seen.ends); }
+  void block(const label_block &) { count += label_block::elements; }
+};
+
+// The low 35 bits of a varint whose octets are the low ones of a word: seven of each octet, put together.
+constexpr std::uint32_t varint_value(std::uint64_t word) {
+  word = (word & 0x7f007f007f) | (word & 0x7f007f00) >> 1;
+  word = (word & 0x7f00003fff) | (word & 0x3fff0000) >> 2;
+  return static_cast<std::uint32_t>((word & 0xfffffff) | (word & 0x7f00000000) >> 4);
+}
+
+template <unsigned KeySize, class Element>
+struct element_reader {
+  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
+  Element *next;
+  const octet *limit;
+
+  PAVO_ZORV_INLINE void elements(elements_seen seen) {
+    const octet *begin = seen.at;
+    for (std::uint64_t ends = seen.ends; ends != 0; ends &= ends - 1) {
+      const octet *const last = seen.at + std::countr_zero(ends);
+      *next++ = value(begin, last);
+      begin = last + 1 + KeySize;
+    }
+  }
+
+  PAVO_ZORV_INLINE void block(const label_block &block) {
+    if constexpr (wants_blocks) {
+      block.read(next);
+      next += label_block::elements;
+    }
+  }
+
+ private:
+  // The first octet, and the lowest bit of the second if there is one.
+  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin, const octet *) const requires(sizeof(Element) == 1) {
+    const octet more = *begin >> 7;
+    return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & more) << 7);
+  }
+
+  // At most five octets, as one word; at the end of the buffer the last word there is.
+  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin, const octet *last) const requires(sizeof(Element) == 4) {
+    const auto left = static_cast<std::size_t>(limit - begin);
+    const std::size_t missing = left < 8 ? 8 - left : 0;
+    std::uint64_t word = load_word(begin - missing) >> 8 * missing;
+    const std::ptrdiff_t others = last - begin;
+    word &= ~std::uint64_t{0} >> (56 - 8 * (others < 4 ? others : 4));
+    return varint_value(word);
+  }
+};
+
+// Runs with the key in its shortest form, in a buffer that is long enough for one load.
+template <class Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE std::size_t count_regular(std::uint32_t key, const octet *at, const octet *end, const octet *limit) {
+  element_counter<Element> counter;
+  return walk_run<KeySize>(key, at, end, limit, counter) != nullptr ? counter.count : 0;
+}
+
+template <class Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::uint32_t key, const octet *at, const octet *end,
+                                             const octet *limit) {
+  element_reader<KeySize, Element> reader{elements, limit};
+  return walk_run<KeySize>(key, at, end, limit, reader);
+}
+
+// Counts the integers of a run from its first value on; 0 when a value, or the key behind one, is cut off.
+template <class Element>
+PAVO_ZORV_INLINE std::size_t count_integers(unsigned number, const octet *at, const octet *end, const buffer &whole) {
+  if (whole.size() < piece::size) return plain::count_integers(number, at, end);
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  return key < 0x80 ? count_regular<Element, 1>(key, at, end, whole.limit)
+                    : count_regular<Element, 2>(key, at, end, whole.limit);
+}
+
+// Reads integers that have been counted; returns the place behind the last.
+template <class Element>
+PAVO_ZORV_INLINE const octet *read_integers(Element *elements, std::size_t count, unsigned number, const octet *at,
+                                            const octet *end, const buffer &whole) {
+  if (whole.size() < piece::size) return plain::read_integers(elements, count, at, end);
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  return key < 0x80 ? read_regular<Element, 1>(elements, key, at, end, whole.limit)
+                    : read_regular<Element, 2>(elements, key, at, end, whole.limit);
+}
+
+// Integers element by element, unsigned: -1, 0 or 1.
+inline int compare_integers(const std::uint8_t *a, const std::uint8_t *b, std::size_t count) {
+  return count != 0 ? compare_values(std::memcmp(a, b, count), 0) : 0;
+}
+
+// Equal blocks are found equal eight elements at a time; the first difference is looked for one by one.
+inline int compare_integers(const std::uint32_t *a, const std::uint32_t *b, std::size_t count) {
+  std::size_t index = 0;
+  while (count - index >= 8 && std::memcmp(a + index, b + index, 8 * sizeof *a) == 0) index += 8;
+  for (; index < count; ++index) {
+    if (a[index] != b[index]) return compare_values(a[index], b[index]);
+  }
+  return 0;
+}
+
+// Two octets from 128 on: eight highest bits at a time.
+inline std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
+  std::size_t octets = count;
+  for (; count >= 8; elements += 8, count -= 8) {
+    octets += count_bits(load_word(elements) & 0x8080808080808080);
+  }
+  for (; count != 0; ++elements, --count) octets += *elements >> 7;
+  return octets;
+}
+
+// One octet more for each power of 128 that an element reaches; eight elements at a time.
+inline std::size_t measure_integers(const std::uint32_t *elements, std::size_t count) {
+  using words [[gnu::vector_size(32)]] = std::uint32_t;
+  using counts [[gnu::vector_size(32)]] = std::int32_t;
+  std::size_t octets = count;
+  while (count >= 8) {
+    // Sums of -4 for each element: far from overflow in one stretch.
+    counts sums = {};
+    const std::size_t stretch = count < 8 * 4096 ? count / 8 : 4096;
+    for (std::size_t index = 0; index < stretch; ++index, elements += 8) {
+      words values;
+      std::memcpy(&values, elements, sizeof values);
+      sums += (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
+    }
+    for (unsigned index = 0; index < 8; ++index) octets -= static_cast<std::size_t>(sums[index]);
+    count -= stretch * 8;
+  }
+  return octets - count + plain::measure_integers(elements, count);
+}
+
+// Writes integers backwards, each with its key.
+template <class Sink, class Element>
+PAVO_ZORV_INLINE typename Sink::place prepend_integers(const Sink &sink, typename Sink::place at, unsigned number,
+                                                       const Element *elements, std::size_t count) {
+  return plain::prepend_integers(sink, at, number, elements, count);
+}
+
+// Each element with its key is put together as a word and stored so that it ends where the one behind it begins. What
+// the store overwrites before it is not yet written: the first elements, before which there is too little, are written
+// plainly.
+template <unsigned KeySize>
+PAVO_ZORV_NOINLINE octet *prepend_with_keys(octet *at, std::uint32_t key, const std::uint8_t *elements,
+                                            std::size_t count) {
+  const key_octets<KeySize> octets(key);
+  // Key, value and the octet 1 that a value from 128 on takes as well: shifted out where it is not wanted.
+  const std::uint64_t last_key_octet = KeySize == 1 ? octets.first : octets.second;
+  const std::uint64_t other_key_octet = KeySize == 1 ? 0 : octets.first;
+  const std::uint64_t pattern = other_key_octet << 8 | last_key_octet << 16 | std::uint64_t{1} << 32;
+  for (std::size_t index = count; index-- != 0;) {
+    const std::uint64_t value = elements[index];
+    store_word(at - 4, static_cast<std::uint32_t>((pattern | value << 24) >> (value >> 4 & 8)));
+    at -= KeySize + 1 + (value >> 7);
+  }
+  return at;
+}
+
+template <unsigned KeySize>
+PAVO_ZORV_NOINLINE octet *prepend_with_keys(octet *at, std::uint32_t key, const std::uint32_t *elements,
+                                            std::size_t count) {
+  const key_octets<KeySize> octets(key);
+  const std::uint32_t key_word = KeySize == 1 ? octets.first : octets.first | std::uint32_t{octets.second} << 8;
+  while (count != 0) {
+    if constexpr (KeySize == 1 && label_block::usable) {
+      while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
+        count -= label_block::elements;
+        at -= label_block::size;
+        label_block::write(at, key, elements + count);
+      }
+    }
+    for (std::size_t some = count < 8 ? count : 8; some-- != 0;) {
+      const std::uint32_t value = elements[--count];
+      const auto size = static_cast<unsigned>(varint_size(value));
+      store_word(at - 8, (key_word | varint_word(value, size) << 8 * KeySize) << (64 - 8 * (KeySize + size)));
+      at -= KeySize + size;
+    }
+  }
+  return at;
+}
+
+template <class Element>
+PAVO_ZORV_INLINE octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number, const Element *elements,
+                                         std::size_t count) {
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  const auto prepend = [key](octet * end, const Element *some, std::size_t size) __attribute__((always_inline)) {
+    return key < 0x80 ? prepend_with_keys<1>(end, key, some, size) : prepend_with_keys<2>(end, key, some, size);
+  };
+  // Seven octets an element at most, and a word before the first.
+  const auto room = static_cast<std::size_t>(at - sink.first);
+  if (room >= sizeof(std::uint64_t) && (room - sizeof(std::uint64_t)) / 7 >= count) return prepend(at, elements, count);
+  const std::size_t first = count < 3 ? count : 3;
+  if (count > 3) at = prepend(at, elements + 3, count - 3);
+  return plain::prepend_integers(sink, at, number, elements, first);
+}
+
+}  // namespace pavo_zorv

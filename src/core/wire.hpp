@@ -1,0 +1,130 @@
+// The wire format: keys, varints and lengths, read forwards and written backwards. Nothing here knows a message.
+#pragma once
+
+#include <bit>
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#define PAVO_ZORV_INLINE [[gnu::always_inline]] inline
+#define PAVO_ZORV_NOINLINE [[gnu::noinline]]
+
+namespace pavo_zorv {
+
+using octet = unsigned char;
+
+enum class wire_type : unsigned { varint = 0, fixed64 = 1, delimited = 2, fixed32 = 5 };
+
+// A key as it is read: the field's number and its wire type.
+constexpr std::uint32_t key_of(unsigned number, wire_type type) { return number << 3 | static_cast<unsigned>(type); }
+
+// Of keys, only the number is compared: an over-long key names the same field, and so does one with another wire type.
+constexpr std::uint32_t number_of(std::uint32_t key) { return key >> 3; }
+
+// The caller's whole buffer. A load may pass the end of a message, but never that of the buffer that it lies in.
+struct buffer {
+  const octet *first;
+  const octet *limit;
+  std::size_t size() const { return static_cast<std::size_t>(limit - first); }
+};
+
+// Eight octets as a number, the first the lowest.
+PAVO_ZORV_INLINE std::uint64_t load_word(const octet *at) {
+  std::uint64_t word;
+  std::memcpy(&word, at, sizeof word);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  return word;
+}
+
+template <class Word>
+PAVO_ZORV_INLINE void store_word(octet *at, Word word) {
+  if constexpr (std::endian::native == std::endian::big) {
+    word = sizeof word == 8 ? static_cast<Word>(__builtin_bswap64(word))
+                            : static_cast<Word>(__builtin_bswap32(static_cast<std::uint32_t>(word)));
+  }
+  std::memcpy(at, &word, sizeof word);
+}
+
+// The number of ones. Where the processor cannot be relied on to count them, the compiler would call a function.
+PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
+#if defined(__x86_64__) && !defined(__POPCNT__)
+  bits -= bits >> 1 & 0x5555555555555555;
+  bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
+  return static_cast<unsigned>(((bits + (bits >> 4)) & 0x0f0f0f0f0f0f0f0f) * 0x0101010101010101 >> 56);
+#else
+  return static_cast<unsigned>(std::popcount(bits));
+#endif
+}
+
+// Octets of a value as a varint: one for every seven bits, at least one. The product is a division by seven.
+template <class Value>
+constexpr std::size_t varint_size(Value value) {
+  const auto bits = static_cast<unsigned>(std::bit_width(static_cast<Value>(value | 1)));
+  return (bits * 9 + 64) / 64;
+}
+
+// A varint of a size up to eight octets, as the low ones of a word. The seven-bit groups are spread by halves.
+constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
+  value = (value & 0xfffffff) | (value & 0xfffffff0000000) << 4;
+  value = (value & 0x3fff00003fff) | (value & 0xfffc0000fffc000) << 2;
+  value = (value & 0x7f007f007f007f) | (value & 0x3f803f803f803f80) << 1;
+  return value | (0x8080808080808080 & ((std::uint64_t{1} << 8 * (size - 1)) - 1));
+}
+
+// Where reading goes on, and what was read; `next` is null when the input ended inside the varint.
+template <class Value>
+struct varint {
+  const octet *next;
+  Value value;
+};
+
+// The general case: any number of octets, of which those beyond the value's width add nothing.
+template <class Value>
+PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *end) {
+  constexpr unsigned width = sizeof(Value) * CHAR_BIT;
+  Value value = 0;
+  unsigned shift = 0;
+  for (; at != end; ++at) {
+    if (shift < width) {
+      value = static_cast<Value>(value | static_cast<Value>(*at & 0x7f) << shift);
+      shift += 7;
+    }
+    if (*at < 0x80) return {at + 1, value};
+  }
+  return {nullptr, 0};
+}
+
+// Keys, lengths and most values take one octet.
+template <class Value>
+PAVO_ZORV_INLINE varint<Value> read_varint(const octet *at, const octet *end) {
+  if (at != end && *at < 0x80) [[likely]]
+    return {at + 1, *at};
+  return read_long_varint<Value>(at, end);
+}
+
+// Steps over a varint; null when the input ends inside it.
+PAVO_ZORV_INLINE const octet *skip_varint(const octet *at, const octet *end) {
+  while (at != end) {
+    if (*at++ < 0x80) return at;
+  }
+  return nullptr;
+}
+
+// A length and the octets behind it; `first` is null when either runs past the end.
+struct delimited {
+  const octet *first;
+  const octet *last;
+  std::size_t length() const { return static_cast<std::size_t>(last - first); }
+};
+
+PAVO_ZORV_INLINE delimited read_delimited(const octet *at, const octet *end) {
+  const auto [first, length] = read_varint<std::uint32_t>(at, end);
+  if (first == nullptr || length > static_cast<std::size_t>(end - first)) return {nullptr, nullptr};
+  return {first, first + length};
+}
+
+// Steps over a length and the octets behind it; null when either runs past the end.
+PAVO_ZORV_INLINE const octet *skip_delimited(const octet *at, const octet *end) { return read_delimited(at, end).last; }
+
+}  // namespace pavo_zorv

@@ -1,0 +1,88 @@
+#!/usr/bin/env bash
+# One check of the built library: library_file.bash WHAT SHARED STATIC SOURCE_FOLDER
+set -euo pipefail
+what=$1 shared=$2 static=$3 source=$4
+export LC_ALL=C
+
+fail() { printf '%s\n' "$@" >&2; exit 1; }
+
+exported() { nm -D --defined-only "$shared" | awk '$2 == "T" { print $3 }' | sed 's/@.*//' | sort; }
+
+# Compares two sorted lists; an empty one is a failure of the check itself.
+same() {
+  [ -s "$1" ] && [ -s "$2" ] || fail "an empty list: $3"
+  diff "$1" "$2" || fail "$3"
+}
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+case $what in
+  exports_what_the_header_declares)
+    exported > "$work/exported"
+    grep -oE '\bpavo_zorv_[a-z0-9_]+\(' "$source/include/pavo_zorv.h" | grep -oE 'pavo_zorv_[a-z0-9_]+_(decode_ext|encode_ext|duplicate|free_ext|compare)\(' | tr -d '(' | sort -u > "$work/declared"
+    # Every declaration, not only those that look like operations.
+    grep -cE '^PAVO_ZORV_API ' "$source/include/pavo_zorv.h" > "$work/declarations"
+    [ "$(cat "$work/declarations")" = "$(wc -l < "$work/declared")" ] || fail "the header declares something else as well"
+    same "$work/exported" "$work/declared" "the library exports (<) something else than the header declares (>)"
+    # Nothing but functions and the version node.
+    others=$(nm -D --defined-only "$shared" | awk '$2 != "T" && $2 != "A" { print }')
+    [ -z "$others" ] || fail "exported, but no function:" "$others"
+    ;;
+  exports_five_functions_of_each_message)
+    exported > "$work/exported"
+    sed -n 's/^PAVO_ZORV_TEST_OPERATIONS(\([a-z0-9_]*\),.*/\1/p' "$source/tests/support/messages.inc" > "$work/messages"
+    while read -r message; do
+      for operation in decode_ext encode_ext duplicate free_ext compare; do echo "pavo_zorv_${message}_$operation"; done
+    done < "$work/messages" | sort > "$work/expected"
+    same "$work/exported" "$work/expected" "the library exports (<) something else than five functions of each message (>)"
+    [ "$(wc -l < "$work/exported")" = 155 ] || fail "not 155 functions: $(wc -l < "$work/exported")"
+    ;;
+  needs_nothing_but_memory_and_string_functions)
+    needed=$(nm -D --undefined-only "$shared" | awk '{ print $2 }' | sed 's/@.*//')
+    [ -n "$needed" ] || fail "no undefined symbols at all: nm said nothing"
+    for symbol in $needed; do
+      case $symbol in
+        memcpy | memmove | memset | memcmp | strlen | strcmp) ;;
+        __stack_chk_fail | __memcpy_chk | __memmove_chk | __memset_chk) ;; # the compiler's hardening
+        *) fail "needs $symbol" ;;
+      esac
+    done
+    # The archive as well: there the linker cannot have filled in a helper function of the compiler's.
+    needed=$(nm -A --undefined-only "$static" | awk '{ print $NF }' | sort -u)
+    [ -n "$needed" ] || fail "no undefined symbols at all: nm said nothing"
+    for symbol in $needed; do
+      case $symbol in
+        memcpy | memmove | memset | memcmp | strlen | strcmp | _GLOBAL_OFFSET_TABLE_) ;;
+        __stack_chk_fail | __memcpy_chk | __memmove_chk | __memset_chk) ;;
+        *) fail "the archive needs $symbol" ;;
+      esac
+    done
+    libraries=$(readelf -d "$shared" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+    [ "$libraries" = libc.so.6 ] || fail "needs other libraries than libc: $libraries"
+    ;;
+  has_no_writable_data_and_no_initialisers)
+    sections=$(readelf -SW "$shared" | sed -n 's/^ *\[ *[0-9]*\] \(\.[^ ]*\).*/\1/p')
+    grep -qx .text <<< "$sections" || fail "no text section: readelf said: $sections"
+    if grep -xE '\.(data|bss|tdata|tbss|init|init_array|fini|fini_array|ctors|dtors)(\..*)?' <<< "$sections"; then
+      fail "sections that should not be there"
+    fi
+    ;;
+  static_archive_has_no_writable_data_and_no_initialisers)
+    size -A "$static" > "$work/sizes"
+    grep -q '^\.text' "$work/sizes" || fail "no text section: size said nothing"
+    if awk '$1 ~ /^\.(data|bss|tdata|tbss|init_array|fini_array|ctors|dtors)/ && $1 !~ /^\.data\.rel\.ro/ && $2 != 0' "$work/sizes" | grep .; then
+      fail "sections that should not be there"
+    fi
+    ;;
+  has_the_abi_number_in_its_soname)
+    soname=$(readelf -d "$shared" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
+    [ "$soname" = libpavo_zorv.so.1 ] || fail "soname: $soname"
+    ;;
+  text_is_below_200_kilobytes)
+    text=$(size -A "$shared" | awk '$1 == ".text" { print $2 }')
+    [ "$text" -gt 0 ] && [ "$text" -lt 204800 ] || fail "text section: $text octets"
+    echo "text section: $text octets"
+    ;;
+  *) fail "no such check: $what" ;;
+esac
