@@ -1,0 +1,61 @@
+// Base64 and UTF-8, as JSON needs them.
+#include "text_forms.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "support.hpp"
+
+namespace inspect {
+namespace {
+
+octets of(std::string_view text) { return octets(text.begin(), text.end()); }
+
+// The examples of RFC 4648.
+TEST(base64, ends_with_padding_to_groups_of_four) {
+  const std::pair<std::string_view, std::string_view> pairs[] = {{"", ""},
+                                                                 {"f", "Zg=="},
+                                                                 {"fo", "Zm8="},
+                                                                 {"foo", "Zm9v"},
+                                                                 {"foob", "Zm9vYg=="},
+                                                                 {"fooba", "Zm9vYmE="},
+                                                                 {"foobar", "Zm9vYmFy"}};
+  for (const auto &[plain, encoded] : pairs) {
+    EXPECT_EQ(to_base64(of(plain)), encoded);
+    EXPECT_EQ(from_base64(encoded), of(plain));
+  }
+}
+
+TEST(base64, has_plus_and_slash_as_its_last_digits) {
+  EXPECT_EQ(to_base64(test::hex("fb ef ff")), "++//");
+  EXPECT_EQ(from_base64("++//"), test::hex("fb ef ff"));
+}
+
+TEST(base64, is_refused_in_any_other_form) {
+  for (const std::string_view text :
+       {"Zg", "Zg=", "Z===", "====", "=", "Zg==Zg==", "Zm9v ", "Zm-_", "Zh==", "Zm9=", "Z=m8"}) {
+    EXPECT_EQ(from_base64(text), std::nullopt) << text;
+  }
+}
+
+TEST(utf8, has_characters_of_one_to_four_octets) {
+  for (const std::string_view text : {"", "plain", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf",
+                                      "\xef\xbf\xbf", "\xf0\x90\x80\x80", "\xf4\x8f\xbf\xbf",
+                                      "a\xc3\xbc"
+                                      "b"}) {
+    EXPECT_TRUE(is_utf8(text)) << test::show(of(text));
+  }
+}
+
+TEST(utf8, has_no_long_forms_no_surrogates_and_no_halves) {
+  for (const std::string_view text :
+       {"\x80", "\xc0\x80", "\xc1\xbf", "\xe0\x9f\xbf", "\xed\xa0\x80", "\xf0\x8f\xbf\xbf", "\xf4\x90\x80\x80",
+        "\xf5\x80\x80\x80", "\xff", "\xc3", "\xe2\x82", "\xf0\x9f\x98", "\xc3(", "\xe2\x82("}) {
+    EXPECT_FALSE(is_utf8(text)) << test::show(of(text));
+  }
+}
+
+}  // namespace
+}  // namespace inspect

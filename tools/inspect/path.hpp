@@ -1,0 +1,25 @@
+// The way from the outermost message to a field.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace inspect {
+
+struct field_type;
+
+struct step {
+  const field_type *field;
+  std::optional<std::size_t> index;  // of a list's element
+};
+
+using path = std::vector<step>;
+using path_view = std::span<const step>;
+
+// "hops[2].field5"; nothing for the outermost message.
+std::string to_string(path_view steps);
+
+}  // namespace inspect

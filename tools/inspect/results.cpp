@@ -1,0 +1,56 @@
+// Results in words.
+#include "results.hpp"
+
+#include <fmt/format.h>
+
+#include "pavo_zorv.h"
+
+namespace inspect {
+namespace {
+
+std::string named(int result) { return fmt::format("{} ({})", result_name(result), result); }
+
+std::string place(const message_type &type, const walk_failure &failure) {
+  const std::string field = to_string(failure.path);
+  return fmt::format("offset {} ({:#x}), {}", failure.offset, failure.offset,
+                     field.empty() ? fmt::format("in {} itself", type.name) : field);
+}
+
+}  // namespace
+
+const char *result_name(int result) {
+  switch (result) {
+    case CODEC_OK:
+      return "CODEC_OK";
+    case CODEC_ERR_TRUNCATED:
+      return "CODEC_ERR_TRUNCATED";
+    case CODEC_ERR_BAD_WIRE_TYPE:
+      return "CODEC_ERR_BAD_WIRE_TYPE";
+    case CODEC_ERR_WRONG_WIRE_TYPE:
+      return "CODEC_ERR_WRONG_WIRE_TYPE";
+    case CODEC_ERR_NO_MEMORY:
+      return "CODEC_ERR_NO_MEMORY";
+    default:
+      return "no result of this library";
+  }
+}
+
+bool agree(int result, const walk &walked) { return result == walked.result() || result == CODEC_ERR_NO_MEMORY; }
+
+std::string explain(const message_type &type, int result, const walk &walked) {
+  if (!agree(result, walked)) {
+    return fmt::format(
+        "*** DEFECT: the library and this tool's own walk disagree about this input ***\n"
+        "  pavo_zorv_{}_decode_ext: {}\n"
+        "  the walk: {}{}\n"
+        "One of them is wrong: please report it together with the input.\n",
+        type.name, named(result), named(walked.result()),
+        walked.failure ? fmt::format(", {}: {}", place(type, *walked.failure), walked.failure->reason) : "");
+  }
+  if (result == CODEC_ERR_NO_MEMORY) return fmt::format("{}: there is not enough memory for it\n", named(result));
+  if (!walked.failure) return {};
+  return fmt::format("{}\n  where: {}\n  why:   {}\n", named(result), place(type, *walked.failure),
+                     walked.failure->reason);
+}
+
+}  // namespace inspect

@@ -1,0 +1,250 @@
+// The walk, rule by rule as the library decodes.
+#include "walk.hpp"
+
+#include <fmt/format.h>
+
+#include <bitset>
+#include <string_view>
+#include <utility>
+
+namespace inspect {
+namespace {
+
+struct varint {
+  std::size_t next;
+  std::uint64_t value;
+};
+
+class walker {
+ public:
+  explicit walker(octet_view input) : input_(input) {}
+
+  // False when the reading ends here; `done.failure` says why.
+  bool message(const message_type &type, std::size_t at, std::size_t end) {
+    std::bitset<32> seen;
+    while (at != end) {
+      const auto key = read_varint(at, end, 32);
+      if (!key) return cut_off(at, "the key");
+      const field_type *const field = type.field(static_cast<std::uint32_t>(key->value >> 3));
+      walked_field here = begun(field, *key, at);
+      if (field == nullptr) {
+        if (!unknown(here, end)) return false;
+      } else {
+        here.again = seen[field->number - 1];
+        if (!known(here, end)) return false;
+        seen.set(field->number - 1);
+      }
+      at = here.end;
+    }
+    return true;
+  }
+
+  walk done;
+
+ private:
+  // Any number of octets: of those beyond the width, nothing is kept.
+  std::optional<varint> read_varint(std::size_t at, std::size_t end, unsigned width) const {
+    std::uint64_t value = 0;
+    for (unsigned shift = 0; at != end; ++at) {
+      if (shift < width) {
+        value |= std::uint64_t{input_[at] & 0x7fu} << shift;
+        shift += 7;
+      }
+      if (input_[at] < 0x80) return varint{at + 1, width == 32 ? value & 0xffffffff : value};
+    }
+    return std::nullopt;
+  }
+
+  // A field of which only the key has been read.
+  walked_field begun(const field_type *field, varint key, std::size_t start,
+                     std::optional<std::size_t> index = {}) const {
+    return {.field = field,
+            .index = index,
+            .depth = depth_,
+            .key = static_cast<std::uint32_t>(key.value),
+            .start = start,
+            .value = key.next,
+            .content = key.next};
+  }
+
+  bool fail(int result, std::size_t offset, std::string reason) {
+    done.failure = {result, offset, path_, depth_, std::move(reason)};
+    return false;
+  }
+
+  bool fail_in(step where, int result, std::size_t offset, std::string reason) {
+    path_.push_back(where);
+    return fail(result, offset, std::move(reason));
+  }
+
+  std::string around() const { return path_.empty() ? "the input" : to_string(path_); }
+
+  bool cut_off(std::size_t offset, std::string_view what) {
+    return fail(CODEC_ERR_TRUNCATED, offset, fmt::format("{} is cut off by the end of {}", what, around()));
+  }
+
+  bool cut_off_in(const walked_field &here, std::string_view what) {
+    return fail_in({here.field, here.index}, CODEC_ERR_TRUNCATED, here.value,
+                   fmt::format("{} is cut off by the end of {}", what, around()));
+  }
+
+  // --- Unknown fields ---
+
+  // One of known size that runs past the end of its message ends the message in good order.
+  bool unknown(walked_field &here, std::size_t end) {
+    switch (static_cast<wire_type>(here.key & 7)) {
+      case wire_type::varint:
+        if (const auto value = read_varint(here.value, end, 64)) {
+          here.number = value->value;
+          here.end = value->next;
+          break;
+        }
+        return cut_off(here.value, fmt::format("the varint of unknown field {}", here.key >> 3));
+      case wire_type::delimited:
+        if (const auto length = read_varint(here.value, end, 32)) {
+          here.number = length->value;
+          here.content = length->next;
+          break;
+        }
+        return cut_off(here.value, fmt::format("the length of unknown field {}", here.key >> 3));
+      case wire_type::fixed64:
+        here.number = 8;
+        break;
+      case wire_type::fixed32:
+        here.number = 4;
+        break;
+      default:
+        return fail(CODEC_ERR_BAD_WIRE_TYPE, here.start,
+                    fmt::format("unknown field {} cannot be skipped: {}", here.key >> 3, wire_type_name(here.key)));
+    }
+    if (here.end == 0) here.end = here.number < end - here.content ? here.content + here.number : end;
+    done.fields.push_back(here);
+    return true;
+  }
+
+  // --- Known fields: first the wire type, then whether the field may come again, then what it holds ---
+
+  bool known(walked_field &here, std::size_t end) {
+    const field_type &field = *here.field;
+    if ((here.key & 7) != static_cast<unsigned>(field.wire)) {
+      return fail_in({&field, {}}, CODEC_ERR_WRONG_WIRE_TYPE, here.start,
+                     fmt::format("the key says {}, the field is {}", wire_type_name(here.key),
+                                 wire_type_name(static_cast<unsigned>(field.wire))));
+    }
+    switch (field.kind) {
+      case kind::flag:
+      case kind::integer:
+        return scalar(here, end);
+      case kind::string:
+      case kind::bytes:
+        if (here.again) return fail_again(here, "it comes a second time");
+        if (!delimited(here, end)) return false;
+        done.fields.push_back(here);
+        return true;
+      case kind::message:
+        if (!delimited(here, end)) return false;
+        done.fields.push_back(here);
+        return inside(here);
+      case kind::integers:
+      case kind::messages:
+        if (here.again) return fail_again(here, "a second run of it: the elements of a list stand together");
+        return run(here, end);
+    }
+    return false;
+  }
+
+  bool fail_again(const walked_field &here, const char *reason) {
+    return fail_in({here.field, {}}, CODEC_ERR_TRUNCATED, here.start, reason);
+  }
+
+  bool scalar(walked_field &here, std::size_t end) {
+    const auto value = read_varint(here.value, end, here.field->bits == 64 ? 64 : 32);
+    if (!value) return cut_off_in(here, "the value");
+    here.number = value->value;
+    here.end = value->next;
+    done.fields.push_back(here);
+    return true;
+  }
+
+  // The length, and that what it announces is there.
+  bool delimited(walked_field &here, std::size_t end) {
+    const auto length = read_varint(here.value, end, 32);
+    if (!length) return cut_off_in(here, "the length");
+    const std::size_t left = end - length->next;
+    if (length->value > left) {
+      return fail_in({here.field, here.index}, CODEC_ERR_TRUNCATED, here.value,
+                     fmt::format("{} octets are announced, {} are left in {}", length->value, left, around()));
+    }
+    here.number = length->value;
+    here.content = length->next;
+    here.end = length->next + length->value;
+    return true;
+  }
+
+  bool inside(const walked_field &here) {
+    path_.push_back({here.field, here.index});
+    ++depth_;
+    if (!message(*here.field->nested, here.content, here.end)) return false;
+    --depth_;
+    path_.pop_back();
+    return true;
+  }
+
+  // --- Lists ---
+
+  // The whole run is measured before anything of it is read: when that fails, nothing of it counts. Of the keys inside,
+  // only the number matters, not the wire type.
+  bool run(walked_field &here, std::size_t end) {
+    const std::size_t before = done.fields.size();
+    here.index = 0;
+    while (true) {
+      const bool whole = here.field->kind == kind::integers ? scalar(here, end) : measured(here, end);
+      if (!whole) return forget_from(before);
+      if (here.end == end) break;
+      const auto key = read_varint(here.end, end, 32);
+      if (!key) {
+        cut_off(here.end, fmt::format("the key behind {}[{}]", here.field->name, *here.index));
+        return forget_from(before);
+      }
+      if (key->value >> 3 != here.field->number) break;
+      here = begun(here.field, *key, here.end, *here.index + 1);
+    }
+    return here.field->kind == kind::integers || elements(before);
+  }
+
+  bool measured(walked_field &here, std::size_t end) {
+    if (!delimited(here, end)) return false;
+    done.fields.push_back(here);
+    return true;
+  }
+
+  bool forget_from(std::size_t first) {
+    done.fields.resize(first);
+    return false;
+  }
+
+  // Goes into the elements of a run that has been measured; each is followed by its own fields.
+  bool elements(std::size_t first) {
+    const std::vector<walked_field> run(done.fields.begin() + static_cast<std::ptrdiff_t>(first), done.fields.end());
+    done.fields.resize(first);
+    for (const walked_field &element : run) {
+      done.fields.push_back(element);
+      if (!inside(element)) return false;
+    }
+    return true;
+  }
+
+  octet_view input_;
+  path path_;
+  unsigned depth_ = 0;
+};
+
+}  // namespace
+
+walk walk_message(const message_type &type, octet_view input) {
+  walker walker(input);
+  walker.message(type, 0, input.size());
+  return std::move(walker.done);
+}
+
+}  // namespace inspect
