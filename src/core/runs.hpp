@@ -247,7 +247,7 @@ PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::uint32_t ke
 // Counts the integers of a run from its first value on; 0 when a value, or the key behind one, is cut off.
 template <class Element>
 PAVO_ZORV_INLINE std::size_t count_integers(unsigned number, const octet *at, const octet *end, const buffer &whole) {
-  if (whole.size() < piece::size) return plain::count_integers(number, at, end);
+  if (whole.size() < native_piece::size) return plain::count_integers(number, at, end);
   const std::uint32_t key = key_of(number, wire_type::varint);
   return key < 0x80 ? count_regular<Element, 1>(key, at, end, whole.limit)
                     : count_regular<Element, 2>(key, at, end, whole.limit);
@@ -257,7 +257,7 @@ PAVO_ZORV_INLINE std::size_t count_integers(unsigned number, const octet *at, co
 template <class Element>
 PAVO_ZORV_INLINE const octet *read_integers(Element *elements, std::size_t count, unsigned number, const octet *at,
                                             const octet *end, const buffer &whole) {
-  if (whole.size() < piece::size) return plain::read_integers(elements, count, at, end);
+  if (whole.size() < native_piece::size) return plain::read_integers(elements, count, at, end);
   const std::uint32_t key = key_of(number, wire_type::varint);
   return key < 0x80 ? read_regular<Element, 1>(elements, key, at, end, whole.limit)
                     : read_regular<Element, 2>(elements, key, at, end, whole.limit);

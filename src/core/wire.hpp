@@ -95,11 +95,11 @@ PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *
   return {nullptr, 0};
 }
 
-// Keys, lengths and most values take one octet.
+// Keys, lengths and most values take one octet, or two.
 template <class Value>
 PAVO_ZORV_INLINE varint<Value> read_varint(const octet *at, const octet *end) {
-  if (at != end && *at < 0x80) [[likely]]
-    return {at + 1, *at};
+  if (at != end && *at < 0x80) [[likely]] return {at + 1, *at};
+  if (end - at >= 2 && at[1] < 0x80) return {at + 2, static_cast<Value>((at[0] & 0x7f) | at[1] << 7)};
   return read_long_varint<Value>(at, end);
 }
 

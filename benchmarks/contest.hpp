@@ -1,0 +1,121 @@
+// The contest: who is timed doing what. A case is one contestant doing one operation on one workload; it is prepared
+// and checked when it is first wanted, and timed by repeating it.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace contest {
+
+using octets = std::vector<unsigned char>;
+using repeat = std::function<void(std::size_t times)>;
+
+// What a reader of the results has to know about a contestant to compare it.
+struct contestant {
+  const char *name;
+  const char *memory;
+  const char *strings;
+  const char *checks;
+};
+
+struct contest_case {
+  std::string operation;
+  std::string workload;
+  std::string contestant;
+  std::function<repeat()> prepare;
+
+  std::string name() const { return operation + "/" + workload + "/" + contestant; }
+};
+
+// A contestant that does not do the work is not timed.
+inline void require(bool holds, const char *what, const std::string &workload) {
+  if (holds) return;
+  std::cerr << "contestant failed its check: " << what << ", workload " << workload << "\n";
+  std::abort();
+}
+
+// Makes the optimiser believe that an object is read and that all memory may have changed.
+inline void keep(const void *object) { asm volatile("" : : "r"(object) : "memory"); }
+
+// The timed loop: one indirect call for all repetitions.
+template <class Step>
+repeat repeated(Step step) {
+  return [step = std::move(step)](std::size_t times) {
+    for (; times != 0; --times) {
+      step();
+      keep(nullptr);
+    }
+  };
+}
+
+class roll {
+ public:
+  void introduce(const contestant &who) { contestants.push_back(who); }
+
+  void enter(const char *operation, const std::string &workload, const char *who, std::function<repeat()> prepare) {
+    cases.push_back({operation, workload, who, std::move(prepare)});
+  }
+
+  std::vector<contestant> contestants;
+  std::vector<contest_case> cases;
+};
+
+// A bump allocator: what ours, protobuf-c, nanopb and protozero take memory from. Blocks are aligned for any record.
+class pool {
+ public:
+  explicit pool(std::size_t capacity) : capacity_(capacity), block_(new unsigned char[capacity]) {}
+
+  void reset() { used_ = 0; }
+
+  void *take(std::size_t size) {
+    const std::size_t rounded = (size + 7) & ~std::size_t{7};
+    if (rounded > capacity_ - used_) return nullptr;
+    void *const result = block_.get() + used_;
+    used_ += rounded;
+    return result;
+  }
+
+  // Makes the newest block smaller.
+  void trim(void *newest, std::size_t size) {
+    used_ =
+        static_cast<std::size_t>(static_cast<unsigned char *>(newest) - block_.get()) + ((size + 7) & ~std::size_t{7});
+  }
+
+  // Makes a block larger: where it stands if it is the newest one.
+  void *grow(void *block, std::size_t size, std::size_t larger);
+
+  // As the callbacks of the library.
+  static void *allocate(std::size_t size, void *context) { return static_cast<pool *>(context)->take(size); }
+  static void ignore(void *, void *) {}
+
+ private:
+  std::size_t capacity_;
+  std::size_t used_ = 0;
+  std::unique_ptr<unsigned char[]> block_;
+};
+
+// The callbacks of the library over the C library's allocator.
+inline void *allocate_from_heap(std::size_t size, void *) { return std::malloc(size != 0 ? size : 1); }
+inline void release_to_heap(void *block, void *) { std::free(block); }
+
+// Room for whatever any contestant makes of an encoding of this size; untouched pages cost nothing.
+constexpr std::size_t roomy(std::size_t length) { return length * 96 + (std::size_t{1} << 16); }
+
+// The contestants, each in a file of its own.
+void enter_library(roll &all);
+void enter_floors(roll &all);
+void enter_protobuf(roll &all);
+void enter_protobuf_c(roll &all);
+void enter_nanopb(roll &all);
+void enter_protozero(roll &all);
+
+// Everybody, on every workload.
+roll everybody();
+
+}  // namespace contest

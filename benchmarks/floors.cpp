@@ -1,0 +1,126 @@
+// The floors: what remains when nothing is understood. The octets are moved, and memory of the same sizes as ours is
+// taken; no codec that owns its memory can be faster.
+#include <cstring>
+
+#include "contest.hpp"
+#include "workloads.hpp"
+
+namespace contest {
+namespace {
+
+constexpr const char *octets_only = "floor_memcpy";
+constexpr const char *octets_and_pool = "floor_memcpy_clear_pool";
+constexpr const char *octets_and_heap = "floor_memcpy_clear_malloc";
+constexpr const char *octets_compared = "floor_memcmp";
+
+// Notes the sizes that are asked for.
+struct surveyor {
+  std::vector<std::size_t> sizes;
+  pool memory;
+
+  static void *allocate(std::size_t size, void *context) {
+    auto *const self = static_cast<surveyor *>(context);
+    self->sizes.push_back(size);
+    return self->memory.take(size);
+  }
+};
+
+template <class Record>
+struct bench {
+  explicit bench(const workload<Record> &what) : work(what), memory(roomy(what.longest())), output(what.longest()) {
+    for (const octets &message : what.wire) {
+      surveyor notes{{}, pool(roomy(message.size()))};
+      operations<Record>::decode(&record, message, surveyor::allocate, &notes, what.options);
+      blocks.push_back(std::move(notes.sizes));
+      most = std::max(most, blocks.back().size());
+    }
+    taken.resize(most);
+  }
+
+  const workload<Record> &work;
+  std::vector<std::vector<std::size_t>> blocks;
+  std::size_t most = 0;
+  std::vector<void *> taken;
+  pool memory;
+  octets output;
+  Record record{};
+};
+
+template <class Record>
+repeat move_octets(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  return repeated([on] {
+    for (const octets &message : on->work.wire) {
+      std::memcpy(on->output.data(), message.data(), message.size());
+      keep(on->output.data());
+    }
+  });
+}
+
+template <class Record>
+repeat move_octets_and_take_from_pool(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  // Through a pointer, as the library calls it.
+  const auto allocate = std::make_shared<pavo_zorv_allocate>(pool::allocate);
+  return repeated([on, allocate] {
+    for (std::size_t i = 0; i < on->work.wire.size(); ++i) {
+      std::memset(static_cast<void *>(&on->record), 0, sizeof on->record);
+      keep(&on->record);
+      on->memory.reset();
+      for (const std::size_t size : on->blocks[i]) keep((*allocate)(size, &on->memory));
+      std::memcpy(on->output.data(), on->work.wire[i].data(), on->work.wire[i].size());
+      keep(on->output.data());
+    }
+  });
+}
+
+template <class Record>
+repeat move_octets_and_take_from_heap(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  const auto allocate = std::make_shared<pavo_zorv_allocate>(allocate_from_heap);
+  return repeated([on, allocate] {
+    for (std::size_t i = 0; i < on->work.wire.size(); ++i) {
+      std::memset(static_cast<void *>(&on->record), 0, sizeof on->record);
+      keep(&on->record);
+      std::size_t count = 0;
+      for (const std::size_t size : on->blocks[i]) on->taken[count++] = (*allocate)(size, nullptr);
+      std::memcpy(on->output.data(), on->work.wire[i].data(), on->work.wire[i].size());
+      keep(on->output.data());
+      for (std::size_t k = 0; k < count; ++k) std::free(on->taken[k]);
+    }
+  });
+}
+
+template <class Record>
+repeat compare_octets(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  auto others = std::make_shared<std::vector<octets>>(work.wire);
+  return repeated([on, others] {
+    int sum = 0;
+    for (std::size_t i = 0; i < others->size(); ++i)
+      sum |= std::memcmp(on->work.wire[i].data(), (*others)[i].data(), (*others)[i].size());
+    keep(&sum);
+  });
+}
+
+}  // namespace
+
+void enter_floors(roll &all) {
+  all.introduce({octets_only, "none", "the encoding is copied by memcpy, nothing is read", "none"});
+  all.introduce({octets_and_pool, "the record cleared, and our block sizes from a pool", "as above", "none"});
+  all.introduce({octets_and_heap, "the record cleared, and our block sizes from malloc, freed", "as above", "none"});
+  all.introduce({octets_compared, "none", "two encodings are compared by memcmp", "none"});
+  all_workloads().each([&](const auto &work) {
+    const bool copyable = work.options == 0;
+    for (const char *operation : {"decode", "copy"}) {
+      if (!copyable && std::strcmp(operation, "copy") == 0) continue;
+      all.enter(operation, work.name, octets_only, [&] { return move_octets(work); });
+      all.enter(operation, work.name, octets_and_pool, [&] { return move_octets_and_take_from_pool(work); });
+      all.enter(operation, work.name, octets_and_heap, [&] { return move_octets_and_take_from_heap(work); });
+    }
+    all.enter("encode", work.name, octets_only, [&] { return move_octets(work); });
+    if (copyable) all.enter("compare", work.name, octets_compared, [&] { return compare_octets(work); });
+  });
+}
+
+}  // namespace contest

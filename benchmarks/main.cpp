@@ -1,0 +1,107 @@
+// The timed program: every case under Google Benchmark, as operation/workload/contestant.
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "contest.hpp"
+#include "workloads.hpp"
+
+namespace {
+
+// What the compiler was allowed to use; nothing is chosen at run time.
+std::string features() {
+  std::string result;
+#if defined(__SSE2__)
+  result += " SSE2";
+#endif
+#if defined(__SSSE3__)
+  result += " SSSE3";
+#endif
+#if defined(__SSE4_2__)
+  result += " SSE4.2";
+#endif
+#if defined(__POPCNT__)
+  result += " POPCNT";
+#endif
+#if defined(__AVX2__)
+  result += " AVX2";
+#endif
+#if defined(__BMI__)
+  result += " BMI1";
+#endif
+#if defined(__BMI2__)
+  result += " BMI2";
+#endif
+#if defined(__LZCNT__)
+  result += " LZCNT";
+#endif
+#if defined(__AVX512F__)
+  result += " AVX-512F";
+#endif
+#if defined(__ARM_NEON)
+  result += " NEON";
+#endif
+  return result.empty() ? "portable" : result.substr(1);
+}
+
+// Blocks of many sizes, taken first and kept: whatever comes later lies elsewhere.
+std::vector<std::vector<char>> displaced(unsigned layout) {
+  std::vector<std::vector<char>> blocks;
+  std::size_t state = layout;
+  for (unsigned i = 0; i < 40 * layout; ++i) {
+    state = state * 6364136223846793005u + 1442695040888963407u;
+    blocks.emplace_back((state >> 33) % (i % 8 == 0 ? 60000 : 700) + 1);
+  }
+  return blocks;
+}
+
+// Removes `--name=value` from the arguments and returns the value.
+std::string option(int &count, char **arguments, const char *name) {
+  const std::string prefix = std::string("--") + name + "=";
+  std::string value;
+  int kept = 1;
+  for (int i = 1; i < count; ++i) {
+    if (std::strncmp(arguments[i], prefix.c_str(), prefix.size()) == 0) {
+      value = arguments[i] + prefix.size();
+    } else {
+      arguments[kept++] = arguments[i];
+    }
+  }
+  count = kept;
+  return value;
+}
+
+// What the report says about the contest besides times: lines of a word and what it stands for, separated by tabs.
+void describe(const contest::roll &all) {
+  std::cout << "features\t" << features() << '\n';
+  for (const contest::contestant &one : all.contestants)
+    std::cout << "contestant\t" << one.name << '\t' << one.memory << '\t' << one.strings << '\t' << one.checks << '\n';
+  contest::all_workloads().each([](const auto &work) {
+    std::cout << "workload\t" << work.name << '\t' << work.wire.size() << '\t' << work.size() << '\n';
+  });
+}
+
+}  // namespace
+
+int main(int count, char **arguments) {
+  const std::string layout = option(count, arguments, "layout");
+  const auto blocks = displaced(layout.empty() ? 0 : static_cast<unsigned>(std::stoul(layout)));
+  contest::roll all = contest::everybody();
+  if (count == 2 && std::strcmp(arguments[1], "--describe") == 0) {
+    describe(all);
+    return 0;
+  }
+  benchmark::Initialize(&count, arguments);
+  if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
+  for (const contest::contest_case &one : all.cases) {
+    benchmark::RegisterBenchmark(one.name().c_str(), [&one, run = contest::repeat()](benchmark::State &state) mutable {
+      if (!run) run = one.prepare();
+      const auto times = state.max_iterations;
+      while (state.KeepRunningBatch(times)) run(static_cast<std::size_t>(times));
+    });
+  }
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

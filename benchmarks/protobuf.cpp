@@ -1,0 +1,229 @@
+// Protocol Buffers C++: a fresh object on the heap for each message, a fresh object on an arena, one object reused.
+#include <google/protobuf/arena.h>
+#include <google/protobuf/util/message_differencer.h>
+
+#include "contest.hpp"
+#include "workloads.hpp"
+#include "zorv.pb.h"
+
+namespace contest {
+namespace {
+
+using google::protobuf::Arena;
+
+constexpr const char *on_heap = "protobuf_heap";
+constexpr const char *on_arena = "protobuf_arena";
+constexpr const char *reused = "protobuf_reused";
+
+template <class Record>
+struct counterpart;
+template <>
+struct counterpart<api_addr> {
+  using type = zorv::api_addr;
+};
+template <>
+struct counterpart<api_lbl_stack> {
+  using type = zorv::api_lbl_stack;
+};
+template <>
+struct counterpart<api_msg> {
+  using type = zorv::api_msg;
+};
+template <>
+struct counterpart<api_to_igp> {
+  using type = zorv::api_to_igp;
+};
+template <>
+struct counterpart<oam_res> {
+  using type = zorv::oam_res;
+};
+template <>
+struct counterpart<srv6_prefix> {
+  using type = zorv::srv6_prefix;
+};
+
+template <class Message>
+bool parse(Message &object, const octets &message) {
+  return object.ParseFromArray(message.data(), static_cast<int>(message.size()));
+}
+
+template <class Message>
+octets serialized(const Message &object) {
+  octets result(object.ByteSizeLong());
+  object.SerializeWithCachedSizesToArray(result.data());
+  return result;
+}
+
+// An arena whose first block is large enough for any message of the workload: it never asks for another.
+struct spacious_arena {
+  explicit spacious_arena(std::size_t length) : block(new char[length]), arena(block.get(), length) {}
+  std::unique_ptr<char[]> block;
+  Arena arena;
+};
+
+template <class Record>
+struct bench {
+  using message = typename counterpart<Record>::type;
+
+  explicit bench(const workload<Record> &what)
+      : work(what), arena(roomy(what.longest())), source_arena(roomy(what.size())), output(what.longest()) {
+    for (const octets &wire : what.wire) {
+      heap_sources.push_back(std::make_unique<message>());
+      arena_sources.push_back(Arena::CreateMessage<message>(&source_arena.arena));
+      require(parse(*heap_sources.back(), wire) && parse(*arena_sources.back(), wire) &&
+                  serialized(*heap_sources.back()) == wire && serialized(*arena_sources.back()) == wire,
+              "protobuf encodes what it has decoded", what.name);
+    }
+  }
+
+  const workload<Record> &work;
+  std::vector<std::unique_ptr<message>> heap_sources;
+  std::vector<message *> arena_sources;
+  message one;
+  spacious_arena arena, source_arena;
+  octets output;
+};
+
+template <class Record>
+repeat decode_on_heap(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  return repeated([on] {
+    for (const octets &wire : on->work.wire) {
+      auto object = std::make_unique<typename bench<Record>::message>();
+      parse(*object, wire);
+      keep(object.get());
+    }
+  });
+}
+
+template <class Record>
+repeat decode_on_arena(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  return repeated([on] {
+    for (const octets &wire : on->work.wire) {
+      on->arena.arena.Reset();
+      auto *const object = Arena::CreateMessage<typename bench<Record>::message>(&on->arena.arena);
+      parse(*object, wire);
+      keep(object);
+    }
+  });
+}
+
+template <class Record>
+repeat decode_reused(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  for (const octets &wire : work.wire)
+    require(parse(on->one, wire) && serialized(on->one) == wire, "protobuf decodes into a used object", work.name);
+  return repeated([on] {
+    for (const octets &wire : on->work.wire) {
+      parse(on->one, wire);
+      keep(&on->one);
+    }
+  });
+}
+
+template <class Record, class Sources>
+repeat measure(std::shared_ptr<bench<Record>> on, Sources bench<Record>::*sources) {
+  return repeated([on, sources] {
+    std::size_t sum = 0;
+    for (const auto &source : (*on).*sources) sum += source->ByteSizeLong();
+    keep(&sum);
+  });
+}
+
+template <class Record, class Sources>
+repeat encode(std::shared_ptr<bench<Record>> on, Sources bench<Record>::*sources) {
+  return repeated([on, sources] {
+    for (const auto &source : (*on).*sources) {
+      const std::size_t length = source->ByteSizeLong();
+      keep(&length);
+      source->SerializeWithCachedSizesToArray(on->output.data());
+      keep(on->output.data());
+    }
+  });
+}
+
+template <class Record>
+repeat copy_on_heap(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  return repeated([on] {
+    for (const auto &source : on->heap_sources) {
+      auto object = std::make_unique<typename bench<Record>::message>();
+      object->CopyFrom(*source);
+      keep(object.get());
+    }
+  });
+}
+
+template <class Record>
+repeat copy_on_arena(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  return repeated([on] {
+    for (const auto &source : on->arena_sources) {
+      on->arena.arena.Reset();
+      auto *const object = Arena::CreateMessage<typename bench<Record>::message>(&on->arena.arena);
+      object->CopyFrom(*source);
+      keep(object);
+    }
+  });
+}
+
+template <class Record>
+repeat copy_reused(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  for (std::size_t i = 0; i < work.wire.size(); ++i) {
+    on->one.CopyFrom(*on->heap_sources[i]);
+    require(serialized(on->one) == work.wire[i], "protobuf copies", work.name);
+  }
+  return repeated([on] {
+    for (const auto &source : on->heap_sources) {
+      on->one.CopyFrom(*source);
+      keep(&on->one);
+    }
+  });
+}
+
+template <class Record>
+repeat compare(const workload<Record> &work) {
+  using google::protobuf::util::MessageDifferencer;
+  auto on = std::make_shared<bench<Record>>(work);
+  auto other = std::make_shared<bench<Record>>(work);
+  require(MessageDifferencer::Equals(*on->heap_sources[0], *other->heap_sources[0]), "protobuf finds equals equal",
+          work.name);
+  require(!MessageDifferencer::Equals(*on->heap_sources[0], on->one), "protobuf finds a difference", work.name);
+  return repeated([on, other] {
+    bool equal = true;
+    for (std::size_t i = 0; i < on->heap_sources.size(); ++i)
+      equal &= MessageDifferencer::Equals(*on->heap_sources[i], *other->heap_sources[i]);
+    keep(&equal);
+  });
+}
+
+}  // namespace
+
+void enter_protobuf(roll &all) {
+  all.introduce({on_heap, "a fresh object for each message, deleted; compare: MessageDifferencer, by reflection",
+                 "copied into std::string", "no UTF-8 (proto2)"});
+  all.introduce({on_arena, "a fresh object on an arena with a first block that suffices, reset for each message",
+                 "copied into std::string", "no UTF-8 (proto2)"});
+  all.introduce({reused,
+                 "one object, cleared by each parse or copy: it keeps its memory, and after the first takes none",
+                 "copied into strings that exist", "no UTF-8 (proto2)"});
+  all_workloads().each([&]<class Record>(const workload<Record> &work) {
+    using at = bench<Record>;
+    all.enter("decode", work.name, on_heap, [&] { return decode_on_heap(work); });
+    all.enter("decode", work.name, on_arena, [&] { return decode_on_arena(work); });
+    all.enter("decode", work.name, reused, [&] { return decode_reused(work); });
+    all.enter("measure", work.name, on_heap, [&] { return measure(std::make_shared<at>(work), &at::heap_sources); });
+    all.enter("measure", work.name, on_arena, [&] { return measure(std::make_shared<at>(work), &at::arena_sources); });
+    all.enter("encode", work.name, on_heap, [&] { return encode(std::make_shared<at>(work), &at::heap_sources); });
+    all.enter("encode", work.name, on_arena, [&] { return encode(std::make_shared<at>(work), &at::arena_sources); });
+    if (work.options != 0) return;
+    all.enter("copy", work.name, on_heap, [&] { return copy_on_heap(work); });
+    all.enter("copy", work.name, on_arena, [&] { return copy_on_arena(work); });
+    all.enter("copy", work.name, reused, [&] { return copy_reused(work); });
+    all.enter("compare", work.name, on_heap, [&] { return compare(work); });
+  });
+}
+
+}  // namespace contest

@@ -1,0 +1,110 @@
+// protobuf-c: messages unpacked into a pool and into the heap.
+#include <cstring>
+
+#include "contest.hpp"
+#include "workloads.hpp"
+#include "zorv.pb-c.h"
+
+namespace contest {
+namespace {
+
+constexpr const char *with_pool = "protobuf_c_pool";
+constexpr const char *with_heap = "protobuf_c_malloc";
+
+const ProtobufCMessageDescriptor &descriptor_of(const api_addr &) { return zorv__api_addr__descriptor; }
+const ProtobufCMessageDescriptor &descriptor_of(const api_lbl_stack &) { return zorv__api_lbl_stack__descriptor; }
+const ProtobufCMessageDescriptor &descriptor_of(const api_msg &) { return zorv__api_msg__descriptor; }
+const ProtobufCMessageDescriptor &descriptor_of(const api_to_igp &) { return zorv__api_to_igp__descriptor; }
+const ProtobufCMessageDescriptor &descriptor_of(const oam_res &) { return zorv__oam_res__descriptor; }
+const ProtobufCMessageDescriptor &descriptor_of(const srv6_prefix &) { return zorv__srv6_prefix__descriptor; }
+
+void *take_from_pool(void *context, std::size_t size) { return static_cast<pool *>(context)->take(size); }
+void give_to_pool(void *, void *) {}
+
+struct release_message {
+  void operator()(ProtobufCMessage *message) const { protobuf_c_message_free_unpacked(message, nullptr); }
+};
+
+struct bench {
+  template <class Record>
+  explicit bench(const workload<Record> &what)
+      : descriptor(descriptor_of(what.records[0])),
+        wire(what.wire),
+        memory(roomy(what.longest())),
+        allocator{take_from_pool, give_to_pool, &memory},
+        output(what.longest()) {
+    for (const octets &message : wire) {
+      sources.emplace_back(protobuf_c_message_unpack(&descriptor, nullptr, message.size(), message.data()));
+      require(sources.back() != nullptr, "protobuf-c decodes", what.name);
+      require(protobuf_c_message_get_packed_size(sources.back().get()) == message.size() &&
+                  protobuf_c_message_pack(sources.back().get(), output.data()) == message.size() &&
+                  std::memcmp(output.data(), message.data(), message.size()) == 0,
+              "protobuf-c encodes what it has decoded", what.name);
+      memory.reset();
+      const auto *pooled = protobuf_c_message_unpack(&descriptor, &allocator, message.size(), message.data());
+      require(pooled != nullptr && protobuf_c_message_pack(pooled, output.data()) == message.size() &&
+                  std::memcmp(output.data(), message.data(), message.size()) == 0,
+              "protobuf-c decodes into a pool", what.name);
+    }
+  }
+
+  const ProtobufCMessageDescriptor &descriptor;
+  const std::vector<octets> &wire;
+  pool memory;
+  ProtobufCAllocator allocator;
+  octets output;
+  std::vector<std::unique_ptr<ProtobufCMessage, release_message>> sources;
+};
+
+repeat decode_into_pool(std::shared_ptr<bench> on) {
+  return repeated([on] {
+    for (const octets &message : on->wire) {
+      on->memory.reset();
+      keep(protobuf_c_message_unpack(&on->descriptor, &on->allocator, message.size(), message.data()));
+    }
+  });
+}
+
+repeat decode_with_malloc(std::shared_ptr<bench> on) {
+  return repeated([on] {
+    for (const octets &message : on->wire) {
+      auto *const object = protobuf_c_message_unpack(&on->descriptor, nullptr, message.size(), message.data());
+      keep(object);
+      protobuf_c_message_free_unpacked(object, nullptr);
+    }
+  });
+}
+
+repeat measure(std::shared_ptr<bench> on) {
+  return repeated([on] {
+    std::size_t sum = 0;
+    for (const auto &source : on->sources) sum += protobuf_c_message_get_packed_size(source.get());
+    keep(&sum);
+  });
+}
+
+repeat encode(std::shared_ptr<bench> on) {
+  return repeated([on] {
+    for (const auto &source : on->sources) {
+      const std::size_t length = protobuf_c_message_get_packed_size(source.get());
+      keep(&length);
+      protobuf_c_message_pack(source.get(), on->output.data());
+      keep(on->output.data());
+    }
+  });
+}
+
+}  // namespace
+
+void enter_protobuf_c(roll &all) {
+  all.introduce({with_pool, "pool, reset for each message", "copied, NUL-terminated", "no UTF-8"});
+  all.introduce({with_heap, "malloc, and free_unpacked", "copied, NUL-terminated", "no UTF-8"});
+  all_workloads().each([&](const auto &work) {
+    all.enter("decode", work.name, with_pool, [&] { return decode_into_pool(std::make_shared<bench>(work)); });
+    all.enter("decode", work.name, with_heap, [&] { return decode_with_malloc(std::make_shared<bench>(work)); });
+    all.enter("measure", work.name, with_heap, [&] { return measure(std::make_shared<bench>(work)); });
+    all.enter("encode", work.name, with_heap, [&] { return encode(std::make_shared<bench>(work)); });
+  });
+}
+
+}  // namespace contest

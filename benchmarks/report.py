@@ -1,0 +1,253 @@
+#!/usr/bin/env python3
+"""Reads what the benchmark's runs have measured; prints the ratios, writes them as CSV and draws them.
+
+Usage: report.py FOLDER BUILD...   with FOLDER/BUILD.describe and FOLDER/BUILD-*.json for each build
+"""
+
+import collections
+import csv
+import glob
+import json
+import os
+import statistics
+import sys
+
+OURS = "pavo_zorv"
+VARIANTS = ["pavo_zorv_released", "pavo_zorv_malloc"]
+PEERS = [
+    "protobuf_heap",
+    "protobuf_arena",
+    "protobuf_reused",
+    "protobuf_c_pool",
+    "protobuf_c_malloc",
+    "nanopb",
+    "protozero",
+]
+FLOORS = ["floor_memcpy", "floor_memcpy_clear_pool", "floor_memcpy_clear_malloc", "floor_memcmp"]
+OPERATIONS = ["decode", "encode", "copy", "measure", "compare"]
+
+# What we want to reach: the ratio to the fastest peer, or for plain octets to the floor.
+GOALS = {
+    "decode": {
+        "colour": 0.45, "notification": 0.38, "request": 0.41, "1000_policies": 0.45, "10_labels": 0.35,
+        "1000_labels": 0.15, "100000_labels": 0.14, "oam_result": 0.25, "all_sixteen": 0.43, "stream_of_1000": 0.48,
+    },
+    "encode": {
+        "notification": 0.51, "request": 0.33, "1000_policies": 0.31, "10_labels": 0.42, "1000_labels": 0.14,
+        "100000_labels": 0.14, "oam_result": 0.54, "all_sixteen": 0.47, "stream_of_1000": 0.77,
+    },
+    "copy": {
+        "notification": 0.71, "request": 0.58, "1000_policies": 0.33, "oam_result": 0.21, "all_sixteen": 0.40,
+        "stream_of_1000": 1.1,
+    },
+}  # fmt: skip
+GOALS_TO_FLOOR = {
+    ("decode", "64_kibibytes"): "floor_memcpy",
+    ("encode", "64_kibibytes"): "floor_memcpy",
+    ("copy", "64_kibibytes"): "floor_memcpy",
+    ("compare", "64_kibibytes"): "floor_memcmp",
+}
+
+
+class Build:
+    """The times of one build: for each case, a list of times for each run of the program."""
+
+    def __init__(self, folder, name):
+        self.name = name
+        self.features = ""
+        self.contestants = []
+        self.workloads = {}
+        with open(os.path.join(folder, name + ".describe"), encoding="utf-8") as lines:
+            for line in lines:
+                word, *rest = line.rstrip("\n").split("\t")
+                if word == "features":
+                    self.features = rest[0]
+                elif word == "contestant":
+                    self.contestants.append(rest)
+                elif word == "workload":
+                    self.workloads[rest[0]] = (int(rest[1]), int(rest[2]))
+        self.runs = collections.defaultdict(list)
+        for path in sorted(glob.glob(os.path.join(glob.escape(folder), name + "-*.json"))):
+            times = collections.defaultdict(list)
+            with open(path, encoding="utf-8") as text:
+                for entry in json.load(text)["benchmarks"]:
+                    if entry["run_type"] == "iteration":
+                        times[tuple(entry["run_name"].split("/"))].append(entry["cpu_time"])
+            for case, values in times.items():
+                self.runs[case].append(statistics.median(values))
+
+    def time(self, operation, workload, contestant):
+        values = self.runs.get((operation, workload, contestant))
+        return statistics.median(values) if values else None
+
+    def ratio(self, operation, workload, contestant, ours=OURS):
+        """The median of the runs' ratios, the least and the greatest; the same run on both sides of each."""
+        mine = self.runs.get((operation, workload, ours), [])
+        other = self.runs.get((operation, workload, contestant), [])
+        ratios = [a / b for a, b in zip(mine, other)]
+        return (statistics.median(ratios), min(ratios), max(ratios)) if ratios else None
+
+    def fastest_peer(self, operation, workload):
+        times = [(self.time(operation, workload, peer), peer) for peer in PEERS]
+        times = [entry for entry in times if entry[0] is not None]
+        return min(times)[1] if times else None
+
+
+def goal_of(operation, workload):
+    """The goal, and the floor it is measured by if it is not the fastest peer."""
+    floor = GOALS_TO_FLOOR.get((operation, workload))
+    return (1.0, floor) if floor else (GOALS.get(operation, {}).get(workload), None)
+
+
+def shown(value, pattern="{:.2f}"):
+    return pattern.format(value) if value is not None else "-"
+
+
+def duration(nanoseconds):
+    return "{:.1f}".format(nanoseconds) if nanoseconds < 1000 else "{:.0f}".format(nanoseconds)
+
+
+def print_table(build):
+    print(f"\n== Build {build.name}: {build.features}")
+    heads = ["heap", "arena", "reused", "c pool", "c malloc", "nanopb", "protozero"]
+    floor_heads = ["memcpy", "+pool", "+malloc", "memcmp"]
+    for operation in OPERATIONS:
+        rows = [workload for workload in build.workloads if build.time(operation, workload, OURS) is not None]
+        if not rows:
+            continue
+        variants = operation in ("decode", "copy")
+        print(f"\n{operation}: ours is {'with a pool' if variants else 'the only way'}; ratios are ours to each, "
+              "below 1 is faster")
+        line = f"{'workload':24}{'octets':>7} {'ours ns':>8} {'fastest':>15} {'ns':>8} {'ratio':>6} {'runs':>11} "
+        line += f"{'goal':>5}  |"
+        line += "".join(f"{head:>10}" for head in heads) + " |" + "".join(f"{head:>8}" for head in floor_heads)
+        if variants:
+            line += " | released/fastest malloc/fastest"
+        print(line)
+        for workload in rows:
+            print_row(build, operation, workload, variants)
+
+
+def print_row(build, operation, workload, variants):
+    goal, floor = goal_of(operation, workload)
+    fastest = build.fastest_peer(operation, workload)
+    ratio = build.ratio(operation, workload, fastest) if fastest else None
+    line = f"{workload:24}{build.workloads[workload][1]:>7} {duration(build.time(operation, workload, OURS)):>8} "
+    line += f"{fastest or '-':>15} {duration(build.time(operation, workload, fastest)) if fastest else '-':>8} "
+    line += f"{shown(ratio and ratio[0]):>6} "
+    line += f"{'{:.2f}-{:.2f}'.format(*ratio[1:]) if ratio else '-':>11} "
+    line += f"{shown(goal) + ('*' if floor else ' '):>6} |"
+    for group, width in ((PEERS, 10), (FLOORS, 8)):
+        for other in group:
+            against = build.ratio(operation, workload, other)
+            line += f"{shown(against and against[0]):>{width}}"
+        line += " |"
+    if variants and fastest:
+        for variant in VARIANTS:
+            against = build.ratio(operation, workload, fastest, variant)
+            line += f"{shown(against and against[0]):>17}"
+    print(line.rstrip(" |"))
+
+
+def print_goals(builds):
+    print("\n== Goals: ours to the fastest peer, or to memcpy and memcmp (*). Reached: at most 3 % above, for the noise")
+    heads = "".join(f"{build.name:>10}{'runs':>12}{'':10}{'to':26}" for build in builds)
+    print(f"{'':33}{'goal':>7}{heads}".rstrip())
+    reached = dict.fromkeys((build.name for build in builds), 0)
+    rows = 0
+    for operation in OPERATIONS:
+        for workload in builds[0].workloads:
+            goal, floor = goal_of(operation, workload)
+            line = ""
+            for build in builds:
+                against = floor or build.fastest_peer(operation, workload)
+                ratio = build.ratio(operation, workload, against) if goal and against else None
+                if ratio:
+                    is_reached = ratio[0] <= goal * 1.03
+                    reached[build.name] += is_reached
+                    line += f"{ratio[0]:>10.2f}{'{:.2f}-{:.2f}'.format(*ratio[1:]):>12}"
+                    line += f"{'  reached ' if is_reached else '  not yet '}{against:26}"
+            if line:
+                rows += 1
+                print(f"{operation:9}{workload:24}{goal:>6.2f}{'*' if floor else ' '}{line}".rstrip())
+    print("reached: " + ", ".join(f"{name} {count} of {rows}" for name, count in reached.items()))
+
+
+def print_contestants(builds):
+    print("What each contestant does. All of them reproduced the library's octets before they were timed.")
+    table = [("name", "memory", "strings", "checks"), *builds[0].contestants]
+    widths = [max(map(len, column)) + 2 for column in zip(*table)]
+    for row in table:
+        print("".join(f"{text:{width}}" for text, width in zip(row, widths)).rstrip())
+    print("Times are medians of CPU time per operation; 'runs' are the least and the greatest ratio among runs with")
+    print("different heap layouts. * the goal's ratio is to memcpy or memcmp, not to a peer.")
+
+
+def write_csv(path, builds):
+    with open(path, "w", newline="", encoding="utf-8") as text:
+        out = csv.writer(text)
+        out.writerow("build operation workload contestant octets nanoseconds ours_to_it lowest highest runs".split())
+        for build in builds:
+            for operation, workload, contestant in build.runs:
+                case = (operation, workload, contestant)
+                row = [build.name, *case, build.workloads[workload][1], f"{build.time(*case):.3f}"]
+                ratio = build.ratio(*case)
+                row += [f"{value:.4f}" for value in ratio] if ratio else ["", "", ""]
+                out.writerow(row + [len(build.runs[case])])
+
+
+def draw(path, builds):
+    import matplotlib
+
+    matplotlib.use("svg")
+    from matplotlib import pyplot
+
+    rows = [
+        (operation, workload)
+        for operation in OPERATIONS
+        for workload in builds[0].workloads
+        if builds[0].time(operation, workload, OURS) is not None and builds[0].fastest_peer(operation, workload)
+    ]
+    if not rows:
+        return
+    figure, axes = pyplot.subplots(figsize=(9, 1.5 + 0.22 * len(rows)))
+    for index, build in enumerate(builds):
+        places, ratios, below, above = [], [], [], []
+        for place, (operation, workload) in enumerate(rows):
+            fastest = build.fastest_peer(operation, workload)
+            ratio = build.ratio(operation, workload, fastest) if fastest else None
+            if ratio:
+                places.append(place + 0.2 * (index - (len(builds) - 1) / 2))
+                ratios.append(ratio[0])
+                below.append(ratio[0] - ratio[1])
+                above.append(ratio[2] - ratio[0])
+        axes.errorbar(ratios, places, xerr=[below, above], fmt="o", markersize=4, label=build.name)
+    goals = [(goal_of(*row)[0], place) for place, row in enumerate(rows) if goal_of(*row)[0] and not goal_of(*row)[1]]
+    if goals:
+        axes.plot(*zip(*goals), "k|", markersize=9, label="goal")
+    axes.axvline(1, color="grey", linewidth=0.8)
+    axes.set_xscale("log")
+    axes.set_yticks(range(len(rows)), [f"{operation} {workload}" for operation, workload in rows])
+    axes.set_ylim(len(rows) - 0.5, -0.5)
+    axes.grid(axis="x", which="both", alpha=0.3)
+    axes.set_xlabel("time of pavo_zorv / time of the fastest peer (bars: lowest and highest run)")
+    axes.legend(loc="upper right")
+    figure.tight_layout()
+    figure.savefig(path)
+
+
+def main():
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
+    folder = sys.argv[1]
+    builds = [Build(folder, name) for name in sys.argv[2:]]
+    print_contestants(builds)
+    for build in builds:
+        print_table(build)
+    print_goals(builds)
+    write_csv(os.path.join(folder, "results.csv"), builds)
+    draw(os.path.join(folder, "ratios.svg"), builds)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,526 @@
+// What every message is put through in the same way: the kinds of its fields on the wire, their octets one by one and
+// together, short buffers and tables, memory that is not to be had, and the order of comparison. What is expected is
+// written out by each message's own tests.
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support.hpp"
+
+namespace test::checks {
+
+// --- Presence ---
+
+template <class Record>
+inline constexpr unsigned field_count = 0;
+
+template <>
+inline constexpr unsigned field_count<api_lbl_stack> = 1;
+template <>
+inline constexpr unsigned field_count<prefix_sid_type> = 2;
+template <>
+inline constexpr unsigned field_count<api_exp_hop> = 6;
+template <>
+inline constexpr unsigned field_count<api_exp_path> = 2;
+template <>
+inline constexpr unsigned field_count<api_msg_service> = 3;
+template <>
+inline constexpr unsigned field_count<api_msg_internal> = 7;
+template <>
+inline constexpr unsigned field_count<api_msg_on_demand_color_notif> = 1;
+template <>
+inline constexpr unsigned field_count<api_msg_p2p_auto_policy> = 22;
+template <>
+inline constexpr unsigned field_count<api_msg_p2p_auto_policy_notif> = 27;
+template <>
+inline constexpr unsigned field_count<api_msg_p2p_auto_policy_request> = 3;
+template <>
+inline constexpr unsigned field_count<api_msg_p2p_auto_policy_response> = 3;
+template <>
+inline constexpr unsigned field_count<api_msg_p2p_auto_policy_sweep> = 2;
+template <>
+inline constexpr unsigned field_count<api_nodeid> = 2;
+template <>
+inline constexpr unsigned field_count<api_prefix> = 2;
+template <>
+inline constexpr unsigned field_count<api_intf> = 2;
+template <>
+inline constexpr unsigned field_count<api_link_update> = 5;
+template <>
+inline constexpr unsigned field_count<api_policy> = 10;
+template <>
+inline constexpr unsigned field_count<api_aa_list> = 3;
+template <>
+inline constexpr unsigned field_count<api_to_zorv> = 3;
+template <>
+inline constexpr unsigned field_count<api_to_igp> = 4;
+template <>
+inline constexpr unsigned field_count<api_msg_policy_reg> = 4;
+template <>
+inline constexpr unsigned field_count<srv6_prefix> = 2;
+template <>
+inline constexpr unsigned field_count<srv6_sid_struct> = 8;
+template <>
+inline constexpr unsigned field_count<srv6_usid> = 4;
+template <>
+inline constexpr unsigned field_count<out_sid_list_info> = 4;
+template <>
+inline constexpr unsigned field_count<out_srv6_usid_list_info> = 1;
+template <>
+inline constexpr unsigned field_count<oam_req> = 8;
+template <>
+inline constexpr unsigned field_count<oam_res> = 7;
+template <>
+inline constexpr unsigned field_count<api_msg> = 16;
+
+// The presence bits that belong to fields; a decoded record has rubbish in the others.
+template <class Record>
+std::uint32_t bits(const Record &record) {
+  static_assert(field_count<Record> != 0);
+  return record.presence & static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>) - 1);
+}
+
+template <class Record>
+void set_bits(Record &record, std::uint32_t value) {
+  record.presence = static_cast<decltype(record.presence)>(value);
+}
+
+template <class Record>
+constexpr std::uint32_t all_bits() {
+  return static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>) - 1);
+}
+
+// --- Comparing as the C library does, at run time: the compiler must not fold these. ---
+
+inline int (*volatile string_order)(const char *, const char *) = std::strcmp;
+inline int (*volatile octet_order)(const void *, const void *, std::size_t) = std::memcmp;
+
+// --- Calls ---
+
+// One encoding call with a buffer of a size and a table of a capacity.
+template <class Record>
+struct encoding {
+  encoding(const Record &record, std::size_t size, std::uint32_t capacity, std::uint32_t options = 0)
+      : buffer(size),
+        segments(capacity),
+        length(
+            operations<Record>::encode(&record, buffer.data(), size, segments.entries(), &segments.count, options)) {}
+
+  const unsigned char *at(std::size_t position) const { return buffer.data() + position; }
+
+  fenced_block buffer;
+  table segments;
+  std::size_t length;
+};
+
+// One copying call into a record of rubbish, with the requests to fail. The copy is released at the end; every block
+// must have come back by then.
+template <class Record>
+class copied {
+ public:
+  explicit copied(const Record &source, std::size_t fail_at = accountant::never,
+                  std::size_t fail_from = accountant::never) {
+    memory.fail_at = fail_at;
+    memory.fail_from = fail_from;
+    std::memset(static_cast<void *>(&record), 0x5a, sizeof record);
+    result = operations<Record>::duplicate(&record, &source, accountant::allocate, &memory);
+  }
+  copied(const copied &) = delete;
+  copied &operator=(const copied &) = delete;
+  ~copied() {
+    operations<Record>::free(&record, accountant::release, &memory);
+    EXPECT_EQ(memory.live(), 0u) << "blocks not released";
+  }
+  Record *operator->() { return &record; }
+
+  accountant memory;
+  Record record;
+  int result;
+};
+
+// Notes what is released, without releasing it: for records that a test made by hand.
+struct notebook {
+  std::vector<void *> released;
+  static void note(void *block, void *context) { static_cast<notebook *>(context)->released.push_back(block); }
+};
+
+// --- Fields ---
+
+// A field of a message under test: how its members are taken from another record, and its octets in a record of which
+// every field is known.
+template <class Record>
+struct field {
+  std::function<void(Record &, const Record &)> take;
+  octets bytes;
+};
+
+template <class Record>
+using fields = std::vector<field<Record>>;
+
+template <class Record, class... Members>
+auto take(Members Record::*...members) {
+  return [=](Record &to, const Record &from) { ((to.*members = from.*members), ...); };
+}
+
+template <class Record>
+octets together(const fields<Record> &all) {
+  octets result;
+  for (const field<Record> &each : all) result = result + each.bytes;
+  return result;
+}
+
+inline octets key(unsigned number, unsigned type) {
+  const unsigned value = number << 3 | type;
+  if (value < 128) return {static_cast<unsigned char>(value)};
+  return {static_cast<unsigned char>((value & 127) | 128), static_cast<unsigned char>(value >> 7)};
+}
+
+// Kinds, one letter for each field: f flag, o 8-bit, u 32-bit, i signed 32-bit, U 64-bit, I signed 64-bit, l list of
+// 8-bit, L list of 32-bit integers, s string, b bytes, n nested message, m list of messages.
+inline bool is_one_of(std::string_view kinds, char kind) { return kinds.find(kind) != std::string_view::npos; }
+inline unsigned wire_type_of(char kind) { return is_one_of("fouiUIlL", kind) ? 0 : 2; }
+inline bool is_list(char kind) { return is_one_of("lLm", kind); }
+inline bool needs_memory(char kind) { return is_one_of("lLsbm", kind); }
+
+// What becomes of the value 2^64 - 212 on the wire, by the kind that reads and writes it.
+inline octets read_and_written(char kind) {
+  switch (kind) {
+    case 'f':
+      return hex("01");
+    case 'o':
+    case 'l':
+      return hex("2c");
+    case 'u':
+    case 'i':
+    case 'L':
+      return hex("ac fe ff ff 0f");
+    default:
+      return hex("ac fe ff ff ff ff ff ff ff 01");
+  }
+}
+
+template <class Record>
+int result_of(const octets &bytes, std::uint32_t options = 0) {
+  decoded<Record> record(bytes, options);
+  return record.result;
+}
+
+// The wire types of the fields, of their second occurrences and of unknown fields, with and without memory.
+template <class Record>
+void fields_are_of_kinds(std::string_view kinds) {
+  ASSERT_EQ(kinds.size(), field_count<Record>);
+  const octets wide = hex("ac fe ff ff ff ff ff ff ff 01");
+  const octets unknown = hex("f0 01 00");  // field 30
+  for (unsigned number = 1; number <= kinds.size(); ++number) {
+    const char kind = kinds[number - 1];
+    SCOPED_TRACE("field " + std::to_string(number));
+    for (unsigned type = 0; type < 8; ++type) {
+      if (type == wire_type_of(kind)) continue;
+      SCOPED_TRACE("wire type " + std::to_string(type));
+      EXPECT_EQ(result_of<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
+      EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
+    }
+    const octets own = key(number, wire_type_of(kind));
+    EXPECT_EQ(result_of<Record>(own), CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(decode_without_memory<Record>(own), needs_memory(kind) ? CODEC_ERR_NO_MEMORY : CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(result_of<Record>(own + hex("80")), CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(result_of<Record>(own + hex("00")), CODEC_OK);
+    if (wire_type_of(kind) == 0) {
+      decoded<Record> record(own + wide);
+      EXPECT_EQ(record.result, CODEC_OK);
+      EXPECT_EQ(show(encoded(record.record)), show(own + read_and_written(kind)));
+    } else {
+      EXPECT_EQ(result_of<Record>(own + hex("01")), CODEC_ERR_TRUNCATED);
+      EXPECT_EQ(result_of<Record>(own + hex("ff ff ff ff 0f 00")), CODEC_ERR_TRUNCATED);
+    }
+    const octets twice = own + hex("00") + unknown + own + hex("00");
+    EXPECT_EQ(result_of<Record>(twice), needs_memory(kind) ? CODEC_ERR_TRUNCATED : CODEC_OK);
+    const octets next = own + hex("00") + own + hex("00");
+    EXPECT_EQ(result_of<Record>(next), needs_memory(kind) && !is_list(kind) ? CODEC_ERR_TRUNCATED : CODEC_OK);
+    EXPECT_EQ(result_of<Record>(own + hex("00") + unknown + key(number, 5)), CODEC_ERR_WRONG_WIRE_TYPE);
+  }
+  for (const unsigned number : {0u, static_cast<unsigned>(kinds.size()) + 1, 100u}) {
+    SCOPED_TRACE("unknown field " + std::to_string(number));
+    for (const unsigned type : {3u, 4u, 6u, 7u}) {
+      EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_BAD_WIRE_TYPE);
+    }
+    for (const octets &skipped : {key(number, 0) + hex("80 01"), key(number, 1) + 8 * hex("ff"),
+                                  key(number, 2) + hex("02 ff ff"), key(number, 5) + 4 * hex("ff")}) {
+      EXPECT_EQ(decode_without_memory<Record>(skipped), CODEC_OK);
+      decoded<Record> record(skipped);
+      EXPECT_EQ(bits(record.record), 0u);
+      EXPECT_EQ(show(encoded(record.record)), "");
+      EXPECT_EQ(record.memory.requests(), 0u);
+    }
+  }
+}
+
+// A record with one field of another, marked present.
+template <class Record>
+Record only(const Record &whole, const fields<Record> &all, std::size_t index) {
+  Record result{};
+  all[index].take(result, whole);
+  set_bits(result, std::uint32_t{1} << index);
+  return result;
+}
+
+// Each field alone, all together and in reverse, written and read; without its bit only a nested message is written.
+template <class Record>
+void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all, std::string_view kinds) {
+  ASSERT_EQ(all.size(), field_count<Record>);
+  octets reversed, nested;
+  for (std::size_t index = 0; index < all.size(); ++index) {
+    SCOPED_TRACE("field " + std::to_string(index + 1));
+    Record alone = only(whole, all, index);
+    EXPECT_EQ(show(encoded(alone)), show(all[index].bytes));
+    decoded<Record> read(all[index].bytes);
+    EXPECT_EQ(read.result, CODEC_OK);
+    EXPECT_EQ(bits(read.record), std::uint32_t{1} << index);
+    EXPECT_EQ(show(encoded(read.record)), show(all[index].bytes));
+    set_bits(alone, 0);
+    EXPECT_EQ(show(encoded(alone)), kinds[index] == 'n' ? show(all[index].bytes) : "");
+    if (kinds[index] == 'n') nested = nested + all[index].bytes;
+    reversed = all[index].bytes + reversed;
+  }
+  EXPECT_EQ(bits(whole), all_bits<Record>());
+  EXPECT_EQ(show(encoded(whole)), show(together(all)));
+  for (const octets &bytes : {together(all), reversed}) {
+    decoded<Record> read(bytes);
+    EXPECT_EQ(read.result, CODEC_OK);
+    EXPECT_EQ(bits(read.record), all_bits<Record>());
+    EXPECT_EQ(operations<Record>::compare(&read.record, &whole), 0);
+    EXPECT_EQ(show(encoded(read.record)), show(together(all)));
+  }
+  Record unmarked = whole;
+  set_bits(unmarked, 0);
+  EXPECT_EQ(show(encoded(unmarked)), show(nested));
+}
+
+// --- Memory ---
+
+// One request for memory, made when a whole record is decoded and when it is copied.
+struct request {
+  std::size_t size;
+  std::size_t field;      // the field that it is for, from 1
+  octets copied_without;  // what is written of that field when a copy does not get it
+  octets read_without;    // what is written of that field when decoding ends there
+  std::size_t inner = 0;  // the requests behind it that are then not made
+};
+
+inline std::vector<std::size_t> sizes_of(const std::vector<request> &requests) {
+  std::vector<std::size_t> result;
+  for (const request &each : requests) result.push_back(each.size);
+  return result;
+}
+
+// Which memory decoding and copying ask for, in which order, and what is left when one request, or every one, fails.
+template <class Record>
+void asks_for_memory(const Record &whole, const fields<Record> &all, const std::vector<request> &requests,
+                     const octets &copied_without_memory) {
+  const octets bytes = together(all);
+  {
+    decoded<Record> read(bytes);
+    EXPECT_EQ(read.memory.sizes, sizes_of(requests));
+    EXPECT_EQ(read.memory.live(), requests.size());
+    copied<Record> copy(whole);
+    EXPECT_EQ(copy.result, CODEC_OK);
+    EXPECT_EQ(copy.memory.sizes, sizes_of(requests));
+    EXPECT_EQ(copy.memory.live(), requests.size());
+    EXPECT_EQ(bits(copy.record), bits(whole));
+    EXPECT_EQ(show(encoded(copy.record)), show(bytes));
+    EXPECT_EQ(operations<Record>::compare(&copy.record, &whole), 0);
+  }
+  for (std::size_t index = 0; index < requests.size(); ++index) {
+    SCOPED_TRACE("request " + std::to_string(index));
+    const request &failing = requests[index];
+    octets before, copied_bytes;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      if (i + 1 < failing.field) before = before + all[i].bytes;
+      copied_bytes = copied_bytes + (i + 1 == failing.field ? failing.copied_without : all[i].bytes);
+    }
+
+    accountant memory;
+    memory.fail_at = index;
+    const fenced_block input(bytes);
+    Record record;
+    std::memset(static_cast<void *>(&record), 0x5a, sizeof record);
+    EXPECT_EQ(operations<Record>::decode(&record, input.data(), input.size(), accountant::allocate, &memory),
+              CODEC_ERR_NO_MEMORY);
+    EXPECT_EQ(memory.requests(), index + 1);
+    EXPECT_EQ(bits(record), (std::uint32_t{1} << (failing.field - 1)) - 1);
+    EXPECT_EQ(show(encoded(record)), show(before + failing.read_without));
+    operations<Record>::free(&record, accountant::release, &memory);
+    EXPECT_EQ(memory.live(), 0u);
+
+    copied<Record> copy(whole, index);
+    EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
+    std::vector<std::size_t> sizes = sizes_of(requests);
+    const auto behind = sizes.begin() + static_cast<std::ptrdiff_t>(index) + 1;
+    sizes.erase(behind, behind + static_cast<std::ptrdiff_t>(failing.inner));
+    EXPECT_EQ(copy.memory.sizes, sizes);
+    EXPECT_EQ(show(encoded(copy.record)), show(copied_bytes));
+  }
+  {
+    copied<Record> copy(whole, accountant::never, 0);
+    EXPECT_EQ(copy.result, requests.empty() ? CODEC_OK : CODEC_ERR_NO_MEMORY);
+    EXPECT_EQ(show(encoded(copy.record)), show(copied_without_memory));
+    Record without;
+    std::memset(static_cast<void *>(&without), 0x5a, sizeof without);
+    EXPECT_EQ(operations<Record>::duplicate(&without, &whole, nullptr, nullptr), copy.result);
+    EXPECT_EQ(show(encoded(without)), show(copied_without_memory));
+    EXPECT_EQ(bits(without), bits(copy.record));
+  }
+}
+
+// --- Buffers and tables ---
+
+// Where a string or bytes value lies in an encoding.
+struct block {
+  std::size_t position, length;
+};
+
+// Into a short buffer goes what fits; a string or bytes value that does not fit whole is left out.
+template <class Record>
+void fills_short_buffers(const Record &record, const octets &bytes, const std::vector<block> &blocks,
+                         std::uint32_t options = 0) {
+  for (std::size_t size = 0; size <= bytes.size() + 1; ++size) {
+    SCOPED_TRACE("buffer of " + std::to_string(size));
+    const fenced_block buffer(size);
+    EXPECT_EQ(operations<Record>::encode(&record, buffer.data(), size, nullptr, nullptr, options), bytes.size());
+    octets expected = bytes;
+    expected.resize(size, 0xc7);
+    for (const block &each : blocks) {
+      const std::size_t end = each.position + each.length;
+      if (end <= size) continue;
+      for (std::size_t i = each.position; i < size; ++i) {
+        if (i < end) expected[i] = 0xc7;
+      }
+    }
+    EXPECT_EQ(show(buffer.content()), show(expected));
+  }
+}
+
+// An entry of the table: a position in the encoding, or a block outside of it, and a length. The entry of what follows
+// a referenced block has that many octets of its message before it.
+struct entry {
+  std::size_t position;
+  std::uint64_t length;
+  const unsigned char *outside = nullptr;
+  std::size_t before = 0;
+};
+
+inline entry referenced(const unsigned char *block, std::uint64_t length) { return {0, length, block}; }
+inline entry rest(std::size_t position, std::uint64_t length, std::size_t before) {
+  return {position, length, nullptr, before};
+}
+
+// What an entry says for a buffer of a size: a message behind its end has no start.
+inline piece expected_piece(const entry &each, const unsigned char *buffer, std::size_t size) {
+  if (each.outside != nullptr) return {each.outside, each.length};
+  const std::size_t message = each.position - each.before;
+  const unsigned char *const start = message == 0 || message < size ? buffer : nullptr;
+  const std::size_t offset = start != nullptr ? each.position : each.before;
+  return {reinterpret_cast<const unsigned char *>(reinterpret_cast<std::uintptr_t>(start) + offset), each.length};
+}
+
+// The entries of an encoding, whatever the capacity of the table and the size of the buffer.
+template <class Record>
+void takes_entries(const Record &record, const std::vector<entry> &entries, std::uint32_t options = 0) {
+  const auto encode = operations<Record>::encode;
+  const auto needed = static_cast<std::uint32_t>(entries.size());
+  const octets bytes = encoded(record, options);
+  for (std::uint32_t capacity = 0; capacity <= needed + 1; ++capacity) {
+    SCOPED_TRACE("capacity " + std::to_string(capacity));
+    const encoding<Record> call(record, bytes.size(), capacity, options);
+    EXPECT_EQ(call.length, bytes.size());
+    EXPECT_EQ(show(call.buffer.content()), show(bytes));
+    EXPECT_EQ(call.segments.count, needed);
+    const std::uint32_t written = std::min(needed, capacity);
+    std::vector<piece> pieces;
+    for (std::uint32_t i = 0; i < written; ++i) {
+      pieces.push_back(expected_piece(entries[i], call.buffer.data(), bytes.size()));
+    }
+    EXPECT_EQ(call.segments.pieces(), pieces);
+    EXPECT_TRUE(call.segments.untouched_from(written));
+  }
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    SCOPED_TRACE("buffer of " + std::to_string(size));
+    const encoding<Record> call(record, size, needed, options);
+    std::vector<piece> pieces;
+    for (const entry &each : entries) pieces.push_back(expected_piece(each, call.buffer.data(), size));
+    EXPECT_EQ(call.segments.pieces(), pieces);
+  }
+
+  table measured(needed);
+  EXPECT_EQ(encode(&record, nullptr, 0, measured.entries(), &measured.count, options), bytes.size());
+  EXPECT_EQ(measured.count, needed);
+  std::vector<piece> pieces;
+  for (const entry &each : entries) pieces.push_back(expected_piece(each, nullptr, 0));
+  EXPECT_EQ(measured.pieces(), pieces);
+
+  const fenced_block buffer(bytes.size());
+  std::uint32_t count = 99;
+  EXPECT_EQ(encode(&record, buffer.data(), bytes.size(), nullptr, &count, options), bytes.size());
+  EXPECT_EQ(count, needed);
+  const table unused(needed + 1);
+  EXPECT_EQ(encode(&record, buffer.data(), bytes.size(), unused.entries(), nullptr, options), bytes.size());
+  EXPECT_TRUE(unused.untouched_from(0));
+  EXPECT_EQ(show(buffer.content()), show(bytes));
+}
+
+// --- Order ---
+
+// Every field of `higher` is greater than that of `lower`; the first that differs decides, presence before values, and
+// fields absent on both sides are not looked at.
+template <class Record>
+void orders_field_by_field(const Record &lower, const Record &higher, const fields<Record> &all) {
+  const auto compare = operations<Record>::compare;
+  EXPECT_EQ(compare(&lower, &lower), 0);
+  EXPECT_LT(compare(&lower, &higher), 0);
+  for (std::size_t index = 0; index < all.size(); ++index) {
+    SCOPED_TRACE("field " + std::to_string(index + 1));
+    Record greater = lower, later_greater = lower;
+    all[index].take(greater, higher);
+    for (std::size_t later = index + 1; later < all.size(); ++later) all[later].take(later_greater, higher);
+    EXPECT_GT(compare(&greater, &later_greater), 0);
+    EXPECT_LT(compare(&later_greater, &greater), 0);
+
+    const std::uint32_t without = all_bits<Record>() & ~(std::uint32_t{1} << index);
+    Record absent = later_greater;
+    all[index].take(absent, higher);
+    set_bits(absent, without);
+    EXPECT_EQ(compare(&lower, &absent), 1);
+    EXPECT_EQ(compare(&absent, &lower), -1);
+
+    Record absent_too = lower;
+    set_bits(absent_too, without);
+    set_bits(greater, without);
+    EXPECT_EQ(compare(&absent_too, &greater), 0);
+  }
+}
+
+// --- Presence bits of no field ---
+
+// A record of one octet repeated, after decoding nothing into it.
+template <class Record>
+Record cleared_from(unsigned char fill) {
+  Record record;
+  std::memset(static_cast<void *>(&record), fill, sizeof record);
+  EXPECT_EQ(operations<Record>::decode(&record, nullptr, 0, nullptr, nullptr), CODEC_OK);
+  return record;
+}
+
+// A record of one octet repeated, after copying another into it.
+template <class Record>
+Record overwritten(unsigned char fill, const Record &source) {
+  Record record;
+  std::memset(static_cast<void *>(&record), fill, sizeof record);
+  EXPECT_EQ(operations<Record>::duplicate(&record, &source, nullptr, nullptr), CODEC_OK);
+  return record;
+}
+
+}  // namespace test::checks
