@@ -10,7 +10,7 @@
 
 namespace pavo_zorv {
 
-using block_vector [[gnu::vector_size(32)]] = unsigned char;
+using block_vector [[gnu::vector_size(vector_size)]] = unsigned char;
 
 PAVO_ZORV_INLINE void clear_vector(octet *at) {
   constexpr block_vector zero = {};
@@ -31,7 +31,8 @@ PAVO_ZORV_INLINE void clear_block(void *block) {
   constexpr std::size_t vector = sizeof(block_vector), whole = Size / vector * vector;
   [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
     (clear_vector(at + Index * vector), ...);
-  }(std::make_index_sequence<Size / vector>{});
+  }
+  (std::make_index_sequence<Size / vector>{});
   std::memset(at + whole, 0, Size - whole);
 }
 
@@ -42,7 +43,8 @@ PAVO_ZORV_INLINE void copy_block(void *to, const void *from) {
   constexpr std::size_t vector = sizeof(block_vector), whole = Size / vector * vector;
   [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
     (copy_vector(target + Index * vector, source + Index * vector), ...);
-  }(std::make_index_sequence<Size / vector>{});
+  }
+  (std::make_index_sequence<Size / vector>{});
   std::memcpy(target + whole, source + whole, Size - whole);
 }
 

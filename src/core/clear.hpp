@@ -15,7 +15,9 @@ template <class Record>
 class unowned_bits {
  public:
   explicit unowned_bits(const Record &record) { save(record, bits_); }
-  void restore(Record &record) const { restore(record, bits_); }
+  // Into a record that is clear, or into one that may hold any bits.
+  void put_into_clear(Record &record) const { restore<true>(record, bits_); }
+  void restore(Record &record) const { restore<false>(record, bits_); }
 
  private:
   // Presence flags with bits that belong to no field.
@@ -42,16 +44,17 @@ class unowned_bits {
     });
   }
 
-  template <class Part>
+  template <bool Clear, class Part>
   PAVO_ZORV_INLINE static void restore(Part &part, const std::uint32_t *bits) {
     constexpr auto mine = static_cast<presence_of<Part>>(~presence_mask<Part>);
     if constexpr (mine != 0) {
-      part.presence = static_cast<presence_of<Part>>((part.presence & presence_mask<Part>) | *bits++);
+      const std::uint32_t others = Clear ? 0 : part.presence & presence_mask<Part>;
+      part.presence = static_cast<presence_of<Part>>(others | *bits++);
     }
     for_each_row<Part>([&](auto index) __attribute__((always_inline)) {
       constexpr auto &row = row_at<Part, index>;
       if constexpr (row.type == kind::message) {
-        restore(part.*row.value, bits);
+        restore<Clear>(part.*row.value, bits);
         bits += words<typename std::remove_cvref_t<decltype(row)>::nested>();
       }
     });
@@ -64,7 +67,7 @@ template <class Record>
 void clear_message(Record &record) {
   const unowned_bits<Record> kept(record);
   clear_block<sizeof record>(&record);
-  kept.restore(record);
+  kept.put_into_clear(record);
 }
 
 }  // namespace pavo_zorv

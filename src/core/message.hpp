@@ -45,6 +45,22 @@ PAVO_ZORV_INLINE constexpr bool is_blank(const Record &record) {
   return bits == 0;
 }
 
+// Whether a message owns nothing at present, nor counts anything: then there is nothing to copy or to release in it.
+template <class Record>
+PAVO_ZORV_INLINE constexpr void collect_owned(const Record &record, std::uintptr_t &bits) {
+  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+    constexpr auto &row = row_at<Record, index>;
+    if constexpr (row.owns()) row.collect(record, bits);
+  });
+}
+
+template <class Record>
+PAVO_ZORV_INLINE constexpr bool owns_nothing(const Record &record) {
+  std::uintptr_t bits = 0;
+  collect_owned(record, bits);
+  return bits == 0;
+}
+
 // Every member zero; the presence bits of no field stay as they are.
 template <class Record>
 void clear_message(Record &record);

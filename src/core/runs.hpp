@@ -2,6 +2,7 @@
 // loop has a plain twin that says what it computes.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -75,12 +76,12 @@ struct elements_seen {
   std::uint64_t ends;
 };
 
-// Eight elements at once where each takes three octets and, with the key behind or before it, a 32-bit word: labels of
-// twenty bits mostly do. A quarter of the work that windows take.
+// As many elements as a vector holds where each takes three octets and, with the key behind or before it, a 32-bit
+// word: labels of twenty bits mostly do. A quarter of the work that windows take.
 class label_block {
  public:
-  static constexpr std::size_t elements = 8;
-  static constexpr std::size_t size = elements * 4;
+  static constexpr std::size_t size = vector_size;
+  static constexpr std::size_t elements = size / 4;
   static constexpr bool usable = std::endian::native == std::endian::little;
 
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
@@ -112,20 +113,43 @@ class label_block {
   PAVO_ZORV_INLINE static bool none(const words &bits) {
     std::uint64_t parts[size / 8];
     std::memcpy(parts, &bits, size);
-    return (parts[0] | parts[1] | parts[2] | parts[3]) == 0;
+    std::uint64_t all = 0;
+    for (const std::uint64_t part : parts) all |= part;
+    return all == 0;
   }
 
   words words_;
 };
 
-// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Varints
-// end in turn at a value and at a key, so the parity of the ends tells them apart; where a key should begin and none in
-// its shortest form does, the run ends, or goes on with an odd key that is read by itself. Returns the place behind the
-// last value; null when a value, or the key behind one, is cut off.
+// A window on a run, from the first octet of a value on. Varints end in turn at a value and at a key, so the parity of
+// the ends tells them apart, up to the first place where a key should begin and none in its shortest form does.
+template <unsigned KeySize>
+struct run_window {
+  std::size_t left;      // octets of the message from here on
+  std::uint64_t values;  // last octets of values
+  std::uint64_t keys;    // last octets of keys
+  std::uint64_t odd;     // where a key should begin, and the run ends or goes on with an odd key
+
+  PAVO_ZORV_INLINE run_window(std::uint32_t key, const octet *at, const octet *end, const octet *limit)
+      : left(static_cast<std::size_t>(end - at)) {
+    const window seen = look(at, limit, key_octets<KeySize>(key));
+    const std::uint64_t inside = left < window_size ? (std::uint64_t{1} << left) - 1 : ~std::uint64_t{0};
+    const std::uint64_t ends = seen.ends & inside;
+    values = ends & parity_up_to(ends);
+    keys = ends & ~values;
+    odd = (values << 1 & inside) & ~seen.keys;
+  }
+
+  // Whether the message, all of it seen and regular, ends as a run must.
+  bool ends_with_value() const { return left != 0 && (values >> (left - 1) & 1) != 0; }
+  std::uint64_t values_below(unsigned place) const { return values & ((std::uint64_t{1} << place) - 1); }
+};
+
+// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. An odd key
+// is read by itself. Returns the place behind the last value; null when a value, or the key behind one, is cut off.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const octet *end, const octet *limit,
                                        Visit &visit) {
-  const key_octets<KeySize> octets(key);
   for (;;) {
     if constexpr (KeySize == 1 && Visit::wants_blocks) {
       while (end - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
@@ -135,36 +159,29 @@ PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const
         at += label_block::size;
       }
     }
-    const auto left = static_cast<std::size_t>(end - at);
-    const window seen = look(at, limit, octets);
-    const std::uint64_t inside = left < window_size ? (std::uint64_t{1} << left) - 1 : ~std::uint64_t{0};
-    const std::uint64_t ends = seen.ends & inside;
-    const std::uint64_t values = ends & parity_up_to(ends);
-    const std::uint64_t odd = (values << 1 & inside) & ~seen.keys;
-    if (odd == 0 && left <= window_size) {
-      // All that is left is seen, and regular: it must end with a value.
-      if (left == 0 || (values >> (left - 1) & 1) == 0) return nullptr;
-      visit.elements(elements_seen{at, values});
+    const run_window<KeySize> seen(key, at, end, limit);
+    if (seen.odd == 0 && seen.left <= window_size) {
+      if (!seen.ends_with_value()) return nullptr;
+      visit.elements({at, seen.values});
       return end;
     }
-    const std::uint64_t keys = ends & ~values;
-    if (odd == 0 && keys != 0) {
+    if (seen.odd == 0 && seen.keys != 0) {
       // The window may cut the last value, or the key behind it: the next one begins behind the last whole key.
-      const auto whole = static_cast<unsigned>(64 - std::countl_zero(keys));
-      visit.elements(elements_seen{at, values & ((std::uint64_t{1} << (whole - 1)) - 1)});
+      const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
+      visit.elements({at, seen.values_below(whole - 1)});
       at += whole;
       continue;
     }
-    if (odd == 0) {
+    if (seen.odd == 0) {
       // One value that is longer than the window, or as long.
       const octet *const next = skip_varint(at, end);
       if (next == nullptr) return nullptr;
-      visit.elements(elements_seen{at, std::uint64_t{1} << 63});
+      visit.elements({at, std::uint64_t{1} << 63});
       at = next;
       if (at == end) return end;
     } else {
-      const auto place = static_cast<unsigned>(std::countr_zero(odd));
-      visit.elements(elements_seen{at, values & ((std::uint64_t{1} << place) - 1)});
+      const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
+      visit.elements({at, seen.values_below(place)});
       at += place;
     }
     const auto [next, other] = read_varint<std::uint32_t>(at, end);
@@ -230,11 +247,55 @@ struct element_reader {
   }
 };
 
+// A run that has been counted. Most are seen whole in one window: then its values' last octets and the place behind it
+// are known, and it need not be walked again. Otherwise `next` is null, and the count stands alone.
+struct counted_run {
+  const octet *next;
+  std::uint64_t values;
+
+  std::size_t count() const { return next != nullptr ? count_bits(values) : static_cast<std::size_t>(values); }
+};
+
 // Runs with the key in its shortest form, in a buffer that is long enough for one load.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE std::size_t count_regular(std::uint32_t key, const octet *at, const octet *end, const octet *limit) {
+PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const octet *at, const octet *end, const octet *limit) {
+  const run_window<KeySize> seen(key, at, end, limit);
+  if (seen.odd == 0 && seen.left <= window_size)
+    return seen.ends_with_value() ? counted_run{end, seen.values} : counted_run{};
+  if (seen.odd != 0) {
+    const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
+    const auto [next, other] = read_varint<std::uint32_t>(at + place, end);
+    if (next == nullptr) return {};
+    if (number_of(other) != number_of(key)) return {at + place, seen.values_below(place)};
+  }
   element_counter<Element> counter;
-  return walk_run<KeySize>(key, at, end, limit, counter) != nullptr ? counter.count : 0;
+  return {nullptr, walk_run<KeySize>(key, at, end, limit, counter) != nullptr ? counter.count : 0};
+}
+
+template <class Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const octet *at, std::uint64_t values,
+                                    const octet *limit) {
+  if constexpr (sizeof(Element) == 1) {
+    // An element that takes two octets has its own value in the first, if the second is 1, as it is in the shortest
+    // form: then all elements are the first octets of values.
+    const std::uint64_t starts = (values << (1 + KeySize) | 1) & (~std::uint64_t{0} >> std::countl_zero(values));
+    if (((starts & ~values) << 1 & ~(values & look_for(at, limit, 1))) == 0) {
+      for (std::uint64_t rest = starts; rest != 0; rest &= rest - 1) *elements++ = at[std::countr_zero(rest)];
+      return;
+    }
+  }
+  element_reader<KeySize, Element> reader{elements, limit};
+  if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
+    // A block is eight values and the keys behind them: so a ninth value follows, or the block is not regular.
+    while (values >> (label_block::size - 1) > 1 && limit - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
+      const label_block block(at);
+      if (!block.regular(key)) break;
+      reader.block(block);
+      at += label_block::size;
+      values >>= label_block::size;
+    }
+  }
+  reader.elements({at, values});
 }
 
 template <class Element, unsigned KeySize>
@@ -244,10 +305,10 @@ PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::uint32_t ke
   return walk_run<KeySize>(key, at, end, limit, reader);
 }
 
-// Counts the integers of a run from its first value on; 0 when a value, or the key behind one, is cut off.
+// Counts the integers of a run from its first value on: none when a value, or the key behind one, is cut off.
 template <class Element>
-PAVO_ZORV_INLINE std::size_t count_integers(unsigned number, const octet *at, const octet *end, const buffer &whole) {
-  if (whole.size() < native_piece::size) return plain::count_integers(number, at, end);
+PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const octet *at, const octet *end, const buffer &whole) {
+  if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number, at, end)};
   const std::uint32_t key = key_of(number, wire_type::varint);
   return key < 0x80 ? count_regular<Element, 1>(key, at, end, whole.limit)
                     : count_regular<Element, 2>(key, at, end, whole.limit);
@@ -255,10 +316,15 @@ PAVO_ZORV_INLINE std::size_t count_integers(unsigned number, const octet *at, co
 
 // Reads integers that have been counted; returns the place behind the last.
 template <class Element>
-PAVO_ZORV_INLINE const octet *read_integers(Element *elements, std::size_t count, unsigned number, const octet *at,
+PAVO_ZORV_INLINE const octet *read_integers(Element *elements, counted_run run, unsigned number, const octet *at,
                                             const octet *end, const buffer &whole) {
-  if (whole.size() < native_piece::size) return plain::read_integers(elements, count, at, end);
   const std::uint32_t key = key_of(number, wire_type::varint);
+  if (run.next != nullptr) {
+    key < 0x80 ? read_window<Element, 1>(elements, key, at, run.values, whole.limit)
+               : read_window<Element, 2>(elements, key, at, run.values, whole.limit);
+    return run.next;
+  }
+  if (whole.size() < native_piece::size) return plain::read_integers(elements, run.count(), at, end);
   return key < 0x80 ? read_regular<Element, 1>(elements, key, at, end, whole.limit)
                     : read_regular<Element, 2>(elements, key, at, end, whole.limit);
 }
@@ -288,22 +354,23 @@ inline std::size_t measure_integers(const std::uint8_t *elements, std::size_t co
   return octets;
 }
 
-// One octet more for each power of 128 that an element reaches; eight elements at a time.
+// One octet more for each power of 128 that an element reaches; a vector at a time.
 inline std::size_t measure_integers(const std::uint32_t *elements, std::size_t count) {
-  using words [[gnu::vector_size(32)]] = std::uint32_t;
-  using counts [[gnu::vector_size(32)]] = std::int32_t;
+  using words [[gnu::vector_size(vector_size)]] = std::uint32_t;
+  using counts [[gnu::vector_size(vector_size)]] = std::int32_t;
   std::size_t octets = count;
-  while (count >= 8) {
-    // Sums of -4 for each element: far from overflow in one stretch.
+  constexpr std::size_t together = vector_size / sizeof *elements;
+  while (count >= together) {
+    // At most -4 for each element: no sum overflows in one stretch.
     counts sums = {};
-    const std::size_t stretch = count < 8 * 4096 ? count / 8 : 4096;
-    for (std::size_t index = 0; index < stretch; ++index, elements += 8) {
+    const std::size_t stretch = std::min<std::size_t>(count / together, 4096);
+    for (std::size_t index = 0; index < stretch; ++index, elements += together) {
       words values;
       std::memcpy(&values, elements, sizeof values);
       sums += (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
     }
-    for (unsigned index = 0; index < 8; ++index) octets -= static_cast<std::size_t>(sums[index]);
-    count -= stretch * 8;
+    for (std::size_t index = 0; index < together; ++index) octets -= static_cast<std::size_t>(sums[index]);
+    count -= stretch * together;
   }
   return octets - count + plain::measure_integers(elements, count);
 }
@@ -316,44 +383,53 @@ PAVO_ZORV_INLINE typename Sink::place prepend_integers(const Sink &sink, typenam
 }
 
 // Each element with its key is put together as a word and stored so that it ends where the one behind it begins. What
-// the store overwrites before it is not yet written: the first elements, before which there is too little, are written
-// plainly.
+// the store overwrites before it is not yet written; where the buffer begins less than a word before, elements are
+// left. Returns the place reached, and in `count` how many are left.
 template <unsigned KeySize>
-PAVO_ZORV_NOINLINE octet *prepend_with_keys(octet *at, std::uint32_t key, const std::uint8_t *elements,
-                                            std::size_t count) {
+PAVO_ZORV_NOINLINE octet *prepend_words(const octet *first, octet *at, std::uint32_t key, const std::uint8_t *elements,
+                                        std::size_t &count) {
   const key_octets<KeySize> octets(key);
   // Key, value and the octet 1 that a value from 128 on takes as well: shifted out where it is not wanted.
   const std::uint64_t last_key_octet = KeySize == 1 ? octets.first : octets.second;
   const std::uint64_t other_key_octet = KeySize == 1 ? 0 : octets.first;
   const std::uint64_t pattern = other_key_octet << 8 | last_key_octet << 16 | std::uint64_t{1} << 32;
-  for (std::size_t index = count; index-- != 0;) {
-    const std::uint64_t value = elements[index];
+  std::size_t left = count;
+  if constexpr (four_elements<KeySize>::usable) {
+    const four_elements<KeySize> four(octets);
+    for (; left >= 4 && at - first >= static_cast<std::ptrdiff_t>(four.room); left -= 4)
+      at = four.prepend(at, elements + left - 4);
+  }
+  for (; left != 0 && at - first >= 4; --left) {
+    const std::uint64_t value = elements[left - 1];
     store_word(at - 4, static_cast<std::uint32_t>((pattern | value << 24) >> (value >> 4 & 8)));
     at -= KeySize + 1 + (value >> 7);
   }
+  count = left;
   return at;
 }
 
 template <unsigned KeySize>
-PAVO_ZORV_NOINLINE octet *prepend_with_keys(octet *at, std::uint32_t key, const std::uint32_t *elements,
-                                            std::size_t count) {
+PAVO_ZORV_NOINLINE octet *prepend_words(const octet *first, octet *at, std::uint32_t key, const std::uint32_t *elements,
+                                        std::size_t &count) {
   const key_octets<KeySize> octets(key);
   const std::uint32_t key_word = KeySize == 1 ? octets.first : octets.first | std::uint32_t{octets.second} << 8;
-  while (count != 0) {
+  std::size_t left = count;
+  while (left != 0 && at - first >= 8) {
     if constexpr (KeySize == 1 && label_block::usable) {
-      while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
-        count -= label_block::elements;
+      while (left >= label_block::elements && label_block::all_labels(elements + left - label_block::elements)) {
+        left -= label_block::elements;
         at -= label_block::size;
-        label_block::write(at, key, elements + count);
+        label_block::write(at, key, elements + left);
       }
     }
-    for (std::size_t some = count < 8 ? count : 8; some-- != 0;) {
-      const std::uint32_t value = elements[--count];
+    for (unsigned some = 8; some != 0 && left != 0 && at - first >= 8; --some) {
+      const std::uint32_t value = elements[--left];
       const auto size = static_cast<unsigned>(varint_size(value));
       store_word(at - 8, (key_word | varint_word(value, size) << 8 * KeySize) << (64 - 8 * (KeySize + size)));
       at -= KeySize + size;
     }
   }
+  count = left;
   return at;
 }
 
@@ -361,15 +437,9 @@ template <class Element>
 PAVO_ZORV_INLINE octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number, const Element *elements,
                                          std::size_t count) {
   const std::uint32_t key = key_of(number, wire_type::varint);
-  const auto prepend = [key](octet * end, const Element *some, std::size_t size) __attribute__((always_inline)) {
-    return key < 0x80 ? prepend_with_keys<1>(end, key, some, size) : prepend_with_keys<2>(end, key, some, size);
-  };
-  // Seven octets an element at most, and a word before the first.
-  const auto room = static_cast<std::size_t>(at - sink.first);
-  if (room >= sizeof(std::uint64_t) && (room - sizeof(std::uint64_t)) / 7 >= count) return prepend(at, elements, count);
-  const std::size_t first = count < 3 ? count : 3;
-  if (count > 3) at = prepend(at, elements + 3, count - 3);
-  return plain::prepend_integers(sink, at, number, elements, first);
+  at = key < 0x80 ? prepend_words<1>(sink.first, at, key, elements, count)
+                  : prepend_words<2>(sink.first, at, key, elements, count);
+  return plain::prepend_integers(sink, at, number, elements, count);
 }
 
 }  // namespace pavo_zorv

@@ -85,26 +85,42 @@ class native_piece {
 using native_piece = portable_piece;
 #endif
 
-// Looks at the octets from `at` on, as many as a window has or the buffer still holds: bits beyond are 0. The last load
-// is moved back to where the buffer ends, so the buffer must be as long as one load.
+// The octets from `at` on, as many as a window has or the buffer still holds, a load at a time: calls `add` with the
+// octets, the place of the first of them in the window, and how many before it are to be left out. The last load is
+// moved back to where the buffer ends, so the buffer must be as long as one load.
+template <class Piece, class Add>
+PAVO_ZORV_INLINE void for_each_piece(const octet *at, const octet *limit, Add add) {
+  const auto left = static_cast<std::size_t>(limit - at);
+  if (left >= window_size) [[likely]] {
+    for (std::size_t offset = 0; offset < window_size; offset += Piece::size) add(Piece(at + offset), offset, 0);
+  } else {
+    std::size_t offset = 0;
+    for (; left - offset >= Piece::size; offset += Piece::size) add(Piece(at + offset), offset, 0);
+    if (offset < left) add(Piece(limit - Piece::size), offset, Piece::size - (left - offset));
+  }
+}
+
+// Bits beyond the end of the buffer are 0.
 template <class Piece = native_piece, unsigned KeySize>
 PAVO_ZORV_INLINE window look(const octet *at, const octet *limit, key_octets<KeySize> key) {
   std::uint64_t ends = 0, first = 0, second = 0;
-  const auto add = [&](const octet *from, std::size_t offset, std::size_t skipped) __attribute__((always_inline)) {
-    const Piece octets(from);
-    ends |= octets.ends() >> skipped << offset;
-    first |= octets.equal(key.first) >> skipped << offset;
-    if constexpr (KeySize == 2) second |= octets.equal(key.second) >> skipped << offset;
-  };
-  const auto left = static_cast<std::size_t>(limit - at);
-  if (left >= window_size) [[likely]] {
-    for (std::size_t offset = 0; offset < window_size; offset += Piece::size) add(at + offset, offset, 0);
-  } else {
-    std::size_t offset = 0;
-    for (; left - offset >= Piece::size; offset += Piece::size) add(at + offset, offset, 0);
-    if (offset < left) add(limit - Piece::size, offset, Piece::size - (left - offset));
-  }
+  for_each_piece<Piece>(
+      at, limit, [&](Piece octets, std::size_t offset, std::size_t before) __attribute__((always_inline)) {
+        ends |= octets.ends() >> before << offset;
+        first |= octets.equal(key.first) >> before << offset;
+        if constexpr (KeySize == 2) second |= octets.equal(key.second) >> before << offset;
+      });
   return {ends, KeySize == 1 ? first : first & second >> 1};
+}
+
+template <class Piece = native_piece>
+PAVO_ZORV_INLINE std::uint64_t look_for(const octet *at, const octet *limit, octet value) {
+  std::uint64_t found = 0;
+  for_each_piece<Piece>(
+      at, limit, [&](Piece octets, std::size_t offset, std::size_t before) __attribute__((always_inline)) {
+        found |= octets.equal(value) >> before << offset;
+      });
+  return found;
 }
 
 // Bit by bit, whether the number of bits up to and including it is odd.
@@ -112,5 +128,66 @@ constexpr std::uint64_t parity_up_to(std::uint64_t bits) {
   for (unsigned distance = 1; distance < 64; distance *= 2) bits ^= bits << distance;
   return bits;
 }
+
+#if defined(__SSSE3__)
+// Four 8-bit elements as varints with their keys, put together by one shuffle: which octets of the source go where
+// follows from which elements take a second octet, which is always 1.
+template <unsigned KeySize>
+class four_elements {
+ public:
+  static constexpr bool usable = true;
+  static constexpr std::size_t room = 16;  // octets that a store covers, of which the last are the elements
+
+  explicit four_elements(key_octets<KeySize> key)
+      : others_(_mm_set_epi32(0, 0, 1 << 16 | key.second << 8 | key.first, 0)) {}
+
+  PAVO_ZORV_INLINE octet *prepend(octet *at, const octet *elements) const {
+    std::uint32_t four;
+    std::memcpy(&four, elements, sizeof four);
+    const std::uint32_t longer = (four >> 7 & 0x01010101) * 0x10204080 >> 28;
+    const __m128i source = _mm_or_si128(_mm_cvtsi32_si128(static_cast<int>(four)), others_);
+    __m128i order;
+    std::memcpy(&order, orders[longer].places, sizeof order);
+    const __m128i octets = _mm_shuffle_epi8(source, order);
+    std::memcpy(at - room, &octets, room);
+    return at - orders[longer].size;
+  }
+
+ private:
+  struct order {
+    octet places[16];
+    std::size_t size;
+  };
+  struct orders_of_all {
+    order of[16];
+    constexpr const order &operator[](std::size_t longer) const { return of[longer]; }
+  };
+
+  // In the source stand four elements, the key, and the octet 1.
+  static constexpr orders_of_all make_orders() {
+    orders_of_all result{};
+    for (unsigned longer = 0; longer < 16; ++longer) {
+      order &made = result.of[longer];
+      unsigned at = 16;
+      for (unsigned element = 4; element-- != 0;) {
+        if ((longer >> element & 1) != 0) made.places[--at] = 6;
+        made.places[--at] = static_cast<octet>(element);
+        if (KeySize == 2) made.places[--at] = 5;
+        made.places[--at] = 4;
+      }
+      made.size = 16 - at;
+    }
+    return result;
+  }
+
+  static constexpr orders_of_all orders = make_orders();
+  __m128i others_;
+};
+#else
+template <unsigned KeySize>
+struct four_elements {
+  static constexpr bool usable = false;
+};
+#endif
 
 }  // namespace pavo_zorv

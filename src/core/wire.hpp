@@ -29,6 +29,13 @@ struct buffer {
   std::size_t size() const { return static_cast<std::size_t>(limit - first); }
 };
 
+// The octets of a vector for which the processor surely has a register: larger ones would be taken apart.
+#if defined(__AVX2__)
+inline constexpr std::size_t vector_size = 32;
+#else
+inline constexpr std::size_t vector_size = 16;
+#endif
+
 // Eight octets as a number, the first the lowest.
 PAVO_ZORV_INLINE std::uint64_t load_word(const octet *at) {
   std::uint64_t word;
@@ -98,7 +105,8 @@ PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *
 // Keys, lengths and most values take one octet, or two.
 template <class Value>
 PAVO_ZORV_INLINE varint<Value> read_varint(const octet *at, const octet *end) {
-  if (at != end && *at < 0x80) [[likely]] return {at + 1, *at};
+  if (at != end && *at < 0x80) [[likely]]
+    return {at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) return {at + 2, static_cast<Value>((at[0] & 0x7f) | at[1] << 7)};
   return read_long_varint<Value>(at, end);
 }

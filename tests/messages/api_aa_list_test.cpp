@@ -221,7 +221,7 @@ TEST(api_aa_list, blocks_are_released_in_their_order) {
   decoded<api_aa_list> read(together(all_fields));
   ASSERT_EQ(read.result, CODEC_OK);
   const api_policy &first = read->policies[0];
-  const std::vector<void *> blocks = {read->octets, first.field1, first.prefixes[0].octets,   first.prefixes,
+  const std::vector<void *> blocks = {read->octets, first.field1, first.prefixes[0].octets, first.prefixes,
                                       first.field6, first.field7, read->policies[2].field1, read->policies};
   operations<api_aa_list>::free(&read.record, accountant::release, &read.memory);
   EXPECT_EQ(read.memory.released, blocks);

@@ -346,8 +346,8 @@ TEST(api_msg_p2p_auto_policy, the_options_word_changes_nothing) {
     takes_entries(whole.record, {{18, 6}, {47, 4}, {45, 8}, {78, 7}, {0, 88}}, options);
     decoded<policy> read(together(all_fields), options);
     EXPECT_EQ(read.result, CODEC_OK);
-    EXPECT_EQ(read.memory.sizes, (std::vector<std::size_t>{3, 2, 8, 2, 2 * sizeof(api_exp_path), sizeof(api_exp_hop),
-                                                           1, 4, 2}));
+    EXPECT_EQ(read.memory.sizes,
+              (std::vector<std::size_t>{3, 2, 8, 2, 2 * sizeof(api_exp_path), sizeof(api_exp_hop), 1, 4, 2}));
     EXPECT_EQ(decode_without_memory<policy>(hex("0a 01 61"), options), CODEC_ERR_NO_MEMORY);
     operations<policy>::free(&read.record, accountant::release, &read.memory, options);
     EXPECT_EQ(read.memory.live(), 0u);

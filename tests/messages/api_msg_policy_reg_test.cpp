@@ -98,12 +98,10 @@ TEST(api_msg_policy_reg, octets_are_read_as_one_run_cut_to_eight_bits) {
 
 TEST(api_msg_policy_reg, a_failure_keeps_what_came_before) {
   const std::vector<std::pair<const char *, int>> inputs = {
-      {"18 05 22 01 61 10 07 22 01 62", CODEC_ERR_TRUNCATED},  // a second string
+      {"18 05 22 01 61 10 07 22 01 62", CODEC_ERR_TRUNCATED},     // a second string
       {"18 05 22 01 61 10 07 18 05 10 08", CODEC_ERR_TRUNCATED},  // a second run
-      {"18 05 22 01 61 10 07 18", CODEC_ERR_TRUNCATED},
-      {"18 05 22 01 61 10 07 2b", CODEC_ERR_BAD_WIRE_TYPE},
-      {"18 05 22 01 61 10 07 20", CODEC_ERR_WRONG_WIRE_TYPE},
-      {"18 05 22 01 61 10 07 0a", CODEC_ERR_WRONG_WIRE_TYPE},
+      {"18 05 22 01 61 10 07 18", CODEC_ERR_TRUNCATED},          {"18 05 22 01 61 10 07 2b", CODEC_ERR_BAD_WIRE_TYPE},
+      {"18 05 22 01 61 10 07 20", CODEC_ERR_WRONG_WIRE_TYPE},    {"18 05 22 01 61 10 07 0a", CODEC_ERR_WRONG_WIRE_TYPE},
   };
   for (const auto &[bytes, result] : inputs) {
     SCOPED_TRACE(bytes);

@@ -319,9 +319,9 @@ TEST(api_msg, short_buffers_take_what_fits) {
 
 TEST(api_msg, its_own_entry_comes_behind_those_of_all_payloads) {
   const whole_envelope whole;
-  takes_entries(whole.record, {{19, 2}, {13, 8},  {23, 5}, {32, 2},  {30, 4},  {36, 12}, {50, 3},  {55, 2},
-                               {61, 3}, {59, 7},  {70, 3}, {68, 7},  {77, 4},  {85, 2},  {83, 6},  {93, 2},
-                               {97, 3}, {91, 9},  {102, 9}, {113, 9}, {127, 5}, {0, 132}});
+  takes_entries(whole.record, {{19, 2}, {13, 8}, {23, 5},  {32, 2},  {30, 4},  {36, 12}, {50, 3}, {55, 2},
+                               {61, 3}, {59, 7}, {70, 3},  {68, 7},  {77, 4},  {85, 2},  {83, 6}, {93, 2},
+                               {97, 3}, {91, 9}, {102, 9}, {113, 9}, {127, 5}, {0, 132}});
 }
 
 TEST(api_msg, by_reference_payloads_split_and_their_lengths_leave_the_octets_out) {

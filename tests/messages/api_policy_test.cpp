@@ -46,8 +46,7 @@ const fields<api_policy> all_fields = {
     {take(&api_policy::field2), hex("10 ac 02")},
     {take(&api_policy::field3), hex("18 00")},
     {take(&api_policy::field4), hex("20 01")},
-    {take(&api_policy::prefixes, &api_policy::prefixes_count),
-     hex("2a 00 2a 07 08 01 08 c8 01 10 18 2a 02 08 05")},
+    {take(&api_policy::prefixes, &api_policy::prefixes_count), hex("2a 00 2a 07 08 01 08 c8 01 10 18 2a 02 08 05")},
     {take(&api_policy::field6), hex("32 00")},
     {take(&api_policy::field7), hex("3a 03 78 79 7a")},
     {take(&api_policy::field8), hex("40 ff ff ff ff 0f")},
@@ -201,8 +200,8 @@ TEST(api_policy, a_second_string_is_refused_and_the_first_kept) {
 }
 
 TEST(api_policy, a_run_of_prefixes_that_is_cut_off_asks_for_no_memory) {
-  for (const char *bytes : {"2a 00 2a 01", "2a 00 2a", "2a 00 2a 80", "2a 00 aa", "2a 01", "2a 80",
-                            "2a 00 2a ff ff ff ff 0f 00"}) {
+  for (const char *bytes :
+       {"2a 00 2a 01", "2a 00 2a", "2a 00 2a 80", "2a 00 aa", "2a 01", "2a 80", "2a 00 2a ff ff ff ff 0f 00"}) {
     SCOPED_TRACE(bytes);
     decoded<api_policy> read(hex("10 05") + hex(bytes));
     EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -298,8 +297,8 @@ TEST(api_policy, null_strings_and_an_empty_list_are_copied_as_empty_with_their_b
 TEST(api_policy, blocks_are_released_in_their_order) {
   decoded<api_policy> read(together(all_fields));
   ASSERT_EQ(read.result, CODEC_OK);
-  const std::vector<void *> blocks = {read->field1,   read->prefixes[1].octets, read->prefixes[2].octets,
-                                      read->prefixes, read->field6,             read->field7};
+  const std::vector<void *> blocks = {
+      read->field1, read->prefixes[1].octets, read->prefixes[2].octets, read->prefixes, read->field6, read->field7};
   operations<api_policy>::free(&read.record, accountant::release, &read.memory);
   EXPECT_EQ(read.memory.released, blocks);
   EXPECT_EQ(read->field1, nullptr);

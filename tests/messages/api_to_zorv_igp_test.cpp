@@ -39,7 +39,12 @@ struct whole_to_igp {
     policy.prefixes = &prefix;
     policy.prefixes_count = 1;
     policy.presence = API_POLICY_HAS_FIELD1 | API_POLICY_HAS_PREFIXES;
-    record.link_update = {1, name, 0, 0, numbers, 1,
+    record.link_update = {1,
+                          name,
+                          0,
+                          0,
+                          numbers,
+                          1,
                           API_LINK_UPDATE_HAS_FIELD1 | API_LINK_UPDATE_HAS_FIELD2 | API_LINK_UPDATE_HAS_FIELD5};
     record.aa_list = {octets, 1, 5, &policy, 1, 7};
     record.field3 = 1;
@@ -392,9 +397,13 @@ TEST(api_to_igp, blocks_are_released_in_their_order) {
   decoded<api_to_igp> read(together(to_igp_fields));
   ASSERT_EQ(read.result, CODEC_OK);
   api_policy *const policies = read->aa_list.policies;
-  const std::vector<void *> blocks = {read->link_update.field2,       read->link_update.field5, read->aa_list.octets,
-                                      policies[0].field1,             policies[0].prefixes[0].octets,
-                                      policies[0].prefixes,           policies};
+  const std::vector<void *> blocks = {read->link_update.field2,
+                                      read->link_update.field5,
+                                      read->aa_list.octets,
+                                      policies[0].field1,
+                                      policies[0].prefixes[0].octets,
+                                      policies[0].prefixes,
+                                      policies};
   operations<api_to_igp>::free(&read.record, accountant::release, &read.memory);
   EXPECT_EQ(read.memory.released, blocks);
   EXPECT_EQ(read->link_update.field2, nullptr);

@@ -25,7 +25,7 @@ void expect_at(std::size_t seen, std::size_t in_wide, std::size_t in_narrow, con
   }
 }
 
-#define RECORD(record, in_wide, in_narrow)           \
+#define RECORD(record, in_wide, in_narrow)          \
   static_assert(std::is_standard_layout_v<record>); \
   expect_at(sizeof(record), in_wide, in_narrow, #record)
 
@@ -148,8 +148,8 @@ TEST(layout, of_api_msg_p2p_auto_policy) {
   FIELD(api_msg_p2p_auto_policy, field18, std::uint32_t, 112, 80, API_MSG_P2P_AUTO_POLICY_HAS_FIELD18, 0x20000);
   FIELD(api_msg_p2p_auto_policy, field19, std::uint8_t, 116, 84, API_MSG_P2P_AUTO_POLICY_HAS_FIELD19, 0x40000);
   FIELD(api_msg_p2p_auto_policy, field20, char *, 120, 88, API_MSG_P2P_AUTO_POLICY_HAS_FIELD20, 0x80000);
-  FIELD(api_msg_p2p_auto_policy, prefix_sid, prefix_sid_type, 128, 92,
-        API_MSG_P2P_AUTO_POLICY_HAS_PREFIX_SID, 0x100000);
+  FIELD(api_msg_p2p_auto_policy, prefix_sid, prefix_sid_type, 128, 92, API_MSG_P2P_AUTO_POLICY_HAS_PREFIX_SID,
+        0x100000);
   FIELD(api_msg_p2p_auto_policy, field22, std::uint32_t, 152, 108, API_MSG_P2P_AUTO_POLICY_HAS_FIELD22, 0x200000);
   MEMBER(api_msg_p2p_auto_policy, presence, std::uint32_t, 156, 112);
 }
@@ -167,41 +167,41 @@ TEST(layout, of_api_msg_p2p_auto_policy_notif) {
   FIELD(api_msg_p2p_auto_policy_notif, field9, std::uint8_t, 32, 24, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD9, 0x100);
   FIELD(api_msg_p2p_auto_policy_notif, label_stack, api_lbl_stack, 40, 28,
         API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_LABEL_STACK, 0x200);
-  FIELD(api_msg_p2p_auto_policy_notif, field11, std::uint32_t, 56, 40,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD11, 0x400);
-  FIELD(api_msg_p2p_auto_policy_notif, field12, std::uint32_t, 60, 44,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD12, 0x800);
-  FIELD(api_msg_p2p_auto_policy_notif, field13, std::uint8_t, 64, 48,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD13, 0x1000);
-  FIELD(api_msg_p2p_auto_policy_notif, field14, std::uint32_t, 68, 52,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD14, 0x2000);
-  FIELD(api_msg_p2p_auto_policy_notif, field15, std::uint8_t *, 72, 56,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD15, 0x4000);
+  FIELD(api_msg_p2p_auto_policy_notif, field11, std::uint32_t, 56, 40, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD11,
+        0x400);
+  FIELD(api_msg_p2p_auto_policy_notif, field12, std::uint32_t, 60, 44, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD12,
+        0x800);
+  FIELD(api_msg_p2p_auto_policy_notif, field13, std::uint8_t, 64, 48, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD13,
+        0x1000);
+  FIELD(api_msg_p2p_auto_policy_notif, field14, std::uint32_t, 68, 52, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD14,
+        0x2000);
+  FIELD(api_msg_p2p_auto_policy_notif, field15, std::uint8_t *, 72, 56, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD15,
+        0x4000);
   MEMBER(api_msg_p2p_auto_policy_notif, field15_count, std::uint32_t, 80, 60);
-  FIELD(api_msg_p2p_auto_policy_notif, field16, std::uint32_t, 84, 64,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD16, 0x8000);
-  FIELD(api_msg_p2p_auto_policy_notif, field17, std::uint32_t, 88, 68,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD17, 0x10000);
-  FIELD(api_msg_p2p_auto_policy_notif, field18, std::uint32_t, 92, 72,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD18, 0x20000);
-  FIELD(api_msg_p2p_auto_policy_notif, field19, std::uint32_t, 96, 76,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD19, 0x40000);
-  FIELD(api_msg_p2p_auto_policy_notif, field20, std::uint8_t, 100, 80,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD20, 0x80000);
+  FIELD(api_msg_p2p_auto_policy_notif, field16, std::uint32_t, 84, 64, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD16,
+        0x8000);
+  FIELD(api_msg_p2p_auto_policy_notif, field17, std::uint32_t, 88, 68, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD17,
+        0x10000);
+  FIELD(api_msg_p2p_auto_policy_notif, field18, std::uint32_t, 92, 72, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD18,
+        0x20000);
+  FIELD(api_msg_p2p_auto_policy_notif, field19, std::uint32_t, 96, 76, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD19,
+        0x40000);
+  FIELD(api_msg_p2p_auto_policy_notif, field20, std::uint8_t, 100, 80, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD20,
+        0x80000);
   FIELD(api_msg_p2p_auto_policy_notif, field21, char *, 104, 84, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD21, 0x100000);
-  FIELD(api_msg_p2p_auto_policy_notif, field22, std::uint8_t *, 112, 88,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22, 0x200000);
+  FIELD(api_msg_p2p_auto_policy_notif, field22, std::uint8_t *, 112, 88, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22,
+        0x200000);
   MEMBER(api_msg_p2p_auto_policy_notif, field22_count, std::uint32_t, 120, 92);
-  FIELD(api_msg_p2p_auto_policy_notif, field23, std::uint32_t, 124, 96,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD23, 0x400000);
-  FIELD(api_msg_p2p_auto_policy_notif, field24, std::uint32_t, 128, 100,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD24, 0x800000);
-  FIELD(api_msg_p2p_auto_policy_notif, field25, std::uint32_t, 132, 104,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD25, 0x1000000);
-  FIELD(api_msg_p2p_auto_policy_notif, field26, std::uint8_t, 136, 108,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD26, 0x2000000);
-  FIELD(api_msg_p2p_auto_policy_notif, field27, std::int64_t, 144, 112,
-        API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD27, 0x4000000);
+  FIELD(api_msg_p2p_auto_policy_notif, field23, std::uint32_t, 124, 96, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD23,
+        0x400000);
+  FIELD(api_msg_p2p_auto_policy_notif, field24, std::uint32_t, 128, 100, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD24,
+        0x800000);
+  FIELD(api_msg_p2p_auto_policy_notif, field25, std::uint32_t, 132, 104, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD25,
+        0x1000000);
+  FIELD(api_msg_p2p_auto_policy_notif, field26, std::uint8_t, 136, 108, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD26,
+        0x2000000);
+  FIELD(api_msg_p2p_auto_policy_notif, field27, std::int64_t, 144, 112, API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD27,
+        0x4000000);
   MEMBER(api_msg_p2p_auto_policy_notif, presence, std::uint32_t, 152, 120);
 }
 
@@ -209,10 +209,10 @@ TEST(layout, of_api_msg_p2p_auto_policy_request) {
   RECORD(api_msg_p2p_auto_policy_request, 176, 128);
   FIELD(api_msg_p2p_auto_policy_request, policy, api_msg_p2p_auto_policy, 0, 0,
         API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_POLICY, 0x1);
-  FIELD(api_msg_p2p_auto_policy_request, field2, std::uint32_t, 160, 116,
-        API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_FIELD2, 0x2);
-  FIELD(api_msg_p2p_auto_policy_request, field3, std::uint32_t, 164, 120,
-        API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_FIELD3, 0x4);
+  FIELD(api_msg_p2p_auto_policy_request, field2, std::uint32_t, 160, 116, API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_FIELD2,
+        0x2);
+  FIELD(api_msg_p2p_auto_policy_request, field3, std::uint32_t, 164, 120, API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_FIELD3,
+        0x4);
   MEMBER(api_msg_p2p_auto_policy_request, presence, std::uint8_t, 168, 124);
 }
 
@@ -220,10 +220,10 @@ TEST(layout, of_api_msg_p2p_auto_policy_response) {
   RECORD(api_msg_p2p_auto_policy_response, 176, 136);
   FIELD(api_msg_p2p_auto_policy_response, notification, api_msg_p2p_auto_policy_notif, 0, 0,
         API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_NOTIFICATION, 0x1);
-  FIELD(api_msg_p2p_auto_policy_response, field2, std::uint32_t, 160, 124,
-        API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_FIELD2, 0x2);
-  FIELD(api_msg_p2p_auto_policy_response, field3, std::uint32_t, 164, 128,
-        API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_FIELD3, 0x4);
+  FIELD(api_msg_p2p_auto_policy_response, field2, std::uint32_t, 160, 124, API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_FIELD2,
+        0x2);
+  FIELD(api_msg_p2p_auto_policy_response, field3, std::uint32_t, 164, 128, API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_FIELD3,
+        0x4);
   MEMBER(api_msg_p2p_auto_policy_response, presence, std::uint8_t, 168, 132);
 }
 
@@ -403,16 +403,16 @@ TEST(layout, of_api_msg) {
   FIELD(api_msg, internal, api_msg_internal, 8, 8, API_MSG_HAS_INTERNAL, 0x2);
   FIELD(api_msg, field3, api_msg_p2p_auto_policy, 48, 40, API_MSG_HAS_FIELD3, 0x4);
   FIELD(api_msg, field4, api_msg_p2p_auto_policy, 208, 156, API_MSG_HAS_FIELD4, 0x8);
-  FIELD(api_msg, p2p_auto_policy_notif, api_msg_p2p_auto_policy_notif, 368, 272,
-        API_MSG_HAS_P2P_AUTO_POLICY_NOTIF, 0x10);
+  FIELD(api_msg, p2p_auto_policy_notif, api_msg_p2p_auto_policy_notif, 368, 272, API_MSG_HAS_P2P_AUTO_POLICY_NOTIF,
+        0x10);
   FIELD(api_msg, field6, api_msg_on_demand_color_notif, 528, 396, API_MSG_HAS_FIELD6, 0x20);
   FIELD(api_msg, field7, api_msg_on_demand_color_notif, 536, 404, API_MSG_HAS_FIELD7, 0x40);
   FIELD(api_msg, p2p_auto_policy_request, api_msg_p2p_auto_policy_request, 544, 412,
         API_MSG_HAS_P2P_AUTO_POLICY_REQUEST, 0x80);
   FIELD(api_msg, p2p_auto_policy_response, api_msg_p2p_auto_policy_response, 720, 540,
         API_MSG_HAS_P2P_AUTO_POLICY_RESPONSE, 0x100);
-  FIELD(api_msg, p2p_auto_policy_sweep, api_msg_p2p_auto_policy_sweep, 896, 676,
-        API_MSG_HAS_P2P_AUTO_POLICY_SWEEP, 0x200);
+  FIELD(api_msg, p2p_auto_policy_sweep, api_msg_p2p_auto_policy_sweep, 896, 676, API_MSG_HAS_P2P_AUTO_POLICY_SWEEP,
+        0x200);
   FIELD(api_msg, to_igp, api_to_igp, 912, 688, API_MSG_HAS_TO_IGP, 0x400);
   FIELD(api_msg, to_zorv, api_to_zorv, 992, 744, API_MSG_HAS_TO_ZORV, 0x800);
   FIELD(api_msg, oam_req, oam_req, 1048, 776, API_MSG_HAS_OAM_REQ, 0x1000);

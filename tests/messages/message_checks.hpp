@@ -81,7 +81,7 @@ inline constexpr unsigned field_count<api_msg> = 16;
 template <class Record>
 std::uint32_t bits(const Record &record) {
   static_assert(field_count<Record> != 0);
-  return record.presence & static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>) - 1);
+  return record.presence & static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>)-1);
 }
 
 template <class Record>
@@ -91,7 +91,7 @@ void set_bits(Record &record, std::uint32_t value) {
 
 template <class Record>
 constexpr std::uint32_t all_bits() {
-  return static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>) - 1);
+  return static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>)-1);
 }
 
 // --- Comparing as the C library does, at run time: the compiler must not fold these. ---
@@ -107,8 +107,8 @@ struct encoding {
   encoding(const Record &record, std::size_t size, std::uint32_t capacity, std::uint32_t options = 0)
       : buffer(size),
         segments(capacity),
-        length(
-            operations<Record>::encode(&record, buffer.data(), size, segments.entries(), &segments.count, options)) {}
+        length(operations<Record>::encode(&record, buffer.data(), size, segments.entries(), &segments.count, options)) {
+  }
 
   const unsigned char *at(std::size_t position) const { return buffer.data() + position; }
 

@@ -56,8 +56,7 @@ const fields<oam_res> all_fields = {
     {take(&oam_res::sid_lists, &oam_res::sid_lists_count),
      hex("2a 0a 0a 04 08 03 10 01 22 02 aa bb 2a 05 10 07 22 01 cc")},
     {take(&oam_res::field6, &oam_res::field6_length), hex("32 03 dd ee ff")},
-    {take(&oam_res::usid_lists, &oam_res::usid_lists_count),
-     hex("3a 0c 0a 0a 08 09 1a 06 0a 02 11 22 10 40")},
+    {take(&oam_res::usid_lists, &oam_res::usid_lists_count), hex("3a 0c 0a 0a 08 09 1a 06 0a 02 11 22 10 40")},
 };
 
 const char *const written_by_reference =
@@ -105,8 +104,8 @@ TEST(oam_res, read_by_reference_the_arrays_are_released_and_nothing_of_the_input
   EXPECT_EQ(read->usid_lists[0].usids[0].prefix.field1, input + 46);
   EXPECT_EQ(read.memory.sizes, (std::vector<std::size_t>{2 * sizeof(out_sid_list_info), 1,
                                                          sizeof(out_srv6_usid_list_info), sizeof(srv6_usid)}));
-  const std::vector<void *> blocks = {read->sid_lists[0].prefix_sid.field2, read->sid_lists,
-                                      read->usid_lists[0].usids, read->usid_lists};
+  const std::vector<void *> blocks = {read->sid_lists[0].prefix_sid.field2, read->sid_lists, read->usid_lists[0].usids,
+                                      read->usid_lists};
   operations<oam_res>::free(&read.record, accountant::release, &read.memory, by_reference);
   EXPECT_EQ(read.memory.released, blocks);
   EXPECT_EQ(read->sid_lists, nullptr);
@@ -221,7 +220,12 @@ TEST(oam_res, by_reference_without_micro_sid_lists_there_is_no_rest) {
   whole_result whole;
   whole.record.presence = 0x3f;
   takes_entries(whole.record,
-                {{16, 4}, {14, 8}, referenced(whole.first, 2), {24, 4}, referenced(whole.second, 1), {0, 30},
+                {{16, 4},
+                 {14, 8},
+                 referenced(whole.first, 2),
+                 {24, 4},
+                 referenced(whole.second, 1),
+                 {0, 30},
                  referenced(whole.data, 3)},
                 by_reference);
 }
@@ -392,9 +396,8 @@ TEST(oam_res, blocks_are_released_in_their_order) {
   whole_result whole;
   notebook notes;
   operations<oam_res>::free(&whole.record, notebook::note, &notes);
-  EXPECT_EQ(notes.released,
-            (std::vector<void *>{whole.sid_field2, whole.first, whole.second, whole.sid_lists, whole.data, whole.prefix,
-                                 &whole.usid, whole.usid_lists}));
+  EXPECT_EQ(notes.released, (std::vector<void *>{whole.sid_field2, whole.first, whole.second, whole.sid_lists,
+                                                 whole.data, whole.prefix, &whole.usid, whole.usid_lists}));
   EXPECT_EQ(whole.sid_lists[0].prefix_sid.field2, nullptr);
   EXPECT_EQ(whole.sid_lists[0].field4, nullptr);
   EXPECT_EQ(whole.sid_lists[1].field4, nullptr);

@@ -308,8 +308,14 @@ TEST(out_srv6_usid_list_info, its_own_entry_comes_behind_those_of_prefixes_and_m
   takes_entries(whole.record, {{6, 8}, {2, 12}, {20, 3}, {18, 5}, {0, 23}});
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "0a 08 08 01 1a 04 0a 04 10 40 0a 00 0a 04 1a 02 0a 01");
   takes_entries(whole.record,
-                {{6, 2}, referenced(whole.data, 4), rest(8, 2, 2), {2, 8}, {16, 2}, referenced(whole.other_data, 1),
-                 {14, 4}, {0, 18}},
+                {{6, 2},
+                 referenced(whole.data, 4),
+                 rest(8, 2, 2),
+                 {2, 8},
+                 {16, 2},
+                 referenced(whole.other_data, 1),
+                 {14, 4},
+                 {0, 18}},
                 by_reference);
 }
 

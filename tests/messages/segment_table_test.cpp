@@ -379,6 +379,25 @@ TEST_F(huge_bytes, put_what_follows_behind_the_end_of_the_buffer) {
             (std::vector<piece>{start.at(4, much), start.at(2, much + 2), {nullptr, 2}, start.at(0, much + 8)}));
 }
 
+// A sum that wrapped would look like an encoding that fits.
+TEST_F(huge_bytes, beyond_all_sizes_measure_as_the_greatest_and_touch_nothing_but_the_buffer) {
+  unsigned char data[16] = {};
+  for (const std::uint64_t less : {0u, 1u, 5u, 6u, 7u}) {
+    srv6_usid usids[2]{};
+    usids[0].prefix = usids[1].prefix = {data, UINT64_MAX - less, 64, 3};
+    const out_srv6_usid_list_info list{usids, 2, OUT_SRV6_USID_LIST_INFO_HAS_USIDS};
+    ASSERT_EQ(operations<srv6_prefix>::encode(&usids[0].prefix, nullptr, 0, nullptr, nullptr), SIZE_MAX);
+    ASSERT_EQ(operations<srv6_usid>::encode(&usids[0], nullptr, 0, nullptr, nullptr), SIZE_MAX);
+    ASSERT_EQ(operations<out_srv6_usid_list_info>::encode(&list, nullptr, 0, nullptr, nullptr), SIZE_MAX);
+
+    const fenced_block around(40);
+    EXPECT_EQ(operations<srv6_usid>::encode(&usids[0], around.data() + 16, 16, nullptr, nullptr), SIZE_MAX);
+    const octets content = around.content();
+    EXPECT_EQ(octets(content.begin(), content.begin() + 16), 16 * hex("c7")) << "before the buffer";
+    EXPECT_EQ(octets(content.begin() + 24, content.end()), 16 * hex("c7")) << "behind the keys and lengths";
+  }
+}
+
 // --- Reference mode: decoding, releasing, copying ---
 
 // case: nested: bytes decoded in reference mode, released and copied

@@ -40,7 +40,7 @@ const fields<srv6_prefix> prefix_fields = {
 };
 
 const fields<srv6_sid_struct> struct_fields = {
-    {take(&srv6_sid_struct::field1), hex("08 01")}, {take(&srv6_sid_struct::field2), hex("10 00")},
+    {take(&srv6_sid_struct::field1), hex("08 01")},    {take(&srv6_sid_struct::field2), hex("10 00")},
     {take(&srv6_sid_struct::field3), hex("18 c8 01")}, {take(&srv6_sid_struct::field4), hex("20 7f")},
     {take(&srv6_sid_struct::field5), hex("28 80 01")}, {take(&srv6_sid_struct::field6), hex("30 00")},
     {take(&srv6_sid_struct::field7), hex("38 ff 01")}, {take(&srv6_sid_struct::field8), hex("40 01")},

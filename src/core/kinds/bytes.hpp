@@ -67,6 +67,10 @@ struct bytes_row : row {
     return prepend_key(sink, at, number, wire);
   }
 
+  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
+    bits |= reinterpret_cast<std::uintptr_t>(record.*value) | (record.*length != 0);
+  }
+
   PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
     const unsigned char *const source = record.*value;
     const std::uint64_t size = record.*length;

@@ -33,11 +33,12 @@ struct integer_list_row : row {
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
-    const std::size_t length = count_integers<Element>(number, at, end, input.whole);
+    const counted_run run = count_integers<Element>(number, at, end, input.whole);
+    const std::size_t length = run.count();
     if (length == 0) return failed(CODEC_ERR_TRUNCATED);
     auto *const block = input.memory.array<Element>(length);
     if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
-    const octet *const next = read_integers(block, length, number, at, end, input.whole);
+    const octet *const next = read_integers(block, run, number, at, end, input.whole);
     record.*elements = block;
     record.*count = static_cast<std::uint32_t>(length);
     return {next, CODEC_OK};
@@ -54,6 +55,10 @@ struct integer_list_row : row {
                                               bool present, bool, Entries &) const {
     if (!present) return at;
     return prepend_integers(sink, at, number, record.*elements, record.*count);
+  }
+
+  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
+    bits |= reinterpret_cast<std::uintptr_t>(record.*elements) | record.*count;
   }
 
   PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {

@@ -70,6 +70,10 @@ struct message_list_row : row {
     return at;
   }
 
+  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
+    bits |= reinterpret_cast<std::uintptr_t>(record.*elements) | record.*count;
+  }
+
   // When elements fail, the array stays, with its count and bit.
   PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
     const Nested *const source = record.*elements;

@@ -51,14 +51,18 @@ struct nested_row : row {
     return prepend_key(sink, at, number, wire);
   }
 
+  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
+    collect_owned(record.*value, bits);
+  }
+
   // The containing record's bit stays, whatever becomes of the members inside.
   PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
-    own_message(record.*value, copying);
+    if (!owns_nothing(record.*value)) own_message(record.*value, copying);
     return true;
   }
 
   PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const {
-    release_message(record.*value, releaser);
+    if (!owns_nothing(record.*value)) release_message(record.*value, releaser);
   }
 
   PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const { return compare_messages(a.*value, b.*value); }

@@ -51,6 +51,10 @@ struct string_row : row {
     return prepend_key(sink, at, number, wire);
   }
 
+  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
+    bits |= reinterpret_cast<std::uintptr_t>(record.*value);
+  }
+
   PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
     const char *const source = record.*value;
     if (source == nullptr) return true;

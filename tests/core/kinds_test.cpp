@@ -1,0 +1,355 @@
+// What each kind of member is on the wire and in a record, octet by octet: once with keys of one octet, once with keys
+// of two, and all kinds together.
+#include <cstring>
+
+#include "test_messages.hpp"
+
+namespace test {
+
+// An empty record with the presence bits of these fields.
+everything with_fields(std::initializer_list<unsigned> numbers) {
+  everything record;
+  std::memset(static_cast<void *>(&record), 0, sizeof record);
+  for (const unsigned number : numbers) record.presence |= 1u << (number - 1);
+  return record;
+}
+
+// The presence bits that belong to fields: the others are as the record had them before.
+template <class Record>
+std::uint32_t fields_of(const Record &record) {
+  return record.presence & pavo_zorv::presence_mask<Record>;
+}
+
+// What is read from octets must be written as the same octets.
+void expect_the_same_again(const octets &bytes) {
+  decoded<everything> back(bytes);
+  ASSERT_EQ(back.result, CODEC_OK) << show(bytes);
+  EXPECT_EQ(encoded(back.record), bytes);
+}
+
+TEST(presence_flags, are_8_16_or_32_bits_wide) {
+  EXPECT_EQ(sizeof(leaf::presence), 1u);
+  EXPECT_EQ(sizeof(branch::presence), 2u);
+  EXPECT_EQ(sizeof(everything::presence), 4u);
+  EXPECT_EQ(sizeof(widest::presence), 4u);
+}
+
+TEST(presence_flags, of_no_field_stay_in_a_record_and_in_those_inside) {
+  const octets bytes = hex("52 00 6a 00 ca 01 00 da 01 00");  // fields 10, 13, 25 and 27, all empty
+  const fenced_block input(bytes);
+  everything record;
+  std::memset(static_cast<void *>(&record), 0xff, sizeof record);
+  ASSERT_EQ(pavo_zorv::decode(record, input.data(), input.size(), nullptr, nullptr), CODEC_OK);
+  EXPECT_EQ(record.presence, 0xe0000000u | 1u << 9 | 1u << 12 | 1u << 24 | 1u << 26);
+  EXPECT_EQ(record.nested.presence, 0xf8);
+  EXPECT_EQ(record.nested_13.presence, 0xfe00);
+  EXPECT_EQ(record.nested_13.first.presence, 0xf8);
+  EXPECT_EQ(record.nested_27.inner.presence, 0xfe);
+  EXPECT_EQ(record.nested_27.label.presence, 0xf8);
+
+  everything copy;
+  std::memset(static_cast<void *>(&copy), 0, sizeof copy);
+  ASSERT_EQ(pavo_zorv::duplicate(copy, record, nullptr, nullptr), CODEC_OK);
+  EXPECT_EQ(copy.presence, 1u << 9 | 1u << 12 | 1u << 24 | 1u << 26);
+  EXPECT_EQ(copy.nested.presence, 0);
+  EXPECT_EQ(copy.nested_13.presence, 0);
+  EXPECT_EQ(copy.nested_27.inner.presence, 0);
+}
+
+TEST(presence_flags, may_all_belong_to_fields) {
+  const octets bytes = hex("08 01 80 01 02 f0 01 01 fa 01 01 61 82 02 00");  // fields 1, 16, 30, 31 and 32
+  decoded<widest> record(bytes);
+  ASSERT_EQ(record.result, CODEC_OK);
+  EXPECT_EQ(record->presence, 1u | 1u << 15 | 1u << 29 | 1u << 30 | 1u << 31);
+  EXPECT_EQ(encoded(record.record), bytes);
+}
+
+TEST(flag_member, is_one_octet_as_it_is_stored) {
+  everything record = with_fields({1, 17});
+  record.flag = 1;
+  record.flag_17 = 2;
+  EXPECT_EQ(encoded(record), hex("08 01 88 01 02"));
+  record.flag = 0;
+  record.flag_17 = 0x80;
+  EXPECT_EQ(encoded(record), hex("08 00 88 01 80"));
+}
+
+TEST(flag_member, is_read_as_0_or_1) {
+  decoded<everything> record(hex("08 ff 01 88 01 80 80 80 80 10"));
+  ASSERT_EQ(record.result, CODEC_OK);
+  EXPECT_EQ(record->flag, 1);
+  EXPECT_EQ(record->flag_17, 0) << "the low 32 bits are zero";
+  EXPECT_EQ(fields_of(record.record), 1u | 1u << 16);
+}
+
+TEST(integer_member, of_8_bits_takes_one_or_two_octets_and_is_cut_when_read) {
+  everything record = with_fields({2, 18});
+  record.octet = 127;
+  record.octet_18 = 200;
+  EXPECT_EQ(encoded(record), hex("10 7f 90 01 c8 01"));
+  decoded<everything> cut(hex("10 ac 02 90 01 ff ff ff ff 0f"));
+  ASSERT_EQ(cut.result, CODEC_OK);
+  EXPECT_EQ(cut->octet, 44);
+  EXPECT_EQ(cut->octet_18, 255);
+}
+
+TEST(integer_member, of_32_bits_takes_one_to_five_octets) {
+  everything record = with_fields({3, 15, 16, 29});
+  record.word = 0;
+  record.word_15 = 300;
+  record.word_16 = 0x0fffffff;
+  record.word_29 = 0xffffffff;
+  const octets bytes = hex("18 00 78 ac 02 80 01 ff ff ff 7f e8 01 ff ff ff ff 0f");
+  EXPECT_EQ(encoded(record), bytes);
+  expect_the_same_again(bytes);
+}
+
+TEST(integer_member, with_a_sign_takes_five_octets_when_negative_and_ten_with_64_bits) {
+  everything record = with_fields({4, 6, 19, 21});
+  record.signed_word = -1;
+  record.signed_long_word = -1;
+  record.signed_word_19 = INT32_MIN;
+  record.signed_long_word_21 = INT64_MIN;
+  const octets bytes =
+      hex("20 ff ff ff ff 0f 30 ff ff ff ff ff ff ff ff ff 01"
+          "98 01 80 80 80 80 08 a8 01 80 80 80 80 80 80 80 80 80 01");
+  EXPECT_EQ(encoded(record), bytes);
+  decoded<everything> back(bytes);
+  EXPECT_EQ(back->signed_word, -1);
+  EXPECT_EQ(back->signed_long_word, -1);
+  EXPECT_EQ(back->signed_word_19, INT32_MIN);
+  EXPECT_EQ(back->signed_long_word_21, INT64_MIN);
+}
+
+TEST(integer_member, with_a_sign_is_read_from_ten_octets_too) {
+  decoded<everything> record(hex("20 fe ff ff ff ff ff ff ff ff 01 98 01 fe ff ff ff ff ff ff ff ff 01"));
+  ASSERT_EQ(record.result, CODEC_OK);
+  EXPECT_EQ(record->signed_word, -2);
+  EXPECT_EQ(record->signed_word_19, -2);
+}
+
+TEST(integer_member, of_64_bits_takes_one_to_ten_octets) {
+  everything record = with_fields({5, 20});
+  record.long_word = UINT64_MAX;
+  record.long_word_20 = std::uint64_t{1} << 35;
+  const octets bytes = hex("28 ff ff ff ff ff ff ff ff ff 01 a0 01 80 80 80 80 80 01");
+  EXPECT_EQ(encoded(record), bytes);
+  expect_the_same_again(bytes);
+}
+
+TEST(integer_member, without_a_sign_orders_above_what_has_one) {
+  everything a = with_fields({3, 4, 5, 6});
+  everything b = a;
+  a.word = 0x80000000;
+  EXPECT_EQ(pavo_zorv::compare_messages(a, b), 1);
+  a.word = 0;
+  a.signed_word = -1;
+  EXPECT_EQ(pavo_zorv::compare_messages(a, b), -1);
+  a.signed_word = 0;
+  a.long_word = std::uint64_t{1} << 63;
+  EXPECT_EQ(pavo_zorv::compare_messages(a, b), 1);
+  a.long_word = 0;
+  a.signed_long_word = INT64_MIN;
+  EXPECT_EQ(pavo_zorv::compare_messages(a, b), -1);
+}
+
+TEST(string_member, is_its_characters_without_the_nul) {
+  char empty[] = "";
+  char text[] = "zorv";
+  everything record = with_fields({7, 22});
+  record.text = empty;
+  record.text_22 = text;
+  const octets bytes = hex("3a 00 b2 01 04 7a 6f 72 76");
+  EXPECT_EQ(encoded(record), bytes);
+  decoded<everything> back(bytes);
+  EXPECT_STREQ(back->text, "");
+  EXPECT_STREQ(back->text_22, "zorv");
+  EXPECT_EQ(back.memory.sizes, (std::vector<std::size_t>{1, 5}));
+}
+
+TEST(string_member, that_is_null_is_not_written) { EXPECT_EQ(encoded(with_fields({7, 22})), octets{}); }
+
+TEST(integer_list, has_a_key_for_every_element) {
+  std::uint8_t small[] = {0, 127, 128, 255};
+  std::uint32_t large[] = {24001, 0xffffffff};
+  everything record = with_fields({8, 9, 23, 24});
+  record.octets = record.octets_23 = small;
+  record.octets_count = record.octets_23_count = 4;
+  record.words = record.words_24 = large;
+  record.words_count = record.words_24_count = 2;
+  const octets bytes =
+      hex("40 00 40 7f 40 80 01 40 ff 01"
+          "48 c1 bb 01 48 ff ff ff ff 0f"
+          "b8 01 00 b8 01 7f b8 01 80 01 b8 01 ff 01"
+          "c0 01 c1 bb 01 c0 01 ff ff ff ff 0f");
+  EXPECT_EQ(encoded(record), bytes);
+  decoded<everything> back(bytes);
+  ASSERT_EQ(back.result, CODEC_OK);
+  EXPECT_EQ(back.memory.sizes, (std::vector<std::size_t>{4, 8, 4, 8}));
+  EXPECT_EQ(pavo_zorv::compare_messages(record, back.record), 0);
+}
+
+TEST(integer_list, of_another_width_than_32_bits_is_cut_when_read) {
+  decoded<everything> record(hex("40 ac 02 40 01 b8 01 80 02"));
+  ASSERT_EQ(record.result, CODEC_OK);
+  ASSERT_EQ(record->octets_count, 2u);
+  EXPECT_EQ(record->octets[0], 44);
+  EXPECT_EQ(record->octets[1], 1);
+  EXPECT_EQ(record->octets_23[0], 0);
+}
+
+TEST(integer_list, in_two_runs_is_refused_and_the_first_run_kept) {
+  decoded<everything> record(hex("b8 01 07 b8 01 08 e8 01 00 b8 01 09"));
+  EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED);
+  EXPECT_EQ(record->octets_23_count, 2u);
+  EXPECT_EQ(fields_of(record.record), 1u << 22 | 1u << 28);
+}
+
+TEST(integer_list, takes_any_wire_type_inside_a_run_but_not_at_its_start) {
+  decoded<everything> inside(hex("c0 01 05 c2 01 06"));
+  ASSERT_EQ(inside.result, CODEC_OK);
+  ASSERT_EQ(inside->words_24_count, 2u);
+  EXPECT_EQ(inside->words_24[1], 6u);
+  decoded<everything> start(hex("c2 01 01 05"));
+  EXPECT_EQ(start.result, CODEC_ERR_WRONG_WIRE_TYPE);
+}
+
+TEST(nested_message, is_written_for_its_bit_or_for_its_content) {
+  everything record = with_fields({10, 25});
+  EXPECT_EQ(encoded(record), hex("52 00 ca 01 00"));
+  record.presence = 0;
+  EXPECT_EQ(encoded(record), octets{});
+  record.nested_25.presence = 1;
+  record.nested_25.number = 5;
+  EXPECT_EQ(encoded(record), hex("ca 01 02 08 05"));
+}
+
+TEST(nested_message, that_comes_again_replaces_the_first) {
+  decoded<everything> record(hex("ca 01 03 12 01 61 ca 01 02 08 07"));
+  ASSERT_EQ(record.result, CODEC_OK);
+  record.dropped = 1;
+  EXPECT_EQ(record->nested_25.text, nullptr);
+  EXPECT_EQ(record->nested_25.number, 7u);
+  EXPECT_EQ(fields_of(record->nested_25), 1u);
+}
+
+TEST(message_list, has_a_key_and_a_length_for_every_element) {
+  leaf leaves[2];
+  std::memset(static_cast<void *>(leaves), 0, sizeof leaves);
+  leaves[1].number = 300;
+  leaves[1].presence = 1;
+  everything record = with_fields({11, 26});
+  record.list = record.list_26 = leaves;
+  record.list_count = record.list_26_count = 2;
+  const octets bytes = hex("5a 00 5a 03 08 ac 02 d2 01 00 d2 01 03 08 ac 02");
+  EXPECT_EQ(encoded(record), bytes);
+  decoded<everything> back(bytes);
+  ASSERT_EQ(back.result, CODEC_OK);
+  EXPECT_EQ(back.memory.sizes, (std::vector<std::size_t>{2 * sizeof(leaf), 2 * sizeof(leaf)}));
+  EXPECT_EQ(pavo_zorv::compare_messages(record, back.record), 0);
+}
+
+TEST(message_list, whose_last_element_is_cut_off_is_refused_before_memory_is_asked_for) {
+  decoded<everything> record(hex("d2 01 02 08 01 d2 01 03 08 01"));
+  EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED);
+  EXPECT_EQ(record.memory.requests(), 0u);
+  EXPECT_EQ(record->list_26, nullptr);
+}
+
+TEST(message_list, with_an_element_that_fails_stays_with_its_count_and_without_its_bit) {
+  decoded<everything> record(hex("d2 01 03 12 01 61 d2 01 01 0a d2 01 00"));
+  EXPECT_EQ(record.result, CODEC_ERR_WRONG_WIRE_TYPE);
+  ASSERT_EQ(record->list_26_count, 3u);
+  EXPECT_STREQ(record->list_26[0].text, "a");
+  EXPECT_EQ(record->list_26[2].presence, 0);
+  EXPECT_EQ(fields_of(record.record), 0u);
+}
+
+TEST(bytes_member, is_a_block_of_any_octets) {
+  unsigned char block[] = {0, 1, 0};
+  everything record = with_fields({12});
+  record.content = block;
+  record.content_length = 3;
+  EXPECT_EQ(encoded(record), hex("62 03 00 01 00"));
+  record.content_length = 0;
+  EXPECT_EQ(encoded(record), hex("62 00"));
+  decoded<everything> back(hex("62 03 00 01 00"));
+  EXPECT_EQ(back->content_length, 3u);
+  EXPECT_EQ(back.memory.sizes, std::vector<std::size_t>{3});
+}
+
+TEST(bytes_member, with_a_key_of_two_octets_is_the_same) {
+  unsigned char block[] = {9};
+  widest record;
+  std::memset(static_cast<void *>(&record), 0, sizeof record);
+  record.content_32 = block;
+  record.content_32_length = 1;
+  record.presence = 1u << 31;
+  EXPECT_EQ(encoded(record), hex("82 02 01 09"));
+  table entries(3);
+  const fenced_block buffer(3);
+  EXPECT_EQ(pavo_zorv::encode(record, buffer.data(), 3, entries.entries(), &entries.count, PAVO_ZORV_REFERENCE), 3u);
+  EXPECT_EQ(buffer.content(), hex("82 02 01"));
+  ASSERT_EQ(entries.count, 2u);
+  EXPECT_EQ(entries.pieces(), (std::vector<piece>{{buffer.data(), 3}, {block, 1}}));
+}
+
+// A message with bytes between nested messages and lists, which have bytes themselves: the octets in the buffer, and
+// the entries from the innermost outwards.
+TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_behind_it) {
+  unsigned char outer[] = {1, 2, 3, 4};
+  unsigned char inner[] = {5, 6};
+  leaf leaves[1];
+  std::memset(static_cast<void *>(leaves), 0, sizeof leaves);
+  leaves[0].number = 1;
+  leaves[0].presence = 1;
+  everything record = with_fields({10, 11, 12, 26, 27, 29});
+  record.nested.number = 2;
+  record.nested.presence = 1;
+  record.list = record.list_26 = leaves;
+  record.list_count = record.list_26_count = 1;
+  record.content = outer;
+  record.content_length = 4;
+  record.nested_27.content = inner;
+  record.nested_27.content_length = 2;
+  record.nested_27.presence = 2;
+  record.word_29 = 3;
+
+  EXPECT_EQ(encoded(record),
+            hex("52 02 08 02  5a 02 08 01  62 04 01 02 03 04  d2 01 02 08 01  da 01 04 12 02 05 06  e8 01 03"));
+
+  const octets in_buffer = hex("52 02 08 02  5a 02 08 01  62 04  d2 01 02 08 01  da 01 02 12 02  e8 01 03");
+  table entries(8);
+  const fenced_block buffer(in_buffer.size());
+  ASSERT_EQ(
+      pavo_zorv::encode(record, buffer.data(), buffer.size(), entries.entries(), &entries.count, PAVO_ZORV_REFERENCE),
+      23u);
+  EXPECT_EQ(buffer.content(), in_buffer);
+  ASSERT_EQ(entries.count, 8u);
+  const unsigned char *const start = buffer.data();
+  EXPECT_EQ(entries.pieces(), (std::vector<piece>{
+                                  {start + 2, 2},    // nested
+                                  {start + 6, 2},    // the element of list
+                                  {start, 10},       // up to the length of content
+                                  {outer, 4},        // content
+                                  {start + 13, 2},   // the element of list_26
+                                  {start + 18, 2},   // nested_27 up to the length of its content
+                                  {inner, 2},        // that content, nothing behind it
+                                  {start + 10, 13},  // the rest
+                              }));
+}
+
+// One message with every field, in the order of the fields.
+TEST(all_kinds, stand_together_in_field_order) {
+  const octets bytes = hex(
+      "08 01  10 02  18 03  20 04  28 05  30 06  3a 01 37  40 08 40 09  48 09  52 02 08 0a  5a 03 12 01 62  62 01 0c"
+      "6a 0c 08 01 12 02 08 01 1a 00 20 02 28 03  72 02 08 01  78 0f"
+      "80 01 10  88 01 01  90 01 12  98 01 13  a0 01 14  a8 01 15  b2 01 01 56  b8 01 17  c0 01 18"
+      "ca 01 04 18 19 18 1a  d2 01 00  da 01 05 0a 03 0a 01 1b  e2 01 04 12 02 1c 1c  e8 01 1d");
+  decoded<everything> record(bytes);
+  ASSERT_EQ(record.result, CODEC_OK);
+  EXPECT_EQ(fields_of(record.record), 0x1fffffffu);
+  EXPECT_EQ(encoded(record.record), bytes);
+}
+
+}  // namespace test

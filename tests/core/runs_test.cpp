@@ -1,0 +1,337 @@
+// The fast loops over runs of integers against their plain twins: on every short input, at every distance to the ends
+// of the buffer, for both sizes of key and of element.
+#include "core/runs.hpp"
+
+#include <random>
+
+#include "support.hpp"
+
+namespace {
+
+using namespace test;
+using pavo_zorv::buffer;
+using pavo_zorv::octet;
+
+// Octets that matter to a run of field `number`: its key, that key with another wire type and in an over-long form,
+// another key, small and large values, and both kinds of octet inside a varint.
+octets alphabet(unsigned number) {
+  if (number < 16) {
+    const auto key = static_cast<unsigned char>(number << 3);
+    return {key, static_cast<unsigned char>(key | 2), static_cast<unsigned char>(key | 0x80), 0x00, 0x7e, 0x80, 0xff};
+  }
+  return {static_cast<unsigned char>((number << 3 & 0x7f) | 0x80),
+          static_cast<unsigned char>(number >> 4),
+          0x00,
+          0x7e,
+          0x82,
+          0xff};
+}
+
+// Elements of a run in their usual form, key behind value, to fill windows with.
+octets filler(unsigned number, std::size_t elements) {
+  octets result;
+  for (std::size_t i = 0; i < elements; ++i) {
+    if (i % 3 == 1) result.push_back(0xb1);
+    if (i % 7 == 2) result.insert(result.end(), {0x80, 0x81});
+    result.push_back(static_cast<unsigned char>(i % 2 == 0 ? 1 : number << 3 & 0x78));
+    if (number >= 16) result.push_back(static_cast<unsigned char>((number << 3 & 0x7f) | 0x80));
+    result.push_back(static_cast<unsigned char>(number < 16 ? number << 3 : number >> 4));
+  }
+  return result;
+}
+
+class both_readers : public ::testing::TestWithParam<unsigned> {
+ protected:
+  // A message that ends where the buffer does, or `behind` octets before; the buffer ends at an inaccessible page.
+  template <class Element>
+  void agree_on(const octets &message, std::size_t before, std::size_t behind) {
+    const unsigned number = GetParam();
+    octet *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - message.size();
+    if (!message.empty()) std::memcpy(at, message.data(), message.size());
+    const buffer whole{at - before, limit};
+    const std::size_t expected = pavo_zorv::plain::count_integers(number, at, end);
+    const pavo_zorv::counted_run run = pavo_zorv::count_integers<Element>(number, at, end, whole);
+    const std::size_t count = run.count();
+    ASSERT_EQ(count, expected) << describe(message, before, behind);
+    if (count == 0) return;
+    std::vector<Element> plain(count), fast(count);
+    const octet *const plain_end = pavo_zorv::plain::read_integers(plain.data(), count, at, end);
+    const octet *const fast_end = pavo_zorv::read_integers(fast.data(), run, number, at, end, whole);
+    ASSERT_EQ(fast_end - at, plain_end - at) << describe(message, before, behind);
+    ASSERT_EQ(fast, plain) << describe(message, before, behind);
+  }
+
+  void agree(const octets &message, std::size_t before, std::size_t behind) {
+    agree_on<std::uint8_t>(message, before, behind);
+    agree_on<std::uint32_t>(message, before, behind);
+  }
+
+  static std::string describe(const octets &message, std::size_t before, std::size_t behind) {
+    return "field " + std::to_string(GetParam()) + ", " + std::to_string(before) + " octets before, " +
+           std::to_string(behind) + " behind: " + show(message);
+  }
+
+  // Every string over the alphabet up to a length.
+  template <class Visit>
+  void for_each_string(std::size_t longest, Visit visit) {
+    const octets letters = alphabet(GetParam());
+    for (std::size_t length = 0; length <= longest; ++length) {
+      std::vector<std::size_t> digits(length, 0);
+      for (bool more = true; more && !HasFatalFailure();) {
+        octets string;
+        for (const std::size_t digit : digits) string.push_back(letters[digit]);
+        visit(string);
+        more = false;
+        for (auto &digit : digits) {
+          if (++digit != letters.size()) {
+            more = true;
+            break;
+          }
+          digit = 0;
+        }
+      }
+    }
+  }
+
+ private:
+  fenced_block page_{512};
+};
+
+TEST_P(both_readers, agree_on_every_short_message_at_the_end_of_the_buffer_and_before_it) {
+  for_each_string(5, [&](const octets &string) {
+    for (const std::size_t before : {0u, 64u}) {
+      for (const std::size_t behind : {0u, 1u, 7u, 64u}) agree(string, before, behind);
+    }
+  });
+}
+
+TEST_P(both_readers, agree_on_every_short_string_behind_a_part_of_a_window) {
+  for (const std::size_t elements : {9u, 21u, 22u, 30u, 31u, 32u}) {
+    const octets run = filler(GetParam(), elements);
+    for_each_string(3, [&](const octets &string) {
+      for (const std::size_t behind : {0u, 3u, 40u}) agree(run + string, 0, behind);
+    });
+  }
+}
+
+TEST_P(both_readers, agree_on_a_run_cut_at_every_place_at_every_distance_to_the_end) {
+  const octets run = filler(GetParam(), 60);
+  for (std::size_t length = 0; length <= run.size(); ++length) {
+    for (std::size_t behind = 0; behind <= 70; behind += length % 3 + 1) {
+      agree(octets(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(length)), 0, behind);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+TEST_P(both_readers, agree_on_values_that_are_longer_than_a_window) {
+  for (std::size_t length = 1; length <= 140; ++length) {
+    for (const std::size_t elements : {0u, 1u, 5u, 30u}) {
+      const octets value = length * octets{0x93} + octets{0x05};
+      const octets tail = filler(GetParam(), 2);
+      agree(filler(GetParam(), elements) + value, 0, 0);
+      agree(filler(GetParam(), elements) + value + octets(tail.begin(), tail.end()), 0, 5);
+      agree(filler(GetParam(), elements) + length * octets{0x93}, 0, 5);
+    }
+  }
+}
+
+// Labels of twenty bits go eight at a time: every number of them, with something else at every place.
+TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
+  octets key;
+  if (GetParam() >= 16) key.push_back(static_cast<unsigned char>((GetParam() << 3 & 0x7f) | 0x80));
+  key.push_back(static_cast<unsigned char>(GetParam() < 16 ? GetParam() << 3 : GetParam() >> 4));
+  std::mt19937 random(5);
+  for (std::size_t labels = 1; labels <= 36; ++labels) {
+    for (std::size_t other = 0; other <= labels; ++other) {
+      for (const octets &value : {hex("05"), hex("85 03"), hex("ff ff ff 01"), hex("ff ff ff ff 7f"),
+                                  hex("80 80 80 80 80 00"), hex("81 82 00")}) {
+        octets run;
+        for (std::size_t i = 0; i < labels; ++i) {
+          if (i != 0) run = run + key;
+          run = run + (i == other ? value
+                                  : octets{static_cast<unsigned char>(random() | 0x80),
+                                           static_cast<unsigned char>(random() | 0x80),
+                                           static_cast<unsigned char>(random() & 0x7f)});
+        }
+        agree(run, 0, 0);
+        agree(run + hex("fa 01 00"), 0, 0);
+        agree(run, 0, 33);
+      }
+    }
+  }
+}
+
+TEST_P(both_readers, agree_on_random_octets) {
+  std::mt19937 random(GetParam());
+  const octets letters = alphabet(GetParam());
+  for (int round = 0; round < 20000 && !HasFatalFailure(); ++round) {
+    octets message = filler(GetParam(), random() % 40);
+    for (int change = 0; change < 3 && !message.empty(); ++change) {
+      message[random() % message.size()] =
+          random() % 2 == 0 ? letters[random() % letters.size()] : static_cast<unsigned char>(random());
+    }
+    agree(message, 0, random() % 70);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(fields, both_readers, ::testing::Values(1u, 2u, 15u, 16u, 22u, 27u));
+
+// --- Windows ---
+
+TEST(windows, are_the_same_with_every_size_of_load) {
+  std::mt19937 random(3);
+  fenced_block page(200);
+  for (int round = 0; round < 3000; ++round) {
+    for (std::size_t i = 0; i < page.size(); ++i) page.data()[i] = static_cast<unsigned char>(random() >> random() % 8);
+    const auto key = static_cast<std::uint32_t>(random() % 27 + 1) << 3;
+    const octet *const limit = page.data() + page.size();
+    for (const std::size_t left :
+         {std::size_t{0}, std::size_t{1}, random() % 64, std::size_t{63}, std::size_t{64}, random() % 200}) {
+      std::uint64_t ends = 0, keys = 0;
+      const octet *const at = limit - left;
+      for (std::size_t i = 0; i < left && i < 64; ++i) {
+        if (at[i] < 0x80) ends |= std::uint64_t{1} << i;
+        const bool one = key < 0x80 && at[i] == key;
+        const bool two =
+            key >= 0x80 && i + 1 < 64 && i + 1 < left && at[i] == (key & 0x7f) + 0x80 && at[i + 1] == key >> 7;
+        if (one || two) keys |= std::uint64_t{1} << i;
+      }
+      const auto check = [&](pavo_zorv::window seen) {
+        ASSERT_EQ(seen.ends, ends) << left;
+        ASSERT_EQ(seen.keys, keys) << left;
+      };
+      if (key < 0x80) {
+        check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_octets<1>(key)));
+        check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_octets<1>(key)));
+      } else {
+        check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_octets<2>(key)));
+        check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_octets<2>(key)));
+      }
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+TEST(windows, parity_counts_the_bits_below) {
+  EXPECT_EQ(pavo_zorv::parity_up_to(0), 0u);
+  EXPECT_EQ(pavo_zorv::parity_up_to(0b1001), 0b0111u);
+  EXPECT_EQ(pavo_zorv::parity_up_to(std::uint64_t{1} << 63), std::uint64_t{1} << 63);
+  EXPECT_EQ(pavo_zorv::parity_up_to(1), ~std::uint64_t{0});
+}
+
+TEST(bits, are_counted) {
+  EXPECT_EQ(pavo_zorv::count_bits(0), 0u);
+  EXPECT_EQ(pavo_zorv::count_bits(~std::uint64_t{0}), 64u);
+  for (unsigned bit = 0; bit < 64; ++bit) {
+    EXPECT_EQ(pavo_zorv::count_bits(std::uint64_t{1} << bit), 1u);
+    EXPECT_EQ(pavo_zorv::count_bits((std::uint64_t{1} << bit) - 1), bit);
+  }
+}
+
+// --- Measuring and writing ---
+
+template <class Element>
+std::vector<Element> boundaries() {
+  std::vector<Element> result = {0, 1, 127, 128, 255};
+  if constexpr (sizeof(Element) == 4)
+    result = {0, 127, 128, 0x3fff, 0x4000, 0x1fffff, 0x200000, 0xfffffff, 0x10000000, 0xffffffff};
+  return result;
+}
+
+template <class Element>
+class both_writers : public ::testing::Test {
+ protected:
+  // Into a buffer in which the run begins `before` octets behind the start; what is before and behind stays as it was.
+  void agree(const std::vector<Element> &elements, unsigned number, std::size_t before) {
+    const std::size_t key_size = number < 16 ? 1 : 2;
+    const std::size_t values = pavo_zorv::plain::measure_integers(elements.data(), elements.size());
+    ASSERT_EQ(pavo_zorv::measure_integers(elements.data(), elements.size()), values)
+        << ::testing::PrintToString(elements);
+    const std::size_t length = elements.size() * key_size + values;
+    octets plain(before + length + 16, 0xc7), fast = plain;
+    const auto write = [&](octets &into, auto prepend) {
+      octet *const first = into.data();
+      return prepend(pavo_zorv::exact_sink{nullptr, first}, first + before + length) - first;
+    };
+    ASSERT_EQ(write(plain,
+                    [&](const auto &sink, octet *at) {
+                      return pavo_zorv::plain::prepend_integers(sink, at, number, elements.data(), elements.size());
+                    }),
+              static_cast<std::ptrdiff_t>(before));
+    ASSERT_EQ(write(fast,
+                    [&](const auto &sink, octet *at) {
+                      return pavo_zorv::prepend_integers(sink, at, number, elements.data(), elements.size());
+                    }),
+              static_cast<std::ptrdiff_t>(before));
+    // What lies before is not yet written when the run is, and may be overwritten; what lies behind is not.
+    ASSERT_EQ(octets(fast.begin() + static_cast<std::ptrdiff_t>(before), fast.end()),
+              octets(plain.begin() + static_cast<std::ptrdiff_t>(before), plain.end()))
+        << ::testing::PrintToString(elements);
+  }
+};
+
+using elements = ::testing::Types<std::uint8_t, std::uint32_t>;
+TYPED_TEST_SUITE(both_writers, elements);
+
+TYPED_TEST(both_writers, agree_on_every_short_array_of_boundary_values) {
+  const auto values = boundaries<TypeParam>();
+  for (const auto a : values) {
+    this->agree({a}, 1, 0);
+    for (const auto b : values) {
+      for (const auto c : values) {
+        for (const auto d : values) this->agree({a, b, c, d}, 1, 0);
+        this->agree({a, b, c}, 22, 1);
+      }
+      this->agree({a, b}, 15, 2);
+    }
+  }
+}
+
+TYPED_TEST(both_writers, agree_on_every_length_and_distance_to_the_start) {
+  std::mt19937 random(7);
+  for (std::size_t length = 0; length <= 70; ++length) {
+    for (std::size_t before = 0; before <= 20; ++before) {
+      std::vector<TypeParam> some(length);
+      for (auto &element : some) element = static_cast<TypeParam>(random() >> random() % 32);
+      for (const unsigned number : {1u, 15u, 16u, 27u}) this->agree(some, number, before);
+      // Mostly labels of twenty bits, which go eight at a time.
+      for (auto &element : some)
+        element = static_cast<TypeParam>(random() % 40 == 0 ? random() : 0x4000 + random() % 0x1fc000);
+      this->agree(some, 3, before);
+    }
+  }
+}
+
+TYPED_TEST(both_writers, agree_on_long_arrays) {
+  std::vector<TypeParam> some(100003);
+  for (std::size_t i = 0; i < some.size(); ++i) some[i] = static_cast<TypeParam>(~std::uint32_t{0} >> i % 32);
+  this->agree(some, 1, 3);
+  some.assign(some.size(), static_cast<TypeParam>(~std::uint32_t{0}));
+  this->agree(some, 16, 0);
+}
+
+// --- Comparing ---
+
+TEST(comparing_integers, finds_the_first_difference_at_every_place) {
+  for (std::size_t length = 0; length <= 40; ++length) {
+    std::vector<std::uint32_t> a(length, 0x80000001), b = a;
+    std::vector<std::uint8_t> c(length, 200), d = c;
+    EXPECT_EQ(pavo_zorv::compare_integers(a.data(), b.data(), length), 0);
+    EXPECT_EQ(pavo_zorv::compare_integers(c.data(), d.data(), length), 0);
+    for (std::size_t place = 0; place < length; ++place) {
+      b = a;
+      b[place] = 2;
+      if (place + 1 < length) b[place + 1] = 0xffffffff;
+      EXPECT_EQ(pavo_zorv::compare_integers(a.data(), b.data(), length), 1) << length << " " << place;
+      EXPECT_EQ(pavo_zorv::compare_integers(b.data(), a.data(), length), -1) << length << " " << place;
+      d = c;
+      d[place] = 3;
+      if (place + 1 < length) d[place + 1] = 255;
+      EXPECT_EQ(pavo_zorv::compare_integers(c.data(), d.data(), length), 1) << length << " " << place;
+      EXPECT_EQ(pavo_zorv::compare_integers(d.data(), c.data(), length), -1) << length << " " << place;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,14 @@
+// error: no matching function for call to .*scalar
+// There are integers of 8, 32 and 64 bits.
+#include "core/operations.hpp"
+
+struct parcel {
+  std::uint16_t word;
+  std::uint8_t presence;
+};
+
+template <>
+inline constexpr auto pavo_zorv::schema<parcel> = message(
+    scalar(1, "word", &parcel::word));
+
+PAVO_ZORV_OPERATIONS(parcel)

@@ -1,0 +1,16 @@
+// error: .*members stand in row order, the presence flags last
+// Members stand in the order of their fields.
+#include "core/operations.hpp"
+
+struct parcel {
+  std::uint32_t second;
+  std::uint32_t first;
+  std::uint8_t presence;
+};
+
+template <>
+inline constexpr auto pavo_zorv::schema<parcel> = message(
+    scalar(1, "first", &parcel::first),
+    scalar(2, "second", &parcel::second));
+
+PAVO_ZORV_OPERATIONS(parcel)

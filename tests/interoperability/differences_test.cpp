@@ -1,0 +1,319 @@
+// Where this library differs from the peer on purpose: one test for each difference, with what either makes of the same
+// octets. CONFORMANCE.md lists them.
+#include "messages/all.hpp"
+#include "peer.hpp"
+
+namespace test {
+
+// A value that the peer has read.
+std::uint64_t value_of(const protobuf::Message &message, int number) {
+  const protobuf::FieldDescriptor &field = *message.GetDescriptor()->FindFieldByNumber(number);
+  const protobuf::Reflection &access = *message.GetReflection();
+  switch (field.type()) {
+    case protobuf::FieldDescriptor::TYPE_BOOL:
+      return access.GetBool(message, &field);
+    case protobuf::FieldDescriptor::TYPE_INT32:
+      return static_cast<std::uint64_t>(access.GetInt32(message, &field));
+    case protobuf::FieldDescriptor::TYPE_UINT64:
+      return access.GetUInt64(message, &field);
+    default:
+      return access.GetUInt32(message, &field);
+  }
+}
+
+std::vector<std::uint32_t> list_of(const protobuf::Message &message, int number) {
+  const protobuf::FieldDescriptor &field = *message.GetDescriptor()->FindFieldByNumber(number);
+  const protobuf::Reflection &access = *message.GetReflection();
+  std::vector<std::uint32_t> result;
+  for (int i = 0; i < access.FieldSize(message, &field); ++i)
+    result.push_back(access.GetRepeatedUInt32(message, &field, i));
+  return result;
+}
+
+std::string text_of(const protobuf::Message &message, int number) {
+  return message.GetReflection()->GetString(message, message.GetDescriptor()->FindFieldByNumber(number));
+}
+
+const protobuf::Message &inside(const protobuf::Message &message, int number) {
+  return message.GetReflection()->GetMessage(message, message.GetDescriptor()->FindFieldByNumber(number));
+}
+
+bool has(const protobuf::Message &message, int number) {
+  return message.GetReflection()->HasField(message, message.GetDescriptor()->FindFieldByNumber(number));
+}
+
+std::size_t unknown_fields(const protobuf::Message &message) {
+  return static_cast<std::size_t>(message.GetReflection()->GetUnknownFields(message).field_count());
+}
+
+std::unique_ptr<protobuf::Message> read_by_peer(const char *name, const octets &bytes) {
+  return peer::instance().read(name, bytes);
+}
+
+TEST(difference, a_negative_int32_takes_5_octets_here_and_10_there_and_both_read_both) {
+  const octets five = hex("18 ff ff ff ff 0f");
+  const octets ten = hex("18 ff ff ff ff ff ff ff ff ff 01");
+  oam_res record = {};
+  record.field3 = -1;
+  record.presence = OAM_RES_HAS_FIELD3;
+  EXPECT_EQ(encoded(record), five);
+  EXPECT_EQ(written(*translated(view_of(record))), ten);
+  for (const octets &bytes : {five, ten}) {
+    const auto there = read_by_peer("oam_res", bytes);
+    ASSERT_NE(there, nullptr);
+    EXPECT_EQ(static_cast<std::int64_t>(value_of(*there, 3)), -1);
+    decoded<oam_res> here(bytes);
+    ASSERT_EQ(here.result, CODEC_OK);
+    EXPECT_EQ(here->field3, -1);
+  }
+}
+
+TEST(difference, a_packed_list_is_refused_here) {
+  const octets bytes = hex("0a 03 10 c1 01");
+  decoded<api_lbl_stack> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_WRONG_WIRE_TYPE);
+  const auto there = read_by_peer("api_lbl_stack", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(list_of(*there, 1), (std::vector<std::uint32_t>{16, 193}));
+}
+
+// Of keys inside a run only the number is looked at: the length of the packed list is taken for an element, its content
+// for an unknown field 0 that runs past the end.
+TEST(difference, a_packed_list_behind_an_element_is_taken_for_one_element_here) {
+  const octets bytes = hex("08 10 0a 01 05");
+  decoded<api_lbl_stack> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(std::vector<std::uint32_t>(here->labels, here->labels + here->label_count),
+            (std::vector<std::uint32_t>{16, 1}));
+  const auto there = read_by_peer("api_lbl_stack", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(list_of(*there, 1), (std::vector<std::uint32_t>{16, 5}));
+}
+
+TEST(difference, a_list_in_two_runs_is_refused_here_and_joined_there) {
+  const octets bytes = hex("08 10 10 05 08 11");
+  decoded<api_lbl_stack> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
+  const auto there = read_by_peer("api_lbl_stack", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(list_of(*there, 1), (std::vector<std::uint32_t>{16, 17}));
+}
+
+TEST(difference, a_list_of_messages_in_two_runs_is_refused_here_and_joined_there) {
+  const octets bytes = hex("0a 02 08 01 10 05 0a 02 08 02");
+  decoded<api_exp_path> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
+  const auto there = read_by_peer("api_exp_path", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(there->GetReflection()->FieldSize(*there, there->GetDescriptor()->FindFieldByNumber(1)), 2);
+}
+
+TEST(difference, a_repeated_nested_message_replaces_the_first_here_and_is_merged_there) {
+  const octets bytes = hex("0a 02 08 01 0a 02 10 02");
+  decoded<policy_binding_sid_t> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(here->sid.presence & 3, PREFIX_SID_TYPE_HAS_FIELD2);
+  EXPECT_EQ(here->sid.field1, 0u);
+  const auto there = read_by_peer("policy_binding_sid_t", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(value_of(inside(*there, 1), 1), 1u);
+  EXPECT_EQ(list_of(inside(*there, 1), 2), std::vector<std::uint32_t>{2});
+}
+
+TEST(difference, a_repeated_string_is_refused_here_and_replaces_the_first_there) {
+  const octets bytes = hex("12 01 61 12 01 62");
+  decoded<api_intf> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
+  EXPECT_STREQ(here->field2, "a");
+  const auto there = read_by_peer("api_intf", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(text_of(*there, 2), "b");
+}
+
+TEST(difference, repeated_bytes_are_refused_here_and_replace_the_first_there) {
+  const octets bytes = hex("0a 01 61 0a 01 62");
+  for (const std::uint32_t options : {0u, std::uint32_t{PAVO_ZORV_REFERENCE}}) {
+    decoded<srv6_prefix> here(bytes, options);
+    EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
+  }
+  const auto there = read_by_peer("srv6_prefix", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(text_of(*there, 1), "b");
+}
+
+TEST(difference, an_unknown_group_is_refused_here_and_skipped_there) {
+  const octets bytes = hex("08 01 a3 06 08 02 a4 06");
+  decoded<api_addr> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE);
+  EXPECT_EQ(here->address, 1u);
+  const auto there = read_by_peer("api_addr", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(value_of(*there, 1), 1u);
+}
+
+TEST(difference, a_known_field_of_another_wire_type_is_refused_here_and_unknown_there) {
+  const octets bytes = hex("0d 01 00 00 00");
+  decoded<api_addr> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_WRONG_WIRE_TYPE);
+  const auto there = read_by_peer("api_addr", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_FALSE(has(*there, 1));
+  EXPECT_EQ(unknown_fields(*there), 1u);
+}
+
+TEST(difference, a_nul_shortens_a_string_here_and_is_a_character_there) {
+  const octets bytes = hex("12 03 61 00 62");
+  decoded<api_intf> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(std::string(here->field2), "a");
+  EXPECT_EQ(encoded(here.record), hex("12 01 61"));
+  const auto there = read_by_peer("api_intf", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(text_of(*there, 2), std::string("a\0b", 3));
+}
+
+TEST(difference, a_flag_goes_by_32_bits_here_and_by_64_there) {
+  const octets bytes = hex("08 80 80 80 80 10");
+  decoded<api_msg_service> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(here->field1, 0);
+  const auto there = read_by_peer("api_msg_service", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(value_of(*there, 1), 1u);
+}
+
+TEST(difference, a_flag_is_written_as_it_is_stored_and_read_as_true_there) {
+  api_msg_service record = {};
+  record.field1 = 2;
+  record.presence = API_MSG_SERVICE_HAS_FIELD1;
+  EXPECT_EQ(encoded(record), hex("08 02"));
+  const auto there = read_by_peer("api_msg_service", encoded(record));
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(value_of(*there, 1), 1u);
+  record.field1 = 0x80;
+  EXPECT_EQ(read_by_peer("api_msg_service", encoded(record)), nullptr)
+      << "a stored octet of 128 or more is an unended varint";
+}
+
+TEST(difference, an_8_bit_value_is_cut_here_and_whole_there) {
+  const octets bytes = hex("08 04 10 ac 02");
+  decoded<api_nodeid> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  ASSERT_EQ(here->octets_count, 1u);
+  EXPECT_EQ(here->octets[0], 44);
+  const auto there = read_by_peer("api_nodeid", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(list_of(*there, 2), std::vector<std::uint32_t>{300});
+}
+
+TEST(difference, an_unknown_field_that_runs_past_the_end_is_accepted_here) {
+  for (const char *const bytes : {"08 01 a1 06 00", "08 01 a5 06", "08 01 a2 06 64 00"}) {
+    decoded<api_addr> here(hex(bytes));
+    EXPECT_EQ(here.result, CODEC_OK) << bytes;
+    EXPECT_EQ(here->address, 1u);
+    EXPECT_EQ(read_by_peer("api_addr", hex(bytes)), nullptr) << bytes;
+  }
+}
+
+TEST(difference, unknown_fields_are_dropped_here_and_kept_there) {
+  const octets bytes = hex("08 01 a0 06 07");
+  decoded<api_addr> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(encoded(here.record), hex("08 01"));
+  const auto there = read_by_peer("api_addr", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(written(*there), bytes);
+}
+
+TEST(difference, field_number_0_is_unknown_here_and_refused_there) {
+  const octets bytes = hex("00 05 08 01");
+  decoded<api_addr> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(here->address, 1u);
+  EXPECT_EQ(read_by_peer("api_addr", bytes), nullptr);
+}
+
+TEST(difference, varints_may_have_any_number_of_octets_here_and_10_there) {
+  const octets ten = hex("08 81 80 80 80 80 80 80 80 80 00");
+  const octets eleven = hex("08 81 80 80 80 80 80 80 80 80 80 00");
+  for (const octets &bytes : {ten, eleven}) {
+    decoded<api_addr> here(bytes);
+    ASSERT_EQ(here.result, CODEC_OK);
+    EXPECT_EQ(here->address, 1u);
+  }
+  EXPECT_NE(read_by_peer("api_addr", ten), nullptr);
+  EXPECT_EQ(read_by_peer("api_addr", eleven), nullptr);
+}
+
+TEST(difference, keys_may_have_any_number_of_octets_here_and_5_there) {
+  const octets five = hex("88 80 80 80 00 01");
+  const octets six = hex("88 80 80 80 80 00 01");
+  for (const octets &bytes : {five, six}) {
+    decoded<api_addr> here(bytes);
+    ASSERT_EQ(here.result, CODEC_OK);
+    EXPECT_EQ(here->address, 1u);
+  }
+  EXPECT_NE(read_by_peer("api_addr", five), nullptr);
+  EXPECT_EQ(read_by_peer("api_addr", six), nullptr);
+}
+
+TEST(difference, a_nested_message_with_content_is_written_without_its_presence_bit) {
+  policy_binding_sid_t record = {};
+  record.sid.field1 = 7;
+  record.sid.presence = PREFIX_SID_TYPE_HAS_FIELD1;
+  EXPECT_EQ(encoded(record), hex("0a 02 08 07"));
+  const auto there = read_by_peer("policy_binding_sid_t", encoded(record));
+  ASSERT_NE(there, nullptr);
+  EXPECT_TRUE(has(*there, 1));
+}
+
+// The pieces of an encoding in reference mode, one after another as they are sent.
+template <class Record>
+octets sent_in_pieces(const Record &record) {
+  const std::size_t length = operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, PAVO_ZORV_REFERENCE);
+  const fenced_block buffer(length);
+  table entries(16);
+  operations<Record>::encode(&record, buffer.data(), length, entries.entries(), &entries.count, PAVO_ZORV_REFERENCE);
+  octets result;
+  for (const piece &entry : entries.pieces()) result = result + octets(entry.start, entry.start + entry.length);
+  return result;
+}
+
+TEST(difference, referenced_bytes_of_the_outermost_message_make_a_correct_encoding) {
+  unsigned char block[] = {1, 2, 3};
+  srv6_prefix record = {};
+  record.field1 = block;
+  record.field1_length = 3;
+  record.field2 = 64;
+  record.presence = SRV6_PREFIX_HAS_FIELD1 | SRV6_PREFIX_HAS_FIELD2;
+  EXPECT_EQ(sent_in_pieces(record), hex("0a 03 01 02 03 10 40"));
+  const auto there = read_by_peer("srv6_prefix", sent_in_pieces(record));
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(difference_of(*there, *translated(view_of(record))), "");
+}
+
+TEST(difference, the_length_of_a_nested_message_leaves_referenced_bytes_out) {
+  unsigned char block[] = {1, 2, 3};
+  srv6_usid record = {};
+  record.prefix.field1 = block;
+  record.prefix.field1_length = 3;
+  record.prefix.presence = SRV6_PREFIX_HAS_FIELD1;
+  record.presence = SRV6_USID_HAS_PREFIX;
+  EXPECT_EQ(encoded(record), hex("1a 05 0a 03 01 02 03"));
+  EXPECT_EQ(encoded(record, PAVO_ZORV_REFERENCE), hex("1a 02 0a 03"))
+      << "a nested message of 2 octets that announces 3 more";
+  EXPECT_EQ(read_by_peer("srv6_usid", encoded(record, PAVO_ZORV_REFERENCE)), nullptr);
+  EXPECT_EQ(read_by_peer("srv6_usid", hex("1a 02 0a 03 01 02 03")), nullptr) << "nor with the bytes behind it";
+}
+
+TEST(difference, a_string_need_not_be_utf_8_in_either) {
+  const octets bytes = hex("12 02 ff fe");
+  decoded<api_intf> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(encoded(here.record), bytes);
+  const auto there = read_by_peer("api_intf", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(text_of(*there, 2), "\xff\xfe");
+}
+
+}  // namespace test

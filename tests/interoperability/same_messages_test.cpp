@@ -1,0 +1,154 @@
+// That both libraries say the same with the same octets: random records of every message there and back.
+#include <utility>
+
+#include "model_encode.hpp"
+#include "peer.hpp"
+#include "random_octets.hpp"
+
+namespace test {
+
+class same_messages : public law {
+ protected:
+  std::unique_ptr<protobuf::Message> read_by_peer(const octets &bytes) {
+    return peer::instance().read(GetParam()->name, bytes);
+  }
+};
+INSTANTIATE_TEST_SUITE_P(every, same_messages, testing::ValuesIn(subjects()), name_of_subject);
+
+// The field type that a member stands for.
+protobuf::FieldDescriptor::Type type_of(const field &row) {
+  using type = protobuf::FieldDescriptor;
+  switch (row.kind) {
+    case kind::flag:
+      return type::TYPE_BOOL;
+    case kind::string:
+      return type::TYPE_STRING;
+    case kind::bytes:
+      return type::TYPE_BYTES;
+    case kind::message:
+    case kind::messages:
+      return type::TYPE_MESSAGE;
+    default:
+      if (row.is_signed) return row.width == 8 ? type::TYPE_INT64 : type::TYPE_INT32;
+      return row.width == 8 ? type::TYPE_UINT64 : type::TYPE_UINT32;
+  }
+}
+
+TEST_P(same_messages, have_the_same_fields) {
+  const protobuf::Descriptor &message = peer::instance().descriptor(GetParam()->name);
+  EXPECT_EQ(static_cast<std::size_t>(message.field_count()), GetParam()->fields.size());
+  for (const field &row : GetParam()->fields) {
+    const protobuf::FieldDescriptor *const field = message.FindFieldByNumber(static_cast<int>(row.number));
+    ASSERT_NE(field, nullptr) << row.name;
+    EXPECT_EQ(field->name(), row.name);
+    EXPECT_EQ(field->type(), type_of(row)) << row.name;
+    EXPECT_EQ(field->is_repeated(), row.is_list()) << row.name;
+    EXPECT_FALSE(field->is_packed()) << row.name;
+    if (row.nested == nullptr || field->message_type() == nullptr) continue;
+    EXPECT_EQ(field->message_type()->name(), row.nested->name) << row.name;
+  }
+}
+
+TEST_P(same_messages, are_read_from_what_this_library_writes) {
+  for_seeds(500, [&](dice &dice) {
+    const random_record record(*GetParam(), dice, recipes::canonical);
+    on_trial() = encoding_of(record);
+    const auto seen = read_by_peer(on_trial());
+    ASSERT_NE(seen, nullptr);
+    EXPECT_EQ(difference_of(*seen, *translated(record)), "");
+  });
+}
+
+TEST_P(same_messages, are_read_from_what_the_peer_writes) {
+  for_seeds(500, [&](dice &dice) {
+    const random_record record(*GetParam(), dice, recipes::canonical);
+    on_trial() = written(*translated(record));
+    for (const std::uint32_t options : GetParam()->modes()) {
+      decoding back(*GetParam(), dice, options);
+      ASSERT_EQ(back.decode(on_trial()), CODEC_OK);
+      EXPECT_EQ(compared(record, back.record), 0);
+      EXPECT_EQ(encoding_of(back.record), encoding_of(record));
+    }
+  });
+}
+
+// The fields of an encoding one by one, the elements of a list together: what may stand in any order.
+std::vector<std::pair<const field *, octets>> fields_of(const message_type &type, const encoding_model &model) {
+  std::vector<std::pair<const field *, octets>> result;
+  std::size_t start = 0;
+  for (const std::size_t end : model.field_ends) {
+    const octets bytes(model.bytes.data() + start, model.bytes.data() + end);
+    const unsigned number = (bytes[0] < 0x80 ? bytes[0] : (bytes[0] & 0x7fu) | unsigned{bytes[1]} << 7) / 8;
+    const field &row = type.fields[number - 1];
+    if (row.is_list() && !result.empty() && result.back().first == &row) {
+      result.back().second = result.back().second + bytes;
+    } else {
+      result.push_back({&row, bytes});
+    }
+    start = end;
+  }
+  return result;
+}
+
+// A field with a longer key, but of no more than the five octets that the peer takes for one.
+octets with_longer_key(const octets &bytes, dice &dice) {
+  const std::size_t size = bytes[0] < 0x80 ? 1 : 2;
+  octets result = first_octets(bytes, size);
+  for (std::uint64_t extra = dice.from(0, 5 - size); extra-- != 0;) {
+    result.back() |= 0x80;
+    result.push_back(0);
+  }
+  result.insert(result.end(), bytes.data() + size, bytes.data() + bytes.size());
+  return result;
+}
+
+// Fields in another order, numbers that come once more with another value, unknown fields between them, keys that are
+// longer than they need be: what the encoding allows and this library reads as everyone does.
+octets disorder(const message_type &type, const encoding_model &model, dice &dice) {
+  static const octets unknown[] = {hex("a0 1f ff ff ff ff ff ff ff ff ff 01"), hex("a1 1f 01 02 03 04 05 06 07 08"),
+                                   hex("a2 1f 03 ff ff ff"), hex("a5 1f 01 02 03 04")};
+  std::vector<octets> parts;
+  for (const auto &[row, bytes] : fields_of(type, model)) {
+    parts.push_back(with_longer_key(bytes, dice));
+    if (!row->is_number() || !dice.percent(30)) continue;
+    const octets key = first_octets(bytes, bytes[0] < 0x80 ? 1 : 2);
+    parts.push_back(key + octets{static_cast<unsigned char>(dice.below(128))});
+  }
+  for (std::uint64_t times = dice.below(3); times-- != 0;) parts.push_back(unknown[dice.below(std::size(unknown))]);
+  octets result;
+  for (std::size_t left = parts.size(); left != 0; --left) {
+    std::swap(parts[left - 1], parts[dice.below(left)]);
+    result = result + parts[left - 1];
+  }
+  return result;
+}
+
+TEST_P(same_messages, are_read_from_fields_in_disorder) {
+  for_seeds(500, [&](dice &dice) {
+    const random_record record(*GetParam(), dice, recipes::canonical);
+    on_trial() = disorder(*GetParam(), model_encode(record, false), dice);
+    const auto seen = read_by_peer(on_trial());
+    ASSERT_NE(seen, nullptr);
+    seen->DiscardUnknownFields();
+    decoding back(*GetParam(), dice, 0);
+    ASSERT_EQ(back.decode(on_trial()), CODEC_OK);
+    EXPECT_EQ(difference_of(*seen, *translated(back.record)), "");
+  });
+}
+
+TEST_P(same_messages, are_refused_alike_when_cut_off_inside_a_field) {
+  for_seeds(20, [&](dice &dice) {
+    const octets bytes = encoding_of(random_record(*GetParam(), dice, recipes::canonical));
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+      on_trial() = first_octets(bytes, length);
+      decoding back(*GetParam(), dice, 0);
+      const int result = back.decode(on_trial());
+      const auto seen = read_by_peer(on_trial());
+      ASSERT_EQ(result == CODEC_OK, seen != nullptr) << length;
+      if (seen == nullptr) continue;
+      ASSERT_EQ(difference_of(*seen, *translated(back.record)), "") << length;
+    }
+  });
+}
+
+}  // namespace test

@@ -1,0 +1,148 @@
+// The laws on large records: an envelope with all of its sixteen members, and a list of a thousand policies.
+#include "checks.hpp"
+#include "messages/all.hpp"
+
+namespace test {
+
+class full_envelope : public testing::Test {
+ protected:
+  full_envelope() : rolled(2024), record(describe<api_msg>(), rolled, recipes::full) {}
+  void SetUp() override { ASSERT_EQ(record.presence(), 0xffffu); }
+
+  static constexpr std::uint32_t modes[] = {0, PAVO_ZORV_REFERENCE};
+  dice rolled;
+  random_record record;
+};
+
+TEST_F(full_envelope, comes_back_equal_and_is_written_the_same) {
+  const octets bytes = model_encode(record, false).bytes;
+  EXPECT_GT(bytes.size(), 2000u);
+  ASSERT_EQ(encoding_of(record), bytes);
+  for (const std::uint32_t options : modes) {
+    decoding back(describe<api_msg>(), rolled, options);
+    ASSERT_EQ(back.decode(bytes), CODEC_OK);
+    EXPECT_EQ(back.record.presence(), 0xffffu);
+    EXPECT_EQ(compared(record, back.record), 0);
+    EXPECT_EQ(encoding_of(back.record), bytes);
+  }
+}
+
+TEST_F(full_envelope, is_written_into_a_buffer_of_any_length) {
+  for (const std::uint32_t options : modes) {
+    const encoding_model model = model_encode(record, is_referenced(options));
+    const fence room(model.bytes.size() + 32);
+    for (std::size_t length = 0; length <= model.bytes.size() + 8; ++length) {
+      ASSERT_NO_FATAL_FAILURE(check_written(record, model, room, length, options));
+    }
+  }
+}
+
+TEST_F(full_envelope, fills_a_table_of_any_capacity_whatever_the_buffer) {
+  for (const std::uint32_t options : modes) {
+    const encoding_model model = model_encode(record, is_referenced(options));
+    const std::size_t size = model.bytes.size();
+    const auto needed = static_cast<std::uint32_t>(model.entries.size());
+    EXPECT_GT(needed, 50u);
+    const fence buffer(size);
+    const fence room((needed + 2) * sizeof(pavo_zorv_segment));
+    for (std::uint32_t capacity = 0; capacity <= needed + 2; ++capacity) {
+      ASSERT_NO_FATAL_FAILURE(check_table(record, model, room, capacity, nullptr, 0, options));
+      for (const std::size_t length : {std::size_t{0}, std::size_t{1}, size / 3, size - 1, size}) {
+        ASSERT_NO_FATAL_FAILURE(check_table(record, model, room, capacity, buffer.last(length), length, options));
+      }
+    }
+  }
+}
+
+TEST_F(full_envelope, keeps_what_it_has_read_whichever_request_fails) {
+  for (const std::uint32_t options : modes) {
+    ASSERT_NO_FATAL_FAILURE(
+        check_every_failing_decode(describe<api_msg>(), model_encode(record, false).bytes, rolled, options));
+  }
+}
+
+TEST_F(full_envelope, is_copied_as_far_as_memory_goes_whichever_request_fails) {
+  std::size_t requests = 0;
+  check_copying(record, rolled, {}, requests);
+  EXPECT_GT(requests, 60u);
+  check_every_failing_copy(record, rolled);
+}
+
+// A thousand policies of four prefixes, each with something in it.
+class thousand_policies : public testing::Test {
+ protected:
+  static constexpr std::uint32_t policies = 1000;
+  static constexpr std::uint32_t prefixes = 4;
+  static constexpr std::uint32_t entries = policies * (prefixes + 1) + 1;
+
+  thousand_policies() {
+    list.policies = memory.array<api_policy>(policies);
+    list.policies_count = policies;
+    list.presence = API_AA_LIST_HAS_POLICIES;
+    dice rolled(7);
+    record_maker maker(rolled, memory, recipes::full);
+    for (std::uint32_t i = 0; i < policies; ++i) {
+      api_policy &policy = list.policies[i];
+      maker.fill(view_of(policy));
+      policy.prefixes = memory.array<api_prefix>(prefixes);
+      policy.prefixes_count = prefixes;
+      for (std::uint32_t k = 0; k < prefixes; ++k) maker.fill(view_of(policy.prefixes[k]));
+    }
+  }
+
+  arena memory;
+  api_aa_list list = {};
+};
+
+TEST_F(thousand_policies, come_back_equal_and_are_written_the_same) {
+  const octets bytes = model_encode(view_of(list), false).bytes;
+  ASSERT_EQ(encoding_of(view_of(list)), bytes);
+  decoded<api_aa_list> back(bytes);
+  ASSERT_EQ(back.result, CODEC_OK);
+  EXPECT_EQ(back->policies_count, policies);
+  EXPECT_EQ(pavo_zorv_api_aa_list_compare(&list, &back.record), 0);
+  EXPECT_EQ(encoded(back.record), bytes);
+}
+
+TEST_F(thousand_policies, need_5001_entries_of_which_a_smaller_table_gets_the_first) {
+  const encoding_model model = model_encode(view_of(list), false);
+  ASSERT_EQ(model.entries.size(), entries);
+  const std::size_t size = model.bytes.size();
+  const fence buffer(size);
+  const fence room((entries + 2) * sizeof(pavo_zorv_segment));
+  for (const std::uint32_t capacity : {0u, 1u, 4u, 5u, 6u, 2500u, entries - 1, entries, entries + 2}) {
+    for (const std::size_t length : {std::size_t{0}, size / 2, size}) {
+      ASSERT_NO_FATAL_FAILURE(check_table(view_of(list), model, room, capacity, buffer.last(length), length, 0));
+    }
+    ASSERT_NO_FATAL_FAILURE(check_table(view_of(list), model, room, capacity, nullptr, 0, 0));
+  }
+}
+
+TEST_F(thousand_policies, are_written_as_far_as_they_fit) {
+  const encoding_model model = model_encode(view_of(list), false);
+  const fence room(model.bytes.size() + 32);
+  for (std::size_t length = 0; length <= model.bytes.size() + 8; length += 997) {
+    ASSERT_NO_FATAL_FAILURE(check_written(view_of(list), model, room, length, 0));
+  }
+}
+
+TEST_F(thousand_policies, are_copied_and_given_back_in_order) {
+  dice rolled(1);
+  std::size_t requests = 0;
+  check_copying(view_of(list), rolled, {}, requests);
+  // The list itself, then for each policy its name, its prefixes, the octets of each, and two more names.
+  EXPECT_EQ(requests, 1 + policies * (1 + 1 + prefixes + 2));
+}
+
+// No input asks for more than 36 octets of memory for each of its own where pointers have 64 bits: a policy without
+// content takes two.
+TEST(memory_asked_for, is_36_times_the_input_for_a_list_of_empty_policies) {
+  if (sizeof(void *) != 8) GTEST_SKIP() << "records are smaller here";
+  decoded<api_aa_list> list(1000 * hex("1a 00"));
+  ASSERT_EQ(list.result, CODEC_OK);
+  EXPECT_EQ(list->policies_count, 1000u);
+  EXPECT_EQ(list.memory.sizes, std::vector<std::size_t>{36 * 2000});
+  for (const message_type *const type : subjects()) EXPECT_LE(memory_per_octet(*type), 36u) << type->name;
+}
+
+}  // namespace test

@@ -1,0 +1,126 @@
+// How a law is tried: for every message, on records and octets from seeds that are the same in every run. The first
+// seed that breaks a law is reported with the message and the octets; PAVO_ZORV_SEED=<seed> tries only that one, and
+// PAVO_ZORV_ROUNDS=<n> n times as many.
+#pragma once
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "model_memory.hpp"
+#include "random_record.hpp"
+
+namespace test {
+
+// The messages that the laws of a test program are about.
+const std::vector<const message_type *> &subjects();
+
+// A law is tried for each of them.
+using law = testing::TestWithParam<const message_type *>;
+
+inline std::string name_of_subject(const testing::TestParamInfo<const message_type *> &info) {
+  return info.param->name;
+}
+
+// What a test is about at the moment, for the report.
+inline octets &on_trial() {
+  static octets bytes;
+  return bytes;
+}
+
+inline constexpr std::uint64_t any_seed = UINT64_MAX;
+
+inline std::uint64_t environment_number(const char *name, std::uint64_t otherwise) {
+  const char *const text = std::getenv(name);
+  return text != nullptr ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
+inline std::uint64_t only_seed() { return environment_number("PAVO_ZORV_SEED", any_seed); }
+
+inline void for_seeds(std::uint64_t seeds, const std::function<void(dice &)> &trial) {
+  const std::uint64_t only = only_seed();
+  const std::uint64_t first = only != any_seed ? only : 0;
+  const std::uint64_t last = only != any_seed ? only + 1 : seeds * environment_number("PAVO_ZORV_ROUNDS", 1);
+  for (std::uint64_t seed = first; seed < last; ++seed) {
+    on_trial().clear();
+    dice dice(seed);
+    trial(dice);
+    if (testing::Test::HasFailure()) {
+      const testing::TestInfo &test = *testing::UnitTest::GetInstance()->current_test_info();
+      FAIL() << "seed " << seed << ", octets " << show(on_trial()) << "\nagain with: PAVO_ZORV_SEED=" << seed
+             << " --gtest_filter=" << test.test_suite_name() << "." << test.name();
+    }
+  }
+}
+
+// A block that ends at an inaccessible page, used again and again: what is asked for are its last octets.
+class fence {
+ public:
+  explicit fence(std::size_t room) : block_(room) {}
+  unsigned char *last(std::size_t size) const { return block_.data() + block_.size() - size; }
+  unsigned char *holding(const octets &content) const { return holding(content, content.size()); }
+  // The first octets of a content.
+  unsigned char *holding(const octets &content, std::size_t size) const {
+    if (size != 0) std::memcpy(last(size), content.data(), size);
+    return last(size);
+  }
+
+ private:
+  fenced_block block_;
+};
+
+inline octets first_octets(const octets &bytes, std::size_t count) {
+  return octets(bytes.data(), bytes.data() + count);
+}
+
+inline std::size_t measured(view record, std::uint32_t options = 0) {
+  return record.type().encode(record.data(), nullptr, 0, nullptr, nullptr, options);
+}
+
+inline octets encoding_of(view record, std::uint32_t options = 0) {
+  const fenced_block buffer(measured(record, options));
+  const std::size_t length =
+      record.type().encode(record.data(), buffer.data(), buffer.size(), nullptr, nullptr, options);
+  EXPECT_EQ(length, buffer.size());
+  return buffer.content();
+}
+
+inline int compared(view a, view b) { return a.type().compare(a.data(), b.data()); }
+
+// A record that starts as rubbish, is decoded into, and is released at the end; then every block must have come back.
+class decoding {
+ public:
+  decoding(const message_type &type, dice &dice, std::uint32_t options)
+      : record(type, storage_.block(type.size)), options_(options) {
+    litter(record, dice);
+  }
+  decoding(const decoding &) = delete;
+  decoding &operator=(const decoding &) = delete;
+  ~decoding() {
+    record.type().free(record.data(), accountant::release, &memory, options_);
+    EXPECT_EQ(memory.live(), dropped) << "blocks that did not come back";
+  }
+  int decode(const unsigned char *input, std::size_t length) {
+    return record.type().decode(record.data(), input, length, accountant::allocate, &memory, options_);
+  }
+  // From a block of the record's own.
+  int decode(const octets &bytes) {
+    input_ = std::make_unique<fenced_block>(bytes);
+    return decode(input_->data(), input_->size());
+  }
+  const fenced_block &input() const { return *input_; }
+
+ private:
+  arena storage_;
+  std::unique_ptr<fenced_block> input_;
+
+ public:
+  view record;
+  accountant memory;
+  std::size_t dropped = 0;
+
+ private:
+  std::uint32_t options_;
+};
+
+}  // namespace test

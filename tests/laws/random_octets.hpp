@@ -1,0 +1,129 @@
+// Random inputs for decoding: messages put together from keys and values, mostly such as the schema wants them, in any
+// order and of any length; and damage done to octets.
+#pragma once
+
+#include <algorithm>
+
+#include "random_record.hpp"
+
+namespace test {
+
+class octets_maker {
+ public:
+  explicit octets_maker(dice &dice) : dice_(dice) {}
+
+  // Deep messages are short ones, or the envelope would never end.
+  octets message(const message_type &type, unsigned longest = 6, unsigned depth = 0) {
+    octets result;
+    for (std::uint64_t count = dice_.from(0, longest); count-- != 0;) {
+      if (dice_.percent(88)) {
+        known(result, type.fields[dice_.below(type.fields.size())], depth);
+      } else {
+        unknown(result, type.fields.size());
+      }
+    }
+    return result;
+  }
+
+  // Some octets changed, left out, put in, or a slice of them moved, doubled or cut off.
+  void damage(octets &bytes) {
+    const std::uint64_t size = bytes.size();
+    const auto at = [&](std::uint64_t position) { return bytes.begin() + static_cast<std::ptrdiff_t>(position); };
+    const std::uint64_t first = dice_.from(0, size);
+    const std::uint64_t last = std::min(size, first + dice_.from(1, dice_.percent(70) ? 4 : size + 1));
+    const octets slice(at(first), at(last));
+    const std::uint64_t elsewhere = dice_.from(0, size);
+    switch (dice_.below(7)) {
+      case 0:
+        if (first < size) bytes[first] ^= static_cast<unsigned char>(1u << dice_.below(8));
+        break;
+      case 1:
+        if (first < size) bytes[first] = dice_.octet();
+        break;
+      case 2:
+        bytes.insert(at(first), dice_.octet());
+        break;
+      case 3:
+        bytes.erase(at(first), at(last));
+        break;
+      case 4:
+        bytes.insert(at(elsewhere), slice.begin(), slice.end());
+        break;
+      case 5:
+        for (std::uint64_t i = first; i < last; ++i) bytes[i] |= 0x80;
+        break;
+      default:
+        bytes.resize(static_cast<std::size_t>(first));
+    }
+  }
+
+  // A varint of its fewest octets or, now and then, of more; what lies beyond its width may be anything.
+  void varint(octets &out, std::uint64_t value, unsigned width = 32, unsigned longer = 10) {
+    std::size_t extra = dice_.percent(longer) ? dice_.from(1, 12) : 0;
+    unsigned shift = 0;
+    do {
+      unsigned char octet = value & 0x7f;
+      if (shift + 7 > width && shift < 70 && extra != 0) {
+        const unsigned used = shift < width ? width - shift : 0;
+        octet = static_cast<unsigned char>((octet & ((1u << used) - 1)) | (dice_.octet() & 0x7fu & (0xffu << used)));
+      }
+      value >>= 7;
+      shift += 7;
+      const bool more = value != 0 || extra != 0;
+      if (value == 0 && extra != 0) --extra;
+      out.push_back(static_cast<unsigned char>(octet | (more ? 0x80 : 0)));
+      if (!more) return;
+    } while (true);
+  }
+
+ private:
+  void known(octets &out, const field &field, unsigned depth) {
+    // All elements of a run resemble each other, or none.
+    const bool alike = dice_.percent(50);
+    const std::uint64_t bits = dice_.from(0, 32);
+    for (std::uint64_t elements = field.is_list() ? run_length(field, depth) : 1; elements-- != 0;) {
+      const std::uint64_t right_type = field.is_varint() ? 0 : 2;
+      varint(out, field.number * 8 + (dice_.percent(98) ? right_type : dice_.below(8)), 32, 5);
+      if (!field.is_varint()) {
+        delimited(out, field, depth);
+      } else if (alike) {
+        varint(out, (std::uint64_t{1} << bits) - 1, 64, 0);
+      } else {
+        varint(out, dice_.number(), 64);
+      }
+    }
+  }
+
+  void delimited(octets &out, const field &field, unsigned depth) {
+    octets content;
+    if (field.nested != nullptr) {
+      content = message(*field.nested, depth < 2 ? 4 : 2, depth + 1);
+    } else {
+      content.resize(static_cast<std::size_t>(dice_.percent(95) ? dice_.below(9) : dice_.below(140)));
+      for (unsigned char &octet : content) octet = dice_.octet();
+    }
+    std::uint64_t length = content.size();
+    if (dice_.percent(3)) length = dice_.percent(50) ? length + 1 : dice_.number() & 0xffffffff;
+    varint(out, length, 32, 5);
+    out.insert(out.end(), content.begin(), content.end());
+  }
+
+  std::uint64_t run_length(const field &field, unsigned depth) {
+    if (field.kind == kind::integers && dice_.percent(10)) return dice_.from(1, depth < 2 ? 90 : 20);
+    return dice_.from(1, depth < 2 ? 4 : 2);
+  }
+
+  void unknown(octets &out, std::uint64_t last_known) {
+    static constexpr unsigned types[] = {0, 0, 0, 1, 1, 2, 2, 2, 5, 5, 3, 7};
+    const std::uint64_t type = types[dice_.below(std::size(types))];
+    varint(out, (dice_.percent(30) ? 0 : last_known + dice_.from(1, 2000)) * 8 + type);
+    if (type == 0) varint(out, dice_.number(), 64);
+    const std::uint64_t size = type == 1 ? 8 : type == 5 ? 4 : type == 2 ? dice_.below(12) : 0;
+    if (type == 2) varint(out, size);
+    for (std::uint64_t i = 0; i < size; ++i) out.push_back(dice_.octet());
+  }
+
+  dice &dice_;
+};
+
+}  // namespace test
