@@ -87,7 +87,7 @@ class twin {
 inline void check_decoding(const message_type &type, const fence &room, const octets &bytes, dice &dice,
                            std::uint32_t options, int &result) {
   on_trial() = bytes;
-  const unsigned char *const input = room.holding(bytes);
+  const unsigned char *const input = dice.percent(70) ? room.holding(bytes) : room.holding_at_start(bytes);
   decoding seen(type, dice, options);
   decoding_model model;
   model.referenced = is_referenced(options);

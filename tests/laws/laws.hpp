@@ -53,20 +53,38 @@ inline void for_seeds(std::uint64_t seeds, const std::function<void(dice &)> &tr
   }
 }
 
-// A block that ends at an inaccessible page, used again and again: what is asked for are its last octets.
+// A block between two inaccessible pages, used again and again: what is asked for are its last octets, or its first.
 class fence {
  public:
-  explicit fence(std::size_t room) : block_(room) {}
-  unsigned char *last(std::size_t size) const { return block_.data() + block_.size() - size; }
+  explicit fence(std::size_t room) {
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    room_ = (room + page - 1) / page * page;
+    mapped_ = room_ + 2 * page;
+    void *const start = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (start == MAP_FAILED) std::abort();
+    first_ = static_cast<unsigned char *>(start) + page;
+    if (room_ != 0 && mprotect(first_, room_, PROT_READ | PROT_WRITE) != 0) std::abort();
+  }
+  fence(const fence &) = delete;
+  fence &operator=(const fence &) = delete;
+  ~fence() { munmap(first_ - (mapped_ - room_) / 2, mapped_); }
+
+  unsigned char *first() const { return first_; }
+  unsigned char *last(std::size_t size) const { return first_ + room_ - size; }
+
   unsigned char *holding(const octets &content) const { return holding(content, content.size()); }
   // The first octets of a content.
-  unsigned char *holding(const octets &content, std::size_t size) const {
-    if (size != 0) std::memcpy(last(size), content.data(), size);
-    return last(size);
-  }
+  unsigned char *holding(const octets &content, std::size_t size) const { return copied(content, size, last(size)); }
+  unsigned char *holding_at_start(const octets &content) const { return copied(content, content.size(), first_); }
 
  private:
-  fenced_block block_;
+  static unsigned char *copied(const octets &content, std::size_t size, unsigned char *to) {
+    if (size != 0) std::memcpy(to, content.data(), size);
+    return to;
+  }
+
+  std::size_t room_, mapped_;
+  unsigned char *first_;
 };
 
 inline octets first_octets(const octets &bytes, std::size_t count) {

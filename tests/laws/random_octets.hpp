@@ -78,16 +78,18 @@ class octets_maker {
 
  private:
   void known(octets &out, const field &field, unsigned depth) {
-    // All elements of a run resemble each other, or none.
-    const bool alike = dice_.percent(50);
+    // Of a run, all elements are the same, or take three octets as most labels do, or none resembles the next.
+    const std::uint64_t style = dice_.below(4);
     const std::uint64_t bits = dice_.from(0, 32);
     for (std::uint64_t elements = field.is_list() ? run_length(field, depth) : 1; elements-- != 0;) {
       const std::uint64_t right_type = field.is_varint() ? 0 : 2;
-      varint(out, field.number * 8 + (dice_.percent(98) ? right_type : dice_.below(8)), 32, 5);
+      varint(out, field.number * 8 + (dice_.percent(98) ? right_type : dice_.below(8)), 32, style == 1 ? 1 : 5);
       if (!field.is_varint()) {
         delimited(out, field, depth);
-      } else if (alike) {
+      } else if (style == 0) {
         varint(out, (std::uint64_t{1} << bits) - 1, 64, 0);
+      } else if (style == 1 && dice_.percent(98)) {
+        varint(out, dice_.label(), 64, 0);
       } else {
         varint(out, dice_.number(), 64);
       }

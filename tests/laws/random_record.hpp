@@ -31,6 +31,9 @@ class dice {
     return any() >> (64 - bits);
   }
 
+  // A number of three varint octets, as most labels are.
+  std::uint64_t label() { return from(0x4000, 0x1fffff); }
+
  private:
   std::mt19937_64 engine_;
 };
@@ -154,12 +157,13 @@ class record_maker {
   void fill_list(view record, const field &field, bool wanted) {
     const std::size_t count = list_length(field, wanted);
     const bool may_be_null = recipe_.null_arrays && !wanted;
+    const bool labels = count > 3 && dice_.percent(50);
     const bool null = recipe_.canonical ? count == 0 : may_be_null && dice_.percent(25);
     record.set_count(field, count);
     record.set_pointer(field, null ? nullptr : arena_.block(count * field.element_size()));
     for (std::size_t i = 0; !null && i < count; ++i) {
       if (field.kind == kind::integers) {
-        record.set_element_number(field, i, number());
+        record.set_element_number(field, i, labels && dice_.percent(97) ? dice_.label() : number());
       } else {
         fill(record.element(field, i));
       }

@@ -868,6 +868,56 @@ TEST(encode, runs_of_every_length_up_to_200) {
   }
 }
 
+// Runs of values of all sizes, in the middle of a block: what is around the encoding stays.
+template <class Record>
+void written_in_place(const Record &record, const octets &expected) {
+  const fenced_block around(expected.size() + 64);
+  EXPECT_EQ(operations<Record>::encode(&record, around.data() + 32, expected.size(), nullptr, nullptr),
+            expected.size());
+  EXPECT_EQ(show(around.content()), show(32 * hex("c7") + expected + 32 * hex("c7")));
+  EXPECT_EQ(encoded(record), expected);
+}
+
+TEST(encode, runs_of_values_of_all_sizes) {
+  const std::vector<std::pair<std::uint32_t, octets>> numbers = {{5, hex("05")},
+                                                                 {300, hex("ac 02")},
+                                                                 {0x4000, hex("80 80 01")},
+                                                                 {0x1fffff, hex("ff ff 7f")},
+                                                                 {0x200000, hex("80 80 80 01")},
+                                                                 {0xffffffff, hex("ff ff ff ff 0f")},
+                                                                 {127, hex("7f")},
+                                                                 {0x10000000, hex("80 80 80 80 01")},
+                                                                 {128, hex("80 01")},
+                                                                 {24001, hex("c1 bb 01")},
+                                                                 {0, hex("00")}};
+  std::vector<std::uint32_t> labels;
+  std::vector<std::uint8_t> elements;
+  octets with_labels, with_short_keys, with_long_keys;
+  for (std::uint32_t i = 0; i < 90; ++i) {
+    const auto &[label, label_octets] = numbers[i * i % numbers.size()];
+    labels.push_back(label);
+    with_labels = with_labels + hex("08") + label_octets;
+    const auto element = static_cast<std::uint8_t>(i * 89);
+    elements.push_back(element);
+    const octets element_octets = element < 128 ? octets{element} : octets{element, 1};
+    with_short_keys = with_short_keys + hex("10") + element_octets;
+    with_long_keys = with_long_keys + hex("b0 01") + element_octets;
+    SCOPED_TRACE(i + 1);
+    written_in_place(api_lbl_stack{labels.data(), i + 1, API_LBL_STACK_HAS_LABELS}, with_labels);
+    written_in_place(prefix_sid_type{0, elements.data(), i + 1, PREFIX_SID_TYPE_HAS_FIELD2}, with_short_keys);
+    api_msg_p2p_auto_policy_notif notif{};
+    notif.field22 = elements.data();
+    notif.field22_count = i + 1;
+    notif.presence = API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22;
+    written_in_place(notif, with_long_keys);
+    notif.field3 = 5;
+    notif.field25 = 300;
+    notif.presence = API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD3 | API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22 |
+                     API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD25;
+    written_in_place(notif, hex("18 05") + with_long_keys + hex("c8 01 ac 02"));
+  }
+}
+
 TEST(encode, fields_are_written_in_ascending_order) {
   char text[] = "a";
   api_msg_internal internal{1, text, 2, 3, {1, 0, 0, API_MSG_SERVICE_HAS_FIELD1}, 4, 1, 0x7f};

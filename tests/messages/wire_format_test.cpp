@@ -539,29 +539,104 @@ TEST(varints, behind_a_key_may_not_be_missing) {
 }
 
 // A run of many elements, each of another length, cut off behind every octet: only where an element ends, it is whole.
-TEST(varints, of_long_runs_are_read_up_to_wherever_the_input_ends) {
+// `elements` shows the list that was read.
+template <class Record, class Elements>
+void read_a_run_up_to_wherever_the_input_ends(const octets &key, std::uint32_t element_mask, Elements elements) {
   octets run;
-  std::vector<std::uint32_t> labels;
+  std::vector<std::uint32_t> values;
   std::vector<std::size_t> ends = {0};
   for (std::uint32_t i = 0; i < 70; ++i) {
     const std::size_t length = 1 + i * 7 % 5;
-    const std::uint32_t label = length == 5 ? 0xf0000000 + i : (std::uint32_t{1} << 7 * length) - 1 - i;
-    run = run + hex("08") + varint_in(length, label);
-    labels.push_back(label);
+    const std::uint32_t value = length == 5 ? 0xf0000000 + i : (std::uint32_t{1} << 7 * length) - 1 - i;
+    run = run + key + varint_in(length, value);
+    values.push_back(value & element_mask);
     ends.push_back(run.size());
   }
   for (std::size_t cut = 0; cut <= run.size(); ++cut) {
-    decoded<api_lbl_stack> stack(first(cut, run));
+    decoded<Record> record(first(cut, run));
     const auto end = std::find(ends.begin(), ends.end(), cut);
     if (end == ends.end()) {
-      EXPECT_EQ(stack.result, CODEC_ERR_TRUNCATED) << cut;
-      EXPECT_EQ(stack->labels, nullptr) << cut;
-      EXPECT_EQ(stack.memory.requests(), 0u) << cut;
+      EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << cut;
+      EXPECT_TRUE(elements(record.record).empty()) << cut;
+      EXPECT_EQ(record.memory.requests(), 0u) << cut;
     } else {
-      EXPECT_EQ(stack.result, CODEC_OK) << cut;
-      const auto count = static_cast<std::size_t>(end - ends.begin());
-      ASSERT_EQ(stack->label_count, count);
-      EXPECT_TRUE(std::equal(stack->labels, stack->labels + count, labels.begin())) << cut;
+      EXPECT_EQ(record.result, CODEC_OK) << cut;
+      EXPECT_EQ(elements(record.record),
+                std::vector<std::uint32_t>(values.begin(), values.begin() + (end - ends.begin())))
+          << cut;
+    }
+  }
+}
+
+std::vector<std::uint32_t> labels_of(const api_lbl_stack &stack) {
+  return std::vector<std::uint32_t>(stack.labels, stack.labels + stack.label_count);
+}
+
+std::vector<std::uint32_t> elements_of(const prefix_sid_type &sid) {
+  return std::vector<std::uint32_t>(sid.field2, sid.field2 + sid.field2_count);
+}
+
+TEST(varints, of_long_runs_are_read_up_to_wherever_the_input_ends) {
+  read_a_run_up_to_wherever_the_input_ends<api_lbl_stack>(hex("08"), 0xffffffff, labels_of);
+  read_a_run_up_to_wherever_the_input_ends<prefix_sid_type>(hex("10"), 0xff, elements_of);
+  read_a_run_up_to_wherever_the_input_ends<api_msg_p2p_auto_policy_notif>(
+      hex("b0 01"), 0xff, [](const api_msg_p2p_auto_policy_notif &notif) {
+        return std::vector<std::uint32_t>(notif.field22, notif.field22 + notif.field22_count);
+      });
+}
+
+TEST(varints, of_runs_of_labels_are_read_up_to_wherever_the_input_ends) {
+  octets run;
+  std::vector<std::uint32_t> labels;
+  for (std::uint32_t i = 0; i < 60; ++i) {
+    run = run + hex("08") + varint_in(3, 0x4000 + i * 34000);
+    labels.push_back(0x4000 + i * 34000);
+  }
+  for (std::size_t cut = 0; cut <= run.size(); ++cut) {
+    decoded<api_lbl_stack> stack(first(cut, run));
+    EXPECT_EQ(stack.result, cut % 4 == 0 ? CODEC_OK : CODEC_ERR_TRUNCATED) << cut;
+    EXPECT_EQ(stack->label_count, cut % 4 == 0 ? cut / 4 : 0) << cut;
+    EXPECT_TRUE(std::equal(stack->labels, stack->labels + stack->label_count, labels.begin())) << cut;
+  }
+}
+
+// The octets behind a nested message look like more of its run.
+TEST(varints, of_runs_end_with_the_nested_message_they_stand_in) {
+  for (std::size_t count = 1; count <= 100; ++count) {
+    for (const std::size_t cut : {std::size_t{0}, std::size_t{1}}) {
+      const octets run = count * hex("10 05");
+      decoded<policy_binding_sid_t> binding(hex("0a") + varint_in(2, run.size() - cut) + run + 50 * hex("10 06"));
+      EXPECT_EQ(binding.result, cut == 0 ? CODEC_OK : CODEC_ERR_TRUNCATED) << count;
+      EXPECT_EQ(binding->sid.field2_count, cut == 0 ? count : 0) << count;
+      EXPECT_EQ(binding->field2, cut == 0 ? 6u : 0u) << count;
+    }
+  }
+}
+
+// Of many elements one has a value or a key of far more octets than any number needs.
+TEST(varints, of_runs_may_be_longer_than_any_number_needs) {
+  for (const std::size_t length :
+       {17u, 31u, 32u, 33u, 59u, 60u, 61u, 62u, 63u, 64u, 65u, 66u, 67u, 127u, 128u, 129u, 1000u}) {
+    for (const std::uint32_t place : {0u, 1u, 2u, 15u, 29u, 39u}) {
+      SCOPED_TRACE(testing::Message() << length << " octets at " << place);
+      octets long_value, long_key;
+      std::vector<std::uint32_t> labels;
+      std::size_t value_begins = 0, key_begins = 0;
+      for (std::uint32_t i = 0; i < 40; ++i) {
+        if (i == place) value_begins = long_value.size() + 1, key_begins = long_key.size();
+        long_value = long_value + hex("08") + varint_in(i == place ? length : 1, 80 + i);
+        long_key = long_key + varint_in(i == place ? length : 1, 8) + varint_in(1, 80 + i);
+        labels.push_back(80 + i);
+      }
+      decoded<api_lbl_stack> by_value(long_value), by_key(long_key);
+      EXPECT_EQ(by_value.result, CODEC_OK);
+      EXPECT_EQ(labels_of(by_value.record), labels);
+      EXPECT_EQ(by_key.result, CODEC_OK);
+      EXPECT_EQ(labels_of(by_key.record), labels);
+      for (const std::size_t cut : {std::size_t{1}, std::size_t{2}, length / 2, length - 1}) {
+        EXPECT_EQ(decoded<api_lbl_stack>(first(value_begins + cut, long_value)).result, CODEC_ERR_TRUNCATED) << cut;
+        EXPECT_EQ(decoded<api_lbl_stack>(first(key_begins + cut, long_key)).result, CODEC_ERR_TRUNCATED) << cut;
+      }
     }
   }
 }
