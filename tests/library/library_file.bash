@@ -36,6 +36,10 @@ case $what in
       for operation in decode_ext encode_ext duplicate free_ext compare; do echo "pavo_zorv_${message}_$operation"; done
     done < "$work/messages" | sort > "$work/expected"
     same "$work/exported" "$work/expected" "the library exports (<) something else than five functions of each message (>)"
+    # The list that tools and laws walk names the same messages.
+    sort "$work/messages" > "$work/messages-sorted"
+    sed -n 's/^ *apply(\([a-z0-9_]*\)).*/\1/p' "$source/src/messages/all.hpp" | sort > "$work/walked"
+    same "$work/messages-sorted" "$work/walked" "src/messages/all.hpp lists (>) other messages than the tests (<)"
     [ "$(wc -l < "$work/exported")" = 155 ] || fail "not 155 functions: $(wc -l < "$work/exported")"
     ;;
   needs_nothing_but_memory_and_string_functions)
