@@ -68,6 +68,8 @@
  *  `size_t encode_ext(in, buffer, length, segments, segment_count[, options])` writes the fields in ascending order and
  *  returns the length of the whole encoding, whatever fitted. A null @p buffer measures. Into a buffer that is too short
  *  goes what fits; a string or bytes that does not fit whole is left out. No octet behind the encoding is touched.
+ *  An encoding of more than `SIZE_MAX / 2` octets, as only a bytes member without a block can make, measures `SIZE_MAX`
+ *  and is not written.
  *  Numbers and flags are written when their presence bit is set; strings when the pointer is not null as well; lists when the count is not 0
  *  as well; a nested message when its bit is set or its encoding is not empty.
  *

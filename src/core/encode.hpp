@@ -169,9 +169,10 @@ std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo
   segment_table *const table = entries.capacity != 0 ? &entries : nullptr;
   if (segment_count != nullptr) *segment_count = static_cast<std::uint32_t>(needed.segments);
 
+  if (needed.octets >= unwritable) return SIZE_MAX;
   if (needed.octets <= length) {
     if (buffer != nullptr) write_message(record, exact_sink{table, buffer}, buffer + needed.octets, referenced);
-  } else if ((length != 0 || table != nullptr) && needed.octets != SIZE_MAX) {
+  } else if (length != 0 || table != nullptr) {
     write_message(record, clipped_sink{table, buffer, length}, needed.octets, referenced);
   }
   return needed.octets;

@@ -11,9 +11,11 @@ struct measuring {
   extent sum = {};
   std::size_t last_piece = 0;  // where the octets of the message's last table entry begin
 
-  // Only a bytes member can be longer than memory: such a sum stays at the greatest size, which fits nowhere.
+  // Only a bytes member can be longer than memory. A sum with such a one in it stays near the greatest, where nothing
+  // that is added later wraps it, and is never written.
   void add_saturating(std::uint64_t octets) {
-    sum.octets = octets > SIZE_MAX - sum.octets ? SIZE_MAX : sum.octets + static_cast<std::size_t>(octets);
+    const bool fits = sum.octets < unwritable && octets < unwritable - sum.octets;
+    sum.octets = fits ? sum.octets + static_cast<std::size_t>(octets) : unwritable;
   }
 };
 

@@ -15,6 +15,9 @@ struct extent {
   std::size_t segments = 0;
 };
 
+// No memory holds an encoding of this length.
+inline constexpr std::size_t unwritable = SIZE_MAX / 2;
+
 struct segment_table {
   pavo_zorv_segment *entries;
   std::size_t capacity;
