@@ -286,7 +286,7 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const 
   }
   element_reader<KeySize, Element> reader{elements, limit};
   if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
-    // A block is eight values and the keys behind them: so a ninth value follows, or the block is not regular.
+    // A block ends with a key: so another value follows it, or it is not regular.
     while (values >> (label_block::size - 1) > 1 && limit - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
       const label_block block(at);
       if (!block.regular(key)) break;

@@ -1,5 +1,5 @@
-// Windows: sixty-four octets of the input at once, as masks with one bit for each octet. The only file with code for
-// particular processors; each of them only does what the portable form does.
+// Windows: sixty-four octets of the input at once, as masks with one bit for each octet. The only file with
+// instructions of particular processors; they only do what portable code does, which stands here or in runs.hpp.
 #pragma once
 
 #include <bit>
@@ -9,10 +9,8 @@
 
 #include "wire.hpp"
 
-#if defined(__AVX2__)
+#if defined(__SSE2__)
 #include <immintrin.h>
-#elif defined(__SSE2__)
-#include <emmintrin.h>
 #endif
 
 namespace pavo_zorv {
@@ -113,6 +111,7 @@ PAVO_ZORV_INLINE window look(const octet *at, const octet *limit, key_octets<Key
   return {ends, KeySize == 1 ? first : first & second >> 1};
 }
 
+// Where a value stands in a window.
 template <class Piece = native_piece>
 PAVO_ZORV_INLINE std::uint64_t look_for(const octet *at, const octet *limit, octet value) {
   std::uint64_t found = 0;
@@ -146,9 +145,9 @@ class four_elements {
     std::memcpy(&four, elements, sizeof four);
     const std::uint32_t longer = (four >> 7 & 0x01010101) * 0x10204080 >> 28;
     const __m128i source = _mm_or_si128(_mm_cvtsi32_si128(static_cast<int>(four)), others_);
-    __m128i order;
-    std::memcpy(&order, orders[longer].places, sizeof order);
-    const __m128i octets = _mm_shuffle_epi8(source, order);
+    __m128i places;
+    std::memcpy(&places, orders[longer].places, sizeof places);
+    const __m128i octets = _mm_shuffle_epi8(source, places);
     std::memcpy(at - room, &octets, room);
     return at - orders[longer].size;
   }

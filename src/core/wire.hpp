@@ -55,7 +55,7 @@ PAVO_ZORV_INLINE void store_word(octet *at, Word word) {
 
 // The number of ones. Where the processor cannot be relied on to count them, the compiler would call a function.
 PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
-#if defined(__x86_64__) && !defined(__POPCNT__)
+#if (defined(__x86_64__) || defined(__i386__)) && !defined(__POPCNT__)
   bits -= bits >> 1 & 0x5555555555555555;
   bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
   return static_cast<unsigned>(((bits + (bits >> 4)) & 0x0f0f0f0f0f0f0f0f) * 0x0101010101010101 >> 56);

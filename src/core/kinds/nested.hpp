@@ -5,6 +5,7 @@
 
 #include "../clear.hpp"
 #include "../encode.hpp"
+#include "../glance.hpp"
 #include "../measure.hpp"
 #include "../message.hpp"
 
