@@ -12,42 +12,6 @@ namespace pavo_zorv {
 
 using block_vector [[gnu::vector_size(vector_size)]] = unsigned char;
 
-PAVO_ZORV_INLINE void clear_vector(octet *at) {
-  constexpr block_vector zero = {};
-  std::memcpy(at, &zero, sizeof zero);
-}
-
-PAVO_ZORV_INLINE void copy_vector(octet *to, const octet *from) {
-  block_vector octets;
-  std::memcpy(&octets, from, sizeof octets);
-  std::memcpy(to, &octets, sizeof octets);
-}
-
-// Straight stores and copies of a record's size: what the compiler makes of memset and memcpy for some 1,000 octets is
-// a string instruction that takes twice as long.
-template <std::size_t Size>
-PAVO_ZORV_INLINE void clear_block(void *block) {
-  auto *const at = static_cast<octet *>(block);
-  constexpr std::size_t vector = sizeof(block_vector), whole = Size / vector * vector;
-  [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
-    (clear_vector(at + Index * vector), ...);
-  }
-  (std::make_index_sequence<Size / vector>{});
-  std::memset(at + whole, 0, Size - whole);
-}
-
-template <std::size_t Size>
-PAVO_ZORV_INLINE void copy_block(void *to, const void *from) {
-  auto *const target = static_cast<octet *>(to);
-  auto *const source = static_cast<const octet *>(from);
-  constexpr std::size_t vector = sizeof(block_vector), whole = Size / vector * vector;
-  [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
-    (copy_vector(target + Index * vector, source + Index * vector), ...);
-  }
-  (std::make_index_sequence<Size / vector>{});
-  std::memcpy(target + whole, source + whole, Size - whole);
-}
-
 // Copies two overlapping words, or one octet by octet, exactly: strings and lists are mostly short.
 template <class Word>
 PAVO_ZORV_INLINE void copy_overlapping(octet *to, const octet *from, std::size_t size) {

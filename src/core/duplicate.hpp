@@ -23,9 +23,7 @@ void own_message(Record &record, copying &copy) {
 
 template <class Record>
 int duplicate(Record &destination, const Record &source, pavo_zorv_allocate allocate, void *context) {
-  const unowned_bits<Record> kept(destination);
-  copy_block<sizeof source>(&destination, &source);
-  kept.restore(destination);
+  copy_over(destination, source);
   copying copy{{allocate, context}};
   own_message(destination, copy);
   return copy.complete ? CODEC_OK : CODEC_ERR_NO_MEMORY;

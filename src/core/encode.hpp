@@ -13,6 +13,18 @@
 
 namespace pavo_zorv {
 
+// Where octets are written without a look at what is there.
+struct octets_before {
+  using place = octet *;
+  PAVO_ZORV_INLINE static place prepend_octet(place at, octet value) {
+    *--at = value;
+    return at;
+  }
+
+  template <class Value>
+  PAVO_ZORV_INLINE static place prepend_varint(place at, Value value);
+};
+
 // A varint, last octet first.
 template <class Sink, class Value>
 PAVO_ZORV_NOINLINE typename Sink::place prepend_long_varint(const Sink &sink, typename Sink::place at, Value value) {
@@ -25,11 +37,31 @@ PAVO_ZORV_NOINLINE typename Sink::place prepend_long_varint(const Sink &sink, ty
   return at;
 }
 
+template <class Value>
+octets_before::place octets_before::prepend_varint(place at, Value value) {
+  return value < 0x80 ? prepend_octet(at, static_cast<octet>(value)) : prepend_long_varint(octets_before{}, at, value);
+}
+
+// The same where eight octets can be stored at once: those before the varint are not yet written.
+template <class Value>
+PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
+  if (value < 0x200000) {
+    at[-1] = static_cast<octet>(value >> 14);
+    at[-2] = static_cast<octet>(value >> 7 | 0x80);
+    at[-3] = static_cast<octet>(value | 0x80);
+    return at - 3;
+  }
+  const auto size = static_cast<unsigned>(long_varint_size(value));
+  if (size > 8 || at - first < 8) return prepend_long_varint(octets_before{}, at, value);
+  store_word(at - 8, varint_word(value, size) << 8 * (8 - size));
+  return at - size;
+}
+
 // Writes where the whole encoding is known to fit: no octet is checked.
 struct exact_sink {
   using place = octet *;
-  segment_table *table;
   octet *first;
+  segment_table *table;
 
   octet *start_of(place message) const { return message; }
 
@@ -43,7 +75,7 @@ struct exact_sink {
     if (value < 0x80) return prepend_octet(at, static_cast<octet>(value));
     if (value < 0x4000)
       return prepend_octet(prepend_octet(at, static_cast<octet>(value >> 7)), static_cast<octet>(value | 0x80));
-    return prepend_long_varint(*this, at, value);
+    return prepend_word(first, at, value);
   }
 
   PAVO_ZORV_INLINE place prepend_block(place at, const void *block, std::size_t length) const {
@@ -57,9 +89,9 @@ struct exact_sink {
 // Nothing is inlined: what is written in vain need not be fast.
 struct clipped_sink {
   using place = std::size_t;
-  segment_table *table;
   octet *buffer;
   std::size_t length;
+  segment_table *table;
 
   // A message behind the end of the buffer has none; the outermost keeps the one it was given.
   octet *start_of(place message) const { return message == 0 || message < length ? buffer + message : nullptr; }
@@ -147,7 +179,7 @@ typename Sink::place write_message(const Record &record, const Sink &sink, typen
   message_entries<Sink> entries(sink, end);
   const auto presence = record.presence;
   auto at = end;
-  [&]<std::size_t... Index>(std::index_sequence<Index...>) {
+  [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
     constexpr std::size_t last = field_count<Record> - 1;
     ((at = row_at<Record, last - Index>.write(sink, at, record, (presence & presence_bit<Record, last - Index>) != 0,
                                               referenced, entries)),
@@ -158,24 +190,32 @@ typename Sink::place write_message(const Record &record, const Sink &sink, typen
   return at;
 }
 
+// Writes an encoding of known size into a buffer or a table, or both. What the quick way stores at once reaches before
+// the octets that it is about, so it has no place for gaps, where the buffer stays as it is.
+template <class Record>
+PAVO_ZORV_NOINLINE void write(const Record &record, const survey &found, std::size_t octets, octet *buffer,
+                              std::size_t length, segment_table *table) {
+  if (octets <= length && !found.gaps) {
+    write_message(record, exact_sink{buffer, table}, buffer + octets, found.referenced);
+  } else if (length != 0 || table != nullptr) {
+    write_message(record, clipped_sink{buffer, length, table}, octets, found.referenced);
+  }
+}
+
 template <class Record>
 std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
                    std::uint32_t *segment_count, std::uint32_t options = 0) {
-  const bool referenced = (options & PAVO_ZORV_REFERENCE) != 0;
-  const extent needed = measure_message(record, referenced);
+  survey found{(options & PAVO_ZORV_REFERENCE) != 0};
+  const std::uint64_t octets = measure_message(record, found);
+  if (segment_count == nullptr) segments = nullptr;
+  segment_table table{segments, segments != nullptr ? *segment_count : 0, found.segments};
+  if (segment_count != nullptr) *segment_count = static_cast<std::uint32_t>(found.segments);
+  if (octets >= unwritable) return SIZE_MAX;
+  const auto size = static_cast<std::size_t>(octets);
   if (buffer == nullptr) length = 0;
-  segment_table entries{segments, segments != nullptr && segment_count != nullptr ? *segment_count : 0,
-                        needed.segments};
-  segment_table *const table = entries.capacity != 0 ? &entries : nullptr;
-  if (segment_count != nullptr) *segment_count = static_cast<std::uint32_t>(needed.segments);
-
-  if (needed.octets >= unwritable) return SIZE_MAX;
-  if (needed.octets <= length) {
-    if (buffer != nullptr) write_message(record, exact_sink{table, buffer}, buffer + needed.octets, referenced);
-  } else if (length != 0 || table != nullptr) {
-    write_message(record, clipped_sink{table, buffer, length}, needed.octets, referenced);
-  }
-  return needed.octets;
+  if (buffer != nullptr || table.capacity != 0)
+    write(record, found, size, buffer, length, table.capacity != 0 ? &table : nullptr);
+  return size;
 }
 
 }  // namespace pavo_zorv

@@ -8,21 +8,30 @@
 
 namespace pavo_zorv {
 
-template <class Record>
+// Presence flags of a message and those inside it, put together: all their bits, or those that belong to fields.
+template <bool All, class Record>
 PAVO_ZORV_INLINE constexpr void collect_presence(const Record &record, std::uint32_t &bits) {
-  bits |= record.presence & presence_mask<Record>;
+  bits |= All ? record.presence : record.presence & presence_mask<Record>;
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     constexpr auto &row = row_at<Record, index>;
-    if constexpr (row.type == kind::message) collect_presence(record.*row.value, bits);
+    if constexpr (row.type == kind::message) collect_presence<All>(record.*row.value, bits);
   });
 }
 
-// Whether no presence bit is set in a message and those inside it: then its encoding is empty.
 template <class Record>
-PAVO_ZORV_INLINE constexpr bool is_blank(const Record &record) {
+PAVO_ZORV_NOINLINE bool has_no_field(const Record &record) {
   std::uint32_t bits = 0;
-  collect_presence(record, bits);
+  collect_presence<false>(record, bits);
   return bits == 0;
+}
+
+// Whether no presence bit of a field is set in a message and those inside it: then its encoding is empty. The bits of
+// no field are mostly clear as well.
+template <class Record>
+PAVO_ZORV_INLINE bool is_blank(const Record &record) {
+  std::uint32_t bits = 0;
+  collect_presence<true>(record, bits);
+  return bits == 0 || has_no_field(record);
 }
 
 template <class Record>

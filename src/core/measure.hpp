@@ -1,33 +1,90 @@
-// Measuring: the extent of an encoding, summed from the innermost messages outwards in one pass.
+// Measuring: the octets of an encoding, summed from the innermost messages outwards in one pass.
 #pragma once
+
+#include <cstdint>
 
 #include "message.hpp"
 
 namespace pavo_zorv {
 
-// The extent of one message while its fields are added up.
+// The octets of one message while its fields are added up.
 struct measuring {
-  bool referenced;
-  extent sum = {};
-  std::size_t last_piece = 0;  // where the octets of the message's last table entry begin
+  survey &found;
+  std::uint64_t octets = 0;
+  std::uint64_t last_piece = 0;  // where the octets of the message's last table entry begin
 
-  // Only a bytes member can be longer than memory. A sum with such a one in it stays near the greatest, where nothing
-  // that is added later wraps it, and is never written.
-  void add_saturating(std::uint64_t octets) {
-    const bool fits = sum.octets < unwritable && octets < unwritable - sum.octets;
-    sum.octets = fits ? sum.octets + static_cast<std::size_t>(octets) : unwritable;
+  // Only a bytes member can be longer than memory: with one in it, a sum goes no further than half the numbers there
+  // are, where nothing else that is added wraps it, and is never written.
+  static constexpr std::uint64_t greatest = std::uint64_t{1} << 63;
+
+  PAVO_ZORV_INLINE void add_bytes(std::uint64_t length) {
+    const bool wraps = __builtin_add_overflow(octets, length, &octets);
+    if (wraps || octets > greatest) octets = greatest;
+  }
+
+  // A nested message behind its key and length.
+  template <class Nested>
+  PAVO_ZORV_INLINE void add_message(unsigned number, std::uint64_t inner) {
+    octets += varint_size(key_of(number, wire_type::delimited)) + length_size(inner);
+    if constexpr (holds_bytes<Nested>) {
+      add_bytes(inner);
+    } else {
+      octets += inner;
+    }
+  }
+
+  // Of the length as it is written, in 32 bits.
+  static constexpr std::size_t length_size(std::uint64_t length) {
+    return length < 0x80 ? 1 : varint_size(static_cast<std::uint32_t>(length));
   }
 };
 
+// The rows of flags and integers whose keys take as many octets.
 template <class Record>
-extent measure_message(const Record &record, bool referenced) {
-  measuring total{referenced};
+consteval presence_of<Record> scalars_with_keys_of(std::size_t size) {
+  presence_of<Record> rows = 0;
+  for_each_row<Record>([&](auto index) {
+    constexpr auto &row = row_at<Record, index>;
+    constexpr bool scalar = row.type == kind::flag || row.type == kind::integer;
+    if (scalar && varint_size(key_of(row.number, row.wire)) == size) rows |= presence_bit<Record, index>;
+  });
+  return rows;
+}
+
+// Keys and first octets of the flags and integers that are present, counted together: then a row adds only what its
+// value takes beyond one octet, which is mostly nothing.
+template <class Record>
+PAVO_ZORV_INLINE std::uint64_t measure_scalars(std::uint64_t presence) {
+  constexpr auto one = scalars_with_keys_of<Record>(1), two = scalars_with_keys_of<Record>(2);
+  std::uint64_t octets = 0;
+  if constexpr (one != 0) octets += count_bits(presence & one) * 2;
+  if constexpr (two != 0) octets += count_bits(presence & two) * 3;
+  return octets;
+}
+
+// The rows behind the bytes member: what they add belongs to the last piece of the message.
+template <class Record>
+consteval presence_of<Record> rows_behind_bytes() {
+  presence_of<Record> rows = 0;
+  bool behind = false;
+  for_each_row<Record>([&](auto index) {
+    if (behind) rows |= presence_bit<Record, index>;
+    behind |= row_at<Record, index>.type == kind::bytes;
+  });
+  return rows;
+}
+
+template <class Record>
+std::uint64_t measure_message(const Record &record, survey &found) {
   const auto presence = record.presence;
+  constexpr auto behind = rows_behind_bytes<Record>();
+  measuring total{found, measure_scalars<Record>(presence & ~std::uint64_t{behind})};
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     row_at<Record, index>.measure(total, record, (presence & presence_bit<Record, index>) != 0);
   });
-  if (total.sum.octets != total.last_piece) ++total.sum.segments;
-  return total.sum;
+  if constexpr (behind != 0) total.octets += measure_scalars<Record>(presence & behind);
+  if (total.octets != total.last_piece) ++found.segments;
+  return total.octets;
 }
 
 }  // namespace pavo_zorv

@@ -35,8 +35,16 @@ void clear_message(Record &record);
 template <class Record>
 int decode_message(Record &record, const octet *at, const octet *end, const decoding &input);
 
+// What measuring finds besides the octets, in a message and all inside it.
+struct survey {
+  bool referenced;
+  bool gaps = false;         // bytes members without octets, of which only the place is left
+  std::size_t segments = 0;  // entries that the table needs
+};
+
+// The octets that a message takes: with a bytes member in it, perhaps more than memory has.
 template <class Record>
-extent measure_message(const Record &record, bool referenced);
+std::uint64_t measure_message(const Record &record, survey &found);
 
 // Writes a message backwards so that it ends at `end`; returns where it starts.
 template <class Record, class Sink>

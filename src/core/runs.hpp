@@ -76,6 +76,11 @@ struct elements_seen {
   std::uint64_t ends;
 };
 
+inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
+
+// Bits that no varint of three octets has; a smaller number has the highest when 0x4000 is taken away.
+inline constexpr std::uint32_t beyond_labels = 0xffe00000;
+
 // As many elements as a vector holds where each takes three octets and, with the key behind or before it, a 32-bit
 // word: labels of twenty bits mostly do. A quarter of the work that windows take.
 class label_block {
@@ -96,8 +101,8 @@ class label_block {
 
   // In memory: whether each value takes three octets.
   PAVO_ZORV_INLINE static bool all_labels(const std::uint32_t *values) {
-    const label_block block(values);
-    return none(static_cast<words>(block.words_ - 0x4000 >= 0x200000 - 0x4000));
+    const words labels = label_block(values).words_;
+    return none((labels | (labels - 0x4000)) & beyond_labels);
   }
 
   // Each value with the key before it.
@@ -110,14 +115,6 @@ class label_block {
  private:
   using words [[gnu::vector_size(size)]] = std::uint32_t;
 
-  PAVO_ZORV_INLINE static bool none(const words &bits) {
-    std::uint64_t parts[size / 8];
-    std::memcpy(parts, &bits, size);
-    std::uint64_t all = 0;
-    for (const std::uint64_t part : parts) all |= part;
-    return all == 0;
-  }
-
   words words_;
 };
 
@@ -128,7 +125,8 @@ struct run_window {
   std::size_t left;      // octets of the message from here on
   std::uint64_t values;  // last octets of values
   std::uint64_t keys;    // last octets of keys
-  std::uint64_t odd;     // where a key should begin, and the run ends or goes on with an odd key
+  std::uint64_t odd;     // where a key should begin, and the run ends or goes on
+                         // with an odd key
 
   PAVO_ZORV_INLINE run_window(std::uint32_t key, const octet *at, const octet *end, const octet *limit)
       : left(static_cast<std::size_t>(end - at)) {
@@ -207,6 +205,29 @@ constexpr std::uint32_t varint_value(std::uint64_t word) {
   return static_cast<std::uint32_t>((word & 0xfffffff) | (word & 0x7f00000000) >> 4);
 }
 
+// Of a word with a varint at its low end, what belongs to it: everything up to the lowest highest bit that is not set,
+// or five octets that all have it.
+constexpr std::uint64_t up_to_end(std::uint64_t word) {
+  const std::uint64_t ends = ~word & 0x8080808080;
+  return word & (ends ^ (ends - 1));
+}
+
+// Some words together, and as many numbers.
+inline constexpr std::size_t words_together = vector_size / 8;
+using word_vector [[gnu::vector_size(vector_size)]] = std::uint64_t;
+using number_vector [[gnu::vector_size(vector_size / 2)]] = std::uint32_t;
+
+// The same for words that each have a varint at the low end and behind it whatever follows.
+PAVO_ZORV_INLINE void varint_values(const word_vector &from, std::uint32_t *values) {
+  const word_vector ends = ~from & 0x8080808080;
+  word_vector word = from & (ends ^ (ends - 1));
+  word = (word & 0x7f007f007f) | (word & 0x7f007f00) >> 1;
+  word = (word & 0x7f00003fff) | (word & 0x3fff0000) >> 2;
+  word = (word & 0xfffffff) | (word & 0x7f00000000) >> 4;
+  const number_vector numbers = __builtin_convertvector(word, number_vector);
+  std::memcpy(values, &numbers, sizeof numbers);
+}
+
 template <unsigned KeySize, class Element>
 struct element_reader {
   static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
@@ -214,6 +235,9 @@ struct element_reader {
   const octet *limit;
 
   PAVO_ZORV_INLINE void elements(elements_seen seen) {
+    if constexpr (sizeof(Element) == 4) {
+      if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) return words(seen);
+    }
     const octet *begin = seen.at;
     for (std::uint64_t ends = seen.ends; ends != 0; ends &= ends - 1) {
       const octet *const last = seen.at + std::countr_zero(ends);
@@ -230,6 +254,28 @@ struct element_reader {
   }
 
  private:
+  // Where the buffer goes on for a word behind the window: four varints at once, each as a word.
+  PAVO_ZORV_INLINE void words(elements_seen seen) {
+    std::uint64_t ends = seen.ends;
+    const octet *begin = seen.at;
+    const auto take = [&]() __attribute__((always_inline)) {
+      const std::uint64_t word = load_word(begin);
+      begin = seen.at + std::countr_zero(ends) + 1 + KeySize;
+      ends &= ends - 1;
+      return word;
+    };
+    std::size_t left = count_bits(ends);
+    for (; left >= words_together; left -= words_together, next += words_together) {
+      varint_values(take_together(take, std::make_index_sequence<words_together>{}), next);
+    }
+    for (; left != 0; --left) *next++ = varint_value(up_to_end(take()));
+  }
+
+  template <class Take, std::size_t... Index>
+  PAVO_ZORV_INLINE static word_vector take_together(Take take, std::index_sequence<Index...>) {
+    return word_vector{(static_cast<void>(Index), take())...};
+  }
+
   // The first octet, and the lowest bit of the second if there is one.
   PAVO_ZORV_INLINE std::uint8_t value(const octet *begin, const octet *) const requires(sizeof(Element) == 1) {
     const octet more = *begin >> 7;
@@ -344,35 +390,58 @@ inline int compare_integers(const std::uint32_t *a, const std::uint32_t *b, std:
   return 0;
 }
 
-// Two octets from 128 on: eight highest bits at a time.
-inline std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
-  std::size_t octets = count;
-  for (; count >= 8; elements += 8, count -= 8) {
-    octets += count_bits(load_word(elements) & 0x8080808080808080);
-  }
-  for (; count != 0; ++elements, --count) octets += *elements >> 7;
-  return octets;
+// Two octets from 128 on: the highest bits of many elements at a time, the last of them again where they are fewer.
+PAVO_ZORV_NOINLINE inline std::size_t count_high(const std::uint8_t *elements, std::size_t count) {
+  std::size_t high = 0, index = 0;
+  for (; count - index >= short_piece::size; index += short_piece::size)
+    high += count_bits(short_piece(elements + index).high());
+  if (index == count) return high;
+  return high +
+         count_bits(short_piece(elements + count - short_piece::size).high() >> (short_piece::size + index - count));
 }
 
-// One octet more for each power of 128 that an element reaches; a vector at a time.
+// Addresses have four octets, or sixteen.
+PAVO_ZORV_INLINE std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
+  constexpr std::size_t piece = short_piece::size;
+  if (count <= 8) return count == 0 ? 0 : count + count_bits(load_short(elements, count) & highest_bits);
+  if (count < piece || count > 2 * piece) {
+    if (count >= piece) return count + count_high(elements, count);
+    return count + count_bits(load_word(elements) & highest_bits) +
+           count_bits(load_word(elements + count - 8) >> 8 * (16 - count) & highest_bits);
+  }
+  const std::uint64_t last = short_piece(elements + count - piece).high() >> (2 * piece - count);
+  return count + count_bits(short_piece(elements).high() | last << piece);
+}
+
+// One octet more for each power of 128 that an element reaches; a vector at a time. Labels of twenty bits, all of three
+// octets, are seen together by the bits that any of them has, and those it has when 0x4000 is taken away.
 inline std::size_t measure_integers(const std::uint32_t *elements, std::size_t count) {
   using words [[gnu::vector_size(vector_size)]] = std::uint32_t;
   using counts [[gnu::vector_size(vector_size)]] = std::int32_t;
-  std::size_t octets = count;
   constexpr std::size_t together = vector_size / sizeof *elements;
+  std::size_t octets = 0;
   while (count >= together) {
-    // At most -4 for each element: no sum overflows in one stretch.
-    counts sums = {};
-    const std::size_t stretch = std::min<std::size_t>(count / together, 4096);
-    for (std::size_t index = 0; index < stretch; ++index, elements += together) {
-      words values;
-      std::memcpy(&values, elements, sizeof values);
-      sums += (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
+    const std::size_t stretch = std::min<std::size_t>(count / together, 16);
+    words bits = {}, values;
+    for (std::size_t index = 0; index < stretch; ++index) {
+      std::memcpy(&values, elements + index * together, sizeof values);
+      bits |= values | (values - 0x4000);
     }
-    for (std::size_t index = 0; index < together; ++index) octets -= static_cast<std::size_t>(sums[index]);
+    if (none(bits & beyond_labels)) {
+      octets += 3 * together * stretch;
+    } else {
+      counts sums = {};
+      for (std::size_t index = 0; index < stretch; ++index) {
+        std::memcpy(&values, elements + index * together, sizeof values);
+        sums -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
+      }
+      octets += together * stretch;
+      for (std::size_t index = 0; index < together; ++index) octets += static_cast<std::size_t>(sums[index]);
+    }
+    elements += stretch * together;
     count -= stretch * together;
   }
-  return octets - count + plain::measure_integers(elements, count);
+  return octets + plain::measure_integers(elements, count);
 }
 
 // Writes integers backwards, each with its key.
@@ -408,37 +477,93 @@ PAVO_ZORV_NOINLINE octet *prepend_words(const octet *first, octet *at, std::uint
   return at;
 }
 
+// Varints of some numbers, each the low octets of a word; their count is a multiple of four.
+PAVO_ZORV_INLINE void varint_words(const std::uint32_t *elements, std::size_t count, std::uint64_t *out) {
+  for (std::size_t index = 0; index < count; index += words_together) {
+    number_vector numbers;
+    std::memcpy(&numbers, elements + index, sizeof numbers);
+    word_vector word = __builtin_convertvector(numbers, word_vector);
+    // Groups of seven bits, one in each octet.
+    word = (word & 0xfffffff) | (word & 0xf0000000) << 4;
+    word = (word & 0xf00003fff) | (word & 0xfffc000) << 2;
+    word = (word & 0xf007f007f) | (word & 0x3f803f80) << 1;
+    // An octet goes on where any behind it has a bit.
+    word_vector behind = word >> 8;
+    behind |= behind >> 8;
+    behind |= behind >> 16;
+    word |= (behind + 0x7f7f7f7f) & 0x80808080;
+    std::memcpy(out + index, &word, sizeof word);
+  }
+}
+
+// From the start of a run whose size is known: each element with its key as a word, of which the octets behind the
+// element are overwritten next. Elements less than a word before the end of the run are left to the caller: returns how
+// many are written.
 template <unsigned KeySize>
-PAVO_ZORV_NOINLINE octet *prepend_words(const octet *first, octet *at, std::uint32_t key, const std::uint32_t *elements,
-                                        std::size_t &count) {
+PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::uint32_t key,
+                                            const std::uint32_t *elements, std::size_t count) {
   const key_octets<KeySize> octets(key);
-  const std::uint32_t key_word = KeySize == 1 ? octets.first : octets.first | std::uint32_t{octets.second} << 8;
-  std::size_t left = count;
-  while (left != 0 && at - first >= 8) {
+  const std::uint64_t key_word = KeySize == 1 ? octets.first : octets.first | std::uint32_t{octets.second} << 8;
+  const auto append = [&](std::uint64_t varint) __attribute__((always_inline)) {
+    store_word(at, key_word | varint << 8 * KeySize);
+    at += KeySize + 1 + static_cast<unsigned>(std::countr_zero(~varint & highest_bits)) / 8;
+  };
+  std::size_t done = 0;
+  while (count - done >= 8) {
     if constexpr (KeySize == 1 && label_block::usable) {
-      while (left >= label_block::elements && label_block::all_labels(elements + left - label_block::elements)) {
-        left -= label_block::elements;
-        at -= label_block::size;
-        label_block::write(at, key, elements + left);
+      if (label_block::all_labels(elements + done)) {
+        label_block::write(at, key, elements + done);
+        done += label_block::elements;
+        at += label_block::size;
+        continue;
       }
     }
-    for (unsigned some = 8; some != 0 && left != 0 && at - first >= 8; --some) {
-      const std::uint32_t value = elements[--left];
-      const auto size = static_cast<unsigned>(varint_size(value));
-      store_word(at - 8, (key_word | varint_word(value, size) << 8 * KeySize) << (64 - 8 * (KeySize + size)));
-      at -= KeySize + size;
+    // Four elements behind these, of two octets at least: so the words do not reach the end of the run.
+    const std::size_t some = std::min<std::size_t>(count - done - 4, 32) / 4 * 4;
+    std::uint64_t varints[32];
+    varint_words(elements + done, some, varints);
+    for (std::size_t index = 0; index < some; ++index) append(varints[index]);
+    done += some;
+  }
+  for (; done != count && end - at >= 8; ++done) {
+    const std::uint32_t value = elements[done];
+    append(varint_word(value, static_cast<unsigned>(varint_size(value))));
+  }
+  return done;
+}
+
+inline octet *prepend_run(octet *first, octet *at, std::uint32_t key, const std::uint32_t *elements,
+                          std::size_t &count) {
+  if constexpr (label_block::usable) {
+    if (key < 0x80) {
+      while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
+        count -= label_block::elements;
+        at -= label_block::size;
+        label_block::write(at, key, elements + count);
+      }
     }
   }
-  count = left;
-  return at;
+  (void)first;
+  if (count < 4) return at;
+  const std::size_t key_size = key < 0x80 ? 1 : 2;
+  octet *const start = at - count * key_size - measure_integers(elements, count);
+  const std::size_t done = key_size == 1 ? append_words<1>(start, at, key, elements, count)
+                                         : append_words<2>(start, at, key, elements, count);
+  plain::prepend_integers(octets_before{}, at, key >> 3, elements + done, count - done);
+  count = 0;
+  return start;
+}
+
+inline octet *prepend_run(octet *first, octet *at, std::uint32_t key, const std::uint8_t *elements,
+                          std::size_t &count) {
+  return key < 0x80 ? prepend_words<1>(first, at, key, elements, count)
+                    : prepend_words<2>(first, at, key, elements, count);
 }
 
 template <class Element>
 PAVO_ZORV_INLINE octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number, const Element *elements,
                                          std::size_t count) {
-  const std::uint32_t key = key_of(number, wire_type::varint);
-  at = key < 0x80 ? prepend_words<1>(sink.first, at, key, elements, count)
-                  : prepend_words<2>(sink.first, at, key, elements, count);
+  at = prepend_run(sink.first, at, key_of(number, wire_type::varint), elements, count);
   return plain::prepend_integers(sink, at, number, elements, count);
 }
 

@@ -9,12 +9,6 @@
 
 namespace pavo_zorv {
 
-// What an encoding needs: octets in the buffer, and entries in the table.
-struct extent {
-  std::size_t octets = 0;
-  std::size_t segments = 0;
-};
-
 // No memory holds an encoding of this length.
 inline constexpr std::size_t unwritable = SIZE_MAX / 2;
 

@@ -39,6 +39,7 @@ class portable_piece {
   static constexpr std::size_t size = 8;
   explicit portable_piece(const octet *at) : octets_(load_word(at)) {}
   std::uint64_t ends() const { return gather(~octets_); }
+  std::uint64_t high() const { return gather(octets_); }
   std::uint64_t equal(octet value) const {
     const std::uint64_t difference = octets_ ^ lowest * value;
     return gather(~(((difference & ~highest) + ~highest) | difference));
@@ -51,11 +52,31 @@ class portable_piece {
   std::uint64_t octets_;
 };
 
+#if defined(__SSE2__)
+class sse2_piece {
+ public:
+  static constexpr std::size_t size = 16;
+  explicit sse2_piece(const octet *at) { std::memcpy(&octets_, at, size); }
+  std::uint64_t ends() const { return static_cast<std::uint16_t>(~_mm_movemask_epi8(octets_)); }
+  std::uint64_t high() const { return static_cast<std::uint32_t>(_mm_movemask_epi8(octets_)); }
+  std::uint64_t equal(octet value) const {
+    const __m128i same = _mm_cmpeq_epi8(octets_, _mm_set1_epi8(static_cast<char>(value)));
+    return static_cast<std::uint16_t>(_mm_movemask_epi8(same));
+  }
+
+ private:
+  __m128i octets_;
+};
+using short_piece = sse2_piece;
+#else
+using short_piece = portable_piece;
+#endif
+
 #if defined(__AVX2__)
-class native_piece {
+class avx2_piece {
  public:
   static constexpr std::size_t size = 32;
-  explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
+  explicit avx2_piece(const octet *at) { std::memcpy(&octets_, at, size); }
   std::uint64_t ends() const { return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(octets_)); }
   std::uint64_t equal(octet value) const {
     const __m256i same = _mm256_cmpeq_epi8(octets_, _mm256_set1_epi8(static_cast<char>(value)));
@@ -65,23 +86,34 @@ class native_piece {
  private:
   __m256i octets_;
 };
-#elif defined(__SSE2__)
-class native_piece {
- public:
-  static constexpr std::size_t size = 16;
-  explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
-  std::uint64_t ends() const { return static_cast<std::uint16_t>(~_mm_movemask_epi8(octets_)); }
-  std::uint64_t equal(octet value) const {
-    const __m128i same = _mm_cmpeq_epi8(octets_, _mm_set1_epi8(static_cast<char>(value)));
-    return static_cast<std::uint16_t>(_mm_movemask_epi8(same));
-  }
-
- private:
-  __m128i octets_;
-};
+using native_piece = avx2_piece;
 #else
-using native_piece = portable_piece;
+using native_piece = short_piece;
 #endif
+
+// Whether no bit of a vector is set.
+template <class Vector>
+PAVO_ZORV_INLINE bool none(const Vector &bits) {
+#if defined(__AVX__)
+  if constexpr (sizeof bits == 32) {
+    __m256i all;
+    std::memcpy(&all, &bits, sizeof all);
+    return _mm256_testz_si256(all, all) != 0;
+  }
+#endif
+#if defined(__SSE2__)
+  if constexpr (sizeof bits == 16) {
+    __m128i all;
+    std::memcpy(&all, &bits, sizeof all);
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(all, _mm_setzero_si128())) == 0xffff;
+  }
+#endif
+  std::uint64_t parts[sizeof bits / 8];
+  std::memcpy(parts, &bits, sizeof bits);
+  std::uint64_t all = 0;
+  for (const std::uint64_t part : parts) all |= part;
+  return all == 0;
+}
 
 // The octets from `at` on, as many as a window has or the buffer still holds, a load at a time: calls `add` with the
 // octets, the place of the first of them in the window, and how many before it are to be left out. The last load is
@@ -141,40 +173,33 @@ class four_elements {
       : others_(_mm_set_epi32(0, 0, 1 << 16 | key.second << 8 | key.first, 0)) {}
 
   PAVO_ZORV_INLINE octet *prepend(octet *at, const octet *elements) const {
-    std::uint32_t four;
+    int four;
     std::memcpy(&four, elements, sizeof four);
-    const std::uint32_t longer = (four >> 7 & 0x01010101) * 0x10204080 >> 28;
-    const __m128i source = _mm_or_si128(_mm_cvtsi32_si128(static_cast<int>(four)), others_);
+    const __m128i values = _mm_cvtsi32_si128(four);
+    const auto longer = static_cast<unsigned>(_mm_movemask_epi8(values));
     __m128i places;
-    std::memcpy(&places, orders[longer].places, sizeof places);
-    const __m128i octets = _mm_shuffle_epi8(source, places);
+    std::memcpy(&places, orders.of[longer], sizeof places);
+    const __m128i octets = _mm_shuffle_epi8(_mm_or_si128(values, others_), places);
     std::memcpy(at - room, &octets, room);
-    return at - orders[longer].size;
+    return at - 4 * (KeySize + 1) - count_bits(longer);
   }
 
  private:
-  struct order {
-    octet places[16];
-    std::size_t size;
-  };
   struct orders_of_all {
-    order of[16];
-    constexpr const order &operator[](std::size_t longer) const { return of[longer]; }
+    octet of[16][16];
   };
 
   // In the source stand four elements, the key, and the octet 1.
   static constexpr orders_of_all make_orders() {
     orders_of_all result{};
     for (unsigned longer = 0; longer < 16; ++longer) {
-      order &made = result.of[longer];
       unsigned at = 16;
       for (unsigned element = 4; element-- != 0;) {
-        if ((longer >> element & 1) != 0) made.places[--at] = 6;
-        made.places[--at] = static_cast<octet>(element);
-        if (KeySize == 2) made.places[--at] = 5;
-        made.places[--at] = 4;
+        if ((longer >> element & 1) != 0) result.of[longer][--at] = 6;
+        result.of[longer][--at] = static_cast<octet>(element);
+        if (KeySize == 2) result.of[longer][--at] = 5;
+        result.of[longer][--at] = 4;
       }
-      made.size = 16 - at;
     }
     return result;
   }

@@ -44,6 +44,21 @@ PAVO_ZORV_INLINE std::uint64_t load_word(const octet *at) {
   return word;
 }
 
+// One to eight octets as a number, the first the lowest, put together from loads that overlap.
+PAVO_ZORV_INLINE std::uint64_t load_short(const octet *at, std::size_t size) {
+  if (size >= 4) {
+    std::uint32_t first, last;
+    std::memcpy(&first, at, sizeof first);
+    std::memcpy(&last, at + size - sizeof last, sizeof last);
+    if constexpr (std::endian::native == std::endian::big) {
+      first = __builtin_bswap32(first);
+      last = __builtin_bswap32(last);
+    }
+    return first | std::uint64_t{last} << 8 * (size - 4);
+  }
+  return at[0] | std::uint32_t{at[size / 2]} << 8 * (size / 2) | std::uint32_t{at[size - 1]} << 8 * (size - 1);
+}
+
 template <class Word>
 PAVO_ZORV_INLINE void store_word(octet *at, Word word) {
   if constexpr (std::endian::native == std::endian::big) {
@@ -64,11 +79,18 @@ PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
 #endif
 }
 
-// Octets of a value as a varint: one for every seven bits, at least one. The product is a division by seven.
+// Octets of a value that is not 0 as a varint: one for every seven bits. The quotient is that of a division by seven,
+// of the bits that the value does not have.
 template <class Value>
-constexpr std::size_t varint_size(Value value) {
-  const auto bits = static_cast<unsigned>(std::bit_width(static_cast<Value>(value | 1)));
-  return (bits * 9 + 64) / 64;
+requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t long_varint_size(Value value) {
+  constexpr unsigned width = sizeof(Value) * CHAR_BIT, greatest = (width + 6) / 7;
+  const auto missing = static_cast<unsigned>(std::countl_zero(value));
+  return greatest - (missing * 9 + (width == 64 ? 63u : 31u)) / 64;
+}
+
+template <class Value>
+requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t varint_size(Value value) {
+  return long_varint_size(static_cast<Value>(value | 1));
 }
 
 // A varint of a size up to eight octets, as the low ones of a word. The seven-bit groups are spread by halves.
@@ -89,6 +111,8 @@ struct varint {
 // The general case: any number of octets, of which those beyond the value's width add nothing.
 template <class Value>
 PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *end) {
+  if (end - at >= 3 && at[2] < 0x80)
+    return {at + 3, static_cast<Value>((at[0] & 0x7f) | (at[1] & 0x7f) << 7 | at[2] << 14)};
   constexpr unsigned width = sizeof(Value) * CHAR_BIT;
   Value value = 0;
   unsigned shift = 0;

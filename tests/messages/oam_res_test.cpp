@@ -490,3 +490,28 @@ TEST(oam_res, presence_bits_of_no_field_are_left_alone) {
 }
 
 }  // namespace
+
+// What is behind such a place is stored some octets at a time, and must not reach into it.
+TEST(oam_res, octets_that_are_missing_leave_their_place_in_the_buffer_as_it_was) {
+  std::uint8_t address[] = {10, 0, 200, 1};
+  out_sid_list_info lists[3] = {};
+  lists[0].field4_length = 6;
+  lists[0].presence = OUT_SID_LIST_INFO_HAS_FIELD4;
+  lists[1].field2 = 1 << 21;
+  lists[1].field4_length = 6;
+  lists[1].presence = OUT_SID_LIST_INFO_HAS_FIELD2 | OUT_SID_LIST_INFO_HAS_FIELD4;
+  lists[2].prefix_sid.field2 = address;
+  lists[2].prefix_sid.field2_count = 4;
+  lists[2].prefix_sid.presence = PREFIX_SID_TYPE_HAS_FIELD2;
+  lists[2].presence = OUT_SID_LIST_INFO_HAS_PREFIX_SID;
+  oam_res record{};
+  record.sid_lists = lists;
+  record.sid_lists_count = 3;
+  record.presence = OAM_RES_HAS_SID_LISTS;
+
+  octets buffer(41, 0xc7);
+  EXPECT_EQ(pavo_zorv_oam_res_encode_ext(&record, buffer.data(), buffer.size(), nullptr, nullptr, 0), 38u);
+  EXPECT_EQ(buffer, hex("2a 08  22 06 c7 c7 c7 c7 c7 c7"
+                        "2a 0d  10 80 80 80 01 22 06 c7 c7 c7 c7 c7 c7"
+                        "2a 0b  0a 09 10 0a 10 00 10 c8 01 10 01  c7 c7 c7"));
+}

@@ -45,12 +45,13 @@ struct bytes_row : row {
 
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present) return;
-    total.add_saturating(varint_size(key_of(number, wire)) + varint_size(static_cast<std::uint32_t>(record.*length)));
-    if (!total.referenced) {
-      total.add_saturating(record.*length);
+    total.octets += varint_size(key_of(number, wire)) + measuring::length_size(record.*length);
+    if (!total.found.referenced) {
+      total.add_bytes(record.*length);
+      if (record.*value == nullptr && record.*length != 0) total.found.gaps = true;
     } else if (record.*length != 0) {
-      total.sum.segments += 2;
-      total.last_piece = total.sum.octets;
+      total.found.segments += 2;
+      total.last_piece = total.octets;
     }
   }
 

@@ -46,8 +46,8 @@ struct integer_list_row : row {
 
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present || record.*count == 0) return;
-    total.sum.octets +=
-        record.*count * varint_size(key_of(number, wire)) + measure_integers(record.*elements, record.*count);
+    total.octets += std::uint64_t{record.*count} * varint_size(key_of(number, wire)) +
+                    measure_integers(record.*elements, record.*count);
   }
 
   template <class Sink, class Entries>

@@ -49,12 +49,8 @@ struct message_list_row : row {
 
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present) return;
-    for (std::uint32_t index = 0; index < record.*count; ++index) {
-      const extent inner = measure_message((record.*elements)[index], total.referenced);
-      total.sum.octets += varint_size(key_of(number, wire)) + varint_size(static_cast<std::uint32_t>(inner.octets));
-      total.add_saturating(inner.octets);
-      total.sum.segments += inner.segments;
-    }
+    for (std::uint32_t index = 0; index < record.*count; ++index)
+      total.template add_message<Nested>(number, measure_message((record.*elements)[index], total.found));
   }
 
   template <class Sink, class Entries>

@@ -33,18 +33,16 @@ struct nested_row : row {
 
   // Content is sent also where the containing record's bit is clear; an empty message only where it is set.
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
-    if (is_blank(record.*value) && !present) return;
-    const extent inner = measure_message(record.*value, total.referenced);
-    if (inner.octets == 0 && !present) return;
-    total.sum.octets += varint_size(key_of(number, wire)) + varint_size(static_cast<std::uint32_t>(inner.octets));
-    total.add_saturating(inner.octets);
-    total.sum.segments += inner.segments;
+    if (!present && is_blank(record.*value)) return;
+    const std::uint64_t inner = measure_message(record.*value, total.found);
+    if (inner == 0 && !present) return;
+    total.template add_message<Nested>(number, inner);
   }
 
   template <class Sink, class Entries>
   PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
                                               bool present, bool referenced, Entries &) const {
-    if (is_blank(record.*value) && !present) return at;
+    if (!present && is_blank(record.*value)) return at;
     const auto end = at;
     at = write_message(record.*value, sink, end, referenced);
     if (at == end && !present) return at;

@@ -38,7 +38,7 @@ struct string_row : row {
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present || record.*value == nullptr) return;
     const std::size_t length = std::strlen(record.*value);
-    total.sum.octets += varint_size(key_of(number, wire)) + varint_size(static_cast<std::uint32_t>(length)) + length;
+    total.octets += varint_size(key_of(number, wire)) + measuring::length_size(length) + length;
   }
 
   template <class Sink, class Entries>
