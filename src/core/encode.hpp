@@ -13,7 +13,7 @@
 
 namespace pavo_zorv {
 
-// Where octets are written without a look at what is there.
+// Where octets are written one by one, and nothing before them is touched.
 struct octets_before {
   using place = octet *;
   PAVO_ZORV_INLINE static place prepend_octet(place at, octet value) {

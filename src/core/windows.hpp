@@ -1,5 +1,5 @@
 // Windows: sixty-four octets of the input at once, as masks with one bit for each octet. The only file with
-// instructions of particular processors; they only do what portable code does, which stands here or in runs.hpp.
+// instructions of particular processors; they only do what portable code does, which stands here or in runs/.
 #pragma once
 
 #include <bit>

@@ -8,7 +8,7 @@
 #include "../encode.hpp"
 #include "../measure.hpp"
 #include "../message.hpp"
-#include "../runs.hpp"
+#include "../runs/plain.hpp"
 
 namespace pavo_zorv {
 

@@ -1,0 +1,69 @@
+// Runs: the fields of one list, which stand together on the wire, one key and one value for each element. Here are the
+// plain loops: what the fast ones for lists of integers compute, in as few words as possible.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "../encode.hpp"
+#include "../wire.hpp"
+
+namespace pavo_zorv {
+
+// Counts the elements of a run from its first value on. `skip` steps over one value, to null where it is cut off. Of
+// the keys inside the run only the number is looked at, not the wire type. 0 when a value, or the key behind one, is
+// cut off.
+template <class Skip>
+PAVO_ZORV_INLINE std::size_t count_run(unsigned number, const octet *at, const octet *end, Skip skip) {
+  for (std::size_t count = 1;; ++count) {
+    at = skip(at, end);
+    if (at == nullptr) return 0;
+    if (at == end) return count;
+    const auto [next, key] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return 0;
+    if (number_of(key) != number) return count;
+    at = next;
+  }
+}
+
+namespace plain {
+
+// Counts the integers of a run from its first value on.
+inline std::size_t count_integers(unsigned number, const octet *at, const octet *end) {
+  return count_run(number, at, end, skip_varint);
+}
+
+// Reads integers that have been counted, cut to the width of the elements; returns the place behind the last.
+template <class Element>
+const octet *read_integers(Element *elements, std::size_t count, const octet *at, const octet *end) {
+  for (std::size_t index = 0; index < count; ++index) {
+    if (index != 0) at = skip_varint(at, end);
+    const auto [next, value] = read_varint<std::uint32_t>(at, end);
+    elements[index] = static_cast<Element>(value);
+    at = next;
+  }
+  return at;
+}
+
+// The octets that integers take as varints, without their keys.
+template <class Element>
+std::size_t measure_integers(const Element *elements, std::size_t count) {
+  std::size_t octets = 0;
+  for (std::size_t index = 0; index < count; ++index) octets += varint_size(std::uint32_t{elements[index]});
+  return octets;
+}
+
+// Writes integers backwards, each with its key.
+template <class Sink, class Element>
+typename Sink::place prepend_integers(const Sink &sink, typename Sink::place at, unsigned number,
+                                      const Element *elements, std::size_t count) {
+  for (std::size_t index = count; index-- != 0;) {
+    at = sink.prepend_varint(at, std::uint32_t{elements[index]});
+    at = prepend_key(sink, at, number, wire_type::varint);
+  }
+  return at;
+}
+
+}  // namespace plain
+
+}  // namespace pavo_zorv

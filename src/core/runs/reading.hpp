@@ -1,0 +1,273 @@
+// Runs of integers, counted and read.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include "plain.hpp"
+#include "vectors.hpp"
+
+namespace pavo_zorv {
+
+// Where elements of a run lie in a window: the bit of the last octet of each value. The first begins at `at`, every
+// other behind the key behind the one before it.
+struct elements_seen {
+  const octet *at;
+  std::uint64_t ends;
+};
+
+// A window on a run, from the first octet of a value on. Varints end in turn at a value and at a key, so the parity of
+// the ends tells them apart, up to the first place where a key should begin and none in its shortest form does.
+template <unsigned KeySize>
+struct run_window {
+  std::size_t left;      // octets of the message from here on
+  std::uint64_t values;  // last octets of values
+  std::uint64_t keys;    // last octets of keys
+  std::uint64_t odd;     // where a key should begin, and the run ends or goes on
+                         // with an odd key
+
+  PAVO_ZORV_INLINE run_window(std::uint32_t key, const octet *at, const octet *end, const octet *limit)
+      : left(static_cast<std::size_t>(end - at)) {
+    const window seen = look(at, limit, key_octets<KeySize>(key));
+    const std::uint64_t inside = left < window_size ? (std::uint64_t{1} << left) - 1 : ~std::uint64_t{0};
+    const std::uint64_t ends = seen.ends & inside;
+    values = ends & parity_up_to(ends);
+    keys = ends & ~values;
+    odd = (values << 1 & inside) & ~seen.keys;
+  }
+
+  // Whether the message, all of it seen and regular, ends as a run must.
+  bool ends_with_value() const { return left != 0 && (values >> (left - 1) & 1) != 0; }
+  std::uint64_t values_below(unsigned place) const { return values & ((std::uint64_t{1} << place) - 1); }
+};
+
+// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. An odd key
+// is read by itself. Returns the place behind the last value; null when a value, or the key behind one, is cut off.
+template <unsigned KeySize, class Visit>
+PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const octet *end, const octet *limit,
+                                       Visit &visit) {
+  for (;;) {
+    if constexpr (KeySize == 1 && Visit::wants_blocks) {
+      while (end - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
+        const label_block block(at);
+        if (!block.regular(key)) break;
+        visit.block(block);
+        at += label_block::size;
+      }
+    }
+    const run_window<KeySize> seen(key, at, end, limit);
+    if (seen.odd == 0 && seen.left <= window_size) {
+      if (!seen.ends_with_value()) return nullptr;
+      visit.elements({at, seen.values});
+      return end;
+    }
+    if (seen.odd == 0 && seen.keys != 0) {
+      // The window may cut the last value, or the key behind it: the next one begins behind the last whole key.
+      const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
+      visit.elements({at, seen.values_below(whole - 1)});
+      at += whole;
+      continue;
+    }
+    if (seen.odd == 0) {
+      // One value that is longer than the window, or as long.
+      const octet *const next = skip_varint(at, end);
+      if (next == nullptr) return nullptr;
+      visit.elements({at, std::uint64_t{1} << 63});
+      at = next;
+      if (at == end) return end;
+    } else {
+      const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
+      visit.elements({at, seen.values_below(place)});
+      at += place;
+    }
+    const auto [next, other] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return nullptr;
+    if (number_of(other) != number_of(key)) return at;
+    at = next;
+  }
+}
+
+template <class Element>
+struct element_counter {
+  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
+  std::size_t count = 0;
+
+  void elements(elements_seen seen) { count += count_bits(seen.ends); }
+  void block(const label_block &) { count += label_block::elements; }
+};
+
+// The low 35 bits of a varint whose octets are the low ones of a word: seven of each octet, put together.
+constexpr std::uint32_t varint_value(std::uint64_t word) {
+  word = (word & 0x7f007f007f) | (word & 0x7f007f00) >> 1;
+  word = (word & 0x7f00003fff) | (word & 0x3fff0000) >> 2;
+  return static_cast<std::uint32_t>((word & 0xfffffff) | (word & 0x7f00000000) >> 4);
+}
+
+// Of a word with a varint at its low end, what belongs to it: everything up to the lowest highest bit that is not set,
+// or five octets that all have it.
+constexpr std::uint64_t up_to_end(std::uint64_t word) {
+  const std::uint64_t ends = ~word & 0x8080808080;
+  return word & (ends ^ (ends - 1));
+}
+
+// The same for words that each have a varint at the low end and behind it whatever follows.
+PAVO_ZORV_INLINE void varint_values(const word_vector &from, std::uint32_t *values) {
+  const word_vector ends = ~from & 0x8080808080;
+  word_vector word = from & (ends ^ (ends - 1));
+  word = (word & 0x7f007f007f) | (word & 0x7f007f00) >> 1;
+  word = (word & 0x7f00003fff) | (word & 0x3fff0000) >> 2;
+  word = (word & 0xfffffff) | (word & 0x7f00000000) >> 4;
+  const number_vector numbers = __builtin_convertvector(word, number_vector);
+  std::memcpy(values, &numbers, sizeof numbers);
+}
+
+template <unsigned KeySize, class Element>
+struct element_reader {
+  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
+  Element *next;
+  const octet *limit;
+
+  PAVO_ZORV_INLINE void elements(elements_seen seen) {
+    if constexpr (sizeof(Element) == 4) {
+      if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) return words(seen);
+    }
+    const octet *begin = seen.at;
+    for (std::uint64_t ends = seen.ends; ends != 0; ends &= ends - 1) {
+      const octet *const last = seen.at + std::countr_zero(ends);
+      *next++ = value(begin, last);
+      begin = last + 1 + KeySize;
+    }
+  }
+
+  PAVO_ZORV_INLINE void block(const label_block &block) {
+    if constexpr (wants_blocks) {
+      block.read(next);
+      next += label_block::elements;
+    }
+  }
+
+ private:
+  // Where the buffer goes on for a word behind the window: four varints at once, each as a word.
+  PAVO_ZORV_INLINE void words(elements_seen seen) {
+    std::uint64_t ends = seen.ends;
+    const octet *begin = seen.at;
+    const auto take = [&]() __attribute__((always_inline)) {
+      const std::uint64_t word = load_word(begin);
+      begin = seen.at + std::countr_zero(ends) + 1 + KeySize;
+      ends &= ends - 1;
+      return word;
+    };
+    std::size_t left = count_bits(ends);
+    for (; left >= words_together; left -= words_together, next += words_together) {
+      varint_values(take_together(take, std::make_index_sequence<words_together>{}), next);
+    }
+    for (; left != 0; --left) *next++ = varint_value(up_to_end(take()));
+  }
+
+  template <class Take, std::size_t... Index>
+  PAVO_ZORV_INLINE static word_vector take_together(Take take, std::index_sequence<Index...>) {
+    return word_vector{(static_cast<void>(Index), take())...};
+  }
+
+  // The first octet, and the lowest bit of the second if there is one.
+  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin, const octet *) const requires(sizeof(Element) == 1) {
+    const octet more = *begin >> 7;
+    return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & more) << 7);
+  }
+
+  // At most five octets, as one word; at the end of the buffer the last word there is.
+  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin, const octet *last) const requires(sizeof(Element) == 4) {
+    const auto left = static_cast<std::size_t>(limit - begin);
+    const std::size_t missing = left < 8 ? 8 - left : 0;
+    std::uint64_t word = load_word(begin - missing) >> 8 * missing;
+    const std::ptrdiff_t others = last - begin;
+    word &= ~std::uint64_t{0} >> (56 - 8 * (others < 4 ? others : 4));
+    return varint_value(word);
+  }
+};
+
+// A run that has been counted. Most are seen whole in one window: then its values' last octets and the place behind it
+// are known, and it need not be walked again. Otherwise `next` is null, and the count stands alone.
+struct counted_run {
+  const octet *next;
+  std::uint64_t values;
+
+  std::size_t count() const { return next != nullptr ? count_bits(values) : static_cast<std::size_t>(values); }
+};
+
+// Runs with the key in its shortest form, in a buffer that is long enough for one load.
+template <class Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const octet *at, const octet *end, const octet *limit) {
+  const run_window<KeySize> seen(key, at, end, limit);
+  if (seen.odd == 0 && seen.left <= window_size)
+    return seen.ends_with_value() ? counted_run{end, seen.values} : counted_run{};
+  if (seen.odd != 0) {
+    const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
+    const auto [next, other] = read_varint<std::uint32_t>(at + place, end);
+    if (next == nullptr) return {};
+    if (number_of(other) != number_of(key)) return {at + place, seen.values_below(place)};
+  }
+  element_counter<Element> counter;
+  return {nullptr, walk_run<KeySize>(key, at, end, limit, counter) != nullptr ? counter.count : 0};
+}
+
+template <class Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const octet *at, std::uint64_t values,
+                                    const octet *limit) {
+  if constexpr (sizeof(Element) == 1) {
+    // An element that takes two octets has its own value in the first, if the second is 1, as it is in the shortest
+    // form: then all elements are the first octets of values.
+    const std::uint64_t starts = (values << (1 + KeySize) | 1) & (~std::uint64_t{0} >> std::countl_zero(values));
+    if (((starts & ~values) << 1 & ~(values & look_for(at, limit, 1))) == 0) {
+      for (std::uint64_t rest = starts; rest != 0; rest &= rest - 1) *elements++ = at[std::countr_zero(rest)];
+      return;
+    }
+  }
+  element_reader<KeySize, Element> reader{elements, limit};
+  if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
+    // A block ends with a key: so another value follows it, or it is not regular.
+    while (values >> (label_block::size - 1) > 1 && limit - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
+      const label_block block(at);
+      if (!block.regular(key)) break;
+      reader.block(block);
+      at += label_block::size;
+      values >>= label_block::size;
+    }
+  }
+  reader.elements({at, values});
+}
+
+template <class Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::uint32_t key, const octet *at, const octet *end,
+                                             const octet *limit) {
+  element_reader<KeySize, Element> reader{elements, limit};
+  return walk_run<KeySize>(key, at, end, limit, reader);
+}
+
+// Counts the integers of a run from its first value on: none when a value, or the key behind one, is cut off.
+template <class Element>
+PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const octet *at, const octet *end, const buffer &whole) {
+  if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number, at, end)};
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  return key < 0x80 ? count_regular<Element, 1>(key, at, end, whole.limit)
+                    : count_regular<Element, 2>(key, at, end, whole.limit);
+}
+
+// Reads integers that have been counted; returns the place behind the last.
+template <class Element>
+PAVO_ZORV_INLINE const octet *read_integers(Element *elements, counted_run run, unsigned number, const octet *at,
+                                            const octet *end, const buffer &whole) {
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  if (run.next != nullptr) {
+    key < 0x80 ? read_window<Element, 1>(elements, key, at, run.values, whole.limit)
+               : read_window<Element, 2>(elements, key, at, run.values, whole.limit);
+    return run.next;
+  }
+  if (whole.size() < native_piece::size) return plain::read_integers(elements, run.count(), at, end);
+  return key < 0x80 ? read_regular<Element, 1>(elements, key, at, end, whole.limit)
+                    : read_regular<Element, 2>(elements, key, at, end, whole.limit);
+}
+
+}  // namespace pavo_zorv

@@ -1,0 +1,206 @@
+// Lists of integers, measured and written as runs, and compared.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "plain.hpp"
+#include "vectors.hpp"
+
+namespace pavo_zorv {
+
+// Two octets from 128 on: the highest bits of many elements at a time, the last of them again where they are fewer.
+PAVO_ZORV_NOINLINE inline std::size_t count_high(const std::uint8_t *elements, std::size_t count) {
+  std::size_t high = 0, index = 0;
+  for (; count - index >= short_piece::size; index += short_piece::size)
+    high += count_bits(short_piece(elements + index).high());
+  if (index == count) return high;
+  return high +
+         count_bits(short_piece(elements + count - short_piece::size).high() >> (short_piece::size + index - count));
+}
+
+// Addresses have four octets, or sixteen.
+PAVO_ZORV_INLINE std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
+  constexpr std::size_t piece = short_piece::size;
+  if (count <= 8) return count == 0 ? 0 : count + count_bits(load_short(elements, count) & highest_bits);
+  if (count < piece || count > 2 * piece) {
+    if (count >= piece) return count + count_high(elements, count);
+    return count + count_bits(load_word(elements) & highest_bits) +
+           count_bits(load_word(elements + count - 8) >> 8 * (16 - count) & highest_bits);
+  }
+  const std::uint64_t last = short_piece(elements + count - piece).high() >> (2 * piece - count);
+  return count + count_bits(short_piece(elements).high() | last << piece);
+}
+
+// One octet more for each power of 128 that an element reaches; a vector at a time. Labels of twenty bits, all of three
+// octets, are seen together by the bits that any of them has, and those it has when 0x4000 is taken away.
+inline std::size_t measure_integers(const std::uint32_t *elements, std::size_t count) {
+  using words [[gnu::vector_size(vector_size)]] = std::uint32_t;
+  using counts [[gnu::vector_size(vector_size)]] = std::int32_t;
+  constexpr std::size_t together = vector_size / sizeof *elements;
+  std::size_t octets = 0;
+  while (count >= together) {
+    const std::size_t stretch = std::min<std::size_t>(count / together, 16);
+    words bits = {}, values;
+    for (std::size_t index = 0; index < stretch; ++index) {
+      std::memcpy(&values, elements + index * together, sizeof values);
+      bits |= values | (values - 0x4000);
+    }
+    if (none(bits & beyond_labels)) {
+      octets += 3 * together * stretch;
+    } else {
+      counts sums = {};
+      for (std::size_t index = 0; index < stretch; ++index) {
+        std::memcpy(&values, elements + index * together, sizeof values);
+        sums -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
+      }
+      octets += together * stretch;
+      for (std::size_t index = 0; index < together; ++index) octets += static_cast<std::size_t>(sums[index]);
+    }
+    elements += stretch * together;
+    count -= stretch * together;
+  }
+  return octets + plain::measure_integers(elements, count);
+}
+
+// Writes integers backwards, each with its key.
+template <class Sink, class Element>
+PAVO_ZORV_INLINE typename Sink::place prepend_integers(const Sink &sink, typename Sink::place at, unsigned number,
+                                                       const Element *elements, std::size_t count) {
+  return plain::prepend_integers(sink, at, number, elements, count);
+}
+
+// Varints of some numbers, each the low octets of a word; their count is a multiple of four.
+PAVO_ZORV_INLINE void varint_words(const std::uint32_t *elements, std::size_t count, std::uint64_t *out) {
+  for (std::size_t index = 0; index < count; index += words_together) {
+    number_vector numbers;
+    std::memcpy(&numbers, elements + index, sizeof numbers);
+    word_vector word = __builtin_convertvector(numbers, word_vector);
+    // Groups of seven bits, one in each octet.
+    word = (word & 0xfffffff) | (word & 0xf0000000) << 4;
+    word = (word & 0xf00003fff) | (word & 0xfffc000) << 2;
+    word = (word & 0xf007f007f) | (word & 0x3f803f80) << 1;
+    // An octet goes on where any behind it has a bit.
+    word_vector behind = word >> 8;
+    behind |= behind >> 8;
+    behind |= behind >> 16;
+    word |= (behind + 0x7f7f7f7f) & 0x80808080;
+    std::memcpy(out + index, &word, sizeof word);
+  }
+}
+
+// From the start of a run whose size is known: each element with its key as a word, of which the octets behind the
+// element are overwritten next. Elements less than a word before the end of the run are left to the caller: returns how
+// many are written.
+template <unsigned KeySize>
+PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::uint32_t key,
+                                            const std::uint32_t *elements, std::size_t count) {
+  const key_octets<KeySize> octets(key);
+  const std::uint64_t key_word = KeySize == 1 ? octets.first : octets.first | std::uint32_t{octets.second} << 8;
+  const auto append = [&](std::uint64_t varint) __attribute__((always_inline)) {
+    store_word(at, key_word | varint << 8 * KeySize);
+    at += KeySize + 1 + static_cast<unsigned>(__builtin_ctzll(~varint & highest_bits)) / 8;
+  };
+  std::size_t done = 0;
+  while (count - done >= 8) {
+    if constexpr (KeySize == 1 && label_block::usable) {
+      if (label_block::all_labels(elements + done)) {
+        label_block::write(at, key, elements + done);
+        done += label_block::elements;
+        at += label_block::size;
+        continue;
+      }
+    }
+    // Four elements behind these, of two octets at least: so the words do not reach the end of the run.
+    const std::size_t some = std::min<std::size_t>(count - done - 4, 32) / 4 * 4;
+    std::uint64_t varints[32];
+    varint_words(elements + done, some, varints);
+    for (std::size_t index = 0; index < some; ++index) append(varints[index]);
+    done += some;
+  }
+  for (; done != count && end - at >= 8; ++done) {
+    const std::uint32_t value = elements[done];
+    append(varint_word(value, static_cast<unsigned>(varint_size(value))));
+  }
+  return done;
+}
+
+// Labels from the end on, as many as stand there; then the rest from its start on, if it is worth measuring.
+inline octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number, const std::uint32_t *elements,
+                               std::size_t count) {
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  const std::size_t key_size = key < 0x80 ? 1 : 2;
+  if (label_block::usable && key_size == 1) {
+    while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
+      count -= label_block::elements;
+      at -= label_block::size;
+      label_block::write(at, key, elements + count);
+    }
+  }
+  if (count < 4) return plain::prepend_integers(sink, at, number, elements, count);
+  octet *const start = at - count * key_size - measure_integers(elements, count);
+  const std::size_t done = key_size == 1 ? append_words<1>(start, at, key, elements, count)
+                                         : append_words<2>(start, at, key, elements, count);
+  // What stands before these is written already.
+  plain::prepend_integers(octets_before{}, at, number, elements + done, count - done);
+  return start;
+}
+
+// The same for octets: key, value, and the octet 1 that a value from 128 on takes as well.
+template <unsigned KeySize>
+PAVO_ZORV_INLINE void append_octets(octet *at, std::uint32_t key, const std::uint8_t *elements, std::size_t count) {
+  const key_octets<KeySize> octets(key);
+  const std::uint32_t key_word = KeySize == 1 ? octets.first : octets.first | std::uint32_t{octets.second} << 8;
+  std::size_t index = 0;
+  for (; index + 1 < count; ++index) {
+    const std::uint32_t value = elements[index], more = value >> 7;
+    store_word(at, key_word | value << 8 * KeySize | more << 8 * (KeySize + 1));
+    at += KeySize + 1 + more;
+  }
+  *at++ = octets.first;
+  if constexpr (KeySize == 2) *at++ = octets.second;
+  *at++ = elements[index];
+  if (elements[index] >= 0x80) *at = 1;
+}
+
+// Four elements at a time from the end on, where the processor can put them together; what a store covers before them
+// is not yet written, where the buffer begins far enough before.
+template <unsigned KeySize>
+PAVO_ZORV_NOINLINE octet *prepend_octets(const octet *first, octet *at, std::uint32_t key, const std::uint8_t *elements,
+                                         std::size_t count) {
+  if constexpr (four_elements<KeySize>::usable) {
+    const four_elements<KeySize> four{key_octets<KeySize>(key)};
+    for (; count >= 4 && at - first >= static_cast<std::ptrdiff_t>(four.room); count -= 4)
+      at = four.prepend(at, elements + count - 4);
+  }
+  if (count == 0) return at;
+  at -= count * KeySize + measure_integers(elements, count);
+  append_octets<KeySize>(at, key, elements, count);
+  return at;
+}
+
+PAVO_ZORV_INLINE octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number,
+                                         const std::uint8_t *elements, std::size_t count) {
+  const std::uint32_t key = key_of(number, wire_type::varint);
+  return key < 0x80 ? prepend_octets<1>(sink.first, at, key, elements, count)
+                    : prepend_octets<2>(sink.first, at, key, elements, count);
+}
+
+// Integers element by element, unsigned: -1, 0 or 1.
+inline int compare_integers(const std::uint8_t *a, const std::uint8_t *b, std::size_t count) {
+  return count != 0 ? compare_values(std::memcmp(a, b, count), 0) : 0;
+}
+
+// Equal blocks are found equal eight elements at a time; the first difference is looked for one by one.
+inline int compare_integers(const std::uint32_t *a, const std::uint32_t *b, std::size_t count) {
+  std::size_t index = 0;
+  while (count - index >= 8 && std::memcmp(a + index, b + index, 8 * sizeof *a) == 0) index += 8;
+  for (; index < count; ++index) {
+    if (a[index] != b[index]) return compare_values(a[index], b[index]);
+  }
+  return 0;
+}
+
+}  // namespace pavo_zorv
