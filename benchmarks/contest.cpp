@@ -1,4 +1,4 @@
-// The roll of the contest, and what the bump allocator does rarely.
+// What the bump allocator does rarely.
 #include "contest.hpp"
 
 #include <algorithm>
@@ -15,17 +15,6 @@ void *pool::grow(void *block, std::size_t size, std::size_t larger) {
   void *const result = take(larger);
   if (result != nullptr && size != 0) std::memcpy(result, block, std::min(size, larger));
   return result;
-}
-
-roll everybody() {
-  roll all;
-  enter_library(all);
-  enter_protobuf(all);
-  enter_protobuf_c(all);
-  enter_nanopb(all);
-  enter_protozero(all);
-  enter_floors(all);
-  return all;
 }
 
 }  // namespace contest

@@ -1,0 +1,17 @@
+// The roll of the contest.
+#include "contest.hpp"
+
+namespace contest {
+
+roll everybody() {
+  roll all;
+  enter_library(all);
+  enter_protobuf(all);
+  enter_protobuf_c(all);
+  enter_nanopb(all);
+  enter_protozero(all);
+  enter_floors(all);
+  return all;
+}
+
+}  // namespace contest
