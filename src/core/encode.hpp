@@ -175,7 +175,8 @@ class message_entries {
 };
 
 template <class Record, class Sink>
-typename Sink::place write_message(const Record &record, const Sink &sink, typename Sink::place end, bool referenced) {
+PAVO_ZORV_INLINE typename Sink::place write_fields(const Record &record, const Sink &sink, typename Sink::place end,
+                                                   bool referenced) {
   message_entries<Sink> entries(sink, end);
   const auto presence = record.presence;
   auto at = end;
@@ -188,6 +189,18 @@ typename Sink::place write_message(const Record &record, const Sink &sink, typen
   (std::make_index_sequence<field_count<Record>>{});
   entries.finish(at);
   return at;
+}
+
+template <class Record, class Sink>
+typename Sink::place write_message(const Record &record, const Sink &sink, typename Sink::place end, bool referenced) {
+  return write_fields(record, sink, end, referenced);
+}
+
+// Compiled to be small: the place of what is written in vain need not be found fast.
+template <class Record>
+[[gnu::cold]] std::size_t write_message(const Record &record, const clipped_sink &sink, std::size_t end,
+                                        bool referenced) {
+  return write_fields(record, sink, end, referenced);
 }
 
 // Writes an encoding of known size into a buffer or a table, or both. What the quick way stores at once reaches before

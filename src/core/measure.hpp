@@ -75,7 +75,7 @@ consteval presence_of<Record> rows_behind_bytes() {
 }
 
 template <class Record>
-std::uint64_t measure_message(const Record &record, survey &found) {
+PAVO_ZORV_INLINE std::uint64_t measure_fields(const Record &record, survey &found) {
   const auto presence = record.presence;
   constexpr auto behind = rows_behind_bytes<Record>();
   measuring total{found, measure_scalars<Record>(presence & ~std::uint64_t{behind})};
@@ -85,6 +85,11 @@ std::uint64_t measure_message(const Record &record, survey &found) {
   if constexpr (behind != 0) total.octets += measure_scalars<Record>(presence & behind);
   if (total.octets != total.last_piece) ++found.segments;
   return total.octets;
+}
+
+template <class Record>
+std::uint64_t measure_message(const Record &record, survey &found) {
+  return measure_fields(record, found);
 }
 
 }  // namespace pavo_zorv

@@ -10,6 +10,8 @@
 
 namespace pavo_zorv {
 
+struct clipped_sink;
+
 // What decoding is given besides the octets.
 struct decoding {
   pavo_zorv::memory memory;
@@ -49,6 +51,8 @@ std::uint64_t measure_message(const Record &record, survey &found);
 // Writes a message backwards so that it ends at `end`; returns where it starts.
 template <class Record, class Sink>
 typename Sink::place write_message(const Record &record, const Sink &sink, typename Sink::place end, bool referenced);
+template <class Record>
+std::size_t write_message(const Record &record, const clipped_sink &sink, std::size_t end, bool referenced);
 
 // A copy in the making: members for which there is no memory are left empty, and the copying goes on.
 struct copying {

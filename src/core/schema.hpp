@@ -73,6 +73,12 @@ inline constexpr bool owns_memory = any_row<Record>([](const auto &row) { return
 template <class Record>
 inline constexpr bool holds_bytes = any_row<Record>([](const auto &row) { return row.holds_bytes(); });
 
+// A message of few fields, none of which is a list or a message: worth taking inline where it is nested.
+template <class Record>
+inline constexpr bool is_small = field_count<Record> <= 8 && !any_row<Record>([](const auto &row) {
+  return row.type == kind::integers || row.type == kind::messages || row.type == kind::message;
+});
+
 // --- The checks: a schema that does not fit its record does not compile. ---
 
 namespace checks {

@@ -34,7 +34,12 @@ struct nested_row : row {
   // Content is sent also where the containing record's bit is clear; an empty message only where it is set.
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present && is_blank(record.*value)) return;
-    const std::uint64_t inner = measure_message(record.*value, total.found);
+    std::uint64_t inner;
+    if constexpr (is_small<Nested>) {
+      inner = measure_fields(record.*value, total.found);
+    } else {
+      inner = measure_message(record.*value, total.found);
+    }
     if (inner == 0 && !present) return;
     total.template add_message<Nested>(number, inner);
   }
@@ -44,7 +49,11 @@ struct nested_row : row {
                                               bool present, bool referenced, Entries &) const {
     if (!present && is_blank(record.*value)) return at;
     const auto end = at;
-    at = write_message(record.*value, sink, end, referenced);
+    if constexpr (is_small<Nested> && std::is_same_v<Sink, exact_sink>) {
+      at = write_fields(record.*value, sink, end, referenced);
+    } else {
+      at = write_message(record.*value, sink, end, referenced);
+    }
     if (at == end && !present) return at;
     at = sink.prepend_varint(at, static_cast<std::uint32_t>(end - at));
     return prepend_key(sink, at, number, wire);
