@@ -108,22 +108,28 @@ struct varint {
   Value value;
 };
 
+// Steps over a varint; null when the input ends inside it.
+PAVO_ZORV_INLINE const octet *skip_varint(const octet *at, const octet *end) {
+  while (at != end) {
+    if (*at++ < 0x80) return at;
+  }
+  return nullptr;
+}
+
 // The general case: any number of octets, of which those beyond the value's width add nothing.
 template <class Value>
 PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *end) {
   if (end - at >= 3 && at[2] < 0x80)
     return {at + 3, static_cast<Value>((at[0] & 0x7f) | (at[1] & 0x7f) << 7 | at[2] << 14)};
-  constexpr unsigned width = sizeof(Value) * CHAR_BIT;
   Value value = 0;
-  unsigned shift = 0;
-  for (; at != end; ++at) {
-    if (shift < width) {
-      value = static_cast<Value>(value | static_cast<Value>(*at & 0x7f) << shift);
-      shift += 7;
-    }
-    if (*at < 0x80) return {at + 1, value};
+#pragma GCC unroll 10
+  for (unsigned shift = 0; shift < sizeof(Value) * CHAR_BIT; shift += 7) {
+    if (at == end) return {nullptr, 0};
+    const octet next = *at++;
+    value = static_cast<Value>(value | static_cast<Value>(next & 0x7f) << shift);
+    if (next < 0x80) return {at, value};
   }
-  return {nullptr, 0};
+  return {skip_varint(at, end), value};
 }
 
 // Keys, lengths and most values take one octet, or two.
@@ -133,14 +139,6 @@ PAVO_ZORV_INLINE varint<Value> read_varint(const octet *at, const octet *end) {
     return {at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) return {at + 2, static_cast<Value>((at[0] & 0x7f) | at[1] << 7)};
   return read_long_varint<Value>(at, end);
-}
-
-// Steps over a varint; null when the input ends inside it.
-PAVO_ZORV_INLINE const octet *skip_varint(const octet *at, const octet *end) {
-  while (at != end) {
-    if (*at++ < 0x80) return at;
-  }
-  return nullptr;
 }
 
 // A length and the octets behind it; `first` is null when either runs past the end.
