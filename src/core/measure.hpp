@@ -57,8 +57,8 @@ template <class Record>
 PAVO_ZORV_INLINE std::uint64_t measure_scalars(std::uint64_t presence) {
   constexpr auto one = scalars_with_keys_of<Record>(1), two = scalars_with_keys_of<Record>(2);
   std::uint64_t octets = 0;
-  if constexpr (one != 0) octets += count_bits(presence & one) * 2;
-  if constexpr (two != 0) octets += count_bits(presence & two) * 3;
+  if constexpr (one != 0) octets += count_bits<one>(presence) * 2;
+  if constexpr (two != 0) octets += count_bits<two>(presence) * 3;
   return octets;
 }
 

@@ -39,7 +39,6 @@ class portable_piece {
   static constexpr std::size_t size = 8;
   explicit portable_piece(const octet *at) : octets_(load_word(at)) {}
   std::uint64_t ends() const { return gather(~octets_); }
-  std::uint64_t high() const { return gather(octets_); }
   std::uint64_t equal(octet value) const {
     const std::uint64_t difference = octets_ ^ lowest * value;
     return gather(~(((difference & ~highest) + ~highest) | difference));
@@ -52,31 +51,11 @@ class portable_piece {
   std::uint64_t octets_;
 };
 
-#if defined(__SSE2__)
-class sse2_piece {
- public:
-  static constexpr std::size_t size = 16;
-  explicit sse2_piece(const octet *at) { std::memcpy(&octets_, at, size); }
-  std::uint64_t ends() const { return static_cast<std::uint16_t>(~_mm_movemask_epi8(octets_)); }
-  std::uint64_t high() const { return static_cast<std::uint32_t>(_mm_movemask_epi8(octets_)); }
-  std::uint64_t equal(octet value) const {
-    const __m128i same = _mm_cmpeq_epi8(octets_, _mm_set1_epi8(static_cast<char>(value)));
-    return static_cast<std::uint16_t>(_mm_movemask_epi8(same));
-  }
-
- private:
-  __m128i octets_;
-};
-using short_piece = sse2_piece;
-#else
-using short_piece = portable_piece;
-#endif
-
 #if defined(__AVX2__)
-class avx2_piece {
+class native_piece {
  public:
   static constexpr std::size_t size = 32;
-  explicit avx2_piece(const octet *at) { std::memcpy(&octets_, at, size); }
+  explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
   std::uint64_t ends() const { return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(octets_)); }
   std::uint64_t equal(octet value) const {
     const __m256i same = _mm256_cmpeq_epi8(octets_, _mm256_set1_epi8(static_cast<char>(value)));
@@ -86,9 +65,22 @@ class avx2_piece {
  private:
   __m256i octets_;
 };
-using native_piece = avx2_piece;
+#elif defined(__SSE2__)
+class native_piece {
+ public:
+  static constexpr std::size_t size = 16;
+  explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
+  std::uint64_t ends() const { return static_cast<std::uint16_t>(~_mm_movemask_epi8(octets_)); }
+  std::uint64_t equal(octet value) const {
+    const __m128i same = _mm_cmpeq_epi8(octets_, _mm_set1_epi8(static_cast<char>(value)));
+    return static_cast<std::uint16_t>(_mm_movemask_epi8(same));
+  }
+
+ private:
+  __m128i octets_;
+};
 #else
-using native_piece = short_piece;
+using native_piece = portable_piece;
 #endif
 
 // Whether no bit of a vector is set.

@@ -68,9 +68,14 @@ PAVO_ZORV_INLINE void store_word(octet *at, Word word) {
   std::memcpy(at, &word, sizeof word);
 }
 
-// The number of ones. Where the processor cannot be relied on to count them, the compiler would call a function.
+// The number of ones. Where the processor cannot be relied on to count them, the compiler would call a function; those
+// of a mask that has none beyond the eighth are counted faster than others.
+template <std::uint64_t Mask = ~std::uint64_t{0}>
 PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
+  bits &= Mask;
 #if (defined(__x86_64__) || defined(__i386__)) && !defined(__POPCNT__)
+  if constexpr (Mask <= 0xff)
+    return ((static_cast<std::uint32_t>(bits) * 0x08040201 >> 3) & 0x11111111) * 0x11111111 >> 28;
   bits -= bits >> 1 & 0x5555555555555555;
   bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
   return static_cast<unsigned>(((bits + (bits >> 4)) & 0x0f0f0f0f0f0f0f0f) * 0x0101010101010101 >> 56);

@@ -11,27 +11,17 @@
 
 namespace pavo_zorv {
 
-// Two octets from 128 on: the highest bits of many elements at a time, the last of them again where they are fewer.
-PAVO_ZORV_NOINLINE inline std::size_t count_high(const std::uint8_t *elements, std::size_t count) {
-  std::size_t high = 0, index = 0;
-  for (; count - index >= short_piece::size; index += short_piece::size)
-    high += count_bits(short_piece(elements + index).high());
-  if (index == count) return high;
-  return high +
-         count_bits(short_piece(elements + count - short_piece::size).high() >> (short_piece::size + index - count));
+// How many octets of a word have the highest bit: the product adds them up in the highest octet.
+constexpr std::size_t count_high(std::uint64_t word) {
+  constexpr std::uint64_t ones = 0x0101010101010101;
+  return (word >> 7 & ones) * ones >> 56;
 }
 
-// Addresses have four octets, or sixteen.
-PAVO_ZORV_INLINE std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
-  constexpr std::size_t piece = short_piece::size;
-  if (count <= 8) return count == 0 ? 0 : count + count_bits(load_short(elements, count) & highest_bits);
-  if (count < piece || count > 2 * piece) {
-    if (count >= piece) return count + count_high(elements, count);
-    return count + count_bits(load_word(elements) & highest_bits) +
-           count_bits(load_word(elements + count - 8) >> 8 * (16 - count) & highest_bits);
-  }
-  const std::uint64_t last = short_piece(elements + count - piece).high() >> (2 * piece - count);
-  return count + count_bits(short_piece(elements).high() | last << piece);
+// Two octets from 128 on.
+inline std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
+  std::size_t octets = count;
+  for (; count >= 8; elements += 8, count -= 8) octets += count_high(load_word(elements));
+  return count == 0 ? octets : octets + count_high(load_short(elements, count));
 }
 
 // One octet more for each power of 128 that an element reaches; a vector at a time. Labels of twenty bits, all of three
