@@ -7,6 +7,13 @@ option(PAVO_ZORV_WERROR "Warnings are errors" OFF)
 option(PAVO_ZORV_COVERAGE "Instrument for coverage" OFF)
 set(PAVO_ZORV_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
 
+# The second build is for what is released; instrumented builds do without it unless they are asked for it.
+set(pavo_zorv_x86_64_v3_default OFF)
+if(PROJECT_IS_TOP_LEVEL AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
+  pavo_zorv_x86_64_v3_makes_sense(pavo_zorv_x86_64_v3_default)
+endif()
+option(PAVO_ZORV_X86_64_V3 "Build the shared library a second time, for x86-64-v3" ${pavo_zorv_x86_64_v3_default})
+
 set(pavo_zorv_warnings -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow)
 if(PAVO_ZORV_WERROR)
   list(APPEND pavo_zorv_warnings -Werror)

@@ -1,0 +1,56 @@
+# How the library is compiled and linked: once for the processor that the flags name, once more for x86-64-v3.
+
+# One set of objects, which serves shared and static library. They are compiled as one unit: every message is
+# instantiated once.
+function(pavo_zorv_objects objects)
+  add_library(${objects} OBJECT ${message_sources})
+  target_compile_features(${objects} PRIVATE cxx_std_20)
+  target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include)
+  target_compile_options(${objects} PRIVATE ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
+  set_target_properties(${objects} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON CXX_EXTENSIONS OFF
+    UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+endfunction()
+
+# What both kinds of library have in common. Linked as C: nothing of the C++ runtime is needed.
+function(pavo_zorv_interface library)
+  target_include_directories(${library} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  set_target_properties(${library} PROPERTIES OUTPUT_NAME pavo_zorv LINKER_LANGUAGE C)
+endfunction()
+
+# The export list, and no start-up objects: the library has nothing to set up, so it has no data section either.
+function(pavo_zorv_shared_library library objects)
+  add_library(${library} SHARED $<TARGET_OBJECTS:${objects}>)
+  pavo_zorv_interface(${library})
+  set(export_list ${PROJECT_SOURCE_DIR}/src/pavo_zorv.map)
+  set_target_properties(${library} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${pavo_zorv_abi} LINK_DEPENDS ${export_list})
+  target_link_options(${library} PRIVATE LINKER:--version-script=${export_list})
+  if(NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
+    target_link_options(${library} PRIVATE -nostartfiles LINKER:-z,defs LINKER:--as-needed)
+  endif()
+endfunction()
+
+# Whether a second build for x86-64-v3 makes sense: on a machine where the dynamic loader looks for one, with a compiler
+# that can make one, and unless the flags ask for that much already.
+function(pavo_zorv_x86_64_v3_makes_sense result)
+  include(CheckCXXCompilerFlag)
+  include(CheckCXXSourceCompiles)
+  check_cxx_compiler_flag(-march=x86-64-v3 pavo_zorv_compiler_knows_x86_64_v3)
+  check_cxx_source_compiles("
+    #include <stdlib.h>
+    #if !defined(__linux__) || !defined(__x86_64__) || defined(__ILP32__) || !defined(__GLIBC__)
+    #error not x86-64 Linux with glibc
+    #elif !__GLIBC_PREREQ(2, 33)
+    #error the dynamic loader knows no glibc-hwcaps
+    #elif defined(__AVX2__) && defined(__BMI2__) && defined(__FMA__) && defined(__LZCNT__) && defined(__MOVBE__)
+    #error the flags ask for x86-64-v3 already
+    #endif
+    int main() { return 0; }" pavo_zorv_below_x86_64_v3)
+  if(pavo_zorv_compiler_knows_x86_64_v3 AND pavo_zorv_below_x86_64_v3)
+    set(${result} ON PARENT_SCOPE)
+  else()
+    set(${result} OFF PARENT_SCOPE)
+  endif()
+endfunction()
