@@ -2,6 +2,7 @@
 option(PAVO_ZORV_TOOLS "Build zorv-inspect where its packages are found" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_TESTS "Build the tests where their packages are found" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_BENCHMARKS "Build the benchmarks where their packages are found" OFF)
+option(PAVO_ZORV_INSTALL "Have rules for installing" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_REQUIRE_ALL "A part that cannot be built for want of a package is an error" OFF)
 option(PAVO_ZORV_WERROR "Warnings are errors" OFF)
 option(PAVO_ZORV_COVERAGE "Instrument for coverage" OFF)

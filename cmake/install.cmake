@@ -1,0 +1,33 @@
+# What is installed, in two components of the library: runtime, and development. The tools are a third.
+install(TARGETS pavo_zorv pavo_zorv_static EXPORT pavo_zorv
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development)
+if(PAVO_ZORV_X86_64_V3)
+  # Here the dynamic loader looks first, on processors that run it.
+  install(TARGETS pavo_zorv_x86_64_v3
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT runtime NAMELINK_SKIP)
+endif()
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+
+# For find_package(pavo_zorv 1).
+include(CMakePackageConfigHelpers)
+set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pavo_zorv)
+install(EXPORT pavo_zorv NAMESPACE pavo_zorv:: FILE pavo_zorvConfig.cmake DESTINATION ${config_folder} COMPONENT development)
+write_basic_package_version_file(pavo_zorvConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pavo_zorvConfigVersion.cmake
+  DESTINATION ${config_folder} COMPONENT development)
+
+# For pkg-config. Only the installation knows the prefix, so the file is written then.
+foreach(folder IN ITEMS LIBDIR INCLUDEDIR)
+  set(pc_${folder} "\${prefix}")
+  cmake_path(APPEND pc_${folder} ${CMAKE_INSTALL_${folder}})
+endforeach()
+set(pc_file ${CMAKE_CURRENT_BINARY_DIR}/pavo_zorv.pc)
+install(CODE "
+  set(PROJECT_VERSION [[${PROJECT_VERSION}]])
+  set(PROJECT_DESCRIPTION [[${PROJECT_DESCRIPTION}]])
+  set(pc_LIBDIR [[${pc_LIBDIR}]])
+  set(pc_INCLUDEDIR [[${pc_INCLUDEDIR}]])
+  configure_file([[${CMAKE_CURRENT_SOURCE_DIR}/cmake/pavo_zorv.pc.in]] [[${pc_file}]] @ONLY)"
+  COMPONENT development)
+install(FILES ${pc_file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
