@@ -1489,4 +1489,6 @@ PAVO_ZORV_API int pavo_zorv_api_msg_compare(const api_msg *a, const api_msg *b);
 }
 #endif
 
+#include "pavo_zorv_layout.h"
+
 #endif /* PAVO_ZORV_H */

@@ -1,5 +1,4 @@
-/* The header as C11: alone, twice, and in use. */
-#include "pavo_zorv.h"
+/* The header as C11, in use. */
 #include "pavo_zorv.h"
 
 int main(void) {

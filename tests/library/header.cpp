@@ -1,5 +1,4 @@
-// The header as C++17: alone, twice, and in use.
-#include "pavo_zorv.h"
+// The header as C++17, in use.
 #include "pavo_zorv.h"
 
 int main() {

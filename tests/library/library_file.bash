@@ -29,6 +29,14 @@ case $what in
     others=$(nm -D --defined-only "$shared" | awk '$2 != "T" && $2 != "A" { print }')
     [ -z "$others" ] || fail "exported, but no function:" "$others"
     ;;
+  layout_names_every_member)
+    awk '/^typedef struct [a-z0-9_]+ \{/ { record = $3 }
+         /^\}/ { record = "" }
+         record != "" && /;/ { sub(/;.*/, ""); gsub(/\*/, " "); if (NF > 1) print record, $NF }' \
+      "$source/include/pavo_zorv.h" > "$work/members"
+    sed -n 's/^PAVO_ZORV_AT_(\([a-z0-9_]*\), \([a-z0-9_]*\),.*/\1 \2/p' "$source/include/pavo_zorv_layout.h" > "$work/placed"
+    same "$work/members" "$work/placed" "the header has other members (<) than its layout names (>)"
+    ;;
   exports_five_functions_of_each_message)
     exported > "$work/exported"
     sed -n 's/^PAVO_ZORV_TEST_OPERATIONS(\([a-z0-9_]*\),.*/\1/p' "$source/tests/support/messages.inc" > "$work/messages"
