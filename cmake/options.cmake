@@ -3,6 +3,9 @@ option(PAVO_ZORV_TOOLS "Build zorv-inspect where its packages are found" ${PROJE
 option(PAVO_ZORV_TESTS "Build the tests where their packages are found" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_BENCHMARKS "Build the benchmarks where their packages are found" OFF)
 option(PAVO_ZORV_INSTALL "Have rules for installing" ${PROJECT_IS_TOP_LEVEL})
+option(PAVO_ZORV_PACKAGES "Make Debian packages with cpack" OFF)
+set(PAVO_ZORV_PACKAGE_MAINTAINER "pavo-zorv maintainers <maintainers@pavo-zorv.invalid>" CACHE STRING
+  "Name and mail address in the packages")
 option(PAVO_ZORV_REQUIRE_ALL "A part that cannot be built for want of a package is an error" OFF)
 option(PAVO_ZORV_WERROR "Warnings are errors" OFF)
 option(PAVO_ZORV_COVERAGE "Instrument for coverage" OFF)
@@ -14,6 +17,12 @@ if(PROJECT_IS_TOP_LEVEL AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
   pavo_zorv_x86_64_v3_makes_sense(pavo_zorv_x86_64_v3_default)
 endif()
 option(PAVO_ZORV_X86_64_V3 "Build the shared library a second time, for x86-64-v3" ${pavo_zorv_x86_64_v3_default})
+
+if(PAVO_ZORV_PACKAGES)
+  # Debian's place for libraries, under any prefix.
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE})
+endif()
+include(GNUInstallDirs)
 
 set(pavo_zorv_warnings -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow)
 if(PAVO_ZORV_WERROR)
