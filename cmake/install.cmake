@@ -12,7 +12,8 @@ install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev
 # For find_package(pavo_zorv 1).
 include(CMakePackageConfigHelpers)
 set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pavo_zorv)
-install(EXPORT pavo_zorv NAMESPACE pavo_zorv:: FILE pavo_zorvConfig.cmake DESTINATION ${config_folder} COMPONENT development)
+install(EXPORT pavo_zorv NAMESPACE pavo_zorv:: FILE pavo_zorvConfig.cmake
+  DESTINATION ${config_folder} COMPONENT development)
 write_basic_package_version_file(pavo_zorvConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pavo_zorvConfigVersion.cmake
   DESTINATION ${config_folder} COMPONENT development)

@@ -6,7 +6,8 @@ function(pavo_zorv_objects objects)
   add_library(${objects} OBJECT ${message_sources})
   target_compile_features(${objects} PRIVATE cxx_std_20)
   target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include)
-  target_compile_options(${objects} PRIVATE ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
+  target_compile_options(${objects} PRIVATE
+    ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
   set_target_properties(${objects} PROPERTIES
     POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON CXX_EXTENSIONS OFF
     UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
