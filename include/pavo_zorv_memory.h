@@ -1,0 +1,288 @@
+/** @file
+ *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11, all of it static inline: nothing
+ * here is exported by the library, and a program that does not use it does not carry it.
+ *
+ *  | callbacks | context | what they do |
+ *  |---|---|---|
+ *  | `pavo_zorv_heap_*` | null | `malloc` and `free` |
+ *  | `pavo_zorv_pool_*` | a `pavo_zorv_pool` | take from the caller's block; all of it comes back at once |
+ *  | `pavo_zorv_budget_*` | a `pavo_zorv_budget` | hand on to other callbacks, up to a limit |
+ *  | `pavo_zorv_counter_*` | a `pavo_zorv_counter` | hand on to other callbacks, keep count, and fail where told to:
+ * for tests |
+ *
+ *  Each is a pair `..._allocate` and `..._release`, to be passed with its context. Blocks are aligned for any record.
+ * None of them may be used by two threads at once with the same context; different contexts are independent.
+ *
+ *  @code{.c}
+ *  unsigned char block[4096];
+ *  pavo_zorv_pool pool;
+ *  pavo_zorv_pool_init(&pool, block, sizeof block);
+ *  int result = pavo_zorv_api_msg_decode_ext(&message, bytes, length, pavo_zorv_pool_allocate, &pool, 0);
+ *  if (result != CODEC_OK) fprintf(stderr, "%s\n", pavo_zorv_result_name(result));
+ *  pavo_zorv_pool_reset(&pool); // instead of free_ext: all that the message owned is gone
+ *  @endcode
+ */
+#ifndef PAVO_ZORV_MEMORY_H
+#define PAVO_ZORV_MEMORY_H
+
+#include <stddef.h>
+#include <stdint.h>
+#include <stdlib.h>
+
+#include "pavo_zorv.h"
+
+/** What a record may be aligned to. */
+typedef union pavo_zorv_alignment {
+  uint64_t number; /**< The widest number in a record. */
+  void *pointer;   /**< Any pointer in a record. */
+} pavo_zorv_alignment;
+
+/** The alignment of every block that the callbacks of this header give, a power of two. */
+#ifdef __cplusplus
+#define PAVO_ZORV_ALIGNMENT alignof(pavo_zorv_alignment)
+#else
+#define PAVO_ZORV_ALIGNMENT _Alignof(pavo_zorv_alignment)
+#endif
+
+/** @name Bounds
+ *  What any input, hostile ones included, can make `decode_ext` ask for. The worst is a list of policies that hold
+ *  nothing: 72 octets of memory for 2 octets of input. A record that is copied with `duplicate` asks for no more than
+ * the decoding of its octets did.
+ *  @{ */
+
+/** Octets of memory that decoding asks for, per octet of input, at most; what a pool loses to alignment included. */
+#define PAVO_ZORV_MEMORY_PER_OCTET 36
+
+/** The same behind a budget, which keeps 8 octets beside each block. */
+#define PAVO_ZORV_BUDGET_PER_OCTET 40
+
+/** Octets of input behind each call of the allocator, at least. */
+#define PAVO_ZORV_OCTETS_PER_REQUEST 2
+
+/** @} */
+
+/** Returns the size of a block with which a pool, aligned or not, can serve the decoding of any input of @p length
+ *  octets; `SIZE_MAX` if there is no such size. */
+static inline size_t pavo_zorv_pool_size_for(size_t length) {
+  const size_t lost = PAVO_ZORV_ALIGNMENT - 1;
+  return length > (SIZE_MAX - lost) / PAVO_ZORV_MEMORY_PER_OCTET ? SIZE_MAX
+                                                                 : length * PAVO_ZORV_MEMORY_PER_OCTET + lost;
+}
+
+/** @name Results in words
+ *  @{ */
+
+/** Returns the name of a result, for example "CODEC_ERR_TRUNCATED". Never null: of other numbers it says that they are
+ * no result. The text is constant and needs no release. */
+static inline const char *pavo_zorv_result_name(int result) {
+  switch (result) {
+    case CODEC_OK:
+      return "CODEC_OK";
+    case CODEC_ERR_TRUNCATED:
+      return "CODEC_ERR_TRUNCATED";
+    case CODEC_ERR_BAD_WIRE_TYPE:
+      return "CODEC_ERR_BAD_WIRE_TYPE";
+    case CODEC_ERR_WRONG_WIRE_TYPE:
+      return "CODEC_ERR_WRONG_WIRE_TYPE";
+    case CODEC_ERR_NO_MEMORY:
+      return "CODEC_ERR_NO_MEMORY";
+    default:
+      return "not a result of pavo_zorv";
+  }
+}
+
+/** Returns what a result means, as half a sentence for a log. Never null, constant, as above. */
+static inline const char *pavo_zorv_result_text(int result) {
+  switch (result) {
+    case CODEC_OK:
+      return "success";
+    case CODEC_ERR_TRUNCATED:
+      return "the input ends inside a field, or a field that may not come again does";
+    case CODEC_ERR_BAD_WIRE_TYPE:
+      return "an unknown field has a wire type that cannot be skipped";
+    case CODEC_ERR_WRONG_WIRE_TYPE:
+      return "a known field has another wire type than its own";
+    case CODEC_ERR_NO_MEMORY:
+      return "the allocator is missing or gave no memory";
+    default:
+      return "not a result of pavo_zorv";
+  }
+}
+
+/** @} */
+
+/** @name The heap
+ *  @{ */
+
+/** Gives a block of @p size octets from `malloc`; one of 1 octet for 0. */
+static inline void *pavo_zorv_heap_allocate(size_t size, void *context) {
+  (void)context;
+  return malloc(size != 0 ? size : 1);
+}
+
+/** Takes a block back with `free`. */
+static inline void pavo_zorv_heap_release(void *block, void *context) {
+  (void)context;
+  free(block);
+}
+
+/** @} */
+
+/** @name Pool
+ *  Takes from one block of the caller's, from its beginning to its end. A release does nothing; a reset makes all of
+ * the block free again. So no message can leak: what a nested message that came twice owned at first goes with the
+ * rest.
+ *  @{ */
+
+/** A pool over a block. Made by `pavo_zorv_pool_init`; the members are for reading. */
+typedef struct pavo_zorv_pool {
+  unsigned char *start; /**< The first octet of the block that is aligned. */
+  size_t size;          /**< Octets from there. */
+  size_t used;          /**< Octets that are given out, those lost to alignment included. */
+} pavo_zorv_pool;
+
+/** Makes a pool over @p block, which stays the caller's and must outlive all that is taken from it. It need not be
+ * aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 octets at its beginning are lost then. A null block counts as one of 0
+ * octets. */
+static inline void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
+  const size_t misplaced = (size_t)((uintptr_t)block & (PAVO_ZORV_ALIGNMENT - 1));
+  const size_t lost = misplaced != 0 ? PAVO_ZORV_ALIGNMENT - misplaced : 0;
+  const int usable = block != NULL && lost <= size;
+  pool->start = usable ? (unsigned char *)block + lost : NULL;
+  pool->size = usable ? size - lost : 0;
+  pool->used = 0;
+}
+
+/** Gives @p size octets, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
+ * too small. The context is the pool. */
+static inline void *pavo_zorv_pool_allocate(size_t size, void *context) {
+  pavo_zorv_pool *pool = (pavo_zorv_pool *)context;
+  /* The rest may end in part of a unit, which nothing can be placed in. */
+  const size_t rest = (pool->size - pool->used) & ~(size_t)(PAVO_ZORV_ALIGNMENT - 1);
+  unsigned char *block;
+  if (size == 0) size = 1;
+  if (size > rest) return NULL;
+  block = pool->start + pool->used;
+  pool->used += (size + (PAVO_ZORV_ALIGNMENT - 1)) & ~(size_t)(PAVO_ZORV_ALIGNMENT - 1);
+  return block;
+}
+
+/** Does nothing: blocks come back with `pavo_zorv_pool_reset`. Passing null for the release callback does the same. */
+static inline void pavo_zorv_pool_release(void *block, void *context) {
+  (void)block;
+  (void)context;
+}
+
+/** Makes the whole block free again. Records that own memory of the pool must not be used any more. */
+static inline void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool->used = 0; }
+
+/** @} */
+
+/** @name Budget
+ *  Bounds the memory that is out at any time: one number for a connection, whatever its peer sends. Each block is
+ * charged with its own size and 8 octets, in which the budget keeps that size; releasing the block gives both back.
+ *  @{ */
+
+/** A budget over other callbacks. Made by `pavo_zorv_budget_init`; the limit may be changed at any time. */
+typedef struct pavo_zorv_budget {
+  pavo_zorv_allocate allocate; /**< Where memory comes from. */
+  pavo_zorv_release release;   /**< Where it goes back to; null where nothing need be released. */
+  void *context;               /**< The context of both. */
+  size_t limit;                /**< Octets that may be out. */
+  size_t spent;                /**< Octets that are out. */
+} pavo_zorv_budget;
+
+/** Makes a budget of @p limit octets over the callbacks @p allocate and @p release, whose blocks must be aligned for
+ * any record. */
+static inline void pavo_zorv_budget_init(pavo_zorv_budget *budget, size_t limit, pavo_zorv_allocate allocate,
+                                         pavo_zorv_release release, void *context) {
+  budget->allocate = allocate;
+  budget->release = release;
+  budget->context = context;
+  budget->limit = limit;
+  budget->spent = 0;
+}
+
+/** Gives a block, or null when the limit would be passed or the callback beneath gives none. The context is the budget.
+ */
+static inline void *pavo_zorv_budget_allocate(size_t size, void *context) {
+  pavo_zorv_budget *budget = (pavo_zorv_budget *)context;
+  const size_t left = budget->spent < budget->limit ? budget->limit - budget->spent : 0;
+  pavo_zorv_alignment *block;
+  if (left < sizeof(pavo_zorv_alignment) || size > left - sizeof(pavo_zorv_alignment)) return NULL;
+  size += sizeof(pavo_zorv_alignment);
+  block = (pavo_zorv_alignment *)budget->allocate(size, budget->context);
+  if (block == NULL) return NULL;
+  budget->spent += size;
+  block->number = size;
+  return block + 1;
+}
+
+/** Takes back a block that this budget gave; null is ignored. */
+static inline void pavo_zorv_budget_release(void *block, void *context) {
+  pavo_zorv_budget *budget = (pavo_zorv_budget *)context;
+  pavo_zorv_alignment *whole = (pavo_zorv_alignment *)block;
+  if (whole == NULL) return;
+  whole -= 1;
+  budget->spent -= (size_t)whole->number;
+  if (budget->release != NULL) budget->release(whole, budget->context);
+}
+
+/** @} */
+
+/** @name Counter
+ *  Keeps count of what the library does, and refuses chosen requests: for tests of a program's own error handling.
+ *  @{ */
+
+/** No request: for `fail_at` and `fail_from`. */
+#define PAVO_ZORV_NEVER SIZE_MAX
+
+/** A counter over other callbacks. Made by `pavo_zorv_counter_init`; all members may be read and set at any time. */
+typedef struct pavo_zorv_counter {
+  pavo_zorv_allocate allocate; /**< Where memory comes from. */
+  pavo_zorv_release release;   /**< Where it goes back to; null where nothing need be released. */
+  void *context;               /**< The context of both. */
+  size_t requests;             /**< Calls of the allocator, refused ones included. */
+  size_t octets;               /**< Octets given, all in all. */
+  size_t live;                 /**< Blocks that are out. */
+  size_t fail_at;              /**< This request is refused, counted from 0. */
+  size_t fail_from;            /**< This request and all later ones are refused. */
+} pavo_zorv_counter;
+
+/** Makes a counter that refuses nothing. */
+static inline void pavo_zorv_counter_init(pavo_zorv_counter *counter, pavo_zorv_allocate allocate,
+                                          pavo_zorv_release release, void *context) {
+  counter->allocate = allocate;
+  counter->release = release;
+  counter->context = context;
+  counter->requests = 0;
+  counter->octets = 0;
+  counter->live = 0;
+  counter->fail_at = PAVO_ZORV_NEVER;
+  counter->fail_from = PAVO_ZORV_NEVER;
+}
+
+/** Gives a block, or null when this request is to fail or the callback beneath gives none. The context is the counter.
+ */
+static inline void *pavo_zorv_counter_allocate(size_t size, void *context) {
+  pavo_zorv_counter *counter = (pavo_zorv_counter *)context;
+  const size_t request = counter->requests++;
+  void *block;
+  if (request == counter->fail_at || request >= counter->fail_from) return NULL;
+  block = counter->allocate(size, counter->context);
+  if (block == NULL) return NULL;
+  counter->octets += size;
+  counter->live += 1;
+  return block;
+}
+
+/** Takes back a block that this counter gave. */
+static inline void pavo_zorv_counter_release(void *block, void *context) {
+  pavo_zorv_counter *counter = (pavo_zorv_counter *)context;
+  counter->live -= 1;
+  if (counter->release != NULL) counter->release(block, counter->context);
+}
+
+/** @} */
+
+#endif /* PAVO_ZORV_MEMORY_H */

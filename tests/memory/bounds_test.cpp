@@ -1,0 +1,128 @@
+// What decoding may ask for, at most: the bounds of pavo_zorv_memory.h against the schema and against hostile input.
+#include <algorithm>
+#include <memory>
+
+#include "laws.hpp"
+#include "messages/all.hpp"
+#include "pavo_zorv_memory.h"
+#include "random_octets.hpp"
+
+namespace {
+
+using test::octets;
+using test::operator*;
+
+// An element of a list takes its record, and at least a key and a length of one octet each.
+TEST(bounds, are_those_of_the_greatest_record_in_a_list) {
+  std::size_t greatest = 0;
+  pavo_zorv::for_each_message([&](auto message) {
+    using record = typename decltype(message)::type;
+    pavo_zorv::for_each_row<record>([&](auto index) {
+      using row = std::remove_cvref_t<decltype(pavo_zorv::row_at<record, index>)>;
+      if constexpr (row::type == pavo_zorv::kind::messages) greatest = std::max(greatest, sizeof(typename row::nested));
+    });
+  });
+  if (sizeof(void *) == 8) {
+    EXPECT_EQ(greatest, 2 * PAVO_ZORV_MEMORY_PER_OCTET);
+    EXPECT_EQ(greatest + 8, 2 * PAVO_ZORV_BUDGET_PER_OCTET);
+  } else {
+    EXPECT_LE(greatest, 2 * PAVO_ZORV_MEMORY_PER_OCTET);
+  }
+}
+
+TEST(bounds, do_not_wrap) {
+  constexpr std::size_t lost = PAVO_ZORV_ALIGNMENT - 1;
+  constexpr std::size_t last = (SIZE_MAX - lost) / 36;
+  EXPECT_EQ(pavo_zorv_pool_size_for(0), lost);
+  EXPECT_EQ(pavo_zorv_pool_size_for(100), 3600 + lost);
+  EXPECT_EQ(pavo_zorv_pool_size_for(last), last * 36 + lost);
+  EXPECT_EQ(pavo_zorv_pool_size_for(last + 1), SIZE_MAX);
+  EXPECT_EQ(pavo_zorv_pool_size_for(SIZE_MAX), SIZE_MAX);
+}
+
+// Policies that hold nothing: the worst that can be sent.
+TEST(bounds, are_reached_by_a_list_of_empty_policies_and_by_nothing_less) {
+  if (sizeof(void *) != 8) GTEST_SKIP() << "records are smaller here";
+  const octets input = std::size_t{500} * test::hex("1a 00");
+  const auto block = std::make_unique<std::uint64_t[]>(500 * 72 / 8);
+  for (const std::size_t missing : {0u, 1u}) {
+    pavo_zorv_pool pool;
+    pavo_zorv_pool_init(&pool, block.get(), 500 * 72 - missing);
+    api_aa_list record;
+    EXPECT_EQ(pavo_zorv_api_aa_list_decode_ext(&record, input.data(), input.size(), pavo_zorv_pool_allocate, &pool),
+              missing == 0 ? CODEC_OK : CODEC_ERR_NO_MEMORY);
+  }
+}
+
+using hostile = test::law;
+
+const octets &hostile_input(test::dice &dice, const test::message_type &type) {
+  test::octets_maker maker(dice);
+  test::on_trial() = maker.message(type, 12);
+  for (std::uint64_t times = dice.below(4); times-- != 0;) maker.damage(test::on_trial());
+  return test::on_trial();
+}
+
+// Room for a record of any message.
+std::unique_ptr<std::uint64_t[]> room_for(const test::message_type &type) {
+  return std::make_unique<std::uint64_t[]>((type.size + 7) / 8);
+}
+
+// With a pool of just the promised size memory is never short, whatever comes.
+TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
+  const test::message_type &type = *GetParam();
+  std::size_t decoded = 0;
+  test::for_seeds(400, [&](test::dice &dice) {
+    const test::fenced_block input(hostile_input(dice, type));
+    // One octet behind an aligned place is the worst that a pool can begin at.
+    const std::size_t size = pavo_zorv_pool_size_for(input.size());
+    const auto block = std::make_unique<unsigned char[]>(size + 1);
+    pavo_zorv_pool pool;
+    pavo_zorv_pool_init(&pool, block.get() + 1, size);
+    pavo_zorv_counter counter;
+    pavo_zorv_counter_init(&counter, pavo_zorv_pool_allocate, nullptr, &pool);
+    const auto record = room_for(type);
+    const int result = type.decode(record.get(), input.data(), input.size(), pavo_zorv_counter_allocate, &counter, 0);
+    ASSERT_NE(result, CODEC_ERR_NO_MEMORY);
+    ASSERT_LE(counter.octets, input.size() * PAVO_ZORV_MEMORY_PER_OCTET);
+    ASSERT_LE(counter.requests * PAVO_ZORV_OCTETS_PER_REQUEST, input.size());
+    decoded += result == CODEC_OK;
+
+    // A copy asks for no more, and what is charged for it comes back.
+    pavo_zorv_budget budget;
+    pavo_zorv_budget_init(&budget, input.size() * PAVO_ZORV_BUDGET_PER_OCTET, pavo_zorv_heap_allocate,
+                          pavo_zorv_heap_release, nullptr);
+    const auto copy = room_for(type);
+    ASSERT_EQ(type.duplicate(copy.get(), record.get(), pavo_zorv_budget_allocate, &budget), CODEC_OK);
+    type.free(copy.get(), pavo_zorv_budget_release, &budget, 0);
+    ASSERT_EQ(budget.spent, 0u);
+  });
+  if (test::only_seed() == test::any_seed) {
+    EXPECT_GT(decoded, 20u) << "input that is always refused shows little";
+  }
+}
+
+// With a budget that may be too small decoding ends in good order, and no more than it is ever out.
+TEST_P(hostile, input_gets_no_more_than_the_budget) {
+  const test::message_type &type = *GetParam();
+  test::for_seeds(200, [&](test::dice &dice) {
+    const test::fenced_block input(hostile_input(dice, type));
+    test::accountant memory;
+    pavo_zorv_budget budget;
+    pavo_zorv_budget_init(&budget, static_cast<std::size_t>(dice.below(input.size() * 4 + 1)),
+                          test::accountant::allocate, test::accountant::release, &memory);
+    const auto record = room_for(type);
+    type.decode(record.get(), input.data(), input.size(), pavo_zorv_budget_allocate, &budget, 0);
+    std::size_t given = 0;
+    for (const std::size_t asked : memory.sizes) given += asked;
+    ASSERT_LE(given, budget.limit);
+    ASSERT_EQ(budget.spent, given);
+    type.free(record.get(), pavo_zorv_budget_release, &budget, 0);
+    // What a nested message that came twice owned at first is still out, and still charged.
+    ASSERT_EQ(budget.spent == 0, memory.live() == 0);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(, hostile, testing::ValuesIn(test::subjects()), test::name_of_subject);
+
+}  // namespace
