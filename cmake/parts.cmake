@@ -19,6 +19,16 @@ function(pavo_zorv_part folder)
   endif()
 endfunction()
 
+# Finds a program that a part needs; the variable of its name is false when the part is left out.
+function(pavo_zorv_program program part)
+  find_program(${program} ${program})
+  if(NOT ${program} AND PAVO_ZORV_REQUIRE_ALL)
+    message(FATAL_ERROR "${part} cannot be built: not found: ${program}")
+  elseif(NOT ${program})
+    message(STATUS "${part} is left out: not found: ${program}")
+  endif()
+endfunction()
+
 if(PAVO_ZORV_TOOLS)
   pavo_zorv_part(tools/inspect CLI11 fmt nlohmann_json)
 endif()

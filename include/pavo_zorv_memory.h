@@ -1,5 +1,5 @@
 /** @file
- *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11, all of it static inline: nothing
+ *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11, all of it inline: nothing
  * here is exported by the library, and a program that does not use it does not carry it.
  *
  *  | callbacks | context | what they do |
@@ -30,6 +30,14 @@
 #include <stdlib.h>
 
 #include "pavo_zorv.h"
+
+/* C wants a copy in each source, C++ one in the program. */
+#ifdef __cplusplus
+#define PAVO_ZORV_INLINE_FUNCTION inline
+extern "C" {
+#else
+#define PAVO_ZORV_INLINE_FUNCTION static inline
+#endif
 
 /** What a record may be aligned to. */
 typedef union pavo_zorv_alignment {
@@ -63,7 +71,7 @@ typedef union pavo_zorv_alignment {
 
 /** Returns the size of a block with which a pool, aligned or not, can serve the decoding of any input of @p length
  *  octets; `SIZE_MAX` if there is no such size. */
-static inline size_t pavo_zorv_pool_size_for(size_t length) {
+PAVO_ZORV_INLINE_FUNCTION size_t pavo_zorv_pool_size_for(size_t length) {
   const size_t lost = PAVO_ZORV_ALIGNMENT - 1;
   return length > (SIZE_MAX - lost) / PAVO_ZORV_MEMORY_PER_OCTET ? SIZE_MAX
                                                                  : length * PAVO_ZORV_MEMORY_PER_OCTET + lost;
@@ -74,7 +82,7 @@ static inline size_t pavo_zorv_pool_size_for(size_t length) {
 
 /** Returns the name of a result, for example "CODEC_ERR_TRUNCATED". Never null: of other numbers it says that they are
  * no result. The text is constant and needs no release. */
-static inline const char *pavo_zorv_result_name(int result) {
+PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_name(int result) {
   switch (result) {
     case CODEC_OK:
       return "CODEC_OK";
@@ -92,7 +100,7 @@ static inline const char *pavo_zorv_result_name(int result) {
 }
 
 /** Returns what a result means, as half a sentence for a log. Never null, constant, as above. */
-static inline const char *pavo_zorv_result_text(int result) {
+PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_text(int result) {
   switch (result) {
     case CODEC_OK:
       return "success";
@@ -115,13 +123,13 @@ static inline const char *pavo_zorv_result_text(int result) {
  *  @{ */
 
 /** Gives a block of @p size octets from `malloc`; one of 1 octet for 0. */
-static inline void *pavo_zorv_heap_allocate(size_t size, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_heap_allocate(size_t size, void *context) {
   (void)context;
   return malloc(size != 0 ? size : 1);
 }
 
 /** Takes a block back with `free`. */
-static inline void pavo_zorv_heap_release(void *block, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_heap_release(void *block, void *context) {
   (void)context;
   free(block);
 }
@@ -144,7 +152,7 @@ typedef struct pavo_zorv_pool {
 /** Makes a pool over @p block, which stays the caller's and must outlive all that is taken from it. It need not be
  * aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 octets at its beginning are lost then. A null block counts as one of 0
  * octets. */
-static inline void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
   const size_t misplaced = (size_t)((uintptr_t)block & (PAVO_ZORV_ALIGNMENT - 1));
   const size_t lost = misplaced != 0 ? PAVO_ZORV_ALIGNMENT - misplaced : 0;
   const int usable = block != NULL && lost <= size;
@@ -155,7 +163,7 @@ static inline void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t
 
 /** Gives @p size octets, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
  * too small. The context is the pool. */
-static inline void *pavo_zorv_pool_allocate(size_t size, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
   pavo_zorv_pool *pool = (pavo_zorv_pool *)context;
   /* The rest may end in part of a unit, which nothing can be placed in. */
   const size_t rest = (pool->size - pool->used) & ~(size_t)(PAVO_ZORV_ALIGNMENT - 1);
@@ -168,13 +176,13 @@ static inline void *pavo_zorv_pool_allocate(size_t size, void *context) {
 }
 
 /** Does nothing: blocks come back with `pavo_zorv_pool_reset`. Passing null for the release callback does the same. */
-static inline void pavo_zorv_pool_release(void *block, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_release(void *block, void *context) {
   (void)block;
   (void)context;
 }
 
 /** Makes the whole block free again. Records that own memory of the pool must not be used any more. */
-static inline void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool->used = 0; }
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool->used = 0; }
 
 /** @} */
 
@@ -194,8 +202,9 @@ typedef struct pavo_zorv_budget {
 
 /** Makes a budget of @p limit octets over the callbacks @p allocate and @p release, whose blocks must be aligned for
  * any record. */
-static inline void pavo_zorv_budget_init(pavo_zorv_budget *budget, size_t limit, pavo_zorv_allocate allocate,
-                                         pavo_zorv_release release, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(pavo_zorv_budget *budget, size_t limit,
+                                                     pavo_zorv_allocate allocate, pavo_zorv_release release,
+                                                     void *context) {
   budget->allocate = allocate;
   budget->release = release;
   budget->context = context;
@@ -205,7 +214,7 @@ static inline void pavo_zorv_budget_init(pavo_zorv_budget *budget, size_t limit,
 
 /** Gives a block, or null when the limit would be passed or the callback beneath gives none. The context is the budget.
  */
-static inline void *pavo_zorv_budget_allocate(size_t size, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(size_t size, void *context) {
   pavo_zorv_budget *budget = (pavo_zorv_budget *)context;
   const size_t left = budget->spent < budget->limit ? budget->limit - budget->spent : 0;
   pavo_zorv_alignment *block;
@@ -219,7 +228,7 @@ static inline void *pavo_zorv_budget_allocate(size_t size, void *context) {
 }
 
 /** Takes back a block that this budget gave; null is ignored. */
-static inline void pavo_zorv_budget_release(void *block, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_release(void *block, void *context) {
   pavo_zorv_budget *budget = (pavo_zorv_budget *)context;
   pavo_zorv_alignment *whole = (pavo_zorv_alignment *)block;
   if (whole == NULL) return;
@@ -250,8 +259,8 @@ typedef struct pavo_zorv_counter {
 } pavo_zorv_counter;
 
 /** Makes a counter that refuses nothing. */
-static inline void pavo_zorv_counter_init(pavo_zorv_counter *counter, pavo_zorv_allocate allocate,
-                                          pavo_zorv_release release, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(pavo_zorv_counter *counter, pavo_zorv_allocate allocate,
+                                                      pavo_zorv_release release, void *context) {
   counter->allocate = allocate;
   counter->release = release;
   counter->context = context;
@@ -264,7 +273,7 @@ static inline void pavo_zorv_counter_init(pavo_zorv_counter *counter, pavo_zorv_
 
 /** Gives a block, or null when this request is to fail or the callback beneath gives none. The context is the counter.
  */
-static inline void *pavo_zorv_counter_allocate(size_t size, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(size_t size, void *context) {
   pavo_zorv_counter *counter = (pavo_zorv_counter *)context;
   const size_t request = counter->requests++;
   void *block;
@@ -277,12 +286,16 @@ static inline void *pavo_zorv_counter_allocate(size_t size, void *context) {
 }
 
 /** Takes back a block that this counter gave. */
-static inline void pavo_zorv_counter_release(void *block, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_release(void *block, void *context) {
   pavo_zorv_counter *counter = (pavo_zorv_counter *)context;
   counter->live -= 1;
   if (counter->release != NULL) counter->release(block, counter->context);
 }
 
 /** @} */
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif /* PAVO_ZORV_MEMORY_H */

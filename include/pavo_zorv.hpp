@@ -1,0 +1,691 @@
+/** @file
+ *  pavo_zorv for C++17: records that release themselves, containers instead of pointers and lengths, presence by
+ * member.
+ *
+ *  Optional and header-only: every function here is a call, or two, of pavo_zorv.h, and costs what that call costs.
+ *  Nothing throws but what a container or a memory resource throws.
+ *
+ *  @code{.cpp}
+ *  zorv::owned<api_msg> message;
+ *  message.set<&api_msg::p2p_auto_policy_sweep, &api_msg_p2p_auto_policy_sweep::field1>(7);
+ *  const std::vector<unsigned char> octets = zorv::encode(*message);
+ *
+ *  const auto received = zorv::decode<api_msg>(octets);
+ *  if (!received.ok()) std::fputs(pavo_zorv_result_text(received.result()), stderr);
+ *  if (received.has<&api_msg::p2p_auto_policy_sweep>()) use(received->p2p_auto_policy_sweep.field1);
+ *  assert(received == message);
+ *  @endcode
+ */
+#ifndef PAVO_ZORV_HPP
+#define PAVO_ZORV_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <memory_resource>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "pavo_zorv.h"
+#include "pavo_zorv_memory.h"
+
+/** Calls the macro @p apply with the name of each message, contained messages first. All that this header knows about
+ * them beside their names it finds in the declarations of pavo_zorv.h. */
+#define PAVO_ZORV_MESSAGES(apply)                                                                                    \
+  apply(api_addr) apply(api_lbl_stack) apply(prefix_sid_type) apply(policy_binding_sid_t) apply(api_exp_hop)         \
+      apply(api_exp_path) apply(api_msg_service) apply(api_msg_internal) apply(api_msg_on_demand_color_notif)        \
+          apply(api_msg_p2p_auto_policy) apply(api_msg_p2p_auto_policy_notif) apply(api_msg_p2p_auto_policy_request) \
+              apply(api_msg_p2p_auto_policy_response) apply(api_msg_p2p_auto_policy_sweep) apply(api_nodeid)         \
+                  apply(api_prefix) apply(api_intf) apply(api_link_update) apply(api_policy) apply(api_aa_list)      \
+                      apply(api_to_zorv) apply(api_to_igp) apply(api_msg_policy_reg) apply(srv6_prefix)              \
+                          apply(srv6_sid_struct) apply(srv6_usid) apply(out_sid_list_info)                           \
+                              apply(out_srv6_usid_list_info) apply(oam_req) apply(oam_res) apply(api_msg)
+
+/** The C++ layer. */
+namespace zorv {
+
+// --- The messages ---
+
+/** The five functions of a message, and its name. */
+template <class Record>
+struct functions;
+
+/** @cond */
+#define PAVO_ZORV_FUNCTIONS(message)                                      \
+  template <>                                                             \
+  struct functions<::message> {                                           \
+    static constexpr const char *name = #message;                         \
+    static constexpr auto decode = &::pavo_zorv_##message##_decode_ext;   \
+    static constexpr auto encode = &::pavo_zorv_##message##_encode_ext;   \
+    static constexpr auto duplicate = &::pavo_zorv_##message##_duplicate; \
+    static constexpr auto free = &::pavo_zorv_##message##_free_ext;       \
+    static constexpr auto compare = &::pavo_zorv_##message##_compare;     \
+  };
+PAVO_ZORV_MESSAGES(PAVO_ZORV_FUNCTIONS)
+#undef PAVO_ZORV_FUNCTIONS
+/** @endcond */
+
+/** Whether a message's functions take the options word. Where they do not, options given to this header mean nothing.
+ */
+template <class Record>
+inline constexpr bool takes_options =
+    std::is_invocable_v<decltype(functions<Record>::free), Record *, pavo_zorv_release, void *, std::uint32_t>;
+
+/** @cond */
+namespace detail {
+
+// Hands on the options word to functions that take one.
+template <class Record, class Function, class... Arguments>
+auto call(Function function, std::uint32_t options, Arguments... arguments) noexcept {
+  if constexpr (takes_options<Record>) {
+    return function(arguments..., options);
+  } else {
+    static_cast<void>(options);
+    return function(arguments...);
+  }
+}
+
+template <class Element>
+inline constexpr bool is_octet = std::is_same_v<Element, unsigned char> || std::is_same_v<Element, signed char> ||
+                                 std::is_same_v<Element, char> || std::is_same_v<Element, std::byte>;
+
+template <class Container>
+using element_of = std::remove_pointer_t<decltype(std::data(std::declval<Container &>()))>;
+
+// Any contiguous sequence of octets; not an array of characters, which is mostly a literal with a NUL behind it.
+template <class Container, class = void>
+inline constexpr bool holds_octets = false;
+template <class Container>
+inline constexpr bool holds_octets<Container, std::void_t<element_of<Container>>> =
+    is_octet<std::remove_cv_t<element_of<Container>>> &&
+    !(std::is_array_v<Container> && std::is_same_v<std::remove_cv_t<element_of<Container>>, char>);
+
+}  // namespace detail
+/** @endcond */
+
+// --- Octets and memory ---
+
+/** Octets to read: from any contiguous container or view of `unsigned char`, `std::byte` or `char`. Does not own them.
+ */
+class octets {
+ public:
+  /** No octets. */
+  constexpr octets() noexcept = default;
+  /** The @p size octets at @p data. */
+  constexpr octets(const unsigned char *data, std::size_t size) noexcept : data_(data), size_(size) {}
+  /** The octets of a container, for as long as it lives and keeps its size. */
+  template <class Container, std::enable_if_t<detail::holds_octets<const Container>, int> = 0>
+  octets(const Container &container) noexcept
+      : data_(reinterpret_cast<const unsigned char *>(std::data(container))), size_(std::size(container)) {}
+
+  constexpr const unsigned char *data() const noexcept { return data_; } /**< The first octet. */
+  constexpr std::size_t size() const noexcept { return size_; }          /**< How many there are. */
+
+ private:
+  const unsigned char *data_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+/** Where a record's memory comes from and goes to: the callbacks and their context. The context, be it a pool, a budget
+ * or a memory resource, must outlive the records. */
+struct memory {
+  pavo_zorv_allocate allocate; /**< Gives blocks. */
+  pavo_zorv_release release;   /**< Takes them back. */
+  void *context;               /**< Of both. */
+
+  /** The heap. */
+  constexpr memory() noexcept : allocate(pavo_zorv_heap_allocate), release(pavo_zorv_heap_release), context(nullptr) {}
+  /** Any callbacks. */
+  constexpr memory(pavo_zorv_allocate give, pavo_zorv_release take_back, void *with) noexcept
+      : allocate(give), release(take_back), context(with) {}
+  /** A pool: releasing does nothing. */
+  memory(pavo_zorv_pool &pool) noexcept : memory(pavo_zorv_pool_allocate, pavo_zorv_pool_release, &pool) {}
+  /** A budget over other memory. */
+  memory(pavo_zorv_budget &budget) noexcept : memory(pavo_zorv_budget_allocate, pavo_zorv_budget_release, &budget) {}
+  /** A counter over other memory. */
+  memory(pavo_zorv_counter &counter) noexcept
+      : memory(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter) {}
+  /** A memory resource. It is told the size of what it takes back, so each block has 8 octets more, in which that
+   * stands. What it throws becomes `CODEC_ERR_NO_MEMORY`. */
+  memory(std::pmr::memory_resource &resource) noexcept : memory(take, give_back, &resource) {}
+  /** The same, as memory resources are mostly passed. Not null. */
+  memory(std::pmr::memory_resource *resource) noexcept : memory(*resource) {}
+
+ private:
+  static void *take(std::size_t size, void *context) noexcept {
+    if (size > SIZE_MAX - sizeof(pavo_zorv_alignment)) return nullptr;
+    const std::size_t whole = size + sizeof(pavo_zorv_alignment);
+#if defined(__cpp_exceptions)
+    try {
+#endif
+      void *const block = static_cast<std::pmr::memory_resource *>(context)->allocate(whole, PAVO_ZORV_ALIGNMENT);
+      auto *const head = static_cast<pavo_zorv_alignment *>(block);
+      head->number = whole;
+      return head + 1;
+#if defined(__cpp_exceptions)
+    } catch (...) {
+      return nullptr;
+    }
+#endif
+  }
+  static void give_back(void *block, void *context) noexcept {
+    auto *const head = static_cast<pavo_zorv_alignment *>(block) - 1;
+    static_cast<std::pmr::memory_resource *>(context)->deallocate(head, static_cast<std::size_t>(head->number),
+                                                                  PAVO_ZORV_ALIGNMENT);
+  }
+};
+
+// --- Members and their presence bits, found by looking at how a record can be initialised ---
+
+/** @cond */
+namespace detail {
+
+struct anything {
+  template <class Member>
+  constexpr operator Member() const;
+};
+
+// An array or a block: a member that has a count or a length behind it.
+struct array_pointer {
+  template <class Member, std::enable_if_t<std::is_pointer_v<Member> && !std::is_same_v<Member, char *>, int> = 0>
+  constexpr operator Member() const;
+};
+
+// A nested message.
+struct any_record {
+  template <class Member, std::enable_if_t<std::is_class_v<Member>, int> = 0>
+  constexpr operator Member() const;
+};
+
+// The length of bytes. A list's count has 32 bits.
+struct wide_number {
+  template <class Member, std::enable_if_t<std::is_same_v<Member, std::uint64_t>, int> = 0>
+  constexpr operator Member() const;
+};
+
+template <std::size_t>
+using anything_at = anything;
+
+template <class Record, class Last, class Before, class = void>
+inline constexpr bool takes_behind = false;
+template <class Record, class Last, std::size_t... Before>
+inline constexpr bool takes_behind<Record, Last, std::index_sequence<Before...>,
+                                   std::void_t<decltype(Record{anything_at<Before>{}..., Last{}})>> = true;
+
+// Whether the member at a position can be initialised with what converts to some types only.
+template <class Record, std::size_t Position, class Value>
+inline constexpr bool takes = takes_behind<Record, Value, std::make_index_sequence<Position>>;
+
+// A nested message could be initialised with its own first member, without braces: that must not count.
+template <class Record, std::size_t Position>
+inline constexpr bool is_array_at = takes<Record, Position, array_pointer> && !takes<Record, Position, any_record>;
+
+template <class Record, std::size_t Count = 0>
+constexpr std::size_t member_count() {
+  if constexpr (takes<Record, Count, anything>) {
+    return member_count<Record, Count + 1>();
+  } else {
+    return Count;
+  }
+}
+
+// Initialises any member: to zero, or to something else where `Marked`.
+template <bool Marked>
+struct initialiser {
+  template <class Member>
+  constexpr operator Member() const {
+    if constexpr (!Marked) {
+      return Member{};
+    } else if constexpr (std::is_class_v<Member>) {
+      Member member{};
+      member.presence = 1;
+      return member;
+    } else if constexpr (std::is_pointer_v<Member>) {
+      return const_cast<Member>(&somewhere<std::remove_pointer_t<Member>>);
+    } else {
+      return Member{1};
+    }
+  }
+
+  template <class Object>
+  static constexpr Object somewhere{};
+};
+
+template <class Member>
+constexpr bool is_marked(const Member &member) {
+  if constexpr (std::is_class_v<Member>) {
+    return member.presence != 0;
+  } else if constexpr (std::is_pointer_v<Member>) {
+    return member != nullptr;
+  } else {
+    return member != 0;
+  }
+}
+
+// A record in which only the member at a position is not zero.
+template <class Record, std::size_t Position, std::size_t... Other>
+constexpr Record with_mark(std::index_sequence<Other...>) {
+  return Record{initialiser<Other == Position>{}...};
+}
+
+template <class Record, std::size_t Position, class Member>
+constexpr bool stands_at(Member Record::*member) {
+  constexpr Record record = with_mark<Record, Position>(std::make_index_sequence<member_count<Record>()>{});
+  return is_marked(record.*member);
+}
+
+template <class Record, class Member, std::size_t... Position>
+constexpr std::size_t position_among(Member Record::*member, std::index_sequence<Position...>) {
+  return ((stands_at<Record, Position>(member) ? Position : 0) + ...);
+}
+
+template <class Record, std::size_t... Position>
+constexpr std::size_t arrays_among(std::index_sequence<Position...>) {
+  return (std::size_t{0} + ... + (is_array_at<Record, Position> ? 1 : 0));
+}
+
+template <class Member>
+struct member_types;
+template <class Record, class Member>
+struct member_types<Member Record::*> {
+  using record = Record;
+  using member = Member;
+};
+
+template <auto Member, class Record>
+inline constexpr bool belongs = std::is_same_v<typename member_types<decltype(Member)>::record, Record>;
+
+// All about the member that a pointer leads to.
+template <auto Member>
+struct member_traits {
+  using record = typename member_types<decltype(Member)>::record;
+  using type = typename member_types<decltype(Member)>::member;
+  static constexpr std::size_t members = member_count<record>();
+  static constexpr std::size_t position = position_among<record>(Member, std::make_index_sequence<members>{});
+  static constexpr bool is_presence = position + 1 == members;
+  static constexpr bool is_array = is_array_at<record, position>;
+  static constexpr bool is_bytes = is_array && takes<record, position + 1, wide_number>;
+  static constexpr bool is_count = !is_array && position != 0 && is_array_at<record, position - (position != 0)>;
+  static_assert(!is_presence && !is_count, "a count, a length or the presence flags: they have no presence bit");
+  using presence_type = decltype(record::presence);
+  // Fields are numbered by their members, but a count is no field.
+  static constexpr std::size_t field = position - arrays_among<record>(std::make_index_sequence<position>{});
+  static constexpr auto bit = static_cast<presence_type>(presence_type{1} << field);
+  using count_type = std::conditional_t<is_bytes, std::uint64_t, std::uint32_t>;
+
+  // The count stands directly behind the pointer, as its own alignment allows.
+  static count_type *count(record &of) {
+    auto *const base = reinterpret_cast<unsigned char *>(&of);
+    const auto behind =
+        static_cast<std::size_t>(reinterpret_cast<unsigned char *>(&(of.*Member)) - base) + sizeof(type);
+    const std::size_t offset = (behind + alignof(count_type) - 1) / alignof(count_type) * alignof(count_type);
+    return reinterpret_cast<count_type *>(base + offset);
+  }
+};
+
+}  // namespace detail
+/** @endcond */
+
+/** The presence bit of a member, for example of `&api_msg::oam_req`. */
+template <auto Member>
+inline constexpr auto presence_bit = detail::member_traits<Member>::bit;
+
+/** Whether a member is present. A path of members leads into nested messages: all along it must be present. */
+template <auto Member, auto... Inside, class Record>
+constexpr bool has(const Record &record) noexcept {
+  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
+  if ((record.presence & presence_bit<Member>) == 0) return false;
+  if constexpr (sizeof...(Inside) != 0) {
+    return has<Inside...>(record.*Member);
+  } else {
+    return true;
+  }
+}
+
+/** Marks a member as present, and all along a path that leads to it. */
+template <auto Member, auto... Inside, class Record>
+constexpr void set(Record &record) noexcept {
+  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
+  record.presence = static_cast<decltype(record.presence)>(record.presence | presence_bit<Member>);
+  if constexpr (sizeof...(Inside) != 0) set<Inside...>(record.*Member);
+}
+
+/** Marks the member at the end of a path as absent. Its value stays, and what it owns is still released with the
+ * record. */
+template <auto Member, auto... Inside, class Record>
+constexpr void clear(Record &record) noexcept {
+  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
+  if constexpr (sizeof...(Inside) != 0) {
+    clear<Inside...>(record.*Member);
+  } else {
+    record.presence = static_cast<decltype(record.presence)>(record.presence & ~presence_bit<Member>);
+  }
+}
+
+// --- Encoding and comparing plain records ---
+
+/** Returns the length of a record's encoding. */
+template <class Record>
+std::size_t encoded_size(const Record &record, std::uint32_t options = 0) noexcept {
+  return detail::call<Record>(functions<Record>::encode, options, &record, static_cast<unsigned char *>(nullptr),
+                              std::size_t{0}, static_cast<pavo_zorv_segment *>(nullptr),
+                              static_cast<std::uint32_t *>(nullptr));
+}
+
+/** Writes the encoding to a buffer, as much of it as fits, and returns the length of the whole. */
+template <class Record>
+std::size_t encode(const Record &record, unsigned char *buffer, std::size_t size, std::uint32_t options = 0) noexcept {
+  return detail::call<Record>(functions<Record>::encode, options, &record, buffer, size,
+                              static_cast<pavo_zorv_segment *>(nullptr), static_cast<std::uint32_t *>(nullptr));
+}
+
+/** Makes a container of octets, a `std::string` or a vector of any allocator, hold the encoding and nothing else. */
+template <class Record, class Container, class = decltype(std::declval<Container &>().resize(std::size_t{}))>
+void encode_into(Container &container, const Record &record, std::uint32_t options = 0) {
+  static_assert(detail::holds_octets<Container>);
+  container.resize(encoded_size(record, options));
+  encode(record, reinterpret_cast<unsigned char *>(std::data(container)), std::size(container), options);
+}
+
+/** Returns the encoding. */
+template <class Record>
+std::vector<unsigned char> encode(const Record &record, std::uint32_t options = 0) {
+  std::vector<unsigned char> result;
+  encode_into(result, record, options);
+  return result;
+}
+
+/** An encoding with its segment table. The entries point into `octets`, which may be moved but not copied or changed.
+ */
+struct segmented {
+  std::vector<unsigned char> octets;       /**< The encoding; in reference mode without the referenced octets. */
+  std::vector<pavo_zorv_segment> segments; /**< One entry for each message in it, and the pieces of reference mode. */
+};
+
+/** Returns the encoding with its segment table. */
+template <class Record>
+segmented encode_segmented(const Record &record, std::uint32_t options = 0) {
+  const auto run = [&](unsigned char *buffer, std::size_t size, pavo_zorv_segment *segments, std::uint32_t *count) {
+    return detail::call<Record>(functions<Record>::encode, options, &record, buffer, size, segments, count);
+  };
+  segmented result;
+  std::uint32_t count = 0;
+  result.octets.resize(run(nullptr, 0, nullptr, &count));
+  result.segments.resize(count);
+  run(result.octets.data(), result.octets.size(), result.segments.data(), &count);
+  return result;
+}
+
+/** Orders two records as the library's `compare` does: negative, 0 or positive. */
+template <class Record>
+int compare(const Record &a, const Record &b) noexcept {
+  return functions<Record>::compare(&a, &b);
+}
+
+// --- Records that own their memory ---
+
+template <class Record>
+class owned;
+
+/** Returns a record decoded from octets; `result()` says how that went. With `PAVO_ZORV_REFERENCE` its bytes members
+ * point into @p input, which must outlive it. */
+template <class Record>
+owned<Record> decode(octets input, memory from = {}, std::uint32_t options = 0) noexcept;
+
+/** Returns a copy that owns all its memory; `result()` says whether there was enough. */
+template <class Record>
+owned<Record> duplicate(const Record &record, memory from = {}) noexcept;
+
+/** A record that releases what it owns when it goes. It can be moved but not copied: see `duplicate`. */
+template <class Record>
+class owned {
+ public:
+  /** An empty record. The options are those with which bytes members are set and released. */
+  explicit owned(memory from = {}, std::uint32_t options = 0) noexcept
+      : record_{}, memory_(from), options_(options), result_(CODEC_OK) {}
+  /** Takes over; @p other is empty then. */
+  owned(owned &&other) noexcept
+      : record_(other.record_), memory_(other.memory_), options_(other.options_), result_(other.result_) {
+    other.record_ = Record{};
+  }
+  /** Releases what this one holds, then takes over. */
+  owned &operator=(owned &&other) noexcept {
+    if (this == &other) return *this;
+    free();
+    record_ = other.record_;
+    memory_ = other.memory_;
+    options_ = other.options_;
+    result_ = other.result_;
+    other.record_ = Record{};
+    return *this;
+  }
+  ~owned() { free(); }
+
+  Record *operator->() noexcept { return &record_; }             /**< The record. */
+  const Record *operator->() const noexcept { return &record_; } /**< The record. */
+  Record &operator*() noexcept { return record_; }               /**< The record. */
+  const Record &operator*() const noexcept { return record_; }   /**< The record. */
+
+  int result() const noexcept { return result_; }                 /**< Of the decoding or copying; else `CODEC_OK`. */
+  bool ok() const noexcept { return result_ == CODEC_OK; }        /**< Whether that went well. */
+  std::uint32_t options() const noexcept { return options_; }     /**< The options that the record was made with. */
+  const zorv::memory &source() const noexcept { return memory_; } /**< Where its memory comes from. */
+
+  /** Releases what the record holds and decodes another into it; returns the result. */
+  int decode(octets input, std::uint32_t options = 0) noexcept {
+    free();
+    return read(input, options);
+  }
+
+  /** Makes the record empty. */
+  void reset() noexcept {
+    free();
+    record_ = Record{};
+    result_ = CODEC_OK;
+  }
+
+  /** Gives up the record with all that it owns, to be released by `free_ext` with this one's callbacks and options. */
+  [[nodiscard]] Record release() noexcept { return std::exchange(record_, Record{}); }
+
+  /** Whether a member is present: see zorv::has. */
+  template <auto... Path>
+  bool has() const noexcept {
+    return zorv::has<Path...>(record_);
+  }
+  /** Marks a member as present: see zorv::set. */
+  template <auto... Path>
+  void set() noexcept {
+    zorv::set<Path...>(record_);
+  }
+  /** Marks a member as absent: see zorv::clear. */
+  template <auto... Path>
+  void clear() noexcept {
+    zorv::clear<Path...>(record_);
+  }
+
+  /** Gives a member a value, and marks it and the path to it as present. Numbers are stored. A string takes a
+   *  `std::string_view`, a list of numbers or bytes any contiguous container of elements; they are copied into memory
+   * of the record's source, what was there before is released, and the result is `CODEC_OK` or `CODEC_ERR_NO_MEMORY`,
+   *  after which the member is as before. In reference mode bytes are not copied, and must outlive the record. */
+  template <auto... Path, class Value>
+  auto set(const Value &value) noexcept {
+    return set_in<Path...>(record_, value);
+  }
+
+  /** The same for a member of a record inside this one, such as an element of a list. */
+  template <auto Member, auto... Inside, class Inner, class Value>
+  auto set_in(Inner &inner, const Value &value) noexcept {
+    if constexpr (sizeof...(Inside) != 0) {
+      zorv::set<Member>(inner);
+      return set_in<Inside...>(inner.*Member, value);
+    } else {
+      return store<Member>(inner, value);
+    }
+  }
+
+  /** Gives a list of messages @p count empty elements, and marks it and the path to it as present. Returns the first,
+   * or null when there is no memory for them; the list is as before then. */
+  template <auto... Path>
+  auto *resize(std::uint32_t count) noexcept {
+    return resize_in<Path...>(record_, count);
+  }
+
+  /** The same for a member of a record inside this one. */
+  template <auto Member, auto... Inside, class Inner>
+  auto *resize_in(Inner &inner, std::uint32_t count) noexcept {
+    if constexpr (sizeof...(Inside) != 0) {
+      zorv::set<Member>(inner);
+      return resize_in<Inside...>(inner.*Member, count);
+    } else {
+      using traits = detail::member_traits<Member>;
+      using element = std::remove_pointer_t<typename traits::type>;
+      static_assert(std::is_class_v<element>, "a list of messages");
+      auto *const block = static_cast<element *>(array(count, sizeof(element)));
+      if (block == nullptr) return block;
+      std::memset(static_cast<void *>(block), 0, count * sizeof(element));
+      if (inner.*Member != nullptr) {
+        for (std::uint32_t i = 0; i < *traits::count(inner); ++i) {
+          detail::call<element>(functions<element>::free, options_, inner.*Member + i, memory_.release,
+                                memory_.context);
+        }
+      }
+      replace<Member>(inner, block, count);
+      return block;
+    }
+  }
+
+ private:
+  friend owned zorv::decode<Record>(octets, memory, std::uint32_t) noexcept;
+  friend owned zorv::duplicate<Record>(const Record &, memory) noexcept;
+
+  // Leaves the record to whoever fills it: what fills it clears it first.
+  struct unfilled {};
+  owned(unfilled, memory from, std::uint32_t options) noexcept : memory_(from), options_(options) {}
+
+  int read(octets input, std::uint32_t options) noexcept {
+    options_ = options;
+    result_ = detail::call<Record>(functions<Record>::decode, options, &record_, input.data(), input.size(),
+                                   memory_.allocate, memory_.context);
+    return result_;
+  }
+
+  void free() noexcept {
+    detail::call<Record>(functions<Record>::free, options_, &record_, memory_.release, memory_.context);
+  }
+
+  bool references() const noexcept { return takes_options<Record> && (options_ & PAVO_ZORV_REFERENCE) != 0; }
+
+  void *array(std::size_t count, std::size_t size) noexcept {
+    if (count > SIZE_MAX / size) return nullptr;
+    return memory_.allocate(count * size, memory_.context);
+  }
+
+  // Puts another block in the place of the one that a member has.
+  template <auto Member, class Inner, class Element>
+  void replace(Inner &inner, Element *block, std::size_t count) noexcept {
+    using traits = detail::member_traits<Member>;
+    const bool borrowed = traits::is_bytes && references();
+    if (inner.*Member != nullptr && !borrowed && memory_.release != nullptr) {
+      memory_.release(inner.*Member, memory_.context);
+    }
+    inner.*Member = block;
+    if constexpr (traits::is_array) *traits::count(inner) = static_cast<typename traits::count_type>(count);
+    zorv::set<Member>(inner);
+  }
+
+  template <auto Member, class Inner, class Value>
+  auto store(Inner &inner, const Value &value) noexcept {
+    using traits = detail::member_traits<Member>;
+    using type = typename traits::type;
+    if constexpr (std::is_arithmetic_v<type>) {
+      static_assert(std::is_arithmetic_v<Value>, "a number");
+      inner.*Member = static_cast<type>(value);
+      zorv::set<Member>(inner);
+    } else if constexpr (std::is_same_v<type, char *>) {
+      const std::string_view text(value);
+      auto *const block = static_cast<char *>(memory_.allocate(text.size() + 1, memory_.context));
+      if (block == nullptr) return static_cast<int>(CODEC_ERR_NO_MEMORY);
+      if (!text.empty()) std::memcpy(block, text.data(), text.size());
+      block[text.size()] = '\0';
+      replace<Member>(inner, block, 0);
+      return static_cast<int>(CODEC_OK);
+    } else {
+      static_assert(traits::is_array, "a nested message has no value of its own: go on to a member of it");
+      return store_elements<Member>(inner, value);
+    }
+  }
+
+  template <auto Member, class Inner, class Value>
+  int store_elements(Inner &inner, const Value &value) noexcept {
+    using traits = detail::member_traits<Member>;
+    using element = std::remove_pointer_t<typename traits::type>;
+    static_assert(!std::is_class_v<element>, "a list of messages: see resize");
+    using given = std::remove_cv_t<detail::element_of<const Value>>;
+    static_assert(std::is_same_v<element, given> || (sizeof(element) == 1 && detail::holds_octets<const Value>),
+                  "a contiguous container of the list's elements");
+    const auto *const data = reinterpret_cast<const element *>(std::data(value));
+    const std::size_t count = std::size(value);
+    if (count > static_cast<typename traits::count_type>(-1)) return CODEC_ERR_NO_MEMORY;
+    if (traits::is_bytes && references()) {
+      replace<Member>(inner, const_cast<element *>(data), count);
+      return CODEC_OK;
+    }
+    auto *const block = static_cast<element *>(array(count, sizeof(element)));
+    if (block == nullptr) return CODEC_ERR_NO_MEMORY;
+    if (count != 0) std::memcpy(block, data, count * sizeof(element));
+    replace<Member>(inner, block, count);
+    return CODEC_OK;
+  }
+
+  Record record_;
+  zorv::memory memory_;
+  std::uint32_t options_;
+  int result_;
+};
+
+template <class Record>
+owned<Record> decode(octets input, memory from, std::uint32_t options) noexcept {
+  owned<Record> result(typename owned<Record>::unfilled{}, from, options);
+  result.read(input, options);
+  return result;
+}
+
+template <class Record>
+owned<Record> duplicate(const Record &record, memory from) noexcept {
+  owned<Record> result(typename owned<Record>::unfilled{}, from, 0);
+  result.result_ = functions<Record>::duplicate(&result.record_, &record, from.allocate, from.context);
+  return result;
+}
+
+/** @name Orders records, owned or plain, as `compare` does.
+ *  @{ */
+/** @cond */
+#define PAVO_ZORV_OPERATOR(sign)                                                \
+  template <class Record>                                                       \
+  bool operator sign(const owned<Record> &a, const owned<Record> &b) noexcept { \
+    return compare(*a, *b) sign 0;                                              \
+  }                                                                             \
+  template <class Record>                                                       \
+  bool operator sign(const owned<Record> &a, const Record &b) noexcept {        \
+    return compare(*a, b) sign 0;                                               \
+  }                                                                             \
+  template <class Record>                                                       \
+  bool operator sign(const Record &a, const owned<Record> &b) noexcept {        \
+    return compare(a, *b) sign 0;                                               \
+  }
+PAVO_ZORV_OPERATOR(==)
+PAVO_ZORV_OPERATOR(!=)
+PAVO_ZORV_OPERATOR(<)
+PAVO_ZORV_OPERATOR(<=)
+PAVO_ZORV_OPERATOR(>)
+PAVO_ZORV_OPERATOR(>=)
+#undef PAVO_ZORV_OPERATOR
+/** @endcond */
+/** @} */
+
+}  // namespace zorv
+
+#endif  // PAVO_ZORV_HPP

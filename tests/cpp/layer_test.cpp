@@ -1,0 +1,352 @@
+// The C++ layer as its users see it: compiled as C++17 and as C++20.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory_resource>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "pavo_zorv.hpp"
+
+namespace {
+
+using octets = std::vector<unsigned char>;
+using zorv::owned;
+
+static_assert(!std::is_copy_constructible_v<owned<api_msg>> && !std::is_copy_assignable_v<owned<api_msg>>);
+static_assert(std::is_nothrow_move_constructible_v<owned<api_msg>>);
+static_assert(std::is_nothrow_move_assignable_v<owned<api_msg>>);
+// A literal has a NUL behind it that nobody means.
+static_assert(!std::is_convertible_v<const char (&)[3], zorv::octets>);
+static_assert(std::is_convertible_v<std::string_view, zorv::octets>);
+static_assert(std::is_convertible_v<std::array<std::byte, 3>, zorv::octets>);
+static_assert(!std::is_convertible_v<std::vector<int>, zorv::octets>);
+
+// Interface 7, "eth0".
+const octets interface_octets = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
+// A micro-SID's prefix: three octets, and 64.
+const octets prefix_octets = {0x0a, 0x03, 0x20, 0x01, 0x0d, 0x10, 0x40};
+
+// Counts what is out, so that a test can see that all of it comes back.
+class account {
+ public:
+  account() { pavo_zorv_counter_init(&counter_, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr); }
+  ~account() { EXPECT_EQ(counter_.live, 0u); }
+  operator zorv::memory() { return counter_; }
+  pavo_zorv_counter *operator->() { return &counter_; }
+
+ private:
+  pavo_zorv_counter counter_;
+};
+
+// A memory resource that keeps account of sizes, and refuses everything when told to.
+class resource : public std::pmr::memory_resource {
+ public:
+  ~resource() override { EXPECT_EQ(out, 0u); }
+  std::size_t out = 0;
+  std::size_t requests = 0;
+  bool refuses = false;
+
+ private:
+  void *do_allocate(std::size_t size, std::size_t alignment) override {
+    if (refuses) throw std::bad_alloc();
+    EXPECT_EQ(alignment, PAVO_ZORV_ALIGNMENT);
+    out += size;
+    ++requests;
+    return std::pmr::new_delete_resource()->allocate(size, alignment);
+  }
+  void do_deallocate(void *block, std::size_t size, std::size_t alignment) override {
+    out -= size;
+    std::pmr::new_delete_resource()->deallocate(block, size, alignment);
+  }
+  bool do_is_equal(const memory_resource &other) const noexcept override { return this == &other; }
+};
+
+TEST(owned, releases_what_it_decoded) {
+  account memory;
+  {
+    const auto intf = zorv::decode<api_intf>(interface_octets, memory);
+    ASSERT_TRUE(intf.ok());
+    EXPECT_EQ(intf->field1, 7u);
+    EXPECT_STREQ(intf->field2, "eth0");
+    EXPECT_EQ(memory->live, 1u);
+  }
+  EXPECT_EQ(memory->live, 0u);
+}
+
+TEST(owned, releases_what_a_decoding_that_failed_had_read) {
+  account memory;
+  octets cut_off = interface_octets;
+  cut_off.push_back(0x08);
+  const auto intf = zorv::decode<api_intf>(cut_off, memory);
+  EXPECT_EQ(intf.result(), CODEC_ERR_TRUNCATED);
+  EXPECT_FALSE(intf.ok());
+  EXPECT_STREQ(intf->field2, "eth0");
+}
+
+TEST(owned, says_that_there_was_no_memory) {
+  account memory;
+  memory->fail_at = 0;
+  EXPECT_EQ(zorv::decode<api_intf>(interface_octets, memory).result(), CODEC_ERR_NO_MEMORY);
+}
+
+TEST(owned, decodes_again_and_again) {
+  account memory;
+  owned<api_intf> intf{memory};
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(intf.decode(interface_octets), CODEC_OK);
+    EXPECT_EQ(memory->live, 1u);
+  }
+  EXPECT_EQ(intf.decode({}), CODEC_OK);
+  EXPECT_EQ(memory->live, 0u);
+  EXPECT_EQ(intf->field2, nullptr);
+}
+
+TEST(owned, is_moved_with_all_that_it_owns) {
+  account memory;
+  auto first = zorv::decode<api_intf>(interface_octets, memory);
+  owned<api_intf> second = std::move(first);
+  EXPECT_EQ(first->field2, nullptr);
+  EXPECT_STREQ(second->field2, "eth0");
+  account others;
+  auto third = zorv::decode<api_intf>(interface_octets, others);
+  third = std::move(second);
+  EXPECT_EQ(others->live, 0u) << "what it held before is released";
+  EXPECT_STREQ(third->field2, "eth0");
+  owned<api_intf> &itself = third;
+  third = std::move(itself);
+  EXPECT_STREQ(third->field2, "eth0");
+}
+
+TEST(owned, is_empty_after_a_reset) {
+  account memory;
+  auto intf = zorv::decode<api_intf>(octets{0x12}, memory);
+  EXPECT_EQ(intf.result(), CODEC_ERR_TRUNCATED);
+  intf.decode(interface_octets);
+  intf.reset();
+  EXPECT_EQ(memory->live, 0u);
+  EXPECT_EQ(zorv::encoded_size(*intf), 0u);
+  EXPECT_TRUE(intf.ok());
+}
+
+TEST(owned, gives_up_its_record) {
+  account memory;
+  api_intf plain = zorv::decode<api_intf>(interface_octets, memory).release();
+  EXPECT_EQ(memory->live, 1u);
+  const zorv::memory callbacks = memory;
+  pavo_zorv_api_intf_free_ext(&plain, callbacks.release, callbacks.context);
+}
+
+TEST(owned, keeps_the_options_that_it_was_decoded_with) {
+  account memory;
+  {
+    auto prefix = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+    ASSERT_TRUE(prefix.ok());
+    EXPECT_EQ(prefix.options(), PAVO_ZORV_REFERENCE);
+    EXPECT_EQ(prefix->field1, prefix_octets.data() + 2) << "it points into the input";
+    auto moved = std::move(prefix);
+    EXPECT_EQ(moved.options(), PAVO_ZORV_REFERENCE);
+  }
+  EXPECT_EQ(memory->requests, 0u);
+}
+
+TEST(duplicate, owns_all_its_memory) {
+  account memory;
+  const auto referenced = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+  const auto copy = zorv::duplicate(*referenced, memory);
+  ASSERT_TRUE(copy.ok());
+  EXPECT_EQ(memory->live, 1u);
+  EXPECT_NE(copy->field1, referenced->field1);
+  EXPECT_EQ(copy, referenced);
+}
+
+TEST(duplicate, says_that_there_was_no_memory) {
+  account memory;
+  const auto original = zorv::decode<api_intf>(interface_octets, memory);
+  memory->fail_at = 1;
+  const auto copy = zorv::duplicate(*original, memory);
+  EXPECT_EQ(copy.result(), CODEC_ERR_NO_MEMORY);
+  EXPECT_FALSE(copy.has<&api_intf::field2>());
+}
+
+TEST(comparing, orders_records_owned_or_plain) {
+  owned<api_addr> low, high;
+  low.set<&api_addr::address>(1);
+  high.set<&api_addr::address>(2);
+  EXPECT_TRUE(low == low && low != high && low < high && low <= high && high > low && high >= low);
+  EXPECT_FALSE(low == high || low > high || low >= high || high < low || high <= low || low != low);
+  EXPECT_TRUE(low == *low && *low == low && low < *high && *low<high && * high> low && high >= *high);
+  EXPECT_LT(zorv::compare(*low, *high), 0);
+}
+
+TEST(encoding, fills_any_contiguous_container) {
+  const auto intf = zorv::decode<api_intf>(interface_octets);
+  EXPECT_EQ(zorv::encoded_size(*intf), 8u);
+  EXPECT_EQ(zorv::encode(*intf), interface_octets);
+  std::string text = "what was there before";
+  zorv::encode_into(text, *intf);
+  EXPECT_EQ(text,
+            "\x08\x07\x12\x04"
+            "eth0");
+  std::pmr::vector<std::byte> bytes;
+  zorv::encode_into(bytes, *intf);
+  EXPECT_EQ(bytes.size(), 8u);
+  EXPECT_EQ(zorv::decode<api_intf>(bytes), intf);
+  EXPECT_EQ(zorv::decode<api_intf>(text), intf);
+}
+
+TEST(encoding, writes_what_fits_into_a_short_buffer) {
+  const auto intf = zorv::decode<api_intf>(interface_octets);
+  std::array<unsigned char, 4> buffer{0xff, 0xff, 0xff, 0xff};
+  EXPECT_EQ(zorv::encode(*intf, buffer.data(), 3), 8u);
+  EXPECT_EQ(buffer, (std::array<unsigned char, 4>{0x08, 0x07, 0x12, 0xff}));
+}
+
+TEST(encoding, comes_with_its_segment_table) {
+  owned<srv6_prefix> prefix({}, PAVO_ZORV_REFERENCE);
+  const octets address = {0x20, 0x01, 0x0d};
+  ASSERT_EQ(prefix.set<&srv6_prefix::field1>(address), CODEC_OK);
+  prefix.set<&srv6_prefix::field2>(64);
+  EXPECT_EQ(prefix->field1, address.data()) << "not copied";
+  const auto encoding = zorv::encode_segmented(*prefix, prefix.options());
+  EXPECT_EQ(encoding.octets, (octets{0x0a, 0x03, 0x10, 0x40}));
+  ASSERT_EQ(encoding.segments.size(), 3u);
+  octets sent;
+  for (const pavo_zorv_segment &piece : encoding.segments) {
+    sent.insert(sent.end(), piece.start, piece.start + piece.length);
+  }
+  EXPECT_EQ(sent, prefix_octets);
+}
+
+TEST(encoding, of_nothing_has_no_segments) {
+  const auto encoding = zorv::encode_segmented(api_addr{});
+  EXPECT_TRUE(encoding.octets.empty());
+  EXPECT_TRUE(encoding.segments.empty());
+}
+
+TEST(presence, is_read_set_and_cleared_by_member) {
+  api_policy policy{};
+  zorv::set<&api_policy::field10>(policy);
+  EXPECT_EQ(policy.presence, API_POLICY_HAS_FIELD10);
+  EXPECT_TRUE(zorv::has<&api_policy::field10>(policy));
+  EXPECT_FALSE(zorv::has<&api_policy::prefixes>(policy));
+  zorv::set<&api_policy::prefixes>(policy);
+  zorv::clear<&api_policy::field10>(policy);
+  EXPECT_EQ(policy.presence, API_POLICY_HAS_PREFIXES);
+}
+
+TEST(presence, of_a_path_is_that_of_all_members_along_it) {
+  owned<api_msg> message;
+  message.set<&api_msg::to_zorv, &api_to_zorv::nodeid, &api_nodeid::octets>();
+  EXPECT_EQ(message->presence, API_MSG_HAS_TO_ZORV);
+  EXPECT_EQ(message->to_zorv.presence, API_TO_ZORV_HAS_NODEID);
+  EXPECT_EQ(message->to_zorv.nodeid.presence, API_NODEID_HAS_OCTETS);
+  EXPECT_TRUE((message.has<&api_msg::to_zorv, &api_to_zorv::nodeid, &api_nodeid::octets>()));
+  EXPECT_FALSE((message.has<&api_msg::to_zorv, &api_to_zorv::intf>()));
+  message.clear<&api_msg::to_zorv>();
+  EXPECT_FALSE((message.has<&api_msg::to_zorv, &api_to_zorv::nodeid>()));
+  message.set<&api_msg::to_zorv>();
+  message.clear<&api_msg::to_zorv, &api_to_zorv::nodeid>();
+  EXPECT_EQ(message->to_zorv.presence, 0u);
+  EXPECT_EQ(message->presence, API_MSG_HAS_TO_ZORV);
+}
+
+TEST(values, are_set_with_their_presence_and_released_when_set_again) {
+  account memory;
+  owned<api_msg_p2p_auto_policy> policy{memory};
+  for (const char *const name : {"first", "second", ""}) {
+    ASSERT_EQ(policy.set<&api_msg_p2p_auto_policy::field1>(name), CODEC_OK);
+    EXPECT_STREQ(policy->field1, name);
+  }
+  EXPECT_EQ(memory->live, 1u);
+  for (const std::size_t count : {3u, 0u, 5u}) {
+    const std::vector<std::uint32_t> labels(count, 24001);
+    ASSERT_EQ((policy.set<&api_msg_p2p_auto_policy::label_stack, &api_lbl_stack::labels>(labels)), CODEC_OK);
+    EXPECT_EQ(policy->label_stack.label_count, count);
+  }
+  EXPECT_EQ(memory->live, 2u);
+  ASSERT_EQ((policy.set<&api_msg_p2p_auto_policy::field11>(std::array<std::uint8_t, 2>{1, 2})), CODEC_OK);
+  EXPECT_EQ(policy->field11_count, 2u);
+  policy.set<&api_msg_p2p_auto_policy::field22>(9);
+  EXPECT_EQ(policy->presence, API_MSG_P2P_AUTO_POLICY_HAS_FIELD1 | API_MSG_P2P_AUTO_POLICY_HAS_LABEL_STACK |
+                                  API_MSG_P2P_AUTO_POLICY_HAS_FIELD11 | API_MSG_P2P_AUTO_POLICY_HAS_FIELD22);
+  EXPECT_EQ(zorv::decode<api_msg_p2p_auto_policy>(zorv::encode(*policy)), policy);
+}
+
+TEST(values, that_find_no_memory_leave_the_member_as_it_was) {
+  account memory;
+  owned<api_intf> intf{memory};
+  ASSERT_EQ(intf.set<&api_intf::field2>("eth0"), CODEC_OK);
+  memory->fail_from = 0;
+  EXPECT_EQ(intf.set<&api_intf::field2>("eth1"), CODEC_ERR_NO_MEMORY);
+  EXPECT_STREQ(intf->field2, "eth0");
+}
+
+TEST(values, of_bytes_are_copied_unless_referenced) {
+  account memory;
+  owned<srv6_prefix> prefix{memory};
+  ASSERT_EQ(prefix.set<&srv6_prefix::field1>(std::string_view("\x20\x01\x0d")), CODEC_OK);
+  EXPECT_EQ(prefix->field1_length, 3u);
+  EXPECT_EQ(memory->live, 1u);
+  EXPECT_EQ(zorv::encode(*prefix), (octets{0x0a, 0x03, 0x20, 0x01, 0x0d}));
+}
+
+TEST(lists, of_messages_are_made_filled_and_released) {
+  account memory;
+  owned<api_aa_list> list{memory};
+  for (std::uint32_t count = 3; count != 0; --count) {
+    api_policy *const policies = list.resize<&api_aa_list::policies>(count);
+    ASSERT_NE(policies, nullptr);
+    EXPECT_EQ(list->policies_count, count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      ASSERT_EQ(list.set_in<&api_policy::field1>(policies[i], "policy " + std::to_string(i)), CODEC_OK);
+      ASSERT_NE(list.resize_in<&api_policy::prefixes>(policies[i], 2), nullptr);
+    }
+    EXPECT_EQ(memory->live, 1 + count * 2) << "what the elements before owned is released";
+  }
+  EXPECT_EQ(zorv::encode(*list),
+            (octets{0x1a, 0x0e, 0x0a, 0x08, 'p', 'o', 'l', 'i', 'c', 'y', ' ', '0', 0x2a, 0x00, 0x2a, 0x00}));
+}
+
+TEST(lists, that_find_no_memory_stay_as_they_were) {
+  account memory;
+  owned<api_aa_list> list{memory};
+  ASSERT_NE(list.resize<&api_aa_list::policies>(2), nullptr);
+  memory->fail_from = 0;
+  EXPECT_EQ(list.resize<&api_aa_list::policies>(3), nullptr);
+  EXPECT_EQ(list->policies_count, 2u);
+}
+
+TEST(memory, may_be_any_memory_resource) {
+  resource from;
+  {
+    auto intf = zorv::decode<api_intf>(interface_octets, from);
+    ASSERT_TRUE(intf.ok());
+    EXPECT_EQ(from.out, 5u + 8u);
+    const auto copy = zorv::duplicate(*intf, &from);
+    EXPECT_EQ(copy, intf);
+    EXPECT_EQ(from.requests, 2u);
+    from.refuses = true;
+    EXPECT_EQ(intf.set<&api_intf::field2>("eth1"), CODEC_ERR_NO_MEMORY);
+    EXPECT_EQ(zorv::duplicate(*intf, from).result(), CODEC_ERR_NO_MEMORY);
+  }
+  EXPECT_EQ(from.out, 0u);
+  const zorv::memory callbacks = from;
+  EXPECT_EQ(callbacks.allocate(SIZE_MAX, callbacks.context), nullptr);
+}
+
+TEST(memory, may_be_a_monotonic_buffer_or_a_pool) {
+  std::array<std::byte, 256> block;
+  std::pmr::monotonic_buffer_resource arena(block.data(), block.size(), std::pmr::null_memory_resource());
+  EXPECT_TRUE(zorv::decode<api_intf>(interface_octets, arena).ok());
+  pavo_zorv_pool pool;
+  pavo_zorv_pool_init(&pool, block.data(), block.size());
+  EXPECT_TRUE(zorv::decode<api_intf>(interface_octets, pool).ok());
+  EXPECT_EQ(pool.used, 8u);
+  pavo_zorv_budget budget;
+  pavo_zorv_budget_init(&budget, 12, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr);
+  EXPECT_EQ(zorv::decode<api_intf>(interface_octets, budget).result(), CODEC_ERR_NO_MEMORY);
+}
+
+}  // namespace

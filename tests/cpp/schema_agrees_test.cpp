@@ -1,0 +1,59 @@
+// What the C++ layer finds out about records by itself, against the schema.
+#include "messages/all.hpp"
+#include "pavo_zorv.hpp"
+#include "support.hpp"
+
+namespace {
+
+template <class Nothing, class... Records>
+using listed_after = std::tuple<std::type_identity<Records>...>;
+
+#define LISTED(message) , message
+using listed = listed_after<void PAVO_ZORV_MESSAGES(LISTED)>;
+#undef LISTED
+
+static_assert(std::is_same_v<listed, pavo_zorv::all_messages>, "pavo_zorv.hpp lists the messages of the schema");
+
+template <class Record, std::size_t Index>
+void check_row() {
+  constexpr auto &row = pavo_zorv::row_at<Record, Index>;
+  using row_type = std::remove_cvref_t<decltype(row)>;
+  constexpr auto members = row.members();
+  constexpr auto member = std::get<0>(members);
+  using traits = zorv::detail::member_traits<member>;
+  static_assert(zorv::presence_bit<member> == pavo_zorv::presence_bit<Record, Index>);
+  static_assert(std::is_same_v<decltype(zorv::presence_bit<member>), const pavo_zorv::presence_of<Record>>);
+  static_assert(traits::is_array == (std::tuple_size_v<decltype(members)> == 2));
+  static_assert(traits::is_bytes == (row_type::type == pavo_zorv::kind::bytes));
+  if constexpr (traits::is_array) {
+    Record record{};
+    EXPECT_EQ(static_cast<void *>(traits::count(record)), static_cast<void *>(&(record.*std::get<1>(members))))
+        << pavo_zorv::message_name<Record> << "." << row.name;
+  }
+}
+
+TEST(schema, agrees_about_every_member_of_every_message) {
+  std::size_t rows = 0;
+  pavo_zorv::for_each_message([&](auto message) {
+    using record = typename decltype(message)::type;
+    EXPECT_STREQ(zorv::functions<record>::name, pavo_zorv::message_name<record>);
+    pavo_zorv::for_each_row<record>([&](auto index) {
+      check_row<record, index>();
+      ++rows;
+    });
+  });
+  EXPECT_GT(rows, 150u);
+}
+
+// Every message that holds bytes takes options, and so do two that hold none.
+TEST(schema, agrees_about_the_options_word) {
+  std::size_t with_options = 0;
+  pavo_zorv::for_each_message([&](auto message) {
+    using record = typename decltype(message)::type;
+    with_options += zorv::takes_options<record>;
+    EXPECT_TRUE(zorv::takes_options<record> || !pavo_zorv::holds_bytes<record>) << zorv::functions<record>::name;
+  });
+  EXPECT_EQ(with_options, 9u);
+}
+
+}  // namespace

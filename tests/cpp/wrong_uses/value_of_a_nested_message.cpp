@@ -1,0 +1,5 @@
+// error: .*go on to a member of it
+// A nested message has no value of its own.
+#include "pavo_zorv.hpp"
+
+void fill(zorv::owned<api_msg> &message) { message.set<&api_msg::oam_req>(1); }
