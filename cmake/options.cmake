@@ -1,6 +1,7 @@
 # What can be chosen, and the compiler flags that follow.
 option(PAVO_ZORV_TOOLS "Build zorv-inspect where its packages are found" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_TESTS "Build the tests where their packages are found" ${PROJECT_IS_TOP_LEVEL})
+option(PAVO_ZORV_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_BENCHMARKS "Build the benchmarks where their packages are found" OFF)
 option(PAVO_ZORV_INSTALL "Have rules for installing" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_PACKAGES "Make Debian packages with cpack" OFF)
