@@ -1,0 +1,15 @@
+"""The same examples in every run, and as many as fit into a few seconds; PAVO_ZORV_ROUNDS=<n> tries n times as many."""
+
+import os
+
+import hypothesis
+
+hypothesis.settings.register_profile(
+    "project",
+    derandomize=True,
+    database=None,
+    deadline=None,
+    max_examples=10 * int(os.environ.get("PAVO_ZORV_ROUNDS", "1")),
+    suppress_health_check=list(hypothesis.HealthCheck),
+)
+hypothesis.settings.load_profile("project")
