@@ -2,9 +2,11 @@
  *  pavo-zorv: the messages of a segment-routing policy component, as plain records in the Protocol Buffers wire format.
  *
  *  Each message type has one record and five functions, `pavo_zorv_<message>_<operation>`: `decode_ext`, `encode_ext`,
- *  `duplicate`, `free_ext` and `compare`. The header is C11 and C++.
+ *  `duplicate`, `free_ext` and `compare`. What a function does is the same for all messages, and is said once for each
+ *  operation below. The header is C11 and C++. Optional, beside it: pavo_zorv_memory.h with ready-made callbacks, and
+ *  pavo_zorv.hpp for C++17.
  *
- *  A complete round:
+ *  A complete program, which writes a message, reads it back and releases it:
  *  @code{.c}
  *  #include <pavo_zorv.h>
  *  #include <stdlib.h>
@@ -32,9 +34,10 @@
  *  @section records Records
  *
  *  The members of a record stand in the order of the message's fields, naturally aligned; a list takes two, the array
- *  and its element count, and so does a bytes member, the block and its length. The last member, `presence`, has one bit
- *  per field in field order, `<MESSAGE>_HAS_<MEMBER>`; the bits of no field are never changed by decoding or copying.
- *  A nested message is a whole record held inline, with presence bits of its own beside the containing record's bit.
+ *  and its element count, and so does a bytes member, the block and its length. The last member, `presence`, has one
+ *  bit per field in field order, `<MESSAGE>_HAS_<MEMBER>`; the bits of no field are never changed by decoding or
+ *  copying. A nested message is a whole record held inline, with presence bits of its own beside the containing
+ *  record's bit.
  *
  *  | kind | record | wire form |
  *  |---|---|---|
@@ -53,62 +56,96 @@
  *
  *  @section decoding Decoding
  *
- *  `int decode_ext(out, buffer, length, allocate, context[, options])` clears @p out, whatever it held, then reads fields
- *  until @p length octets are used up. @p buffer may be null when @p length is 0. @p allocate may be null: the first field that needs memory then fails.
- *  Fields may come in any order. A number or a nested message that comes again replaces the earlier one; what an earlier
- *  nested message owned is not released, so callers that accept repeated ones want an allocator that frees in bulk. A string or bytes that comes
- *  again, and a list whose elements do not stand together, fail. Unknown fields are skipped; one that runs past the
- *  end of the input ends the decoding in good order.
+ *  `int decode_ext(out, buffer, length, allocate, context[, options])` clears @p out, whatever it held, then reads
+ *  fields until @p length octets are used up. Fields may come in any order. A number or a nested message that comes
+ *  again replaces the earlier one; what an earlier nested message owned is not released, so callers that accept
+ *  repeated ones want an allocator that frees in bulk. A string or bytes that comes again, and a list whose elements do
+ *  not stand together, fail. Unknown fields are skipped; one that runs past the end of the input ends the decoding in
+ *  good order. Strings are copied with a NUL behind them; a NUL inside shortens them for every later use.
  *
- *  Returns `CODEC_OK` or the first failure. In either case the record is defined, holds what was read so far, and is to be given
- *  to `free_ext`. Strings are copied with a NUL behind them; a NUL inside shortens them for every later use.
+ *  - **Null:** @p out is not null. @p buffer may be when @p length is 0. @p allocate may be: the first field that needs
+ *    memory then fails. @p context is only handed on.
+ *  - **Ownership:** the record owns all blocks that @p allocate gave, until `free_ext`. The input stays the caller's
+ *    and is no longer needed afterwards, but in reference mode. What @p out held before is overwritten, not released.
+ *  - **Memory:** at most 36 octets for each octet of input, in at most one call of @p allocate for each two octets of
+ *    input; an array or a string is asked for once, in its final size. Less than 4 KB of stack. The work is linear in
+ *    @p length.
+ *  - **Errors:** `CODEC_OK` or the first failure, a `pavo_zorv_result`. In either case the record is defined, holds
+ *    what was read so far, and is to be given to `free_ext`.
  *
  *  @section encoding Encoding
  *
  *  `size_t encode_ext(in, buffer, length, segments, segment_count[, options])` writes the fields in ascending order and
- *  returns the length of the whole encoding, whatever fitted. A null @p buffer measures. Into a buffer that is too short
- *  goes what fits; a string or bytes that does not fit whole is left out. No octet behind the encoding is touched.
- *  An encoding of more than `SIZE_MAX / 2` octets, as only a bytes member without a block can make, measures `SIZE_MAX`
- *  and is not written.
- *  Numbers and flags are written when their presence bit is set; strings when the pointer is not null as well; lists when the count is not 0
- *  as well; a nested message when its bit is set or its encoding is not empty.
+ *  returns the length of the whole encoding, whatever fitted. Into a buffer that is too short goes what fits; a string
+ *  or bytes that does not fit whole is left out. No octet behind the encoding is touched. Numbers and flags are written
+ *  when their presence bit is set; strings when the pointer is not null as well; lists when the count is not 0 as well;
+ *  a nested message when its bit is set or its encoding is not empty.
  *
- *  @p segment_count, if not null, holds the capacity of @p segments on entry and receives the number of entries that the
- *  whole encoding needs; entries beyond the capacity are not written. A null table counts as capacity 0. There is one entry for every message, nested or
- *  outermost, whose encoding is not empty: its first octet and its length. A nested message's entries come before those of the message that contains it.
+ *  @p segment_count, if not null, holds the capacity of @p segments on entry and receives the number of entries that
+ *  the whole encoding needs; entries beyond the capacity are not written. There is one entry for every message, nested
+ *  or outermost, whose encoding is not empty: its first octet and its length. A nested message's entries come before
+ *  those of the message that contains it.
+ *
+ *  - **Null:** @p in is not null. A null @p buffer measures, whatever @p length. Without @p segment_count there is no
+ *    table work; a null @p segments counts as capacity 0.
+ *  - **Ownership:** nothing changes hands; the record is only read. The entries of the table point into @p buffer, and
+ *    in reference mode to the record's bytes members.
+ *  - **Memory:** none is asked for. Less than 4 KB of stack. The work is linear in the length of the encoding.
+ *  - **Errors:** none. An encoding of more than `SIZE_MAX / 2` octets, as only a bytes member without a block can make,
+ *    measures `SIZE_MAX` and is not written.
  *
  *  @section referencing Reference mode
  *
  *  Nine message types take an options word, always as the last argument; bit 0 is `PAVO_ZORV_REFERENCE`, the other
  *  bits mean nothing. In reference mode bytes members are not copied:
  *  - `decode_ext` lets them point into @p buffer, which must outlive the record, and needs no memory for them;
- *  - `encode_ext` writes key and length but not the octets, and does not count them; with a segment count, and a length that is not 0, the
- *    message's entry is replaced by: the message up to and including the length; the referenced octets; and what the message
- *    writes behind them, if anything, as the last of its entries. The length prefix of a containing message leaves referenced octets out;
+ *  - `encode_ext` writes key and length but not the octets, and does not count them; with a segment count, and a length
+ *    that is not 0, the message's entry is replaced by: the message up to and including the length; the referenced
+ *    octets; and what the message writes behind them, if anything, as the last of its entries. The length prefix of a
+ *    containing message leaves referenced octets out;
  *  - `free_ext` leaves them as they are. Pass it the options that `decode_ext` had.
  *
  *  @section copying Copying
  *
- *  `int duplicate(destination, source, allocate, context)` overwrites @p destination, releasing nothing, with a copy that
- *  owns all its memory. A null array counts as empty. A member for which there is no memory is left empty with its presence bit clear,
- *  the copy goes on, and the result is `CODEC_ERR_NO_MEMORY`.
+ *  `int duplicate(destination, source, allocate, context)` overwrites @p destination with a copy that owns all its
+ *  memory, also of bytes members that @p source has only referenced. A null array counts as empty.
+ *
+ *  - **Null:** neither record is null, and they are two. @p allocate may be null: it counts as one that gives nothing.
+ *  - **Ownership:** as after decoding. What @p destination held before is overwritten, not released.
+ *  - **Memory:** the sizes of what the source leads to, one call of @p allocate for each string, and for each block
+ *    and array that is not empty. Less than 4 KB of stack.
+ *  - **Errors:** `CODEC_OK` or `CODEC_ERR_NO_MEMORY`. A member for which there is no memory is left empty with its
+ *    presence bit clear, and the copy goes on: the record is whole but for those, and is to be given to `free_ext`.
  *
  *  @section releasing Releasing
  *
- *  `void free_ext(record, release, context[, options])` releases in field order what the record owns, not the record itself, and
- *  sets each released pointer to null. A null @p release releases nothing but still sets the pointers. The counts of lists of messages
- *  become 0; other counts, lengths and the presence bits stay, so clear a record before it is used again.
+ *  `void free_ext(record, release, context[, options])` releases in field order what the record owns, not the record
+ *  itself, and sets each released pointer to null. The counts of lists of messages become 0; other counts, lengths and
+ *  the presence bits stay, so clear a record before it is used again.
+ *
+ *  - **Null:** @p record is not null. A null @p release releases nothing but still sets the pointers, for allocators
+ *    that free in bulk. @p release is never called with null.
+ *  - **Ownership:** every block goes back to @p release, which must match the allocator. A second call does nothing.
+ *  - **Memory:** none is asked for. Less than 4 KB of stack.
+ *  - **Errors:** none.
  *
  *  @section comparing Comparing
  *
  *  `int compare(a, b)` compares field by field: a present member is greater than an absent one, then the values decide,
- *  lists element by element and then by count. Returns 0 for equal, else a number whose sign alone has a meaning. A string whose presence bit
- *  is set on both sides must not be null. Nested messages are compared only where both bits of the containing record are set.
+ *  lists element by element and then by count. Nested messages are compared only where both bits of the containing
+ *  record are set.
+ *
+ *  - **Null:** neither record is null; they may be the same. A string whose presence bit is set on both sides is not
+ *    null.
+ *  - **Ownership:** nothing changes hands.
+ *  - **Memory:** none is asked for. Less than 4 KB of stack.
+ *  - **Errors:** none. Returns 0 for equal, else a number whose sign alone has a meaning.
  *
  *  @section threads Threads
  *
- *  The library keeps no state. Calls on different records may run at the same time; a record must not be changed while another
- *  thread uses it. Callbacks run on the caller's thread and must not throw.
+ *  The library keeps no state. Calls on different records may run at the same time; a record must not be changed while
+ *  another thread uses it, and may be read by any number. Callbacks run on the caller's thread, between the call and
+ *  its return, and must not throw.
  */
 #ifndef PAVO_ZORV_H
 #define PAVO_ZORV_H
@@ -129,10 +166,12 @@ extern "C" {
 /** What `decode_ext` and `duplicate` return. */
 enum pavo_zorv_result {
   CODEC_OK = 0,                    /**< Success. */
-  CODEC_ERR_TRUNCATED = -1,        /**< The input ends inside a key, length or value, or a field that may not come again does. */
+  CODEC_ERR_TRUNCATED = -1,        /**< The input ends inside a key, length or value, or a field comes again that may
+                                        not. */
   CODEC_ERR_BAD_WIRE_TYPE = -2,    /**< An unknown field has wire type 3, 4, 6 or 7. */
   CODEC_ERR_WRONG_WIRE_TYPE = -3,  /**< A known field has another wire type than its own. */
-  CODEC_ERR_NO_MEMORY = -4         /**< Memory is needed, and the allocator is null, returned null, or cannot be asked for that much. */
+  CODEC_ERR_NO_MEMORY = -4         /**< Memory is needed, and the allocator is null, returned null, or cannot be asked
+                                        for that much. */
 };
 
 /** Bits of the options word. */
@@ -140,7 +179,8 @@ enum pavo_zorv_options {
   PAVO_ZORV_REFERENCE = 1 << 0 /**< Bytes members are referenced, not copied: see @ref referencing. */
 };
 
-/** Gives a block of @p size octets, aligned for any record, or null. @p size may be 0. The context is the caller's own. */
+/** Gives a block of @p size octets, aligned for any record, or null. @p size may be 0: a block, not null, is wanted
+ *  then as well. The context is the caller's own. */
 typedef void *(*pavo_zorv_allocate)(size_t size, void *context);
 
 /** Takes back a block that the matching allocator gave. */
@@ -175,7 +215,8 @@ enum api_lbl_stack_presence {
 /** An ordered stack of labels.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_lbl_stack_free_ext`. */
 typedef struct api_lbl_stack {
-  uint32_t *labels; /**< The labels, in stack order. Field 1, list of unsigned 32-bit integers: owned array. Presence: `API_LBL_STACK_HAS_LABELS`. */
+  uint32_t *labels; /**< The labels, in stack order. Field 1, list of unsigned 32-bit integers: owned array.
+      Presence: `API_LBL_STACK_HAS_LABELS`. */
   uint32_t label_count; /**< Elements at `labels`. */
   uint8_t presence; /**< One bit per field: see `enum api_lbl_stack_presence`. */
 } api_lbl_stack;
@@ -204,7 +245,8 @@ PAVO_ZORV_API int pavo_zorv_api_lbl_stack_decode_ext(
 
 /** Encodes an `api_lbl_stack` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_lbl_stack_encode_ext(
-    const api_lbl_stack *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_lbl_stack *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_lbl_stack` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_lbl_stack_duplicate(
@@ -231,7 +273,8 @@ enum prefix_sid_type_presence {
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_prefix_sid_type_free_ext`. */
 typedef struct prefix_sid_type {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `PREFIX_SID_TYPE_HAS_FIELD1`. */
-  uint8_t *field2; /**< Field 2, list of unsigned 8-bit integers: owned array. Presence: `PREFIX_SID_TYPE_HAS_FIELD2`. */
+  uint8_t *field2; /**< Field 2, list of unsigned 8-bit integers: owned array.
+      Presence: `PREFIX_SID_TYPE_HAS_FIELD2`. */
   uint32_t field2_count; /**< Elements at `field2`. */
   uint8_t presence; /**< One bit per field: see `enum prefix_sid_type_presence`. */
 } prefix_sid_type;
@@ -245,7 +288,8 @@ enum policy_binding_sid_t_presence {
 /** A policy's binding segment identifier.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_policy_binding_sid_t_free_ext`. */
 typedef struct policy_binding_sid_t {
-  struct prefix_sid_type sid; /**< The segment identifier. Field 1, nested `prefix_sid_type`, with presence bits of its own. Presence: `POLICY_BINDING_SID_T_HAS_SID`. */
+  struct prefix_sid_type sid; /**< The segment identifier. Field 1, nested `prefix_sid_type`, with presence bits of its
+      own. Presence: `POLICY_BINDING_SID_T_HAS_SID`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `POLICY_BINDING_SID_T_HAS_FIELD2`. */
   uint8_t presence; /**< One bit per field: see `enum policy_binding_sid_t_presence`. */
 } policy_binding_sid_t;
@@ -256,14 +300,16 @@ PAVO_ZORV_API int pavo_zorv_prefix_sid_type_decode_ext(
 
 /** Encodes a `prefix_sid_type` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_prefix_sid_type_encode_ext(
-    const prefix_sid_type *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const prefix_sid_type *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies a `prefix_sid_type` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_prefix_sid_type_duplicate(
     prefix_sid_type *destination, const prefix_sid_type *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what a `prefix_sid_type` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_prefix_sid_type_free_ext(prefix_sid_type *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_prefix_sid_type_free_ext(
+    prefix_sid_type *record, pavo_zorv_release release, void *context);
 
 /** Orders two `prefix_sid_type` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_prefix_sid_type_compare(const prefix_sid_type *a, const prefix_sid_type *b);
@@ -274,14 +320,16 @@ PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_decode_ext(
 
 /** Encodes a `policy_binding_sid_t` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_policy_binding_sid_t_encode_ext(
-    const policy_binding_sid_t *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const policy_binding_sid_t *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies a `policy_binding_sid_t` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_duplicate(
     policy_binding_sid_t *destination, const policy_binding_sid_t *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what a `policy_binding_sid_t` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_policy_binding_sid_t_free_ext(policy_binding_sid_t *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_policy_binding_sid_t_free_ext(
+    policy_binding_sid_t *record, pavo_zorv_release release, void *context);
 
 /** Orders two `policy_binding_sid_t` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_compare(const policy_binding_sid_t *a, const policy_binding_sid_t *b);
@@ -324,7 +372,8 @@ enum api_exp_path_presence {
 /** An explicit path: its hops in order, and a number.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_exp_path_free_ext`. */
 typedef struct api_exp_path {
-  api_exp_hop *hops; /**< The hops, in path order. Field 1, list of `api_exp_hop`: owned array of records. Presence: `API_EXP_PATH_HAS_HOPS`. */
+  api_exp_hop *hops; /**< The hops, in path order. Field 1, list of `api_exp_hop`: owned array of records.
+      Presence: `API_EXP_PATH_HAS_HOPS`. */
   uint32_t hop_count; /**< Elements at `hops`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_EXP_PATH_HAS_FIELD2`. */
   uint8_t presence; /**< One bit per field: see `enum api_exp_path_presence`. */
@@ -405,7 +454,8 @@ typedef struct api_msg_internal {
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_MSG_INTERNAL_HAS_FIELD2`. */
   uint64_t field3; /**< Field 3, unsigned 64-bit. Presence: `API_MSG_INTERNAL_HAS_FIELD3`. */
   uint32_t field4; /**< Field 4, unsigned 32-bit. Presence: `API_MSG_INTERNAL_HAS_FIELD4`. */
-  struct api_msg_service service; /**< The service's values. Field 5, nested `api_msg_service`, with presence bits of its own. Presence: `API_MSG_INTERNAL_HAS_SERVICE`. */
+  struct api_msg_service service; /**< The service's values. Field 5, nested `api_msg_service`, with presence bits of
+      its own. Presence: `API_MSG_INTERNAL_HAS_SERVICE`. */
   uint32_t field6; /**< Field 6, unsigned 32-bit. Presence: `API_MSG_INTERNAL_HAS_FIELD6`. */
   uint8_t field7; /**< Field 7, flag. Presence: `API_MSG_INTERNAL_HAS_FIELD7`. */
   uint8_t presence; /**< One bit per field: see `enum api_msg_internal_presence`. */
@@ -429,14 +479,16 @@ PAVO_ZORV_API int pavo_zorv_api_msg_service_decode_ext(
 
 /** Encodes an `api_msg_service` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_service_encode_ext(
-    const api_msg_service *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_service *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_service` with all that it owns: see @ref copying. Always `CODEC_OK`. */
 PAVO_ZORV_API int pavo_zorv_api_msg_service_duplicate(
     api_msg_service *destination, const api_msg_service *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_service` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_service_free_ext(api_msg_service *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_service_free_ext(
+    api_msg_service *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_service` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_service_compare(const api_msg_service *a, const api_msg_service *b);
@@ -447,35 +499,42 @@ PAVO_ZORV_API int pavo_zorv_api_msg_internal_decode_ext(
 
 /** Encodes an `api_msg_internal` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_internal_encode_ext(
-    const api_msg_internal *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_internal *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_internal` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_internal_duplicate(
     api_msg_internal *destination, const api_msg_internal *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_internal` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_internal_free_ext(api_msg_internal *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_internal_free_ext(
+    api_msg_internal *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_internal` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_internal_compare(const api_msg_internal *a, const api_msg_internal *b);
 
 /** Decodes an `api_msg_on_demand_color_notif` from @p buffer: see @ref decoding. Never calls @p allocate. */
 PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_decode_ext(
-    api_msg_on_demand_color_notif *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+    api_msg_on_demand_color_notif *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context);
 
 /** Encodes an `api_msg_on_demand_color_notif` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_on_demand_color_notif_encode_ext(
-    const api_msg_on_demand_color_notif *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_on_demand_color_notif *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_on_demand_color_notif` with all that it owns: see @ref copying. Always `CODEC_OK`. */
 PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_duplicate(
-    api_msg_on_demand_color_notif *destination, const api_msg_on_demand_color_notif *source, pavo_zorv_allocate allocate, void *context);
+    api_msg_on_demand_color_notif *destination, const api_msg_on_demand_color_notif *source,
+    pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_on_demand_color_notif` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_on_demand_color_notif_free_ext(api_msg_on_demand_color_notif *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_on_demand_color_notif_free_ext(
+    api_msg_on_demand_color_notif *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_on_demand_color_notif` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_compare(const api_msg_on_demand_color_notif *a, const api_msg_on_demand_color_notif *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_compare(
+    const api_msg_on_demand_color_notif *a, const api_msg_on_demand_color_notif *b);
 
 /** @} */
 
@@ -517,15 +576,18 @@ typedef struct api_msg_p2p_auto_policy {
   uint32_t field4; /**< Field 4, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD4`. */
   uint8_t field5; /**< Field 5, flag. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD5`. */
   uint8_t field6; /**< Field 6, flag. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD6`. */
-  struct api_lbl_stack label_stack; /**< The label stack. Field 7, nested `api_lbl_stack`, with presence bits of its own. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_LABEL_STACK`. */
+  struct api_lbl_stack label_stack; /**< The label stack. Field 7, nested `api_lbl_stack`, with presence bits of its
+      own. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_LABEL_STACK`. */
   uint32_t field8; /**< Field 8, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD8`. */
   uint32_t field9; /**< Field 9, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD9`. */
   uint8_t field10; /**< Field 10, flag. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD10`. */
-  uint8_t *field11; /**< Field 11, list of unsigned 8-bit integers: owned array. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD11`. */
+  uint8_t *field11; /**< Field 11, list of unsigned 8-bit integers: owned array.
+      Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD11`. */
   uint32_t field11_count; /**< Elements at `field11`. */
   uint32_t field12; /**< Field 12, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD12`. */
   uint32_t field13; /**< Field 13, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD13`. */
-  api_exp_path *exp_paths; /**< The explicit paths. Field 14, list of `api_exp_path`: owned array of records. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_EXP_PATHS`. */
+  api_exp_path *exp_paths; /**< The explicit paths. Field 14, list of `api_exp_path`: owned array of records.
+      Presence: `API_MSG_P2P_AUTO_POLICY_HAS_EXP_PATHS`. */
   uint32_t exp_paths_count; /**< Elements at `exp_paths`. */
   uint32_t field15; /**< Field 15, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD15`. */
   uint32_t field16; /**< Field 16, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD16`. */
@@ -533,30 +595,36 @@ typedef struct api_msg_p2p_auto_policy {
   uint32_t field18; /**< Field 18, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD18`. */
   uint8_t field19; /**< Field 19, flag. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD19`. */
   char *field20; /**< Field 20, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD20`. */
-  struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 21, nested `prefix_sid_type`, with presence bits of its own. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_PREFIX_SID`. */
+  struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 21, nested `prefix_sid_type`, with presence bits
+      of its own. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_PREFIX_SID`. */
   uint32_t field22; /**< Field 22, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD22`. */
   uint32_t presence; /**< One bit per field: see `enum api_msg_p2p_auto_policy_presence`. */
 } api_msg_p2p_auto_policy;
 
 /** Decodes an `api_msg_p2p_auto_policy` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_decode_ext(
-    api_msg_p2p_auto_policy *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
+    api_msg_p2p_auto_policy *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context,
     uint32_t options);
 
 /** Encodes an `api_msg_p2p_auto_policy` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_encode_ext(
-    const api_msg_p2p_auto_policy *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
+    const api_msg_p2p_auto_policy *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count,
     uint32_t options);
 
 /** Copies an `api_msg_p2p_auto_policy` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_duplicate(
-    api_msg_p2p_auto_policy *destination, const api_msg_p2p_auto_policy *source, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy *destination, const api_msg_p2p_auto_policy *source, pavo_zorv_allocate allocate,
+    void *context);
 
 /** Releases what an `api_msg_p2p_auto_policy` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_free_ext(api_msg_p2p_auto_policy *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_free_ext(
+    api_msg_p2p_auto_policy *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `api_msg_p2p_auto_policy` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_compare(const api_msg_p2p_auto_policy *a, const api_msg_p2p_auto_policy *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_compare(
+    const api_msg_p2p_auto_policy *a, const api_msg_p2p_auto_policy *b);
 
 /** @} */
 
@@ -595,7 +663,8 @@ enum api_msg_p2p_auto_policy_notif_presence {
 };
 
 /** The notification about an automatically created point-to-point policy.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext`. */
+ *  What its pointers lead to is owned by the record, and given back by
+ *  `pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext`. */
 typedef struct api_msg_p2p_auto_policy_notif {
   char *field1; /**< Field 1, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD1`. */
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD2`. */
@@ -606,12 +675,14 @@ typedef struct api_msg_p2p_auto_policy_notif {
   uint32_t field7; /**< Field 7, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD7`. */
   uint32_t field8; /**< Field 8, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD8`. */
   uint8_t field9; /**< Field 9, flag. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD9`. */
-  struct api_lbl_stack label_stack; /**< The label stack. Field 10, nested `api_lbl_stack`, with presence bits of its own. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_LABEL_STACK`. */
+  struct api_lbl_stack label_stack; /**< The label stack. Field 10, nested `api_lbl_stack`, with presence bits of its
+      own. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_LABEL_STACK`. */
   uint32_t field11; /**< Field 11, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD11`. */
   uint32_t field12; /**< Field 12, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD12`. */
   uint8_t field13; /**< Field 13, flag. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD13`. */
   uint32_t field14; /**< Field 14, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD14`. */
-  uint8_t *field15; /**< Field 15, list of unsigned 8-bit integers: owned array. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD15`. */
+  uint8_t *field15; /**< Field 15, list of unsigned 8-bit integers: owned array.
+      Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD15`. */
   uint32_t field15_count; /**< Elements at `field15`. */
   uint32_t field16; /**< Field 16, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD16`. */
   uint32_t field17; /**< Field 17, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD17`. */
@@ -619,7 +690,8 @@ typedef struct api_msg_p2p_auto_policy_notif {
   uint32_t field19; /**< Field 19, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD19`. */
   uint8_t field20; /**< Field 20, flag. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD20`. */
   char *field21; /**< Field 21, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD21`. */
-  uint8_t *field22; /**< Field 22, list of unsigned 8-bit integers: owned array. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22`. */
+  uint8_t *field22; /**< Field 22, list of unsigned 8-bit integers: owned array.
+      Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22`. */
   uint32_t field22_count; /**< Elements at `field22`. */
   uint32_t field23; /**< Field 23, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD23`. */
   uint32_t field24; /**< Field 24, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD24`. */
@@ -631,21 +703,26 @@ typedef struct api_msg_p2p_auto_policy_notif {
 
 /** Decodes an `api_msg_p2p_auto_policy_notif` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_decode_ext(
-    api_msg_p2p_auto_policy_notif *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_notif *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context);
 
 /** Encodes an `api_msg_p2p_auto_policy_notif` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_notif_encode_ext(
-    const api_msg_p2p_auto_policy_notif *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_p2p_auto_policy_notif *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_p2p_auto_policy_notif` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_duplicate(
-    api_msg_p2p_auto_policy_notif *destination, const api_msg_p2p_auto_policy_notif *source, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_notif *destination, const api_msg_p2p_auto_policy_notif *source,
+    pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_p2p_auto_policy_notif` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext(api_msg_p2p_auto_policy_notif *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext(
+    api_msg_p2p_auto_policy_notif *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_p2p_auto_policy_notif` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_compare(const api_msg_p2p_auto_policy_notif *a, const api_msg_p2p_auto_policy_notif *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_compare(
+    const api_msg_p2p_auto_policy_notif *a, const api_msg_p2p_auto_policy_notif *b);
 
 /** @} */
 
@@ -660,9 +737,11 @@ enum api_msg_p2p_auto_policy_request_presence {
 };
 
 /** A request that carries one automatically created policy.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_p2p_auto_policy_request_free_ext`. */
+ *  What its pointers lead to is owned by the record, and given back by
+ *  `pavo_zorv_api_msg_p2p_auto_policy_request_free_ext`. */
 typedef struct api_msg_p2p_auto_policy_request {
-  struct api_msg_p2p_auto_policy policy; /**< The policy. Field 1, nested `api_msg_p2p_auto_policy`, with presence bits of its own. Presence: `API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_POLICY`. */
+  struct api_msg_p2p_auto_policy policy; /**< The policy. Field 1, nested `api_msg_p2p_auto_policy`, with presence bits
+      of its own. Presence: `API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_POLICY`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_FIELD2`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_FIELD3`. */
   uint8_t presence; /**< One bit per field: see `enum api_msg_p2p_auto_policy_request_presence`. */
@@ -676,9 +755,12 @@ enum api_msg_p2p_auto_policy_response_presence {
 };
 
 /** A response that carries one notification.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_p2p_auto_policy_response_free_ext`. */
+ *  What its pointers lead to is owned by the record, and given back by
+ *  `pavo_zorv_api_msg_p2p_auto_policy_response_free_ext`. */
 typedef struct api_msg_p2p_auto_policy_response {
-  struct api_msg_p2p_auto_policy_notif notification; /**< The notification. Field 1, nested `api_msg_p2p_auto_policy_notif`, with presence bits of its own. Presence: `API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_NOTIFICATION`. */
+  struct api_msg_p2p_auto_policy_notif notification; /**< The notification. Field 1, nested
+      `api_msg_p2p_auto_policy_notif`, with presence bits of its own.
+      Presence: `API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_NOTIFICATION`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_FIELD2`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_FIELD3`. */
   uint8_t presence; /**< One bit per field: see `enum api_msg_p2p_auto_policy_response_presence`. */
@@ -700,59 +782,74 @@ typedef struct api_msg_p2p_auto_policy_sweep {
 
 /** Decodes an `api_msg_p2p_auto_policy_request` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_decode_ext(
-    api_msg_p2p_auto_policy_request *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
+    api_msg_p2p_auto_policy_request *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context,
     uint32_t options);
 
 /** Encodes an `api_msg_p2p_auto_policy_request` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_request_encode_ext(
-    const api_msg_p2p_auto_policy_request *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
+    const api_msg_p2p_auto_policy_request *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count,
     uint32_t options);
 
 /** Copies an `api_msg_p2p_auto_policy_request` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_duplicate(
-    api_msg_p2p_auto_policy_request *destination, const api_msg_p2p_auto_policy_request *source, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_request *destination, const api_msg_p2p_auto_policy_request *source,
+    pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_p2p_auto_policy_request` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_request_free_ext(api_msg_p2p_auto_policy_request *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_request_free_ext(
+    api_msg_p2p_auto_policy_request *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `api_msg_p2p_auto_policy_request` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_compare(const api_msg_p2p_auto_policy_request *a, const api_msg_p2p_auto_policy_request *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_compare(
+    const api_msg_p2p_auto_policy_request *a, const api_msg_p2p_auto_policy_request *b);
 
 /** Decodes an `api_msg_p2p_auto_policy_response` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_decode_ext(
-    api_msg_p2p_auto_policy_response *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_response *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context);
 
 /** Encodes an `api_msg_p2p_auto_policy_response` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_response_encode_ext(
-    const api_msg_p2p_auto_policy_response *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_p2p_auto_policy_response *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_p2p_auto_policy_response` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_duplicate(
-    api_msg_p2p_auto_policy_response *destination, const api_msg_p2p_auto_policy_response *source, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_response *destination, const api_msg_p2p_auto_policy_response *source,
+    pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_p2p_auto_policy_response` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_response_free_ext(api_msg_p2p_auto_policy_response *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_response_free_ext(
+    api_msg_p2p_auto_policy_response *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_p2p_auto_policy_response` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_compare(const api_msg_p2p_auto_policy_response *a, const api_msg_p2p_auto_policy_response *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_compare(
+    const api_msg_p2p_auto_policy_response *a, const api_msg_p2p_auto_policy_response *b);
 
 /** Decodes an `api_msg_p2p_auto_policy_sweep` from @p buffer: see @ref decoding. Never calls @p allocate. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_decode_ext(
-    api_msg_p2p_auto_policy_sweep *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_sweep *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context);
 
 /** Encodes an `api_msg_p2p_auto_policy_sweep` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_sweep_encode_ext(
-    const api_msg_p2p_auto_policy_sweep *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_p2p_auto_policy_sweep *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_p2p_auto_policy_sweep` with all that it owns: see @ref copying. Always `CODEC_OK`. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_duplicate(
-    api_msg_p2p_auto_policy_sweep *destination, const api_msg_p2p_auto_policy_sweep *source, pavo_zorv_allocate allocate, void *context);
+    api_msg_p2p_auto_policy_sweep *destination, const api_msg_p2p_auto_policy_sweep *source,
+    pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_p2p_auto_policy_sweep` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_sweep_free_ext(api_msg_p2p_auto_policy_sweep *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_sweep_free_ext(
+    api_msg_p2p_auto_policy_sweep *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_p2p_auto_policy_sweep` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_compare(const api_msg_p2p_auto_policy_sweep *a, const api_msg_p2p_auto_policy_sweep *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_compare(
+    const api_msg_p2p_auto_policy_sweep *a, const api_msg_p2p_auto_policy_sweep *b);
 
 /** @} */
 
@@ -769,7 +866,8 @@ enum api_nodeid_presence {
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_nodeid_free_ext`. */
 typedef struct api_nodeid {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `API_NODEID_HAS_FIELD1`. */
-  uint8_t *octets; /**< The octets. Field 2, list of unsigned 8-bit integers: owned array. Presence: `API_NODEID_HAS_OCTETS`. */
+  uint8_t *octets; /**< The octets. Field 2, list of unsigned 8-bit integers: owned array.
+      Presence: `API_NODEID_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint8_t presence; /**< One bit per field: see `enum api_nodeid_presence`. */
 } api_nodeid;
@@ -783,7 +881,8 @@ enum api_prefix_presence {
 /** A prefix.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_prefix_free_ext`. */
 typedef struct api_prefix {
-  uint8_t *octets; /**< The octets. Field 1, list of unsigned 8-bit integers: owned array. Presence: `API_PREFIX_HAS_OCTETS`. */
+  uint8_t *octets; /**< The octets. Field 1, list of unsigned 8-bit integers: owned array.
+      Presence: `API_PREFIX_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint8_t field2; /**< Field 2, unsigned 8-bit. Presence: `API_PREFIX_HAS_FIELD2`. */
   uint8_t presence; /**< One bit per field: see `enum api_prefix_presence`. */
@@ -860,7 +959,8 @@ typedef struct api_link_update {
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_LINK_UPDATE_HAS_FIELD2`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `API_LINK_UPDATE_HAS_FIELD3`. */
   uint32_t field4; /**< Field 4, unsigned 32-bit. Presence: `API_LINK_UPDATE_HAS_FIELD4`. */
-  uint32_t *field5; /**< Field 5, list of unsigned 32-bit integers: owned array. Presence: `API_LINK_UPDATE_HAS_FIELD5`. */
+  uint32_t *field5; /**< Field 5, list of unsigned 32-bit integers: owned array.
+      Presence: `API_LINK_UPDATE_HAS_FIELD5`. */
   uint32_t field5_count; /**< Elements at `field5`. */
   uint8_t presence; /**< One bit per field: see `enum api_link_update_presence`. */
 } api_link_update;
@@ -889,14 +989,16 @@ PAVO_ZORV_API int pavo_zorv_api_link_update_decode_ext(
 
 /** Encodes an `api_link_update` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_link_update_encode_ext(
-    const api_link_update *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_link_update *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_link_update` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_link_update_duplicate(
     api_link_update *destination, const api_link_update *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_link_update` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_link_update_free_ext(api_link_update *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_link_update_free_ext(
+    api_link_update *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_link_update` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_link_update_compare(const api_link_update *a, const api_link_update *b);
@@ -927,7 +1029,8 @@ typedef struct api_policy {
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_POLICY_HAS_FIELD2`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `API_POLICY_HAS_FIELD3`. */
   uint8_t field4; /**< Field 4, flag. Presence: `API_POLICY_HAS_FIELD4`. */
-  api_prefix *prefixes; /**< The prefixes. Field 5, list of `api_prefix`: owned array of records. Presence: `API_POLICY_HAS_PREFIXES`. */
+  api_prefix *prefixes; /**< The prefixes. Field 5, list of `api_prefix`: owned array of records.
+      Presence: `API_POLICY_HAS_PREFIXES`. */
   uint32_t prefixes_count; /**< Elements at `prefixes`. */
   char *field6; /**< Field 6, string: NUL-terminated, owned. Presence: `API_POLICY_HAS_FIELD6`. */
   char *field7; /**< Field 7, string: NUL-terminated, owned. Presence: `API_POLICY_HAS_FIELD7`. */
@@ -970,10 +1073,12 @@ enum api_aa_list_presence {
 /** A list of policies.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_aa_list_free_ext`. */
 typedef struct api_aa_list {
-  uint8_t *octets; /**< The octets. Field 1, list of unsigned 8-bit integers: owned array. Presence: `API_AA_LIST_HAS_OCTETS`. */
+  uint8_t *octets; /**< The octets. Field 1, list of unsigned 8-bit integers: owned array.
+      Presence: `API_AA_LIST_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_AA_LIST_HAS_FIELD2`. */
-  api_policy *policies; /**< The policies. Field 3, list of `api_policy`: owned array of records. Presence: `API_AA_LIST_HAS_POLICIES`. */
+  api_policy *policies; /**< The policies. Field 3, list of `api_policy`: owned array of records.
+      Presence: `API_AA_LIST_HAS_POLICIES`. */
   uint32_t policies_count; /**< Elements at `policies`. */
   uint8_t presence; /**< One bit per field: see `enum api_aa_list_presence`. */
 } api_aa_list;
@@ -1011,8 +1116,10 @@ enum api_to_zorv_presence {
 /** A message towards the policy component.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_to_zorv_free_ext`. */
 typedef struct api_to_zorv {
-  struct api_nodeid nodeid; /**< The node identifier. Field 1, nested `api_nodeid`, with presence bits of its own. Presence: `API_TO_ZORV_HAS_NODEID`. */
-  struct api_intf intf; /**< The interface. Field 2, nested `api_intf`, with presence bits of its own. Presence: `API_TO_ZORV_HAS_INTF`. */
+  struct api_nodeid nodeid; /**< The node identifier. Field 1, nested `api_nodeid`, with presence bits of its own.
+      Presence: `API_TO_ZORV_HAS_NODEID`. */
+  struct api_intf intf; /**< The interface. Field 2, nested `api_intf`, with presence bits of its own.
+      Presence: `API_TO_ZORV_HAS_INTF`. */
   uint8_t field3; /**< Field 3, flag. Presence: `API_TO_ZORV_HAS_FIELD3`. */
   uint8_t presence; /**< One bit per field: see `enum api_to_zorv_presence`. */
 } api_to_zorv;
@@ -1028,8 +1135,10 @@ enum api_to_igp_presence {
 /** A message towards the IGP side.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_to_igp_free_ext`. */
 typedef struct api_to_igp {
-  struct api_link_update link_update; /**< The link update. Field 1, nested `api_link_update`, with presence bits of its own. Presence: `API_TO_IGP_HAS_LINK_UPDATE`. */
-  struct api_aa_list aa_list; /**< The policy list. Field 2, nested `api_aa_list`, with presence bits of its own. Presence: `API_TO_IGP_HAS_AA_LIST`. */
+  struct api_link_update link_update; /**< The link update. Field 1, nested `api_link_update`, with presence bits of its
+      own. Presence: `API_TO_IGP_HAS_LINK_UPDATE`. */
+  struct api_aa_list aa_list; /**< The policy list. Field 2, nested `api_aa_list`, with presence bits of its own.
+      Presence: `API_TO_IGP_HAS_AA_LIST`. */
   uint8_t field3; /**< Field 3, flag. Presence: `API_TO_IGP_HAS_FIELD3`. */
   uint8_t field4; /**< Field 4, flag. Presence: `API_TO_IGP_HAS_FIELD4`. */
   uint8_t presence; /**< One bit per field: see `enum api_to_igp_presence`. */
@@ -1088,7 +1197,8 @@ enum api_msg_policy_reg_presence {
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_policy_reg_free_ext`. */
 typedef struct api_msg_policy_reg {
   uint8_t field1; /**< Field 1, flag. Presence: `API_MSG_POLICY_REG_HAS_FIELD1`. */
-  uint8_t *octets; /**< The octets. Field 2, list of unsigned 8-bit integers: owned array. Presence: `API_MSG_POLICY_REG_HAS_OCTETS`. */
+  uint8_t *octets; /**< The octets. Field 2, list of unsigned 8-bit integers: owned array.
+      Presence: `API_MSG_POLICY_REG_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `API_MSG_POLICY_REG_HAS_FIELD3`. */
   char *field4; /**< Field 4, string: NUL-terminated, owned. Presence: `API_MSG_POLICY_REG_HAS_FIELD4`. */
@@ -1101,14 +1211,16 @@ PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_decode_ext(
 
 /** Encodes an `api_msg_policy_reg` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_policy_reg_encode_ext(
-    const api_msg_policy_reg *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_msg_policy_reg *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies an `api_msg_policy_reg` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_duplicate(
     api_msg_policy_reg *destination, const api_msg_policy_reg *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg_policy_reg` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_policy_reg_free_ext(api_msg_policy_reg *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_policy_reg_free_ext(
+    api_msg_policy_reg *record, pavo_zorv_release release, void *context);
 
 /** Orders two `api_msg_policy_reg` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_compare(const api_msg_policy_reg *a, const api_msg_policy_reg *b);
@@ -1127,7 +1239,8 @@ enum srv6_prefix_presence {
 /** An SRv6 prefix: octets of any length and a number.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_srv6_prefix_free_ext`. */
 typedef struct srv6_prefix {
-  unsigned char *field1; /**< Field 1, bytes: owned, or borrowed from the input in reference mode. Presence: `SRV6_PREFIX_HAS_FIELD1`. */
+  unsigned char *field1; /**< Field 1, bytes: owned, or borrowed from the input in reference mode.
+      Presence: `SRV6_PREFIX_HAS_FIELD1`. */
   uint64_t field1_length; /**< Octets at `field1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `SRV6_PREFIX_HAS_FIELD2`. */
   uint8_t presence; /**< One bit per field: see `enum srv6_prefix_presence`. */
@@ -1172,8 +1285,10 @@ enum srv6_usid_presence {
 typedef struct srv6_usid {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `SRV6_USID_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `SRV6_USID_HAS_FIELD2`. */
-  struct srv6_prefix prefix; /**< The prefix. Field 3, nested `srv6_prefix`, with presence bits of its own. Presence: `SRV6_USID_HAS_PREFIX`. */
-  struct srv6_sid_struct sid_struct; /**< The SID structure. Field 4, nested `srv6_sid_struct`, with presence bits of its own. Presence: `SRV6_USID_HAS_SID_STRUCT`. */
+  struct srv6_prefix prefix; /**< The prefix. Field 3, nested `srv6_prefix`, with presence bits of its own.
+      Presence: `SRV6_USID_HAS_PREFIX`. */
+  struct srv6_sid_struct sid_struct; /**< The SID structure. Field 4, nested `srv6_sid_struct`, with presence bits of
+      its own. Presence: `SRV6_USID_HAS_SID_STRUCT`. */
   uint8_t presence; /**< One bit per field: see `enum srv6_usid_presence`. */
 } srv6_usid;
 
@@ -1192,7 +1307,8 @@ PAVO_ZORV_API int pavo_zorv_srv6_prefix_duplicate(
     srv6_prefix *destination, const srv6_prefix *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what a `srv6_prefix` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_srv6_prefix_free_ext(srv6_prefix *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_srv6_prefix_free_ext(
+    srv6_prefix *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `srv6_prefix` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_srv6_prefix_compare(const srv6_prefix *a, const srv6_prefix *b);
@@ -1203,14 +1319,16 @@ PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_decode_ext(
 
 /** Encodes a `srv6_sid_struct` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_srv6_sid_struct_encode_ext(
-    const srv6_sid_struct *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const srv6_sid_struct *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count);
 
 /** Copies a `srv6_sid_struct` with all that it owns: see @ref copying. Always `CODEC_OK`. */
 PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_duplicate(
     srv6_sid_struct *destination, const srv6_sid_struct *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what a `srv6_sid_struct` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_srv6_sid_struct_free_ext(srv6_sid_struct *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_srv6_sid_struct_free_ext(
+    srv6_sid_struct *record, pavo_zorv_release release, void *context);
 
 /** Orders two `srv6_sid_struct` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_compare(const srv6_sid_struct *a, const srv6_sid_struct *b);
@@ -1230,7 +1348,8 @@ PAVO_ZORV_API int pavo_zorv_srv6_usid_duplicate(
     srv6_usid *destination, const srv6_usid *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what a `srv6_usid` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_srv6_usid_free_ext(srv6_usid *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_srv6_usid_free_ext(
+    srv6_usid *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `srv6_usid` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_srv6_usid_compare(const srv6_usid *a, const srv6_usid *b);
@@ -1251,10 +1370,12 @@ enum out_sid_list_info_presence {
 /** An outgoing segment list.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_out_sid_list_info_free_ext`. */
 typedef struct out_sid_list_info {
-  struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 1, nested `prefix_sid_type`, with presence bits of its own. Presence: `OUT_SID_LIST_INFO_HAS_PREFIX_SID`. */
+  struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 1, nested `prefix_sid_type`, with presence bits
+      of its own. Presence: `OUT_SID_LIST_INFO_HAS_PREFIX_SID`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `OUT_SID_LIST_INFO_HAS_FIELD2`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `OUT_SID_LIST_INFO_HAS_FIELD3`. */
-  unsigned char *field4; /**< Field 4, bytes: owned, or borrowed from the input in reference mode. Presence: `OUT_SID_LIST_INFO_HAS_FIELD4`. */
+  unsigned char *field4; /**< Field 4, bytes: owned, or borrowed from the input in reference mode.
+      Presence: `OUT_SID_LIST_INFO_HAS_FIELD4`. */
   uint64_t field4_length; /**< Octets at `field4`. */
   uint8_t presence; /**< One bit per field: see `enum out_sid_list_info_presence`. */
 } out_sid_list_info;
@@ -1267,7 +1388,8 @@ enum out_srv6_usid_list_info_presence {
 /** An outgoing list of SRv6 micro-SIDs.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_out_srv6_usid_list_info_free_ext`. */
 typedef struct out_srv6_usid_list_info {
-  srv6_usid *usids; /**< The micro-SIDs. Field 1, list of `srv6_usid`: owned array of records. Presence: `OUT_SRV6_USID_LIST_INFO_HAS_USIDS`. */
+  srv6_usid *usids; /**< The micro-SIDs. Field 1, list of `srv6_usid`: owned array of records.
+      Presence: `OUT_SRV6_USID_LIST_INFO_HAS_USIDS`. */
   uint32_t usids_count; /**< Elements at `usids`. */
   uint8_t presence; /**< One bit per field: see `enum out_srv6_usid_list_info_presence`. */
 } out_srv6_usid_list_info;
@@ -1279,7 +1401,8 @@ PAVO_ZORV_API int pavo_zorv_out_sid_list_info_decode_ext(
 
 /** Encodes an `out_sid_list_info` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_out_sid_list_info_encode_ext(
-    const out_sid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
+    const out_sid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count,
     uint32_t options);
 
 /** Copies an `out_sid_list_info` with all that it owns: see @ref copying. */
@@ -1287,30 +1410,36 @@ PAVO_ZORV_API int pavo_zorv_out_sid_list_info_duplicate(
     out_sid_list_info *destination, const out_sid_list_info *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `out_sid_list_info` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_out_sid_list_info_free_ext(out_sid_list_info *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_out_sid_list_info_free_ext(
+    out_sid_list_info *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `out_sid_list_info` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_out_sid_list_info_compare(const out_sid_list_info *a, const out_sid_list_info *b);
 
 /** Decodes an `out_srv6_usid_list_info` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_decode_ext(
-    out_srv6_usid_list_info *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
+    out_srv6_usid_list_info *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context,
     uint32_t options);
 
 /** Encodes an `out_srv6_usid_list_info` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_out_srv6_usid_list_info_encode_ext(
-    const out_srv6_usid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
+    const out_srv6_usid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count,
     uint32_t options);
 
 /** Copies an `out_srv6_usid_list_info` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_duplicate(
-    out_srv6_usid_list_info *destination, const out_srv6_usid_list_info *source, pavo_zorv_allocate allocate, void *context);
+    out_srv6_usid_list_info *destination, const out_srv6_usid_list_info *source, pavo_zorv_allocate allocate,
+    void *context);
 
 /** Releases what an `out_srv6_usid_list_info` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_out_srv6_usid_list_info_free_ext(out_srv6_usid_list_info *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_out_srv6_usid_list_info_free_ext(
+    out_srv6_usid_list_info *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `out_srv6_usid_list_info` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_compare(const out_srv6_usid_list_info *a, const out_srv6_usid_list_info *b);
+PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_compare(
+    const out_srv6_usid_list_info *a, const out_srv6_usid_list_info *b);
 
 /** @} */
 
@@ -1335,9 +1464,11 @@ typedef struct oam_req {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD2`. */
   char *field3; /**< Field 3, string: NUL-terminated, owned. Presence: `OAM_REQ_HAS_FIELD3`. */
-  struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 4, nested `prefix_sid_type`, with presence bits of its own. Presence: `OAM_REQ_HAS_PREFIX_SID`. */
+  struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 4, nested `prefix_sid_type`, with presence bits
+      of its own. Presence: `OAM_REQ_HAS_PREFIX_SID`. */
   uint32_t field5; /**< Field 5, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD5`. */
-  unsigned char *field6; /**< Field 6, bytes: owned, or borrowed from the input in reference mode. Presence: `OAM_REQ_HAS_FIELD6`. */
+  unsigned char *field6; /**< Field 6, bytes: owned, or borrowed from the input in reference mode.
+      Presence: `OAM_REQ_HAS_FIELD6`. */
   uint64_t field6_length; /**< Octets at `field6`. */
   uint32_t field7; /**< Field 7, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD7`. */
   uint32_t field8; /**< Field 8, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD8`. */
@@ -1359,7 +1490,8 @@ PAVO_ZORV_API int pavo_zorv_oam_req_duplicate(
     oam_req *destination, const oam_req *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `oam_req` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_oam_req_free_ext(oam_req *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_oam_req_free_ext(
+    oam_req *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `oam_req` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_oam_req_compare(const oam_req *a, const oam_req *b);
@@ -1387,11 +1519,14 @@ typedef struct oam_res {
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `OAM_RES_HAS_FIELD2`. */
   int32_t field3; /**< Field 3, signed 32-bit. Presence: `OAM_RES_HAS_FIELD3`. */
   uint8_t field4; /**< Field 4, flag. Presence: `OAM_RES_HAS_FIELD4`. */
-  out_sid_list_info *sid_lists; /**< The outgoing segment lists. Field 5, list of `out_sid_list_info`: owned array of records. Presence: `OAM_RES_HAS_SID_LISTS`. */
+  out_sid_list_info *sid_lists; /**< The outgoing segment lists. Field 5, list of `out_sid_list_info`: owned array of
+      records. Presence: `OAM_RES_HAS_SID_LISTS`. */
   uint32_t sid_lists_count; /**< Elements at `sid_lists`. */
-  unsigned char *field6; /**< Field 6, bytes: owned, or borrowed from the input in reference mode. Presence: `OAM_RES_HAS_FIELD6`. */
+  unsigned char *field6; /**< Field 6, bytes: owned, or borrowed from the input in reference mode.
+      Presence: `OAM_RES_HAS_FIELD6`. */
   uint64_t field6_length; /**< Octets at `field6`. */
-  out_srv6_usid_list_info *usid_lists; /**< The outgoing micro-SID lists. Field 7, list of `out_srv6_usid_list_info`: owned array of records. Presence: `OAM_RES_HAS_USID_LISTS`. */
+  out_srv6_usid_list_info *usid_lists; /**< The outgoing micro-SID lists. Field 7, list of `out_srv6_usid_list_info`:
+      owned array of records. Presence: `OAM_RES_HAS_USID_LISTS`. */
   uint32_t usid_lists_count; /**< Elements at `usid_lists`. */
   uint8_t presence; /**< One bit per field: see `enum oam_res_presence`. */
 } oam_res;
@@ -1411,7 +1546,8 @@ PAVO_ZORV_API int pavo_zorv_oam_res_duplicate(
     oam_res *destination, const oam_res *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `oam_res` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_oam_res_free_ext(oam_res *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_oam_res_free_ext(
+    oam_res *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `oam_res` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_oam_res_compare(const oam_res *a, const oam_res *b);
@@ -1445,21 +1581,37 @@ enum api_msg_presence {
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_free_ext`. */
 typedef struct api_msg {
   uint64_t field1; /**< Field 1, unsigned 64-bit. Presence: `API_MSG_HAS_FIELD1`. */
-  struct api_msg_internal internal; /**< Field 2, nested `api_msg_internal`, with presence bits of its own. Presence: `API_MSG_HAS_INTERNAL`. */
-  struct api_msg_p2p_auto_policy field3; /**< Field 3, nested `api_msg_p2p_auto_policy`, with presence bits of its own. Presence: `API_MSG_HAS_FIELD3`. */
-  struct api_msg_p2p_auto_policy field4; /**< Field 4, nested `api_msg_p2p_auto_policy`, with presence bits of its own. Presence: `API_MSG_HAS_FIELD4`. */
-  struct api_msg_p2p_auto_policy_notif p2p_auto_policy_notif; /**< Field 5, nested `api_msg_p2p_auto_policy_notif`, with presence bits of its own. Presence: `API_MSG_HAS_P2P_AUTO_POLICY_NOTIF`. */
-  struct api_msg_on_demand_color_notif field6; /**< Field 6, nested `api_msg_on_demand_color_notif`, with presence bits of its own. Presence: `API_MSG_HAS_FIELD6`. */
-  struct api_msg_on_demand_color_notif field7; /**< Field 7, nested `api_msg_on_demand_color_notif`, with presence bits of its own. Presence: `API_MSG_HAS_FIELD7`. */
-  struct api_msg_p2p_auto_policy_request p2p_auto_policy_request; /**< Field 8, nested `api_msg_p2p_auto_policy_request`, with presence bits of its own. Presence: `API_MSG_HAS_P2P_AUTO_POLICY_REQUEST`. */
-  struct api_msg_p2p_auto_policy_response p2p_auto_policy_response; /**< Field 9, nested `api_msg_p2p_auto_policy_response`, with presence bits of its own. Presence: `API_MSG_HAS_P2P_AUTO_POLICY_RESPONSE`. */
-  struct api_msg_p2p_auto_policy_sweep p2p_auto_policy_sweep; /**< Field 10, nested `api_msg_p2p_auto_policy_sweep`, with presence bits of its own. Presence: `API_MSG_HAS_P2P_AUTO_POLICY_SWEEP`. */
-  struct api_to_igp to_igp; /**< Field 11, nested `api_to_igp`, with presence bits of its own. Presence: `API_MSG_HAS_TO_IGP`. */
-  struct api_to_zorv to_zorv; /**< Field 12, nested `api_to_zorv`, with presence bits of its own. Presence: `API_MSG_HAS_TO_ZORV`. */
-  struct oam_req oam_req; /**< Field 13, nested `oam_req`, with presence bits of its own. Presence: `API_MSG_HAS_OAM_REQ`. */
-  struct oam_res oam_res; /**< Field 14, nested `oam_res`, with presence bits of its own. Presence: `API_MSG_HAS_OAM_RES`. */
+  struct api_msg_internal internal; /**< Field 2, nested `api_msg_internal`, with presence bits of its own.
+      Presence: `API_MSG_HAS_INTERNAL`. */
+  struct api_msg_p2p_auto_policy field3; /**< Field 3, nested `api_msg_p2p_auto_policy`, with presence bits of its own.
+      Presence: `API_MSG_HAS_FIELD3`. */
+  struct api_msg_p2p_auto_policy field4; /**< Field 4, nested `api_msg_p2p_auto_policy`, with presence bits of its own.
+      Presence: `API_MSG_HAS_FIELD4`. */
+  struct api_msg_p2p_auto_policy_notif p2p_auto_policy_notif; /**< Field 5, nested `api_msg_p2p_auto_policy_notif`, with
+      presence bits of its own. Presence: `API_MSG_HAS_P2P_AUTO_POLICY_NOTIF`. */
+  struct api_msg_on_demand_color_notif field6; /**< Field 6, nested `api_msg_on_demand_color_notif`, with presence bits
+      of its own. Presence: `API_MSG_HAS_FIELD6`. */
+  struct api_msg_on_demand_color_notif field7; /**< Field 7, nested `api_msg_on_demand_color_notif`, with presence bits
+      of its own. Presence: `API_MSG_HAS_FIELD7`. */
+  struct api_msg_p2p_auto_policy_request p2p_auto_policy_request; /**< Field 8, nested
+      `api_msg_p2p_auto_policy_request`, with presence bits of its own.
+      Presence: `API_MSG_HAS_P2P_AUTO_POLICY_REQUEST`. */
+  struct api_msg_p2p_auto_policy_response p2p_auto_policy_response; /**< Field 9, nested
+      `api_msg_p2p_auto_policy_response`, with presence bits of its own.
+      Presence: `API_MSG_HAS_P2P_AUTO_POLICY_RESPONSE`. */
+  struct api_msg_p2p_auto_policy_sweep p2p_auto_policy_sweep; /**< Field 10, nested `api_msg_p2p_auto_policy_sweep`,
+      with presence bits of its own. Presence: `API_MSG_HAS_P2P_AUTO_POLICY_SWEEP`. */
+  struct api_to_igp to_igp; /**< Field 11, nested `api_to_igp`, with presence bits of its own.
+      Presence: `API_MSG_HAS_TO_IGP`. */
+  struct api_to_zorv to_zorv; /**< Field 12, nested `api_to_zorv`, with presence bits of its own.
+      Presence: `API_MSG_HAS_TO_ZORV`. */
+  struct oam_req oam_req; /**< Field 13, nested `oam_req`, with presence bits of its own.
+      Presence: `API_MSG_HAS_OAM_REQ`. */
+  struct oam_res oam_res; /**< Field 14, nested `oam_res`, with presence bits of its own.
+      Presence: `API_MSG_HAS_OAM_RES`. */
   uint8_t field15; /**< Field 15, flag. Presence: `API_MSG_HAS_FIELD15`. */
-  struct api_msg_policy_reg policy_reg; /**< Field 16, nested `api_msg_policy_reg`, with presence bits of its own. Presence: `API_MSG_HAS_POLICY_REG`. */
+  struct api_msg_policy_reg policy_reg; /**< Field 16, nested `api_msg_policy_reg`, with presence bits of its own.
+      Presence: `API_MSG_HAS_POLICY_REG`. */
   uint16_t presence; /**< One bit per field: see `enum api_msg_presence`. */
 } api_msg;
 
@@ -1478,7 +1630,8 @@ PAVO_ZORV_API int pavo_zorv_api_msg_duplicate(
     api_msg *destination, const api_msg *source, pavo_zorv_allocate allocate, void *context);
 
 /** Releases what an `api_msg` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_free_ext(api_msg *record, pavo_zorv_release release, void *context, uint32_t options);
+PAVO_ZORV_API void pavo_zorv_api_msg_free_ext(
+    api_msg *record, pavo_zorv_release release, void *context, uint32_t options);
 
 /** Orders two `api_msg` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_compare(const api_msg *a, const api_msg *b);

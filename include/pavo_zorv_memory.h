@@ -31,7 +31,7 @@
 
 #include "pavo_zorv.h"
 
-/* C wants a copy in each source, C++ one in the program. */
+/** How the functions of this header are declared: C wants a copy in each source, C++ one in the program. */
 #ifdef __cplusplus
 #define PAVO_ZORV_INLINE_FUNCTION inline
 extern "C" {

@@ -1,0 +1,80 @@
+// The comments of the public header against the schema: what stands at a member is true of its field.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+#include "describe.hpp"
+
+namespace {
+
+std::string read_header() {
+  std::ifstream file(PAVO_ZORV_HEADER);
+  std::string text{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_FALSE(text.empty()) << "cannot read " PAVO_ZORV_HEADER;
+  // Comments may be broken anywhere.
+  return std::regex_replace(text, std::regex("\\s+"), " ");
+}
+
+// What stands between the braces of a record.
+std::string record_text(const std::string &header, const std::string &name) {
+  const std::string first = "typedef struct " + name + " {";
+  const auto begin = header.find(first);
+  const auto end = header.find("} " + name + ";", begin);
+  if (begin == std::string::npos || end == std::string::npos) return {};
+  return header.substr(begin + first.size(), end - begin - first.size());
+}
+
+// The comment at a member.
+std::string comment_of(const std::string &record, const std::string &member) {
+  std::smatch found;
+  std::regex_search(record, found, std::regex("[ *]" + member + "; /\\*\\*< (.*?) \\*/"));
+  return found.empty() ? "" : found[1].str();
+}
+
+template <class Record>
+void check_message(const std::string &header) {
+  const std::string name = pavo_zorv::message_name<Record>;
+  const std::string record = record_text(header, name);
+  ASSERT_NE(record, "") << name;
+  pavo_zorv::for_each_row<Record>([&](auto index) {
+    constexpr auto &row = pavo_zorv::row_at<Record, index>;
+    const std::string comment = comment_of(record, row.name);
+    const std::string field = "Field " + std::to_string(row.number) + ", " + docs::kind_text<Record, index>();
+    EXPECT_TRUE(std::regex_search(comment, std::regex("(^|\\. )" + field + "[.:,]")))
+        << name << "." << row.name << " does not say \"" << field << "\": " << comment;
+    const std::string presence = "Presence: `" + docs::presence_text<Record, index>() + "`.";
+    EXPECT_NE(comment.find(presence), std::string::npos)
+        << name << "." << row.name << " does not say \"" << presence << "\": " << comment;
+  });
+}
+
+TEST(header_comments, say_of_every_member_what_the_schema_says) {
+  const std::string header = read_header();
+  pavo_zorv::for_each_message([&](auto message) { check_message<typename decltype(message)::type>(header); });
+}
+
+TEST(header_comments, say_which_functions_never_call_the_allocator) {
+  const std::string header = read_header();
+  pavo_zorv::for_each_message([&](auto message) {
+    using record = typename decltype(message)::type;
+    const std::string name = pavo_zorv::message_name<record>;
+    const std::regex claim("/\\*\\* Decodes an? `" + name + "`[^/]* Never calls @p allocate\\. \\*/");
+    EXPECT_EQ(std::regex_search(header, claim), !pavo_zorv::owns_memory<record>) << name;
+  });
+}
+
+TEST(header_comments, keep_to_120_columns) {
+  for (const char *const name : {"pavo_zorv.h", "pavo_zorv_memory.h", "pavo_zorv.hpp"}) {
+    std::ifstream file(std::string(PAVO_ZORV_INCLUDE) + "/" + name);
+    int number = 0;
+    for (std::string line; std::getline(file, line);) {
+      ++number;
+      EXPECT_LE(line.size(), 120u) << name << ":" << number;
+    }
+    EXPECT_GT(number, 100) << name << " cannot be read";
+  }
+}
+
+}  // namespace
