@@ -1,0 +1,72 @@
+"""Every row of docs/wire_format.md: what is said to be read is read, and what is said to be written is written."""
+
+import json
+import pathlib
+import re
+
+import pytest
+
+import pavo_zorv
+
+PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "wire_format.md"
+READING = ["Message", "Octets", "Read as"]
+WRITING = ["Message", "Content", "Written as"]
+
+
+def rows():
+    """Every row, with the heading of its table."""
+    heading = None
+    for line in PAGE.read_text(encoding="utf-8").splitlines():
+        if not line.startswith("|"):
+            heading = None
+            continue
+        cells = [cell.strip().strip("`") for cell in line.strip("|").split("|")]
+        if heading is None:
+            heading = cells
+        elif not re.fullmatch(r"[|-]+", line):
+            yield heading, cells
+
+
+ROWS = list(rows())
+
+
+def shown(value):
+    """A content as the page spells it: bytes as hexadecimal text."""
+    if isinstance(value, bytes):
+        return value.hex(" ")
+    if isinstance(value, dict):
+        return {name: shown(each) for name, each in value.items()}
+    return [shown(each) for each in value] if isinstance(value, list) else value
+
+
+def filled(cls, content):
+    """A message of a content that the page spells."""
+    message = cls()
+    for name, value in content.items():
+        kind = type(cls.fields[name].kind).__name__
+        setattr(message, name, bytes.fromhex(value) if kind == "_Bytes" else value)
+    return message
+
+
+def test_the_page_has_rows():
+    assert len([1 for heading, _ in ROWS if heading == READING]) >= 40
+    assert len([1 for heading, _ in ROWS if heading == WRITING]) >= 15
+
+
+@pytest.mark.parametrize("heading, cells", ROWS, ids=lambda value: " ".join(value))
+def test_every_row_is_true(heading, cells):
+    cls = pavo_zorv.CLASSES[cells[0]]
+    if heading == WRITING:
+        content = json.loads(cells[1])
+        assert filled(cls, content).to_bytes().hex(" ") == cells[2]
+        return
+    assert heading == READING
+    failure = re.fullmatch(r"(CODEC_\w+)(?: after (.*))?", cells[2])
+    octets = bytes.fromhex(cells[1])
+    if failure is None:
+        assert shown(cls.from_bytes(octets).to_dict()) == json.loads(cells[2])
+        return
+    with pytest.raises(pavo_zorv.DecodeError) as caught:
+        cls.from_bytes(octets)
+    assert caught.value.name == failure[1]
+    assert shown(caught.value.partial.to_dict()) == json.loads(failure[2] or "{}")

@@ -1,0 +1,55 @@
+#!/usr/bin/env python3
+"""The Markdown documents: their links lead to files that are there, tests that they name exist, and the README shows a
+program and a message that are what they seem.
+
+documents_test.py SOURCE_FOLDER [ZORV_INSPECT]
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+source = pathlib.Path(sys.argv[1])
+faults = []
+
+documents = [path for path in source.rglob("*.md") if "build" not in path.relative_to(source).parts[0]]
+links = 0
+for document in documents:
+    text = re.sub(r"```.*?```", "", document.read_text(encoding="utf-8"), flags=re.DOTALL)
+    for target in re.findall(r"\]\(([^)\s]+)\)", text):
+        if re.match(r"https?:|#", target):
+            continue
+        links += 1
+        if not (document.parent / target.partition("#")[0]).exists():
+            faults.append(f"{document.relative_to(source)}: {target} is not there")
+
+# The tests that CONFORMANCE.md names, and those that there are.
+named = set(re.findall(r"`((?:difference|same_messages)\.\w+)`", (source / "CONFORMANCE.md").read_text(encoding="utf-8")))
+written = set()
+for path in (source / "tests" / "interoperability").glob("*.cpp"):
+    for suite, name in re.findall(r"^TEST(?:_P)?\((\w+), (\w+)\)", path.read_text(encoding="utf-8"), re.MULTILINE):
+        written.add(f"{suite}.{name}")
+faults += [f"CONFORMANCE.md names {name}, which is no test" for name in sorted(named - written)]
+faults += [f"CONFORMANCE.md does not name {name}" for name in sorted(written - named) if name.startswith("difference.")]
+
+# What the README shows.
+readme = (source / "README.md").read_text(encoding="utf-8")
+program = re.search(r"```c\n(.*?)```", readme, re.DOTALL)
+example = (source / "examples" / "c" / "readme.c").read_text(encoding="utf-8").split("\n", 1)[1]
+if program is None or program[1] != example:
+    faults.append("README.md does not show the program of examples/c/readme.c")
+view = re.search(r"```text\n(.*?)```", readme, re.DOTALL)
+if view is None:
+    faults.append("README.md shows no message")
+elif len(sys.argv) > 2:
+    octets = "".join(line[8:44] for line in view[1].splitlines())
+    shown = subprocess.run([sys.argv[2], "hex", "api_msg"], input=octets, text=True, capture_output=True, check=False)
+    if shown.returncode != 0 or shown.stdout != view[1]:
+        faults.append(f"README.md shows another view than zorv-inspect:\n{shown.stdout}{shown.stderr}")
+
+if len(documents) < 10 or links < 20 or len(named) < 20:
+    faults.append(f"too little was found: {len(documents)} documents, {links} links, {len(named)} tests")
+for fault in faults:
+    print(fault, file=sys.stderr)
+sys.exit(1 if faults else 0)
