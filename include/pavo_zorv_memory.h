@@ -34,9 +34,15 @@
 /** How the functions of this header are declared: C wants a copy in each source, C++ one in the program. */
 #ifdef __cplusplus
 #define PAVO_ZORV_INLINE_FUNCTION inline
+/** @cond */
+#define PAVO_ZORV_CAST_(type, value) static_cast<type>(value)
+#define PAVO_ZORV_ADDRESS_(pointer) reinterpret_cast<uintptr_t>(pointer)
+/** @endcond */
 extern "C" {
 #else
 #define PAVO_ZORV_INLINE_FUNCTION static inline
+#define PAVO_ZORV_CAST_(type, value) ((type)(value))
+#define PAVO_ZORV_ADDRESS_(pointer) ((uintptr_t)(pointer))
 #endif
 
 /** What a record may be aligned to. */
@@ -153,10 +159,10 @@ typedef struct pavo_zorv_pool {
  * aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 octets at its beginning are lost then. A null block counts as one of 0
  * octets. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
-  const size_t misplaced = (size_t)((uintptr_t)block & (PAVO_ZORV_ALIGNMENT - 1));
+  const size_t misplaced = PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ADDRESS_(block) & (PAVO_ZORV_ALIGNMENT - 1));
   const size_t lost = misplaced != 0 ? PAVO_ZORV_ALIGNMENT - misplaced : 0;
   const int usable = block != NULL && lost <= size;
-  pool->start = usable ? (unsigned char *)block + lost : NULL;
+  pool->start = usable ? PAVO_ZORV_CAST_(unsigned char *, block) + lost : NULL;
   pool->size = usable ? size - lost : 0;
   pool->used = 0;
 }
@@ -164,14 +170,14 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *b
 /** Gives @p size octets, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
  * too small. The context is the pool. */
 PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
-  pavo_zorv_pool *pool = (pavo_zorv_pool *)context;
+  pavo_zorv_pool *pool = PAVO_ZORV_CAST_(pavo_zorv_pool *, context);
   /* The rest may end in part of a unit, which nothing can be placed in. */
-  const size_t rest = (pool->size - pool->used) & ~(size_t)(PAVO_ZORV_ALIGNMENT - 1);
+  const size_t rest = (pool->size - pool->used) & ~PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ALIGNMENT - 1);
   unsigned char *block;
   if (size == 0) size = 1;
   if (size > rest) return NULL;
   block = pool->start + pool->used;
-  pool->used += (size + (PAVO_ZORV_ALIGNMENT - 1)) & ~(size_t)(PAVO_ZORV_ALIGNMENT - 1);
+  pool->used += (size + (PAVO_ZORV_ALIGNMENT - 1)) & ~PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ALIGNMENT - 1);
   return block;
 }
 
@@ -215,12 +221,12 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(pavo_zorv_budget *budget, s
 /** Gives a block, or null when the limit would be passed or the callback beneath gives none. The context is the budget.
  */
 PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(size_t size, void *context) {
-  pavo_zorv_budget *budget = (pavo_zorv_budget *)context;
+  pavo_zorv_budget *budget = PAVO_ZORV_CAST_(pavo_zorv_budget *, context);
   const size_t left = budget->spent < budget->limit ? budget->limit - budget->spent : 0;
   pavo_zorv_alignment *block;
   if (left < sizeof(pavo_zorv_alignment) || size > left - sizeof(pavo_zorv_alignment)) return NULL;
   size += sizeof(pavo_zorv_alignment);
-  block = (pavo_zorv_alignment *)budget->allocate(size, budget->context);
+  block = PAVO_ZORV_CAST_(pavo_zorv_alignment *, budget->allocate(size, budget->context));
   if (block == NULL) return NULL;
   budget->spent += size;
   block->number = size;
@@ -229,11 +235,11 @@ PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(size_t size, void *con
 
 /** Takes back a block that this budget gave; null is ignored. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_release(void *block, void *context) {
-  pavo_zorv_budget *budget = (pavo_zorv_budget *)context;
-  pavo_zorv_alignment *whole = (pavo_zorv_alignment *)block;
+  pavo_zorv_budget *budget = PAVO_ZORV_CAST_(pavo_zorv_budget *, context);
+  pavo_zorv_alignment *whole = PAVO_ZORV_CAST_(pavo_zorv_alignment *, block);
   if (whole == NULL) return;
   whole -= 1;
-  budget->spent -= (size_t)whole->number;
+  budget->spent -= PAVO_ZORV_CAST_(size_t, whole->number);
   if (budget->release != NULL) budget->release(whole, budget->context);
 }
 
@@ -274,7 +280,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(pavo_zorv_counter *counter
 /** Gives a block, or null when this request is to fail or the callback beneath gives none. The context is the counter.
  */
 PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(size_t size, void *context) {
-  pavo_zorv_counter *counter = (pavo_zorv_counter *)context;
+  pavo_zorv_counter *counter = PAVO_ZORV_CAST_(pavo_zorv_counter *, context);
   const size_t request = counter->requests++;
   void *block;
   if (request == counter->fail_at || request >= counter->fail_from) return NULL;
@@ -287,7 +293,7 @@ PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(size_t size, void *co
 
 /** Takes back a block that this counter gave. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_release(void *block, void *context) {
-  pavo_zorv_counter *counter = (pavo_zorv_counter *)context;
+  pavo_zorv_counter *counter = PAVO_ZORV_CAST_(pavo_zorv_counter *, context);
   counter->live -= 1;
   if (counter->release != NULL) counter->release(block, counter->context);
 }
