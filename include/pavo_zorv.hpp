@@ -519,8 +519,14 @@ class owned {
   template <auto Member, auto... Inside, class Inner, class Value>
   auto set_in(Inner &inner, const Value &value) noexcept {
     if constexpr (sizeof...(Inside) != 0) {
-      zorv::set<Member>(inner);
-      return set_in<Inside...>(inner.*Member, value);
+      if constexpr (std::is_void_v<decltype(set_in<Inside...>(inner.*Member, value))>) {
+        set_in<Inside...>(inner.*Member, value);
+        zorv::set<Member>(inner);
+      } else {
+        const int result = set_in<Inside...>(inner.*Member, value);
+        if (result == CODEC_OK) zorv::set<Member>(inner);
+        return result;
+      }
     } else {
       return store<Member>(inner, value);
     }
@@ -537,8 +543,9 @@ class owned {
   template <auto Member, auto... Inside, class Inner>
   auto *resize_in(Inner &inner, std::uint32_t count) noexcept {
     if constexpr (sizeof...(Inside) != 0) {
-      zorv::set<Member>(inner);
-      return resize_in<Inside...>(inner.*Member, count);
+      auto *const first = resize_in<Inside...>(inner.*Member, count);
+      if (first != nullptr) zorv::set<Member>(inner);
+      return first;
     } else {
       using traits = detail::member_traits<Member>;
       using element = std::remove_pointer_t<typename traits::type>;

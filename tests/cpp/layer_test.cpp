@@ -151,6 +151,14 @@ TEST(owned, keeps_the_options_that_it_was_decoded_with) {
   EXPECT_EQ(memory->requests, 0u);
 }
 
+TEST(owned, takes_over_the_options_as_well_when_it_is_assigned_to) {
+  account memory;
+  auto prefix = zorv::decode<srv6_prefix>(prefix_octets, memory);
+  prefix = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+  EXPECT_EQ(prefix.options(), PAVO_ZORV_REFERENCE);
+  EXPECT_EQ(memory->live, 0u);
+}
+
 TEST(duplicate, owns_all_its_memory) {
   account memory;
   const auto referenced = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
@@ -283,6 +291,20 @@ TEST(values, that_find_no_memory_leave_the_member_as_it_was) {
   EXPECT_STREQ(intf->field2, "eth0");
 }
 
+TEST(values, that_find_no_memory_leave_the_way_to_the_member_as_it_was) {
+  account memory;
+  memory->fail_from = 0;
+  owned<api_msg> message{memory};
+  EXPECT_EQ((message.set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field2>("eth0")), CODEC_ERR_NO_MEMORY);
+  EXPECT_EQ((message.resize<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>(1)), nullptr);
+  EXPECT_EQ(zorv::encoded_size(*message), 0u);
+  message.set<&api_msg::to_zorv, &api_to_zorv::field3>(true);
+  EXPECT_EQ(zorv::encode(*message), (octets{0x62, 0x02, 0x18, 0x01}));
+  memory->fail_from = PAVO_ZORV_NEVER;
+  ASSERT_NE((message.resize<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>(1)), nullptr);
+  EXPECT_EQ(zorv::encode(*message), (octets{0x5a, 0x04, 0x12, 0x02, 0x1a, 0x00, 0x62, 0x02, 0x18, 0x01}));
+}
+
 TEST(values, of_bytes_are_copied_unless_referenced) {
   account memory;
   owned<srv6_prefix> prefix{memory};
@@ -290,6 +312,17 @@ TEST(values, of_bytes_are_copied_unless_referenced) {
   EXPECT_EQ(prefix->field1_length, 3u);
   EXPECT_EQ(memory->live, 1u);
   EXPECT_EQ(zorv::encode(*prefix), (octets{0x0a, 0x03, 0x20, 0x01, 0x0d}));
+}
+
+TEST(values, of_bytes_that_take_the_place_of_referenced_ones_do_not_release_them) {
+  account memory;
+  auto prefix = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+  const octets other = {0xff};
+  ASSERT_EQ(prefix.set<&srv6_prefix::field1>(other), CODEC_OK);
+  EXPECT_EQ(prefix->field1, other.data());
+  EXPECT_EQ(prefix->field1_length, 1u);
+  EXPECT_EQ(memory->requests, 0u);
+  EXPECT_EQ(memory->live, 0u) << "nothing came back that was not given";
 }
 
 TEST(lists, of_messages_are_made_filled_and_released) {
@@ -332,8 +365,11 @@ TEST(memory, may_be_any_memory_resource) {
     EXPECT_EQ(zorv::duplicate(*intf, from).result(), CODEC_ERR_NO_MEMORY);
   }
   EXPECT_EQ(from.out, 0u);
+  from.refuses = false;
   const zorv::memory callbacks = from;
-  EXPECT_EQ(callbacks.allocate(SIZE_MAX, callbacks.context), nullptr);
+  for (std::size_t less = 0; less < sizeof(pavo_zorv_alignment); ++less) {
+    EXPECT_EQ(callbacks.allocate(SIZE_MAX - less, callbacks.context), nullptr) << "its own octets would wrap";
+  }
 }
 
 TEST(memory, may_be_a_monotonic_buffer_or_a_pool) {
