@@ -1,0 +1,253 @@
+// Changes inputs as someone would who knows the messages: fields come and go, are doubled and moved, keys and lengths
+// are a little wrong, runs are split, and all of this inside nested messages too.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "harness.hpp"
+
+extern "C" std::size_t LLVMFuzzerMutate(unsigned char *data, std::size_t size, std::size_t room);
+
+namespace fuzz {
+
+namespace {
+
+using octets = std::vector<unsigned char>;
+
+class dice {
+ public:
+  explicit dice(unsigned seed) : state_(seed * 0x9e3779b97f4a7c15 + 1) {}
+  std::uint64_t any() {
+    state_ ^= state_ << 13;
+    state_ ^= state_ >> 7;
+    state_ ^= state_ << 17;
+    return state_ * 0x2545f4914f6cdd1d;
+  }
+  std::size_t below(std::size_t limit) { return (any() >> 16) % limit; }
+  bool percent(unsigned chance) { return below(100) < chance; }
+  unsigned char octet() { return static_cast<unsigned char>(any() >> 24); }
+
+ private:
+  std::uint64_t state_;
+};
+
+void put_varint(octets &out, std::uint64_t value, std::size_t extra = 0) {
+  while (value >= 0x80 || extra != 0) {
+    if (value < 0x80) --extra;
+    out.push_back(static_cast<unsigned char>(value | 0x80));
+    value >>= 7;
+  }
+  out.push_back(static_cast<unsigned char>(value));
+}
+
+// A field as it stands in a message. What cannot be taken apart is one field of its own: the tail.
+struct piece {
+  std::uint32_t key = 0;
+  std::size_t longer_key = 0;
+  octets value;  // a varint's octets, fixed octets, or what stands behind a length
+  bool delimited = false;
+  bool tail = false;
+  std::int64_t wrong_length = 0;  // added to the length
+
+  void write(octets &out) const {
+    if (!tail) put_varint(out, key, longer_key);
+    if (delimited) put_varint(out, static_cast<std::uint32_t>(static_cast<std::int64_t>(value.size()) + wrong_length));
+    out.insert(out.end(), value.begin(), value.end());
+  }
+};
+
+octets slice(const octets &bytes, std::size_t first, std::size_t last) {
+  return octets(bytes.begin() + static_cast<std::ptrdiff_t>(first), bytes.begin() + static_cast<std::ptrdiff_t>(last));
+}
+
+std::vector<piece> pieces_of(const octets &bytes) {
+  std::vector<piece> result;
+  std::size_t position = 0;
+  while (position < bytes.size()) {
+    const std::size_t start = position;
+    piece one;
+    std::uint32_t size = 0;
+    bool whole = naive::decoder::read_32(bytes.data(), bytes.size(), position, one.key);
+    const std::size_t shortest = one.key < 1u << 7 ? 1 : one.key < 1u << 14 ? 2 : one.key < 1u << 21 ? 3 : 5;
+    one.longer_key = position - start > shortest ? position - start - shortest : 0;
+    std::size_t value = position;
+    switch (one.key & 7) {
+      case 0:
+        whole = whole && naive::decoder::read_32(bytes.data(), bytes.size(), position, size);
+        break;
+      case 1:
+        position += 8;
+        break;
+      case 5:
+        position += 4;
+        break;
+      case 2:
+        whole = whole && naive::decoder::read_32(bytes.data(), bytes.size(), position, size);
+        value = position;
+        one.delimited = true;
+        whole = whole && size <= bytes.size() - position;
+        if (whole) position += size;
+        break;
+      default:
+        whole = false;
+    }
+    if (!whole || position > bytes.size()) {
+      one = {};
+      one.tail = true;
+      one.value = slice(bytes, start, bytes.size());
+      position = bytes.size();
+    } else {
+      one.value = slice(bytes, value, position);
+    }
+    result.push_back(std::move(one));
+  }
+  return result;
+}
+
+class mutator {
+ public:
+  explicit mutator(dice &dice) : dice_(dice) {}
+
+  void change(const message &type, octets &bytes, unsigned depth = 0) {
+    std::vector<piece> pieces = pieces_of(bytes);
+    if (pieces.empty() || dice_.percent(15)) {
+      insert(pieces, any_field(type, depth));
+    } else {
+      change_one(type, pieces, dice_.below(pieces.size()), depth);
+    }
+    bytes.clear();
+    for (const piece &one : pieces) one.write(bytes);
+  }
+
+ private:
+  void change_one(const message &type, std::vector<piece> &pieces, std::size_t at, unsigned depth) {
+    piece &one = pieces[at];
+    const message *const nested = nested_of(type, one);
+    if (nested != nullptr && dice_.percent(50)) return change(*nested, one.value, depth + 1);
+    switch (dice_.below(9)) {
+      case 0:
+        pieces.erase(pieces.begin() + static_cast<std::ptrdiff_t>(at));
+        break;
+      case 1:
+        insert(pieces, piece(one));
+        break;
+      case 2:
+        std::swap(one, pieces[dice_.below(pieces.size())]);
+        break;
+      case 3:
+        one.longer_key = dice_.percent(80) ? 1 + dice_.below(4) : dice_.below(12);
+        break;
+      case 4:
+        one.wrong_length = dice_.percent(70) ? (dice_.percent(50) ? 1 : -1) : static_cast<std::int32_t>(dice_.any());
+        break;
+      case 5:
+        one.key ^= dice_.percent(70) ? static_cast<std::uint32_t>(dice_.below(8)) : 1u << dice_.below(20);
+        break;
+      case 6:
+        lengthen_run(pieces, at);
+        break;
+      case 7:
+        split_run(type, pieces, at, depth);
+        break;
+      default:
+        change_value(one);
+    }
+  }
+
+  const message *nested_of(const message &type, const piece &one) const {
+    const std::uint32_t number = one.key >> 3;
+    if (one.tail || !one.delimited || number < 1 || number > type.members.size()) return nullptr;
+    return type.members[number - 1].nested;
+  }
+
+  void insert(std::vector<piece> &pieces, piece one) {
+    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(dice_.below(pieces.size() + 1)), std::move(one));
+  }
+
+  // The field again, several times, directly behind itself.
+  void lengthen_run(std::vector<piece> &pieces, std::size_t at) {
+    const std::size_t times = dice_.percent(70) ? 1 + dice_.below(4) : 1 + dice_.below(40);
+    const piece copy = pieces[at];
+    if (copy.value.size() * times > 400) return;
+    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), times, copy);
+  }
+
+  // The field again, and another one between the two.
+  void split_run(const message &type, std::vector<piece> &pieces, std::size_t at, unsigned depth) {
+    const piece copy = pieces[at];
+    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), copy);
+    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at) + 1, any_field(type, depth));
+  }
+
+  void change_value(piece &one) {
+    if ((one.key & 7) == 0 && dice_.percent(70)) {
+      one.value.clear();
+      put_varint(one.value, number(), dice_.percent(15) ? dice_.below(12) : 0);
+      return;
+    }
+    const std::size_t size = one.value.size();
+    one.value.resize(size + 16);
+    one.value.resize(LLVMFuzzerMutate(one.value.data(), size, size + 16));
+  }
+
+  std::uint64_t number() {
+    const std::size_t bits = dice_.below(65);
+    if (bits == 0) return 0;
+    return dice_.percent(30) ? (std::uint64_t{1} << (7 * dice_.below(10))) - dice_.below(2)
+                             : dice_.any() >> (64 - bits);
+  }
+
+  piece any_field(const message &type, unsigned depth) {
+    piece one;
+    if (dice_.percent(12)) return unknown_field(type);
+    const std::size_t index = dice_.below(type.members.size());
+    const member &field = type.members[index];
+    one.key = static_cast<std::uint32_t>(index + 1) << 3 | (field.is_varint() ? 0 : 2);
+    one.delimited = !field.is_varint();
+    if (field.is_varint()) {
+      put_varint(one.value, number());
+    } else if (field.nested == nullptr) {
+      one.value.resize(dice_.percent(90) ? dice_.below(6) : dice_.below(140));
+      for (unsigned char &octet : one.value) octet = dice_.octet();
+    } else if (depth < 5) {
+      for (std::size_t count = dice_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
+    }
+    return one;
+  }
+
+  piece unknown_field(const message &type) {
+    static constexpr std::uint32_t types[] = {0, 0, 1, 2, 2, 5, 3, 4, 6, 7};
+    piece one;
+    const std::uint32_t type_bits = types[dice_.below(std::size(types))];
+    const std::size_t number = dice_.percent(30) ? 0 : type.members.size() + 1 + dice_.below(20);
+    one.key = static_cast<std::uint32_t>(number) << 3 | type_bits;
+    one.delimited = type_bits == 2;
+    one.value.resize(type_bits == 1 ? 8 : type_bits == 5 ? 4 : type_bits == 2 ? dice_.below(6) : 0);
+    if (type_bits == 0) put_varint(one.value, this->number());
+    return one;
+  }
+
+  dice &dice_;
+};
+
+}  // namespace
+
+}  // namespace fuzz
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(unsigned char *data, std::size_t size, std::size_t room, unsigned seed) {
+  constexpr std::size_t header = fuzz::trial::header;
+  fuzz::dice dice(seed);
+  if (size < header || room <= header || dice.percent(25)) return LLVMFuzzerMutate(data, size, room);
+  if (dice.percent(10)) {
+    data[dice.below(header)] = dice.octet();
+    return size;
+  }
+  fuzz::octets bytes(data + header, data + size);
+  const fuzz::trial trial = fuzz::trial_of(data, size);
+  fuzz::mutator change(dice);
+  change.change(*trial.type, bytes);
+  while (dice.percent(30)) change.change(*trial.type, bytes);
+  if (bytes.size() > room - header) bytes.resize(room - header);
+  if (!bytes.empty()) std::memcpy(data + header, bytes.data(), bytes.size());
+  return header + bytes.size();
+}

@@ -1,0 +1,137 @@
+// Encoding into a buffer of any length with a table of any capacity: what fits is written and nothing else, and all
+// that is said about the encoding is the same.
+#include <algorithm>
+
+#include "harness.hpp"
+
+namespace fuzz {
+
+namespace {
+
+using octets = std::vector<unsigned char>;
+using segments = std::vector<pavo_zorv_segment>;
+
+// The part of an encoding that is one string, or one block of bytes: written whole or not at all.
+struct whole {
+  std::size_t first, last;
+};
+
+// Takes an encoding apart. Referenced bytes are not in it.
+void add_wholes(const message &type, const octets &bytes, std::size_t first, std::size_t last, bool referenced,
+                std::vector<whole> &out) {
+  const auto number = [&](std::size_t &at) {
+    std::uint32_t value = 0;
+    naive::decoder::read_32(bytes.data(), last, at, value);
+    return value;
+  };
+  while (first < last) {
+    const std::uint32_t key = number(first);
+    const std::uint32_t value = number(first);
+    const member &field = type.members.at((key >> 3) - 1);
+    if (field.is_varint()) continue;
+    if (field.what == sort::bytes && referenced) continue;
+    if (field.nested != nullptr) add_wholes(*field.nested, bytes, first, first + value, referenced, out);
+    if (field.nested == nullptr) out.push_back({first, first + value});
+    first += value;
+  }
+}
+
+// Members without their bit, bits without a member, flags of any value that one octet can hold as a varint: what a
+// caller may ask to be written beside what comes from a decoder.
+void make_odd(const trial &trial, unsigned char *record) {
+  std::uint32_t bits = naive::presence_of(*trial.type, record);
+  for (std::size_t i = 0; i < trial.type->members.size(); ++i) {
+    const member &field = trial.type->members[i];
+    if (((trial.extra >> (i % 8)) & 1) == 0) continue;
+    bits ^= std::uint32_t{1} << i;
+    if (field.what == sort::flag) naive::store(record + field.offset, 1, (trial.fill + i) & 0x7f);
+  }
+  naive::set_presence(*trial.type, record, bits);
+}
+
+struct outcome {
+  std::size_t size;
+  std::uint32_t count;
+  octets written;
+  segments entries;
+  const unsigned char *buffer;
+};
+
+constexpr unsigned char untouched = 0xc7;
+
+outcome encode(const trial &trial, const unsigned char *record, std::size_t length, std::uint32_t capacity,
+               unsigned char fill) {
+  unsigned char *const buffer = output_room().last(length);
+  unsigned char *const before =
+      buffer - std::min<std::size_t>(16, static_cast<std::size_t>(buffer - output_room().first()));
+  std::memset(before, fill, static_cast<std::size_t>(buffer - before) + length);
+  unsigned char *const table = table_room().last(capacity * sizeof(pavo_zorv_segment));
+  if (capacity != 0) std::memset(table, untouched, capacity * sizeof(pavo_zorv_segment));
+  outcome result;
+  result.count = capacity;
+  result.buffer = buffer;
+  result.size = trial.type->functions->encode(record, buffer, length, reinterpret_cast<pavo_zorv_segment *>(table),
+                                              &result.count, trial.options());
+  for (const unsigned char *at = before; at != buffer; ++at) FUZZ_CHECK(trial, *at == fill);
+  result.written.assign(buffer, buffer + length);
+  result.entries.resize(capacity);
+  if (capacity != 0) std::memcpy(result.entries.data(), table, capacity * sizeof(pavo_zorv_segment));
+  return result;
+}
+
+void check_written(const trial &trial, const outcome &full, const outcome &cut, unsigned char fill) {
+  std::vector<whole> wholes;
+  add_wholes(*trial.type, full.written, 0, full.size, trial.referenced, wholes);
+  octets expected(cut.written.size(), fill);
+  const std::size_t fitting = std::min(cut.written.size(), full.size);
+  std::copy_n(full.written.begin(), fitting, expected.begin());
+  for (const whole &part : wholes) {
+    if (part.last <= fitting || part.first >= fitting) continue;
+    std::fill(expected.begin() + static_cast<std::ptrdiff_t>(part.first),
+              expected.begin() + static_cast<std::ptrdiff_t>(fitting), fill);
+  }
+  FUZZ_CHECK(trial, cut.written == expected);
+}
+
+// Where an entry of the whole encoding must start in a shorter buffer. Behind its end there is no buffer to start in:
+// entries there start nowhere and, in reference mode, those behind referenced bytes at their place as a number.
+bool starts_right(const trial &trial, const outcome &full, const outcome &cut, const unsigned char *right,
+                  const unsigned char *seen) {
+  if (right < full.buffer || right > full.buffer + full.size) return seen == right;
+  const auto position = static_cast<std::size_t>(right - full.buffer);
+  const bool is_in = position == 0 || position < cut.written.size();
+  if (seen == cut.buffer + position) return is_in || trial.referenced;
+  return !is_in && (seen == nullptr || (trial.referenced && reinterpret_cast<std::uintptr_t>(seen) <= position));
+}
+
+}  // namespace
+
+void run(const trial &trial) {
+  const unsigned char *const input = input_room().holding(trial, trial.bytes, trial.length);
+  decoded source(trial, input, trial.length, trial.referenced);
+  record odd = source.record;
+  if ((trial.choice & 1) != 0) make_odd(trial, odd.data());
+
+  std::uint32_t needed = 0;
+  const std::size_t size = trial.type->functions->encode(odd.data(), nullptr, 0, nullptr, &needed, trial.options());
+  const outcome full = encode(trial, odd.data(), size, needed, trial.fill);
+  FUZZ_CHECK(trial, full.size == size && full.count == needed);
+
+  const std::size_t length = trial.number % (size + 9);
+  const std::uint32_t capacity = (trial.number >> 4) % (needed + 2);
+  const auto fill = static_cast<unsigned char>(trial.fill ^ 0x3f);
+  const outcome cut = encode(trial, odd.data(), length, capacity, fill);
+  FUZZ_CHECK(trial, cut.size == size && cut.count == needed);
+  check_written(trial, full, cut, fill);
+  for (std::uint32_t i = 0; i < capacity; ++i) {
+    const auto *const octet = reinterpret_cast<const unsigned char *>(&cut.entries[i]);
+    if (i >= needed) {
+      FUZZ_CHECK(trial, std::count(octet, octet + sizeof cut.entries[i], untouched) == sizeof cut.entries[i]);
+      continue;
+    }
+    FUZZ_CHECK(trial, cut.entries[i].length == full.entries[i].length);
+    FUZZ_CHECK(trial, starts_right(trial, full, cut, full.entries[i].start, cut.entries[i].start));
+  }
+}
+
+}  // namespace fuzz

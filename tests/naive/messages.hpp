@@ -1,0 +1,191 @@
+// The messages, stated a second time and by hand: what each field is, in field order. Nothing here is taken from the
+// library's own tables; a test holds the two together. Where the members lie in the records follows from the words:
+// members in field order, naturally aligned, the presence flags last.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "calls.hpp"
+
+namespace naive {
+
+// A star is a list. A word that names no number, string or bytes names a message: held inline or, with a star, in an
+// array. Contained messages come first.
+struct statement {
+  const char *message;
+  const char *fields;
+};
+
+inline constexpr statement statements[] = {
+    {"api_addr", "u32"},
+    {"api_lbl_stack", "u32*"},
+    {"prefix_sid_type", "u32 u8*"},
+    {"policy_binding_sid_t", "prefix_sid_type u32"},
+    {"api_exp_hop", "u32 u32 u32 u32 u8* u8*"},
+    {"api_exp_path", "api_exp_hop* u32"},
+    {"api_msg_service", "flag flag flag"},
+    {"api_msg_internal", "flag string u64 u32 api_msg_service u32 flag"},
+    {"api_msg_on_demand_color_notif", "u32"},
+    {"api_msg_p2p_auto_policy",
+     "string string u32 u32 flag flag api_lbl_stack u32 u32 flag u8* u32 u32 api_exp_path* u32 u32 u32 u32 flag string "
+     "prefix_sid_type u32"},
+    {"api_msg_p2p_auto_policy_notif",
+     "string string u32 flag flag flag u32 u32 flag api_lbl_stack u32 u32 flag u32 u8* u32 u32 u32 u32 flag string u8* "
+     "u32 u32 u32 flag i64"},
+    {"api_msg_p2p_auto_policy_request", "api_msg_p2p_auto_policy u32 u32"},
+    {"api_msg_p2p_auto_policy_response", "api_msg_p2p_auto_policy_notif u32 u32"},
+    {"api_msg_p2p_auto_policy_sweep", "u32 u32"},
+    {"api_nodeid", "u32 u8*"},
+    {"api_prefix", "u8* u8"},
+    {"api_intf", "u32 string"},
+    {"api_link_update", "u32 string u32 u32 u32*"},
+    {"api_policy", "string u32 u32 flag api_prefix* string string u32 i32 flag"},
+    {"api_aa_list", "u8* u32 api_policy*"},
+    {"api_to_zorv", "api_nodeid api_intf flag"},
+    {"api_to_igp", "api_link_update api_aa_list flag flag"},
+    {"api_msg_policy_reg", "flag u8* u32 string"},
+    {"srv6_prefix", "bytes u32"},
+    {"srv6_sid_struct", "flag flag u8 u8 u8 u8 u8 u8"},
+    {"srv6_usid", "u32 u32 srv6_prefix srv6_sid_struct"},
+    {"out_sid_list_info", "prefix_sid_type u32 u32 bytes"},
+    {"out_srv6_usid_list_info", "srv6_usid*"},
+    {"oam_req", "u32 u32 string prefix_sid_type u32 bytes u32 u32"},
+    {"oam_res", "u32 u32 i32 flag out_sid_list_info* bytes out_srv6_usid_list_info*"},
+    {"api_msg",
+     "u64 api_msg_internal api_msg_p2p_auto_policy api_msg_p2p_auto_policy api_msg_p2p_auto_policy_notif "
+     "api_msg_on_demand_color_notif api_msg_on_demand_color_notif api_msg_p2p_auto_policy_request "
+     "api_msg_p2p_auto_policy_response api_msg_p2p_auto_policy_sweep api_to_igp api_to_zorv oam_req oam_res flag "
+     "api_msg_policy_reg"},
+};
+
+enum class sort { flag, number, text, bytes, numbers, message, messages };
+
+struct message;
+
+struct member {
+  sort what = {};
+  unsigned width = 0;  // octets of a number, or of the numbers of a list
+  bool is_signed = false;
+  const message *nested = nullptr;
+  std::size_t offset = 0;
+  std::size_t count_offset = 0;  // of a list's count, or of the length of bytes
+
+  bool is_scalar() const { return what == sort::flag || what == sort::number; }
+  bool is_list() const { return what == sort::numbers || what == sort::messages; }
+  bool is_varint() const { return is_scalar() || what == sort::numbers; }
+  std::size_t element_size() const;
+};
+
+struct message {
+  std::string name;
+  std::vector<member> members;  // member i is field i + 1
+  std::size_t size = 0;
+  std::size_t alignment = 1;
+  std::size_t presence_offset = 0;
+  unsigned presence_width = 0;
+  const calls *functions = nullptr;
+
+  std::uint32_t mask() const { return static_cast<std::uint32_t>((std::uint64_t{1} << members.size()) - 1); }
+};
+
+inline std::size_t member::element_size() const { return what == sort::messages ? nested->size : width; }
+
+[[noreturn]] inline void broken(const std::string &what) {
+  std::fprintf(stderr, "%s\n", what.c_str());
+  std::abort();
+}
+
+// What a word takes in a record: some pairs of a size and an alignment, one behind the other.
+class layout {
+ public:
+  explicit layout(message &owner) : owner_(owner) {}
+
+  std::size_t place(std::size_t size, std::size_t alignment) {
+    const std::size_t at = (owner_.size + alignment - 1) / alignment * alignment;
+    owner_.size = at + size;
+    if (alignment > owner_.alignment) owner_.alignment = alignment;
+    return at;
+  }
+  std::size_t number(unsigned width) {
+    struct probe {
+      char before;
+      std::uint64_t wide;
+    };
+    // On some machines a number of 64 bits stands at a multiple of four.
+    return place(width, width == 8 ? offsetof(probe, wide) : width);
+  }
+  std::size_t pointer() { return place(sizeof(void *), sizeof(void *)); }
+  void finish() {
+    const std::size_t fields = owner_.members.size();
+    owner_.presence_width = fields <= 8 ? 1 : fields <= 16 ? 2 : 4;
+    owner_.presence_offset = number(owner_.presence_width);
+    owner_.size = place(0, owner_.alignment);
+  }
+
+ private:
+  message &owner_;
+};
+
+inline const message *message_named(const std::vector<message> &known, const std::string &name) {
+  for (const message &one : known) {
+    if (one.name == name) return &one;
+  }
+  broken("no message " + name);
+}
+
+inline member member_of(std::string word, const std::vector<message> &known, layout &place) {
+  const bool list = word.back() == '*';
+  if (list) word.pop_back();
+  member result;
+  result.is_signed = word[0] == 'i';
+  if (word == "flag") {
+    result.what = sort::flag;
+    result.width = 1;
+  } else if (word == "u8" || word == "u32" || word == "i32" || word == "u64" || word == "i64") {
+    result.what = list ? sort::numbers : sort::number;
+    result.width = static_cast<unsigned>(std::atoi(word.c_str() + 1)) / 8;
+  } else if (word == "string" || word == "bytes") {
+    result.what = word == "string" ? sort::text : sort::bytes;
+  } else {
+    result.what = list ? sort::messages : sort::message;
+    result.nested = message_named(known, word);
+  }
+  result.offset = result.is_scalar()             ? place.number(result.width)
+                  : result.what == sort::message ? place.place(result.nested->size, result.nested->alignment)
+                                                 : place.pointer();
+  if (result.is_list()) result.count_offset = place.number(4);
+  if (result.what == sort::bytes) result.count_offset = place.number(8);
+  return result;
+}
+
+inline std::vector<message> messages_of_statements() {
+  std::vector<message> result;
+  result.reserve(std::size(statements));  // messages point to one another
+  for (const statement &one : statements) {
+    message made;
+    made.name = one.message;
+    made.functions = calls_of(one.message);
+    if (made.functions == nullptr) broken("no functions of " + made.name);
+    layout place(made);
+    std::istringstream words(one.fields);
+    for (std::string word; words >> word;) made.members.push_back(member_of(word, result, place));
+    place.finish();
+    if (made.size != made.functions->record_size) broken("another size than that of " + made.name);
+    result.push_back(std::move(made));
+  }
+  return result;
+}
+
+inline const std::vector<message> &messages() {
+  static const std::vector<message> all = messages_of_statements();
+  return all;
+}
+
+}  // namespace naive
