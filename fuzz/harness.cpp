@@ -27,12 +27,12 @@ constexpr unsigned char returned_octet = 0xdd;
 
 // Blocks of one trial. The greatest input asks for 36 times its length, in at most one block for each two octets.
 constexpr std::size_t pool_size = longest_input * 36 + longest_input / 2 * (3 * guard_size);
-alignas(16) unsigned char pool[FUZZ_SANITIZED != 0 ? 1 : 2 * pool_size];
+[[maybe_unused]] alignas(16) unsigned char pool[FUZZ_SANITIZED != 0 ? 1 : 2 * pool_size];
 
 // The part of the pool that is in use: ledgers are nested like scopes.
-std::size_t pool_used = 0;
+[[maybe_unused]] std::size_t pool_used = 0;
 
-bool is_filled(const unsigned char *start, std::size_t size, unsigned char octet) {
+[[maybe_unused]] bool is_filled(const unsigned char *start, std::size_t size, unsigned char octet) {
   for (std::size_t i = 0; i < size; ++i) {
     if (start[i] != octet) return false;
   }

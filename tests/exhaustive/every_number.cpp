@@ -1,0 +1,164 @@
+// Numbers through the writers and the readers, compared with a plain writer and the naive reader:
+//
+//   every_number all        every number of 32 bits there and back, every input of up to 4 octets to the 32-bit reader,
+//                           and the boundaries of 64 bits
+//   every_number some       every 65537th of the first two, and the boundaries of 64 bits
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "core/wire.hpp"
+#include "naive/decoder.hpp"
+
+namespace {
+
+using octets = std::vector<unsigned char>;
+
+unsigned char *end_of_page() {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  void *const start = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (start == MAP_FAILED) naive::broken("no memory");
+  unsigned char *const end = static_cast<unsigned char *>(start) + page;
+  if (mprotect(end, page, PROT_NONE) != 0) naive::broken("no inaccessible page");
+  return end;
+}
+
+std::size_t write_plainly(std::uint64_t value, unsigned char *out) {
+  std::size_t size = 0;
+  for (; value >= 128; value >>= 7) out[size++] = static_cast<unsigned char>(value & 0x7f) | 0x80;
+  out[size++] = static_cast<unsigned char>(value);
+  return size;
+}
+
+[[noreturn]] void fail(const char *what, std::uint64_t number) {
+  naive::broken(std::string(what) + " is wrong for " + std::to_string(number));
+}
+
+// One number as the only member of a message: written in as few octets as there are, and read again.
+std::uint64_t numbers_of_32_bits(std::uint64_t step) {
+  unsigned char *const end = end_of_page();
+  std::uint64_t tried = 0;
+  for (std::uint64_t number = 0; number <= UINT32_MAX; number += step, ++tried) {
+    unsigned char expected[16] = {0x08};
+    const std::size_t size = 1 + write_plainly(number, expected + 1);
+    api_addr out = {};
+    out.address = static_cast<std::uint32_t>(number);
+    out.presence = API_ADDR_HAS_ADDRESS;
+    unsigned char *const buffer = end - size;
+    if (pavo_zorv_api_addr_encode_ext(&out, buffer, size, nullptr, nullptr) != size) fail("the size written", number);
+    if (std::memcmp(buffer, expected, size) != 0) fail("what is written", number);
+    api_addr in;
+    if (pavo_zorv_api_addr_decode_ext(&in, buffer, size, nullptr, nullptr) != CODEC_OK) fail("the result", number);
+    if (in.address != number || in.presence != API_ADDR_HAS_ADDRESS) fail("what is read", number);
+  }
+  return tried;
+}
+
+// Every input of a length to the reader, at the end of a page: the value and where reading goes on, or the failure.
+std::uint64_t inputs_of_length(std::size_t length, std::uint64_t step) {
+  unsigned char *const end = end_of_page();
+  unsigned char *const input = end - length;
+  std::uint64_t tried = 0;
+  for (std::uint64_t number = 0; number >> 8 * length == 0; number += step, ++tried) {
+    for (std::size_t i = 0; i < length; ++i) input[i] = static_cast<unsigned char>(number >> 8 * i);
+    const auto [next, value] = pavo_zorv::read_varint<std::uint32_t>(input, end);
+    std::size_t position = 0;
+    std::uint32_t expected = 0;
+    const bool whole = naive::decoder::read_32(input, length, position, expected);
+    if (whole != (next != nullptr)) fail("the failure", number);
+    if (whole && (next != input + position || value != expected)) fail("the value", number);
+    if (pavo_zorv::skip_varint(input, end) != (whole ? input + position : nullptr)) fail("the step over it", number);
+  }
+  return tried;
+}
+
+// An input to the 64-bit reader, as the member of a message.
+void read_64(const octets &varint) {
+  static unsigned char *const end = end_of_page();
+  unsigned char *const input = end - varint.size() - 1;
+  input[0] = 0x18;
+  std::copy(varint.begin(), varint.end(), input + 1);
+  api_msg_internal in;
+  const int result = pavo_zorv_api_msg_internal_decode_ext(&in, input, varint.size() + 1, nullptr, nullptr);
+  std::size_t position = 0;
+  std::uint64_t expected = 0;
+  const bool whole = naive::decoder::read_64(varint.data(), varint.size(), position, expected);
+  if (whole && position != varint.size()) naive::broken("a varint with something behind it");
+  if (result != (whole ? CODEC_OK : CODEC_ERR_TRUNCATED)) fail("the result of 64 bits", expected);
+  if (in.field3 != (whole ? expected : 0)) fail("what is read of 64 bits", expected);
+  if (in.presence != (whole ? API_MSG_INTERNAL_HAS_FIELD3 : 0)) fail("the presence of 64 bits", expected);
+}
+
+// Two numbers on either side of every power of two, and of each the forms that are cut off or longer than they need be.
+std::uint64_t boundaries_of_64_bits() {
+  std::uint64_t tried = 0;
+  for (unsigned bits = 0; bits <= 64; ++bits) {
+    const std::uint64_t power = bits == 64 ? 0 : std::uint64_t{1} << bits;
+    for (std::uint64_t offset = 0; offset < 5; ++offset) {
+      const std::uint64_t number = power - 2 + offset;
+      unsigned char expected[16] = {0x18};
+      const std::size_t size = 1 + write_plainly(number, expected + 1);
+      api_msg_internal out = {};
+      out.field3 = number;
+      out.presence = API_MSG_INTERNAL_HAS_FIELD3;
+      unsigned char written[16];
+      if (pavo_zorv_api_msg_internal_encode_ext(&out, written, size, nullptr, nullptr) != size ||
+          std::memcmp(written, expected, size) != 0) {
+        fail("what is written of 64 bits", number);
+      }
+      octets varint(expected + 1, expected + size);
+      for (std::size_t cut = 0; cut < varint.size(); ++cut) {
+        read_64(octets(varint.begin(), varint.begin() + static_cast<std::ptrdiff_t>(cut)));
+        ++tried;
+      }
+      while (varint.size() <= 14) {
+        read_64(varint);
+        ++tried;
+        varint.back() |= 0x80;
+        varint.push_back(0);
+      }
+    }
+  }
+  return tried;
+}
+
+// The tenth octet adds one bit, whatever it is; what follows it adds nothing.
+std::uint64_t tenth_octets() {
+  std::uint64_t tried = 0;
+  for (unsigned ninth = 0x80; ninth <= 0xff; ++ninth) {
+    for (unsigned tenth = 0; tenth <= 0xff; ++tenth) {
+      octets varint(8, 0xd5);
+      varint.push_back(static_cast<unsigned char>(ninth));
+      varint.push_back(static_cast<unsigned char>(tenth));
+      for (; varint.back() >= 0x80 && varint.size() < 13; ++tried) {
+        read_64(varint);
+        varint.push_back(varint.size() == 12 ? 0x7f : 0xff);
+      }
+      read_64(varint);
+      ++tried;
+    }
+  }
+  return tried;
+}
+
+}  // namespace
+
+int main(int count, char **arguments) {
+  const std::string how = count == 2 ? arguments[1] : "";
+  if (how != "all" && how != "some") naive::broken("usage: every_number all|some");
+  const std::uint64_t step = how == "all" ? 1 : 65537;
+  const auto print = [](const char *what, std::uint64_t number) {
+    std::printf("%s: %llu\n", what, static_cast<unsigned long long>(number));
+  };
+  print("numbers of 32 bits written and read again", numbers_of_32_bits(step));
+  std::uint64_t inputs = 0;
+  for (std::size_t length = 0; length <= 4; ++length) inputs += inputs_of_length(length, length < 3 ? 1 : step);
+  print("inputs of up to 4 octets read and stepped over", inputs);
+  print("boundaries of 64 bits in all forms", boundaries_of_64_bits());
+  print("ninth and tenth octets of 64 bits", tenth_octets());
+  return 0;
+}
