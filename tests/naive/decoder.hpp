@@ -305,7 +305,7 @@ class decoder {
     if (count == 0) return CODEC_ERR_TRUNCATED;
     unsigned char *const array = memory_for(count, field.element_size(), 0);
     if (array == nullptr) return CODEC_ERR_NO_MEMORY;
-    if (field.what == sort::messages) std::memset(array, 0, count * field.element_size());
+    if (field.what == sort::messages) std::memset(array, 0, sizes.back());
     set_pointer(record + field.offset, array);
     store(record + field.count_offset, 4, count);
     for (std::uint64_t i = 0; i < count; ++i) {
@@ -369,7 +369,9 @@ class comparison {
                                                            : count_of(field, b) * field.element_size();
     if (seen < 0 || static_cast<std::uint64_t>(seen) != size) return named(type, index, ": the block");
     if (field.what != sort::messages) {
-      return size == 0 || std::memcmp(left, right, size) == 0 ? "" : named(type, index, ": the content");
+      return size == 0 || std::memcmp(left, right, static_cast<std::size_t>(size)) == 0
+                 ? ""
+                 : named(type, index, ": the content");
     }
     for (std::uint64_t at = 0; at < size; at += field.nested->size) {
       std::string inner = difference(*field.nested, left + at, right + at);

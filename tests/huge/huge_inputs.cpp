@@ -1,0 +1,280 @@
+// Sizes at which sums and products could wrap: inputs larger than 4 GiB and runs of more than 2^32 elements where
+// pointers have 64 bits; runs whose array would not fit into the address space where they have 32. The inputs are one
+// small file, mapped again and again, so they take addresses but no memory.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "naive/decoder.hpp"
+
+namespace {
+
+using octets = std::vector<unsigned char>;
+
+unsigned checks = 0;
+
+#define CHECK(condition)                                                                                \
+  (++checks, (condition) ? static_cast<void>(0)                                                         \
+                         : naive::broken(std::string(__func__) + ", line " + std::to_string(__LINE__) + \
+                                         ": " #condition " does not hold"))
+
+constexpr bool wide = sizeof(std::size_t) == 8;
+constexpr std::size_t chunk = std::size_t{1} << (wide ? 26 : 20);
+
+// Octets of a pattern, over and over, between `head` and `tail`. The last octet stands before an inaccessible page.
+class long_input {
+ public:
+  long_input(const octets &head, const octets &pattern, std::uint64_t times, const octets &tail = {})
+      : size_(head.size() + pattern.size() * times + tail.size()) {
+    if (chunk % pattern.size() != 0) naive::broken("the pattern does not fit");
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::uint64_t chunks = pattern.size() * times / chunk;
+    const auto rest = static_cast<std::size_t>(pattern.size() * times % chunk);
+    const std::size_t front = (head.size() + rest + page - 1) / page * page;
+    const std::size_t back = (tail.size() + page - 1) / page * page;
+    mapped_ = static_cast<std::size_t>(front + chunks * chunk + back + page);
+    base_ = map(nullptr, mapped_, PROT_NONE, MAP_ANONYMOUS | MAP_NORESERVE, -1);
+
+    octets beginning = head;
+    for (std::size_t at = 0; at < rest; at += pattern.size()) {
+      beginning.insert(beginning.end(), pattern.begin(), pattern.end());
+    }
+    data_ = put(base_, front, beginning);
+    map_chunks(base_ + front, chunks, pattern);
+    if (!tail.empty()) {
+      // The tail stands directly behind the chunks: the input does not end at the page then.
+      unsigned char *const at =
+          map(base_ + front + chunks * chunk, back, PROT_READ | PROT_WRITE, MAP_ANONYMOUS | MAP_FIXED, -1);
+      std::memcpy(at, tail.data(), tail.size());
+    }
+  }
+  long_input(const long_input &) = delete;
+  long_input &operator=(const long_input &) = delete;
+  ~long_input() { munmap(base_, mapped_); }
+
+  const unsigned char *data() const { return data_; }
+  std::size_t size() const { return static_cast<std::size_t>(size_); }
+
+ private:
+  static unsigned char *map(void *at, std::size_t size, int access, int flags, int file) {
+    void *const result = mmap(at, size, access, flags | (file < 0 ? MAP_PRIVATE : MAP_SHARED), file, 0);
+    if (result == MAP_FAILED) naive::broken("no addresses for " + std::to_string(size) + " octets");
+    return static_cast<unsigned char *>(result);
+  }
+  // Where octets that end at the end of a room begin.
+  static unsigned char *put(unsigned char *room, std::size_t size, const octets &content) {
+    if (size != 0) map(room, size, PROT_READ | PROT_WRITE, MAP_ANONYMOUS | MAP_FIXED, -1);
+    unsigned char *const at = room + size - content.size();
+    if (!content.empty()) std::memcpy(at, content.data(), content.size());
+    return at;
+  }
+  static void map_chunks(unsigned char *at, std::uint64_t chunks, const octets &pattern) {
+    if (chunks == 0) return;
+    const int file = memfd_create("pattern", 0);
+    if (file < 0 || ftruncate(file, chunk) != 0) naive::broken("no file in memory");
+    unsigned char *const content = map(nullptr, chunk, PROT_READ | PROT_WRITE, 0, file);
+    for (std::size_t i = 0; i < chunk; i += pattern.size()) std::memcpy(content + i, pattern.data(), pattern.size());
+    munmap(content, chunk);
+    for (std::uint64_t i = 0; i < chunks; ++i) map(at + i * chunk, chunk, PROT_READ, MAP_FIXED, file);
+    close(file);
+  }
+
+  std::uint64_t size_;
+  std::size_t mapped_ = 0;
+  unsigned char *base_ = nullptr, *data_ = nullptr;
+};
+
+// Notes what it is asked for, and gives nothing.
+struct refusing {
+  std::vector<std::size_t> sizes;
+  static void *allocate(std::size_t size, void *context) {
+    static_cast<refusing *>(context)->sizes.push_back(size);
+    return nullptr;
+  }
+};
+
+octets key(unsigned number, unsigned wire_type) { return {static_cast<unsigned char>(number << 3 | wire_type)}; }
+
+octets operator+(octets left, const octets &right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+// A run of elements of two octets in the list of a message: what is asked for is the whole array or, where no size or
+// count can say that, nothing.
+void a_run(const naive::message &type, unsigned number, std::uint64_t elements) {
+  const naive::member &field = type.members[number - 1];
+  const bool integers = field.what == naive::sort::numbers;
+  const octets element = key(number, integers ? 0 : 2) + octets{0x00};
+  const long_input input({}, element, elements);
+  std::vector<unsigned char> record(type.size, 0x5c);
+  refusing memory;
+  CHECK(type.functions->decode(record.data(), input.data(), input.size(), refusing::allocate, &memory, 0) ==
+        CODEC_ERR_NO_MEMORY);
+  const std::uint64_t size = elements * field.element_size();
+  if (elements > UINT32_MAX || size > SIZE_MAX) {
+    CHECK(memory.sizes.empty());
+  } else {
+    CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(size)});
+  }
+  CHECK(naive::pointer_at(record.data() + field.offset) == nullptr);
+  CHECK(naive::count_of(field, record.data()) == 0);
+  CHECK((naive::presence_of(type, record.data()) & type.mask()) == 0);
+  std::printf("%s, field %u: a run of %llu elements\n", type.name.c_str(), number,
+              static_cast<unsigned long long>(elements));
+}
+
+const naive::message &named(const char *name) { return *naive::message_named(naive::messages(), name); }
+
+// As many elements as a count holds, and one more. Each input has more than 8 GiB.
+void runs_of_2_to_the_32() {
+  for (const std::uint64_t elements : {std::uint64_t{UINT32_MAX}, std::uint64_t{UINT32_MAX} + 1}) {
+    a_run(named("api_lbl_stack"), 1, elements);
+    a_run(named("api_prefix"), 1, elements);
+    a_run(named("api_aa_list"), 3, elements);
+  }
+}
+
+// For each list of messages whose array would not fit into 32 bits with an input of up to 200 MB: the greatest run that
+// fits, and the smallest that does not. And so far as inputs go, runs that do fit.
+void runs_beyond_the_address_space() {
+  constexpr std::uint64_t most = 100'000'000;
+  unsigned wrapping = 0;
+  for (const naive::message &type : naive::messages()) {
+    for (unsigned number = 1; number <= type.members.size(); ++number) {
+      const naive::member &field = type.members[number - 1];
+      if (field.what != naive::sort::messages) continue;
+      const std::uint64_t fitting = SIZE_MAX / field.element_size();
+      if (fitting >= most) {
+        a_run(type, number, most);
+        continue;
+      }
+      ++wrapping;
+      a_run(type, number, fitting);
+      a_run(type, number, fitting + 1);
+      a_run(type, number, most);
+    }
+  }
+  CHECK(wrapping != 0);
+}
+
+// One number, again and again.
+void an_input_of_more_than_4_gib() {
+  const long_input input({}, octets{0x08, 0x2a}, std::uint64_t{1} << 31 | 5, octets{0x08, 0x2b});
+  CHECK(input.size() > UINT32_MAX);
+  api_addr record = {};
+  CHECK(pavo_zorv_api_addr_decode_ext(&record, input.data(), input.size(), nullptr, nullptr) == CODEC_OK);
+  CHECK(record.address == 0x2b && record.presence == API_ADDR_HAS_ADDRESS);
+  std::printf("a number %llu times\n", static_cast<unsigned long long>(input.size() / 2));
+}
+
+// The greatest length there is, with all its octets: of a string, of bytes in both modes, of an unknown field, and of a
+// nested message.
+void the_greatest_length() {
+  const octets length{0xff, 0xff, 0xff, 0xff, 0x0f};
+  const octets zeros{0x00, 0x00};
+  const std::uint64_t times = std::uint64_t{1} << 31;  // two octets each: one more than the length says
+  {
+    const long_input input(key(2, 2) + length, zeros, times);
+    api_intf record = {};
+    refusing memory;
+    CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory) ==
+          CODEC_ERR_NO_MEMORY);
+    CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(std::uint64_t{1} << 32)});
+    CHECK(record.field2 == nullptr);
+  }
+  {
+    const long_input input(key(1, 2) + length, octets{0x10, 0x10}, times, octets{0x10});
+    srv6_prefix record = {};
+    refusing memory;
+    // Behind the bytes there is the value of a key that the bytes end in.
+    CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory,
+                                           PAVO_ZORV_REFERENCE) == CODEC_OK);
+    CHECK(memory.sizes.empty());
+    CHECK(record.field1 == input.data() + 6 && record.field1_length == UINT32_MAX && record.field2 == 0x10);
+    CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory, 0) ==
+          CODEC_ERR_NO_MEMORY);
+    CHECK(memory.sizes == std::vector<std::size_t>{UINT32_MAX});
+    CHECK(record.field1 == nullptr && record.field1_length == 0);
+  }
+  {
+    const long_input input(key(9, 2) + length, octets{0x08, 0x08}, times, octets{0x08});
+    api_addr record = {};
+    CHECK(pavo_zorv_api_addr_decode_ext(&record, input.data(), input.size(), nullptr, nullptr) == CODEC_OK);
+    CHECK(record.address == 8);
+  }
+  {
+    const long_input input(key(4, 2) + length, octets{0x08, 0x08}, times, octets{0x01});
+    srv6_usid record = {};
+    // An odd length: the nested message ends behind a key.
+    CHECK(pavo_zorv_srv6_usid_decode_ext(&record, input.data(), input.size(), nullptr, nullptr, 0) ==
+          CODEC_ERR_TRUNCATED);
+    CHECK(record.sid_struct.field1 == 1 && record.presence == 0);
+  }
+  std::printf("lengths of 2^32 - 1\n");
+}
+
+// Lengths that no input of this address space has: refused, or the end where the field is unknown.
+void lengths_beyond_the_input() {
+  for (const octets &length : {octets{0xff, 0xff, 0xff, 0xff, 0x0f}, octets{0xfa, 0xff, 0xff, 0xff, 0x0f},
+                               octets{0x80, 0x80, 0x80, 0x80, 0x08}, octets{0xff, 0xff, 0xff, 0xff, 0x07}}) {
+    const long_input nested(key(4, 2) + length, octets{0x08, 0x01}, 3);
+    srv6_usid usid = {};
+    CHECK(pavo_zorv_srv6_usid_decode_ext(&usid, nested.data(), nested.size(), nullptr, nullptr, 0) ==
+          CODEC_ERR_TRUNCATED);
+    const long_input text(key(2, 2) + length, octets{0x08, 0x01}, 3);
+    api_intf intf = {};
+    refusing memory;
+    CHECK(pavo_zorv_api_intf_decode_ext(&intf, text.data(), text.size(), refusing::allocate, &memory) ==
+          CODEC_ERR_TRUNCATED);
+    CHECK(memory.sizes.empty());
+    const long_input unknown(key(9, 2) + length, octets{0x08, 0x01}, 3);
+    api_addr addr = {};
+    CHECK(pavo_zorv_api_addr_decode_ext(&addr, unknown.data(), unknown.size(), nullptr, nullptr) == CODEC_OK);
+    CHECK(addr.presence == 0);
+  }
+  std::printf("lengths beyond the input\n");
+}
+
+// An encoding of 200 MB and, where there is room, of more than 8 GiB: measured, and written as far as it fits.
+void long_encodings() {
+  const std::uint32_t count = wide ? UINT32_MAX : 66'666'666;
+  const long_input array({}, octets{0x01}, std::uint64_t{count});
+  api_prefix record = {};
+  record.octets = const_cast<unsigned char *>(array.data());
+  record.octets_count = count;
+  record.presence = API_PREFIX_HAS_OCTETS;
+  std::uint32_t entries = 0;
+  CHECK(pavo_zorv_api_prefix_encode_ext(&record, nullptr, 0, nullptr, &entries) == std::uint64_t{2} * count);
+  CHECK(entries == 1);
+  unsigned char buffer[5] = {};
+  pavo_zorv_segment segment = {};
+  CHECK(pavo_zorv_api_prefix_encode_ext(&record, buffer, 4, &segment, &entries) == std::uint64_t{2} * count);
+  CHECK(std::memcmp(buffer, "\x08\x01\x08\x01", 5) == 0);
+  CHECK(entries == 1 && segment.start == buffer && segment.length == std::uint64_t{2} * count);
+  CHECK(pavo_zorv_api_prefix_compare(&record, &record) == 0);
+  std::printf("an encoding of %llu octets\n", static_cast<unsigned long long>(std::uint64_t{2} * count));
+}
+
+}  // namespace
+
+int main() {
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  lengths_beyond_the_input();
+  long_encodings();
+  if constexpr (wide) {
+    runs_of_2_to_the_32();
+    an_input_of_more_than_4_gib();
+    the_greatest_length();
+  } else {
+    runs_beyond_the_address_space();
+  }
+  std::printf("%u checks with pointers of %zu bits\n", checks, 8 * sizeof(void *));
+  return 0;
+}
