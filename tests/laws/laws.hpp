@@ -1,6 +1,6 @@
 // How a law is tried: for every message, on records and octets from seeds that are the same in every run. The first
 // seed that breaks a law is reported with the message and the octets; PAVO_ZORV_SEED=<seed> tries only that one, and
-// PAVO_ZORV_ROUNDS=<n> n times as many.
+// PAVO_ZORV_ROUNDS=<n> n times as many, PAVO_ZORV_SEEDS=<n> at most n.
 #pragma once
 
 #include <cstdlib>
@@ -40,7 +40,9 @@ inline std::uint64_t only_seed() { return environment_number("PAVO_ZORV_SEED", a
 inline void for_seeds(std::uint64_t seeds, const std::function<void(dice &)> &trial) {
   const std::uint64_t only = only_seed();
   const std::uint64_t first = only != any_seed ? only : 0;
-  const std::uint64_t last = only != any_seed ? only + 1 : seeds * environment_number("PAVO_ZORV_ROUNDS", 1);
+  const std::uint64_t most = environment_number("PAVO_ZORV_SEEDS", UINT64_MAX);
+  const std::uint64_t wanted = seeds * environment_number("PAVO_ZORV_ROUNDS", 1);
+  const std::uint64_t last = only != any_seed ? only + 1 : wanted < most ? wanted : most;
   for (std::uint64_t seed = first; seed < last; ++seed) {
     on_trial().clear();
     dice dice(seed);
