@@ -60,7 +60,7 @@ void run(const trial &trial);
 
 [[noreturn]] inline void fail(const trial &trial, const char *condition, const char *file, int line,
                               const std::string &more = {}) {
-  std::fprintf(stderr, "%s:%d: %s does not hold for %s%s\n", file, line, condition, trial.type->name.c_str(),
+  std::fprintf(stderr, "%s:%d: %s does not hold for %s%s\n", file, line, condition, trial.type->name,
                trial.referenced ? " in reference mode" : "");
   if (!more.empty()) std::fprintf(stderr, "%s\n", more.c_str());
   for (std::size_t i = 0; i < trial.length; ++i) std::fprintf(stderr, "%02x ", trial.bytes[i]);

@@ -23,8 +23,8 @@ protobuf::Message &peer_of(const message &type) {
     zorv::api_msg::descriptor();  // the file is loaded when one of its messages is asked for
     const protobuf::DescriptorPool *const pool = protobuf::DescriptorPool::generated_pool();
     for (const message &one : naive::messages()) {
-      const protobuf::Descriptor *const found = pool->FindMessageTypeByName("zorv." + one.name);
-      if (found == nullptr) naive::broken("no peer for " + one.name);
+      const protobuf::Descriptor *const found = pool->FindMessageTypeByName(std::string("zorv.") + one.name);
+      if (found == nullptr) naive::broken(std::string("no peer for ") + one.name);
       peers.emplace_back(protobuf::MessageFactory::generated_factory()->GetPrototype(found)->New());
     }
   }

@@ -117,7 +117,7 @@ class sweep {
   }
 
   [[noreturn]] void fail(const unsigned char *input, std::size_t length, const std::string &what) const {
-    std::fprintf(stderr, "%s, options %u:", type_.name.c_str(), options_);
+    std::fprintf(stderr, "%s, options %u:", type_.name, options_);
     for (std::size_t i = 0; i < length; ++i) std::fprintf(stderr, " %02x", input[i]);
     naive::broken(": " + what + " is not what the naive decoder says");
   }
@@ -135,7 +135,7 @@ class sweep {
 bool is_wanted(const message &type, int count, char **arguments) {
   if (count == 2) return true;
   for (int i = 2; i < count; ++i) {
-    if (type.name == arguments[i]) return true;
+    if (std::strcmp(type.name, arguments[i]) == 0) return true;
   }
   return false;
 }

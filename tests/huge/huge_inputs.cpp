@@ -126,8 +126,7 @@ void a_run(const naive::message &type, unsigned number, std::uint64_t elements) 
   CHECK(naive::pointer_at(record.data() + field.offset) == nullptr);
   CHECK(naive::count_of(field, record.data()) == 0);
   CHECK((naive::presence_of(type, record.data()) & type.mask()) == 0);
-  std::printf("%s, field %u: a run of %llu elements\n", type.name.c_str(), number,
-              static_cast<unsigned long long>(elements));
+  std::printf("%s, field %u: a run of %llu elements\n", type.name, number, static_cast<unsigned long long>(elements));
 }
 
 const naive::message &named(const char *name) { return *naive::message_named(naive::messages(), name); }

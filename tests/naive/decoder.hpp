@@ -347,12 +347,12 @@ class comparison {
         if (!inner.empty()) return inner;
       }
     }
-    return presence_of(type, a) == presence_of(type, b) ? "" : type.name + ": the presence flags";
+    return presence_of(type, a) == presence_of(type, b) ? "" : std::string(type.name) + ": the presence flags";
   }
 
  private:
   static std::string named(const message &type, std::size_t index, const char *what) {
-    return type.name + ", field " + std::to_string(index + 1) + what;
+    return std::string(type.name) + ", field " + std::to_string(index + 1) + what;
   }
 
   std::string blocks(const message &type, std::size_t index, const unsigned char *a, const unsigned char *b) const {

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "calls.hpp"
@@ -84,7 +84,7 @@ struct member {
 };
 
 struct message {
-  std::string name;
+  const char *name = nullptr;
   std::vector<member> members;  // member i is field i + 1
   std::size_t size = 0;
   std::size_t alignment = 1;
@@ -133,16 +133,16 @@ class layout {
   message &owner_;
 };
 
-inline const message *message_named(const std::vector<message> &known, const std::string &name) {
+inline const message *message_named(const std::vector<message> &known, std::string_view name) {
   for (const message &one : known) {
     if (one.name == name) return &one;
   }
-  broken("no message " + name);
+  broken("no message " + std::string(name));
 }
 
-inline member member_of(std::string word, const std::vector<message> &known, layout &place) {
+inline member member_of(std::string_view word, const std::vector<message> &known, layout &place) {
   const bool list = word.back() == '*';
-  if (list) word.pop_back();
+  if (list) word.remove_suffix(1);
   member result;
   result.is_signed = word[0] == 'i';
   if (word == "flag") {
@@ -150,7 +150,7 @@ inline member member_of(std::string word, const std::vector<message> &known, lay
     result.width = 1;
   } else if (word == "u8" || word == "u32" || word == "i32" || word == "u64" || word == "i64") {
     result.what = list ? sort::numbers : sort::number;
-    result.width = static_cast<unsigned>(std::atoi(word.c_str() + 1)) / 8;
+    result.width = word == "u8" ? 1 : word.ends_with("32") ? 4 : 8;
   } else if (word == "string" || word == "bytes") {
     result.what = word == "string" ? sort::text : sort::bytes;
   } else {
@@ -172,13 +172,16 @@ inline std::vector<message> messages_of_statements() {
     message made;
     made.name = one.message;
     made.functions = calls_of(one.message);
-    if (made.functions == nullptr) broken("no functions of " + made.name);
+    if (made.functions == nullptr) broken("no functions of " + std::string(one.message));
     layout place(made);
-    std::istringstream words(one.fields);
-    for (std::string word; words >> word;) made.members.push_back(member_of(word, result, place));
+    for (std::string_view words = one.fields; !words.empty();) {
+      const std::size_t end = words.find(' ');
+      made.members.push_back(member_of(words.substr(0, end), result, place));
+      words.remove_prefix(end == words.npos ? words.size() : end + 1);
+    }
     place.finish();
-    if (made.size != made.functions->record_size) broken("another size than that of " + made.name);
-    result.push_back(std::move(made));
+    if (made.size != made.functions->record_size) broken("another size than that of " + std::string(one.message));
+    result.push_back(made);
   }
   return result;
 }

@@ -11,13 +11,20 @@ INSTANTIATE_TEST_SUITE_P(every, naive_statement, testing::ValuesIn(subjects()), 
 
 naive::sort sort_of(kind of) {
   switch (of) {
-    case kind::flag: return naive::sort::flag;
-    case kind::integer: return naive::sort::number;
-    case kind::string: return naive::sort::text;
-    case kind::bytes: return naive::sort::bytes;
-    case kind::integers: return naive::sort::numbers;
-    case kind::messages: return naive::sort::messages;
-    case kind::message: break;
+    case kind::flag:
+      return naive::sort::flag;
+    case kind::integer:
+      return naive::sort::number;
+    case kind::string:
+      return naive::sort::text;
+    case kind::bytes:
+      return naive::sort::bytes;
+    case kind::integers:
+      return naive::sort::numbers;
+    case kind::messages:
+      return naive::sort::messages;
+    case kind::message:
+      break;
   }
   return naive::sort::message;
 }
@@ -38,7 +45,8 @@ TEST_P(naive_statement, says_the_same_as_the_schema) {
     EXPECT_EQ(member.width, field.width) << field.name;
     EXPECT_EQ(member.is_signed, field.is_signed) << field.name;
     ASSERT_EQ(member.nested != nullptr, field.nested != nullptr) << field.name;
-    if (field.nested != nullptr) EXPECT_EQ(member.nested->name, field.nested->name) << field.name;
+    if (field.nested == nullptr) continue;
+    EXPECT_STREQ(member.nested->name, field.nested->name) << field.name;
   }
 }
 
