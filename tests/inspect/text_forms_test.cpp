@@ -1,4 +1,4 @@
-// Base64 and UTF-8, as JSON needs them.
+// Base64, hexadecimal digits and UTF-8, as JSON needs them.
 #include "text_forms.hpp"
 
 #include <gtest/gtest.h>
@@ -33,11 +33,24 @@ TEST(base64, has_plus_and_slash_as_its_last_digits) {
   EXPECT_EQ(from_base64("++//"), test::hex("fb ef ff"));
 }
 
-TEST(base64, is_refused_in_any_other_form) {
+TEST(base64, is_read_without_padding_and_in_the_alphabet_for_urls) {
+  EXPECT_EQ(from_base64("Zg"), of("f"));
+  EXPECT_EQ(from_base64("Zm8"), of("fo"));
+  EXPECT_EQ(from_base64("--__"), test::hex("fb ef ff"));
+}
+
+TEST(base64, is_refused_with_anything_else_in_it_or_bits_left_over) {
   for (const std::string_view text :
-       {"Zg", "Zg=", "Z===", "====", "=", "Zg==Zg==", "Zm9v ", "Zm-_", "Zh==", "Zm9=", "Z=m8"}) {
+       {"Z", "Zg=", "Z===", "====", "=", "Zg==Zg==", "Zm9v ", "Zh==", "Zh", "Zm9=", "Z=m8", "Zm9vZg=", "Zg\n"}) {
     EXPECT_EQ(from_base64(text), std::nullopt) << text;
   }
+}
+
+TEST(hexadecimal, is_pairs_of_digits) {
+  EXPECT_EQ(from_hex("00fFA9"), test::hex("00 ff a9"));
+  EXPECT_EQ(to_hex(test::hex("00 ff a9")), "00ffa9");
+  EXPECT_EQ(from_hex(""), octets{});
+  for (const std::string_view text : {"0", "0g", "00 ", " 00", "0x00"}) EXPECT_EQ(from_hex(text), std::nullopt) << text;
 }
 
 TEST(utf8, has_characters_of_one_to_four_octets) {

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "hex_view.hpp"
+#include "annotate.hpp"
+#include "hex_text.hpp"
 #include "input.hpp"
 #include "results.hpp"
 #include "support.hpp"
@@ -61,6 +62,16 @@ bool covers(const octets &input, const walk &walked) {
   return walked.failure ? at <= walked.failure->offset && walked.failure->offset <= input.size() : at == input.size();
 }
 
+// Whether the rows of the annotation are the whole input, each octet once.
+bool covers(const octets &input, const std::vector<annotation> &rows) {
+  std::size_t at = 0;
+  for (const annotation &row : rows) {
+    if (row.start != at || row.roles.size() != row.end - row.start || row.whole_end < row.end) return false;
+    at = row.end;
+  }
+  return at == input.size();
+}
+
 void expect_agreement(const message_type &type, const octets &input, tally &seen) {
   const test::fenced_block fenced(input);
   const octet_view view(fenced.data(), fenced.size());
@@ -68,7 +79,9 @@ void expect_agreement(const message_type &type, const octets &input, tally &seen
   const walk walked = walk_message(type, view);
   seen.add(result);
   ASSERT_EQ(walked.result(), result) << type.name << ": " << test::show(input);
-  ASSERT_TRUE(covers(input, walked)) << type.name << ": " << test::show(input) << "\n" << hex_view(view, walked);
+  ASSERT_TRUE(covers(input, annotate(view, walked))) << type.name << ": " << test::show(input);
+  ASSERT_TRUE(covers(input, walked)) << type.name << ": " << test::show(input) << "\n"
+                                     << hex_text(view, annotate(view, walked), painter(false));
 }
 
 TEST(the_walk, agrees_about_every_sample_and_every_beginning_of_one) {
@@ -151,12 +164,12 @@ TEST(a_disagreement, is_called_a_defect_with_both_results) {
   const message_type &type = *find_type("api_addr");
   const walk cut_off = walk_message(type, test::hex("08"));
   EXPECT_FALSE(agree(CODEC_OK, cut_off));
-  EXPECT_EQ(
-      explain(type, CODEC_OK, cut_off),
-      "*** DEFECT: the library and this tool's own walk disagree about this input ***\n"
-      "  pavo_zorv_api_addr_decode_ext: CODEC_OK (0)\n"
-      "  the walk: CODEC_ERR_TRUNCATED (-1), offset 1 (0x1), address: the value is cut off by the end of the input\n"
-      "One of them is wrong: please report it together with the input.\n");
+  EXPECT_EQ(explain(type, CODEC_OK, cut_off),
+            "*** DEFECT: the library and this tool's own walk disagree about this input ***\n"
+            "  pavo_zorv_api_addr_decode_ext: CODEC_OK (0)\n"
+            "  the walk: CODEC_ERR_TRUNCATED (-1), offset 1 (0x1), address: field 1 of api_addr: the value is cut off "
+            "by the end of the input\n"
+            "One of them is wrong: please report it together with the input.\n");
 
   const walk whole = walk_message(type, test::hex("08 01"));
   EXPECT_FALSE(agree(CODEC_ERR_WRONG_WIRE_TYPE, whole));

@@ -1,25 +1,21 @@
-// Reading and writing files, and hexadecimal text.
+// Reading and writing files.
 #include "input.hpp"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
-#include <optional>
-#include <string_view>
 
 #include "failure.hpp"
 
 namespace inspect {
 namespace {
-
-struct file_closer {
-  void operator()(std::FILE *file) const { std::fclose(file); }
-};
-using file = std::unique_ptr<std::FILE, file_closer>;
 
 bool is_standard(const std::string &name) { return name.empty() || name == "-"; }
 
@@ -27,67 +23,82 @@ bool is_standard(const std::string &name) { return name.empty() || name == "-"; 
   throw unusable(fmt::format("{}: cannot be {}: {}", name, doing, std::strerror(errno)));
 }
 
-int digit_value(unsigned char character) {
-  if (character >= '0' && character <= '9') return character - '0';
-  if (character >= 'a' && character <= 'f') return character - 'a' + 10;
-  if (character >= 'A' && character <= 'F') return character - 'A' + 10;
-  return -1;
-}
-
-// The digits of hexadecimal text; nothing when it holds something else.
-std::optional<octets> hex_digits(octet_view text) {
-  octets digits;
-  bool in_comment = false;
-  for (const unsigned char character : text) {
-    if (character == '\n') {
-      in_comment = false;
-    } else if (in_comment || character == ' ' || character == '\t' || character == '\r') {
-      continue;
-    } else if (character == '#') {
-      in_comment = true;
-    } else if (const int digit = digit_value(character); digit >= 0) {
-      digits.push_back(static_cast<unsigned char>(digit));
-    } else {
-      return std::nullopt;
-    }
+// A file that is open for reading; the standard input stays open.
+class source {
+ public:
+  explicit source(const std::string &name)
+      : name_(is_standard(name) ? "standard input" : name),
+        file_(is_standard(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (file_ < 0) fail(name_, "read");
   }
-  return digits;
-}
+  source(const source &) = delete;
+  source &operator=(const source &) = delete;
+  ~source() {
+    if (file_ != STDIN_FILENO) ::close(file_);
+  }
+
+  // What `stat` says it will be; of pipes and the like, a first guess.
+  std::size_t expected_size() const {
+    struct stat status {};
+    if (::fstat(file_, &status) == 0 && status.st_size > 0) return static_cast<std::size_t>(status.st_size);
+    return 4096;
+  }
+
+  std::size_t read(unsigned char *into, std::size_t size) const {
+    ssize_t taken;
+    do {
+      taken = ::read(file_, into, size);
+    } while (taken < 0 && errno == EINTR);
+    if (taken < 0) fail(name_, "read");
+    return static_cast<std::size_t>(taken);
+  }
+
+ private:
+  std::string name_;
+  int file_;
+};
+
+struct file_closer {
+  void operator()(std::FILE *file) const { std::fclose(file); }
+};
 
 }  // namespace
 
-octets read_file(const std::string &name) {
-  const file opened(is_standard(name) ? nullptr : std::fopen(name.c_str(), "rb"));
-  std::FILE *const source = is_standard(name) ? stdin : opened.get();
-  if (source == nullptr) fail(name, "read");
-  octets content;
-  unsigned char buffer[65536];
-  for (std::size_t length; (length = std::fread(buffer, 1, sizeof buffer, source)) != 0;) {
-    content.insert(content.end(), buffer, buffer + length);
+void read_file(const std::string &name, octets &content) {
+  const source from(name);
+  std::size_t filled = 0;
+  content.resize(from.expected_size() + 1);  // one more, so that the end is seen without growing
+  while (const std::size_t taken = from.read(content.data() + filled, content.size() - filled)) {
+    filled += taken;
+    if (filled == content.size()) content.resize(2 * filled);
   }
-  if (std::ferror(source) != 0) fail(is_standard(name) ? "standard input" : name, "read");
+  content.resize(filled);
+}
+
+octets read_file(const std::string &name) {
+  octets content;
+  read_file(name, content);
   return content;
 }
 
 void write_file(const std::string &name, octet_view content) {
-  const file opened(is_standard(name) ? nullptr : std::fopen(name.c_str(), "wb"));
+  const std::unique_ptr<std::FILE, file_closer> opened(is_standard(name) ? nullptr : std::fopen(name.c_str(), "wb"));
   std::FILE *const target = is_standard(name) ? stdout : opened.get();
   const bool complete = target != nullptr && std::fwrite(content.data(), 1, content.size(), target) == content.size() &&
                         std::fflush(target) == 0;
   if (!complete) fail(is_standard(name) ? "standard output" : name, "written");
 }
 
-octets octets_of(octets input, input_form form) {
-  if (form == input_form::raw) return input;
-  const auto digits = hex_digits(input);
-  if (form == input_form::detected && (!digits || digits->empty())) return input;
-  if (!digits) throw refused("the input is not hexadecimal text");
-  if (digits->size() % 2 != 0) throw refused("hexadecimal text with half an octet (or octets: then say --input=raw)");
-  octets result;
-  for (std::size_t at = 0; at < digits->size(); at += 2) {
-    result.push_back(static_cast<unsigned char>((*digits)[at] << 4 | (*digits)[at + 1]));
+void print(std::string_view text) {
+  write_file("", octet_view(reinterpret_cast<const unsigned char *>(text.data()), text.size()));
+}
+
+void for_each_file(const std::string &name, const std::function<void(const std::string &)> &visit) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(name, error)) return visit(name);
+  for (const auto &entry : std::filesystem::recursive_directory_iterator(name)) {
+    if (!entry.is_directory()) visit(entry.path().string());
   }
-  return result;
 }
 
 }  // namespace inspect

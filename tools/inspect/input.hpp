@@ -1,20 +1,24 @@
-// Where octets come from and go to: files and the standard streams, raw or as hexadecimal text.
+// Where octets come from and go to: files, folders and the standard streams.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include "octets.hpp"
 
 namespace inspect {
 
-enum class input_form { detected, raw, hex };
-
 // The content of a file; of the standard input when the name is empty or "-".
 octets read_file(const std::string &name);
-void write_file(const std::string &name, octet_view content);
 
-// The octets that an input means. Hexadecimal text is pairs of digits with blanks where one likes, and comments from
-// '#' to the end of the line; without a form, input that consists of nothing else is taken as such.
-octets octets_of(octets input, input_form form);
+// The same into octets that are there already, so that many files need the memory of one.
+void read_file(const std::string &name, octets &content);
+
+void write_file(const std::string &name, octet_view content);
+void print(std::string_view text);
+
+// Calls `visit` with every file in a folder and in those inside it, or with the name itself when it is no folder.
+void for_each_file(const std::string &name, const std::function<void(const std::string &)> &visit);
 
 }  // namespace inspect

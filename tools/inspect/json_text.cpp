@@ -1,12 +1,8 @@
-// JSON as text, and back.
+// JSON as text.
 #include "json_text.hpp"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-
-#include "failure.hpp"
 
 namespace inspect {
 namespace {
@@ -41,14 +37,6 @@ std::string to_text(const json &value) {
   std::string text;
   append(text, value, 0);
   return text + '\n';
-}
-
-json parse_json(octet_view text) {
-  try {
-    return json::parse(text.begin(), text.end());
-  } catch (const json::parse_error &error) {
-    throw refused(fmt::format("this is not JSON: octet {} does not fit", error.byte));
-  }
 }
 
 }  // namespace inspect

@@ -9,7 +9,4 @@ namespace inspect {
 
 std::string to_text(const json &value);
 
-// Refuses what is not JSON.
-json parse_json(octet_view text);
-
 }  // namespace inspect

@@ -1,5 +1,7 @@
-// Base64 and UTF-8.
+// Base64, hexadecimal digits and UTF-8.
 #include "text_forms.hpp"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -51,24 +53,57 @@ std::string to_base64(octet_view input) {
 }
 
 std::optional<octets> from_base64(std::string_view text) {
+  const bool is_padded = text.size() % 4 == 0;
+  for (int padding = 0; padding < 2 && is_padded && text.ends_with('='); ++padding) text.remove_suffix(1);
+  if (text.size() % 4 == 1) return std::nullopt;
   octets result;
-  if (text.size() % 4 != 0) return std::nullopt;
-  for (std::size_t at = 0; at < text.size(); at += 4) {
-    std::size_t count = 4;
-    if (at + 4 == text.size()) count -= text.ends_with("==") ? 2u : text.ends_with("=") ? 1u : 0u;
-    std::uint32_t group = 0;
-    for (std::size_t index = 0; index < count; ++index) {
-      const std::size_t digit = digits.find(text[at + index]);
-      if (digit == std::string_view::npos) return std::nullopt;
-      group |= static_cast<std::uint32_t>(digit) << (18 - 6 * index);
-    }
-    for (std::size_t index = 0; index + 1 < count; ++index) {
-      result.push_back(static_cast<unsigned char>(group >> (16 - 8 * index)));
+  std::uint32_t bits = 0;
+  unsigned count = 0;
+  for (const char character : text) {
+    const std::size_t digit = digits.find(character == '-' ? '+' : character == '_' ? '/' : character);
+    if (digit == std::string_view::npos) return std::nullopt;
+    bits = bits << 6 | static_cast<std::uint32_t>(digit);
+    count += 6;
+    if (count >= 8) {
+      count -= 8;
+      result.push_back(static_cast<unsigned char>(bits >> count));
+      bits &= (1u << count) - 1;
     }
   }
-  if (to_base64(result) != text) return std::nullopt;
+  if (bits != 0) return std::nullopt;
   return result;
 }
+
+std::string to_hex(octet_view input) {
+  std::string text;
+  text.reserve(2 * input.size());
+  for (const unsigned char octet : input) {
+    text += "0123456789abcdef"[octet >> 4];
+    text += "0123456789abcdef"[octet & 15];
+  }
+  return text;
+}
+
+int digit_value(unsigned char character) {
+  if (character >= '0' && character <= '9') return character - '0';
+  if (character >= 'a' && character <= 'f') return character - 'a' + 10;
+  if (character >= 'A' && character <= 'F') return character - 'A' + 10;
+  return -1;
+}
+
+std::optional<octets> from_hex(std::string_view text) {
+  if (text.size() % 2 != 0) return std::nullopt;
+  octets result;
+  for (std::size_t at = 0; at < text.size(); at += 2) {
+    const int high = digit_value(static_cast<unsigned char>(text[at]));
+    const int low = digit_value(static_cast<unsigned char>(text[at + 1]));
+    if (high < 0 || low < 0) return std::nullopt;
+    result.push_back(static_cast<unsigned char>(high << 4 | low));
+  }
+  return result;
+}
+
+std::string counted(std::uint64_t count) { return fmt::format("{} octet{}", count, count == 1 ? "" : "s"); }
 
 bool is_utf8(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {

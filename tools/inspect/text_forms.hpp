@@ -1,6 +1,7 @@
-// Octets inside JSON text: base64 for what is not text, UTF-8 for what is.
+// Octets inside text: base64 or hexadecimal digits for what is not text, UTF-8 for what is.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,8 +12,20 @@ namespace inspect {
 
 std::string to_base64(octet_view input);
 
-// Nothing unless the text is base64 with its padding, and of the one form that `to_base64` gives.
+// Also of the alphabet for URLs, and with or without padding; nothing for a text with anything else, or with bits left
+// over.
 std::optional<octets> from_base64(std::string_view text);
+
+std::string to_hex(octet_view input);
+
+// The value of a hexadecimal digit; -1 of anything else.
+int digit_value(unsigned char character);
+
+// Nothing unless the text is pairs of digits.
+std::optional<octets> from_hex(std::string_view text);
+
+// "1 octet", "7 octets".
+std::string counted(std::uint64_t count);
 
 bool is_utf8(std::string_view text);
 

@@ -4,60 +4,79 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <nlohmann/json.hpp>
+#include <numeric>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
-#include "json_read.hpp"
-#include "json_write.hpp"
 #include "messages/all.hpp"
+#include "record_read.hpp"
+#include "record_write.hpp"
 
 namespace inspect {
 namespace {
 
-// Calls an exported function, with an options word of 0 where it takes one.
+// Calls an exported function, with the options word where it takes one.
 template <class Function, class... Arguments>
-auto call(Function function, Arguments... arguments) {
+auto call(Function function, [[maybe_unused]] std::uint32_t options, Arguments... arguments) {
   if constexpr (std::is_invocable_v<Function, Arguments..., std::uint32_t>) {
-    return function(arguments..., std::uint32_t{0});
+    return function(arguments..., options);
   } else {
     return function(arguments...);
   }
 }
 
 template <class Record, auto Function>
-int decode_record(void *record, octet_view input, arena &memory) {
-  return call(Function, static_cast<Record *>(record), input.data(), input.size(), &arena::allocate,
-              static_cast<void *>(&memory));
+int decode_record(void *record, octet_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options) {
+  return call(Function, options, static_cast<Record *>(record), input.data(), input.size(), allocate, context);
 }
 
 template <class Record, auto Function>
-octets encode_record(const void *record) {
-  const auto run = [&](unsigned char *buffer, std::size_t length) {
-    return call(Function, static_cast<const Record *>(record), buffer, length,
-                static_cast<pavo_zorv_segment *>(nullptr), static_cast<std::uint32_t *>(nullptr));
-  };
-  octets result(run(nullptr, 0));
-  run(result.data(), result.size());
-  return result;
+std::size_t encode_record(const void *record, unsigned char *buffer, std::size_t length, pavo_zorv_segment *segments,
+                          std::uint32_t *count, std::uint32_t options) {
+  return call(Function, options, static_cast<const Record *>(record), buffer, length, segments, count);
+}
+
+template <class Record, auto Function>
+void release_record(void *record, pavo_zorv_release release, void *context, std::uint32_t options) {
+  call(Function, options, static_cast<Record *>(record), release, context);
+}
+
+template <class Record, auto Function>
+int compare_records(const void *a, const void *b) {
+  return Function(static_cast<const Record *>(a), static_cast<const Record *>(b));
 }
 
 template <class Record>
-json write_record(const void *record, path_view stopped) {
-  return to_json(*static_cast<const Record *>(record), stopped);
+json write_record(const void *record, const json_form &form) {
+  return to_json(*static_cast<const Record *>(record), form);
 }
 
 template <class Record>
-void read_record(const json &from, void *record, arena &memory) {
-  json_reader(memory).read(from, *static_cast<Record *>(record));
+void read_record(const node &from, void *record, arena &memory, bytes_form bytes) {
+  record_reader(memory, bytes).read(from, *static_cast<Record *>(record));
 }
 
 template <class Record>
 extern const message_type type_of;
 
+template <class Record, class Member>
+std::size_t offset_of(Member member) {
+  static const Record record{};
+  return static_cast<std::size_t>(reinterpret_cast<const char *>(&(record.*member)) -
+                                  reinterpret_cast<const char *>(&record));
+}
+
 template <class Record, std::size_t Index>
 field_type make_field() {
   constexpr auto &row = pavo_zorv::row_at<Record, Index>;
   using row_type = std::remove_cvref_t<decltype(row)>;
-  field_type field{row.number, row.name, row.type, row.wire, 0, false, nullptr};
+  field_type field{row.number, row.name, row.type, row.wire, 0, false, nullptr, 0, {}};
+  const auto members = row.members();
+  field.offset = offset_of<Record>(std::get<0>(members));
+  if constexpr (std::tuple_size_v<decltype(members)> == 2) field.count_offset = offset_of<Record>(std::get<1>(members));
   if constexpr (row.type == kind::integer || row.type == kind::integers) {
     field.bits = sizeof(typename row_type::element) * 8;
     field.is_signed = std::is_signed_v<typename row_type::element>;
@@ -74,14 +93,20 @@ std::vector<field_type> make_fields() {
   return fields;
 }
 
-#define INSPECT_TYPE(message)                                                                   \
-  template <>                                                                                   \
-  const message_type type_of<message>{#message,                                                 \
-                                      make_fields<message>(),                                   \
-                                      sizeof(message),                                          \
-                                      decode_record<message, pavo_zorv_##message##_decode_ext>, \
-                                      encode_record<message, pavo_zorv_##message##_encode_ext>, \
-                                      write_record<message>,                                    \
+#define INSPECT_TYPE(message)                                                                                  \
+  template <>                                                                                                  \
+  const message_type type_of<message>{#message,                                                                \
+                                      make_fields<message>(),                                                  \
+                                      sizeof(message),                                                         \
+                                      offset_of<message>(&message::presence),                                  \
+                                      sizeof(message::presence) * 8,                                           \
+                                      std::is_invocable_v<decltype(pavo_zorv_##message##_free_ext), message *, \
+                                                          pavo_zorv_release, void *, std::uint32_t>,           \
+                                      decode_record<message, pavo_zorv_##message##_decode_ext>,                \
+                                      encode_record<message, pavo_zorv_##message##_encode_ext>,                \
+                                      release_record<message, pavo_zorv_##message##_free_ext>,                 \
+                                      compare_records<message, pavo_zorv_##message##_compare>,                 \
+                                      write_record<message>,                                                   \
                                       read_record<message>};
 PAVO_ZORV_ALL_MESSAGES(INSPECT_TYPE)
 #undef INSPECT_TYPE
@@ -90,10 +115,44 @@ PAVO_ZORV_ALL_MESSAGES(INSPECT_TYPE)
 const message_type *const types[] = {PAVO_ZORV_ALL_MESSAGES(INSPECT_LISTED)};
 #undef INSPECT_LISTED
 
+// The fewest insertions, deletions and replacements that make one of the other.
+std::size_t distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t replaced = diagonal + (a[i] != b[j]);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
 }  // namespace
 
 const field_type *message_type::field(std::uint32_t number) const {
   return number - 1 < fields.size() ? &fields[number - 1] : nullptr;
+}
+
+const field_type *message_type::field(std::string_view wanted) const {
+  const auto found =
+      std::ranges::find_if(fields, [&](const field_type &each) { return is_name_of(each.name, wanted); });
+  return found != fields.end() ? &*found : nullptr;
+}
+
+bool is_name_of(std::string_view field, std::string_view given) {
+  if (field == given) return true;
+  std::size_t at = 0;
+  for (std::size_t index = 0; index < field.size(); ++index, ++at) {
+    char wanted = field[index];
+    if (wanted == '_' && ++index < field.size()) {
+      wanted = static_cast<char>(std::toupper(static_cast<unsigned char>(field[index])));
+    }
+    if (at == given.size() || given[at] != wanted) return false;
+  }
+  return at == given.size();
 }
 
 std::span<const message_type *const> all_types() { return types; }
@@ -103,7 +162,13 @@ const message_type *find_type(std::string_view name) {
   return found != std::end(types) ? *found : nullptr;
 }
 
-std::string describe(const field_type &field) {
+const message_type *nearest_type(std::string_view name) {
+  const auto distance_to = [&](const message_type *type) { return distance(name, type->name); };
+  const auto nearest = std::ranges::min_element(types, {}, distance_to);
+  return distance_to(*nearest) <= std::max<std::size_t>(2, 2 * name.size() / 5) ? *nearest : nullptr;
+}
+
+std::string describe_element(const field_type &field) {
   switch (field.kind) {
     case kind::flag:
       return "flag";
@@ -112,16 +177,16 @@ std::string describe(const field_type &field) {
     case kind::bytes:
       return "bytes";
     case kind::integer:
-      return fmt::format("{} {}-bit", field.is_signed ? "signed" : "unsigned", field.bits);
     case kind::integers:
-      return fmt::format("list of unsigned {}-bit", field.bits);
+      return fmt::format("{} {}-bit", field.is_signed ? "signed" : "unsigned", field.bits);
     case kind::message:
-      return field.nested->name;
     case kind::messages:
-      return fmt::format("list of {}", field.nested->name);
+      return field.nested->name;
   }
   return {};
 }
+
+std::string describe(const field_type &field) { return (field.is_list() ? "list of " : "") + describe_element(field); }
 
 const char *wire_type_name(std::uint32_t key) {
   static constexpr const char *names[] = {"varint",    "fixed64", "delimited",   "group start",
@@ -139,8 +204,14 @@ std::string to_string(path_view steps) {
   return text;
 }
 
-json record::write(path_view stopped) const { return type_.write(content_, stopped); }
+octets record::encode() const {
+  octets result(type_.encode(content_, nullptr, 0, nullptr, nullptr, 0));
+  type_.encode(content_, result.data(), result.size(), nullptr, nullptr, 0);
+  return result;
+}
 
-void record::read(const json &from) { type_.read(from, content_, memory_); }
+json record::write(const json_form &form) const { return type_.write(content_, form); }
+
+void record::read(const node &from, bytes_form bytes) { type_.read(from, content_, memory_, bytes); }
 
 }  // namespace inspect

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,8 +12,10 @@
 
 #include "arena.hpp"
 #include "core/schema.hpp"
+#include "json_form.hpp"
 #include "octets.hpp"
 #include "path.hpp"
+#include "pavo_zorv.h"
 
 namespace inspect {
 
@@ -21,6 +24,7 @@ using pavo_zorv::kind;
 using pavo_zorv::wire_type;
 
 struct message_type;
+struct node;
 
 struct field_type {
   unsigned number;
@@ -29,28 +33,51 @@ struct field_type {
   wire_type wire;
   unsigned bits;  // of the number, or of a list's elements; else 0
   bool is_signed;
-  const message_type *nested;  // of a message or a list of them; else null
+  const message_type *nested;               // of a message or a list of them; else null
+  std::size_t offset;                       // of the member in the record
+  std::optional<std::size_t> count_offset;  // of the count or length beside it
+
+  std::uint32_t presence_bit() const { return 1u << (number - 1); }
+  bool is_list() const { return kind == kind::integers || kind == kind::messages; }
 };
 
 struct message_type {
   const char *name;
   std::vector<field_type> fields;
   std::size_t record_size;
+  std::size_t presence_offset;
+  unsigned presence_bits;
+  bool takes_options;
 
-  int (*decode)(void *record, octet_view input, arena &memory);
-  octets (*encode)(const void *record);
-  json (*write)(const void *record, path_view stopped);
-  void (*read)(const json &from, void *record, arena &memory);
+  // The exported functions. Messages that take no options word leave it aside.
+  int (*decode)(void *record, octet_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options);
+  std::size_t (*encode)(const void *record, unsigned char *buffer, std::size_t length, pavo_zorv_segment *segments,
+                        std::uint32_t *count, std::uint32_t options);
+  void (*release)(void *record, pavo_zorv_release release, void *context, std::uint32_t options);
+  int (*compare)(const void *a, const void *b);
 
-  // Null for a number that the message does not have.
+  json (*write)(const void *record, const json_form &form);
+  void (*read)(const node &from, void *record, arena &memory, bytes_form bytes);
+
+  // Null for a number or a name that the message does not have.
   const field_type *field(std::uint32_t number) const;
+  const field_type *field(std::string_view name) const;
 };
 
 std::span<const message_type *const> all_types();
 const message_type *find_type(std::string_view name);
 
-// "list of unsigned 8-bit", "nested api_addr", ...
+// The message whose name is most like this one; null when none is much like it.
+const message_type *nearest_type(std::string_view name);
+
+// Whether a name in JSON means a field: the field's own name, or the same in lowerCamelCase.
+bool is_name_of(std::string_view field, std::string_view given);
+
+// "flag", "signed 32-bit", "api_addr", "list of unsigned 8-bit", ...
 std::string describe(const field_type &field);
+
+// Of one element, for a list: "unsigned 8-bit", "api_addr".
+std::string describe_element(const field_type &field);
 
 const char *wire_type_name(std::uint32_t key);
 
@@ -61,12 +88,16 @@ class record {
   record(const record &) = delete;
   record &operator=(const record &) = delete;
 
-  int decode(octet_view input) { return type_.decode(content_, input, memory_); }
-  octets encode() const { return type_.encode(content_); }
+  int decode(octet_view input, std::uint32_t options = 0) {
+    return type_.decode(content_, input, &arena::allocate, &memory_, options);
+  }
+  octets encode() const;
+  int compare(const record &other) const { return type_.compare(content_, other.content_); }
 
-  // Of a record that was not decoded to its end, `stopped` is the way to where decoding stopped.
-  json write(path_view stopped = {}) const;
-  void read(const json &from);
+  json write(const json_form &form = {}) const;
+  void read(const node &from, bytes_form bytes = bytes_form::base64);
+
+  const void *content() const { return content_; }
 
  private:
   const message_type &type_;

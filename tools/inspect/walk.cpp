@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include <bitset>
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -21,7 +21,8 @@ class walker {
 
   // False when the reading ends here; `done.failure` says why.
   bool message(const message_type &type, std::size_t at, std::size_t end) {
-    std::bitset<32> seen;
+    std::array<std::optional<std::size_t>, 32> seen;  // where each field began first
+    type_ = &type;
     while (at != end) {
       const auto key = read_varint(at, end, 32);
       if (!key) return cut_off(at, "the key");
@@ -30,9 +31,10 @@ class walker {
       if (field == nullptr) {
         if (!unknown(here, end)) return false;
       } else {
-        here.again = seen[field->number - 1];
-        if (!known(here, end)) return false;
-        seen.set(field->number - 1);
+        auto &first = seen[field->number - 1];
+        here.again = first.has_value();
+        if (!known(here, first.value_or(at), end)) return false;
+        if (!first) first = at;
       }
       at = here.end;
     }
@@ -72,15 +74,17 @@ class walker {
     return false;
   }
 
-  bool fail_in(step where, int result, std::size_t offset, std::string reason) {
+  bool fail_in(step where, int result, std::size_t offset, std::string_view reason) {
+    const std::string field = fmt::format("field {} of {}", where.field->number, type_->name);
     path_.push_back(where);
-    return fail(result, offset, std::move(reason));
+    return fail(result, offset, fmt::format("{}: {}", field, reason));
   }
 
   std::string around() const { return path_.empty() ? "the input" : to_string(path_); }
 
   bool cut_off(std::size_t offset, std::string_view what) {
-    return fail(CODEC_ERR_TRUNCATED, offset, fmt::format("{} is cut off by the end of {}", what, around()));
+    return fail(CODEC_ERR_TRUNCATED, offset,
+                fmt::format("{}: {} is cut off by the end of {}", type_->name, what, around()));
   }
 
   bool cut_off_in(const walked_field &here, std::string_view what) {
@@ -115,7 +119,8 @@ class walker {
         break;
       default:
         return fail(CODEC_ERR_BAD_WIRE_TYPE, here.start,
-                    fmt::format("unknown field {} cannot be skipped: {}", here.key >> 3, wire_type_name(here.key)));
+                    fmt::format("unknown field {} of {}: {} cannot be skipped", here.key >> 3, type_->name,
+                                wire_type_name(here.key)));
     }
     if (here.end == 0) here.end = here.number < end - here.content ? here.content + here.number : end;
     done.fields.push_back(here);
@@ -124,7 +129,7 @@ class walker {
 
   // --- Known fields: first the wire type, then whether the field may come again, then what it holds ---
 
-  bool known(walked_field &here, std::size_t end) {
+  bool known(walked_field &here, std::size_t first, std::size_t end) {
     const field_type &field = *here.field;
     if ((here.key & 7) != static_cast<unsigned>(field.wire)) {
       return fail_in({&field, {}}, CODEC_ERR_WRONG_WIRE_TYPE, here.start,
@@ -137,7 +142,7 @@ class walker {
         return scalar(here, end);
       case kind::string:
       case kind::bytes:
-        if (here.again) return fail_again(here, "it comes a second time");
+        if (here.again) return fail_again(here, fmt::format("it comes a second time, first at offset {}", first));
         if (!delimited(here, end)) return false;
         done.fields.push_back(here);
         return true;
@@ -147,13 +152,13 @@ class walker {
         return inside(here);
       case kind::integers:
       case kind::messages:
-        if (here.again) return fail_again(here, "a second run of it: the elements of a list stand together");
+        if (here.again) return fail_again(here, fmt::format("a second run, first run at offset {}", first));
         return run(here, end);
     }
     return false;
   }
 
-  bool fail_again(const walked_field &here, const char *reason) {
+  bool fail_again(const walked_field &here, std::string_view reason) {
     return fail_in({here.field, {}}, CODEC_ERR_TRUNCATED, here.start, reason);
   }
 
@@ -182,11 +187,13 @@ class walker {
   }
 
   bool inside(const walked_field &here) {
+    const message_type *const outer = type_;
     path_.push_back({here.field, here.index});
     ++depth_;
     if (!message(*here.field->nested, here.content, here.end)) return false;
     --depth_;
     path_.pop_back();
+    type_ = outer;
     return true;
   }
 
@@ -235,6 +242,7 @@ class walker {
   }
 
   octet_view input_;
+  const message_type *type_ = nullptr;  // of the message that is being read
   path path_;
   unsigned depth_ = 0;
 };

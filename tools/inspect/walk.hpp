@@ -34,8 +34,8 @@ struct walk_failure {
   int result;
   std::size_t offset;  // of the key, length or value that cannot be read
   inspect::path path;
-  unsigned depth;  // as of a field
-  std::string reason;
+  unsigned depth;      // as of a field
+  std::string reason;  // "field 2 of api_exp_path: a second run, first run at offset 0"
 };
 
 struct walk {

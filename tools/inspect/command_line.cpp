@@ -1,0 +1,226 @@
+// The command line, by CLI11.
+#include "command_line.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <map>
+#include <string>
+
+#include "commands.hpp"
+#include "completion.hpp"
+#include "input.hpp"
+#include "subject.hpp"
+
+namespace inspect {
+namespace {
+
+template <class Value>
+using choices = std::map<std::string, Value>;
+
+const choices<octet_form> octet_forms{{"auto", octet_form::detected},
+                                      {"raw", octet_form::raw},
+                                      {"hex", octet_form::hex},
+                                      {"dump", octet_form::dump},
+                                      {"base64", octet_form::base64}};
+const choices<message_form> message_forms{{"auto", message_form::detected}, {"raw", message_form::raw},
+                                          {"hex", message_form::hex},       {"dump", message_form::dump},
+                                          {"base64", message_form::base64}, {"json", message_form::as_json},
+                                          {"text", message_form::as_text}};
+const choices<prefix_form> prefix_forms{
+    {"varint", prefix_form::varint}, {"be32", prefix_form::be32}, {"le32", prefix_form::le32}};
+const choices<bytes_form> bytes_forms{
+    {"base64", bytes_form::base64}, {"hex", bytes_form::hex}, {"length", bytes_form::length}};
+const choices<colour_choice> colour_choices{
+    {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
+
+// Help as manuals have it: "-o, --output".
+class help_format : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App *app, std::string name) const override {
+    std::string usage = fmt::format("Usage: {} [OPTIONS]", name);
+    if (!app->get_subcommands([](const CLI::App *) { return true; }).empty()) usage += " COMMAND";
+    for (const CLI::Option *each :
+         app->get_options([](const CLI::Option *option) { return option->get_positional(); })) {
+      usage += ' ' + each->get_option_text();
+    }
+    return usage + "\n";
+  }
+
+  // Words are called by what they mean, not by a name of their own.
+  std::string make_option_opts(const CLI::Option *option) const override {
+    return option->get_positional() ? "" : Formatter::make_option_opts(option);
+  }
+
+  std::string make_option_name(const CLI::Option *option, bool is_positional) const override {
+    if (is_positional) return option->get_option_text();
+    std::string name = Formatter::make_option_name(option, is_positional);
+    if (const std::size_t comma = name.find(','); comma != name.npos) name.insert(comma + 1, " ");
+    return name;
+  }
+};
+
+class command_line {
+ public:
+  command_line() {
+    app_.formatter(std::make_shared<help_format>());
+    app_.require_subcommand(1);
+    app_.set_version_flag("--version", std::string("zorv-inspect ") + PAVO_ZORV_VERSION);
+    app_.set_help_all_flag("--help-all", "Print the help of all commands");
+    app_.footer(
+        "FILE is the standard input when it is missing or \"-\". TYPE, a message's name, may be left out where only\n"
+        "one message reads the input completely.\n"
+        "Exit status: 0 done; 1 a message does not decode, or differs, or other input is refused; 2 wrong usage, or a\n"
+        "file cannot be read or written; 3 the library and this tool disagree about the input.");
+    add_reading_commands();
+    add_judging_commands();
+    add_writing_commands();
+    add_completion();
+  }
+
+  int run(int count, char **arguments) {
+    try {
+      app_.parse(count, arguments);
+      return chosen_(asked_);
+    } catch (const CLI::ParseError &error) {
+      return app_.exit(error) == 0 ? all_well : not_usable;
+    } catch (const refused &error) {
+      complain(fmt::format("{}\n", error.what()));
+      return input_refused;
+    } catch (const std::exception &error) {
+      complain(fmt::format("{}\n", error.what()));
+      return not_usable;
+    }
+  }
+
+ private:
+  using action = std::function<exit_status(const request &)>;
+
+  CLI::App *command(const char *name, const char *purpose, action chosen) {
+    CLI::App *const added = app_.add_subcommand(name, purpose);
+    added->callback([this, chosen] { chosen_ = chosen; });
+    return added;
+  }
+
+  template <class Value>
+  void add_choice(CLI::App *command, const char *name, Value &value, const choices<Value> &values,
+                  std::string purpose) {
+    std::string names;
+    for (const auto &[each, meaning] : values) names += (names.empty() ? "" : ", ") + each;
+    command->add_option(name, value, purpose + ": " + names)
+        ->transform(CLI::CheckedTransformer(values).description(""))
+        ->option_text("FORM");
+  }
+
+  void add_words(CLI::App *command, const char *text, const char *purpose) {
+    command->add_option("words", asked_.words, purpose)->option_text(text);
+  }
+
+  void add_output(CLI::App *command) {
+    command->add_option("-o,--output", asked_.output, "Write to this file instead of the standard output")
+        ->option_text("FILE");
+  }
+
+  void add_input(CLI::App *command) {
+    add_choice(command, "-i,--input", asked_.input, octet_forms, "Form of the input");
+    add_stream(command, "The input is a stream of messages, each behind its length");
+    command->add_option("-n,--at", asked_.at, "Only this message of the stream, counted from 0")->option_text("N");
+  }
+
+  void add_stream(CLI::App *command, const char *purpose) {
+    add_choice(command, "-s,--stream", asked_.stream, prefix_forms, purpose);
+  }
+
+  void add_bytes(CLI::App *command, const char *purpose, bytes_form most) {
+    choices<bytes_form> values = bytes_forms;
+    if (most != bytes_form::length) values.erase("length");
+    add_choice(command, "-b,--bytes", asked_.bytes, values, purpose);
+  }
+
+  void add_reading_commands() {
+    add_words(
+        command("types", "List the messages, or the fields of one with their keys and places in the record", types),
+        "[TYPE]", "Message");
+    CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
+    add_words(decoding, "[TYPE] [FILE]", "Message, and file to read");
+    add_input(decoding);
+    add_bytes(decoding, "How bytes are shown", bytes_form::length);
+
+    CLI::App *const annotating = command("hex", "Show every octet of a message with its meaning", hex);
+    add_words(annotating, "[TYPE] [FILE]", "Message, and file to read");
+    add_input(annotating);
+    add_choice(annotating, "--color", asked_.colours, colour_choices,
+               "Colours; without this, on a terminal unless NO_COLOR is set");
+    annotating->add_flag("--html", asked_.html, "As a page for a browser");
+
+    CLI::App *const drawing = command("segments", "Show the segment table of an encoding in both modes", segments);
+    add_words(drawing, "[TYPE] [FILE]", "Message, and file to read");
+    add_input(drawing);
+  }
+
+  void add_judging_commands() {
+    CLI::App *const comparing = command("diff", "Show where two messages differ", diff);
+    add_words(comparing, "[TYPE] A B", "Message, and the files to compare");
+    add_input(comparing);
+    comparing->add_flag("-a,--all", asked_.all, "Show all differences, not only the first");
+
+    CLI::App *const checking = command(
+        "check", "Decode many messages: which are refused, which would be written otherwise, what they cost", check);
+    add_words(checking, "[TYPE] FILE...", "Message, and the files and folders to check");
+    add_input(checking);
+    checking->add_flag("-a,--all", asked_.all, "A line for every message");
+    checking->add_flag("--strict", asked_.strict, "What is not canonical counts as refused");
+    checking->add_flag("--timing", asked_.timing, "Say how long it took");
+
+    CLI::App *const guessing =
+        command("guess", "List the messages that an input could be, the likeliest first", guess_type);
+    add_words(guessing, "[FILE]", "File to read");
+    add_input(guessing);
+    guessing->add_flag("-a,--all", asked_.all, "Also those that do not decode");
+
+    CLI::App *const listing = command("index", "List the messages of a stream", index_stream);
+    add_words(listing, "[TYPE] [FILE]", "Message, and file to read");
+    add_input(listing);
+  }
+
+  void add_writing_commands() {
+    CLI::App *const encoding = command("encode", "Make a message from JSON", encode);
+    add_words(encoding, "TYPE [FILE]", "Message, and file to read");
+    add_output(encoding);
+    add_stream(encoding, "Write a stream, of all JSON values in the input");
+    add_bytes(encoding, "How bytes are written in the JSON", bytes_form::hex);
+
+    CLI::App *const converting = command("convert", "Write a message in another form", convert);
+    add_words(converting, "[TYPE] [FILE]", "Message, and file to read");
+    choices<message_form> targets = message_forms;
+    targets.erase("auto");
+    add_choice(converting, "-f,--from", asked_.from, message_forms, "Form of the input; text is that of protoc");
+    add_choice(converting, "-t,--to", asked_.to, targets, "Form of the output");
+    add_output(converting);
+    add_bytes(converting, "How bytes stand in JSON", bytes_form::length);
+  }
+
+  void add_completion() {
+    CLI::App *const completing =
+        command("completion", "Print a script with which a shell completes commands", [this](const request &asked) {
+          print(asked.words.front() == "bash" ? bash_completion(app_) : zsh_completion(app_));
+          return all_well;
+        });
+    completing->add_option("words", asked_.words, "bash or zsh")
+        ->option_text("SHELL")
+        ->required()
+        ->expected(1)
+        ->check(CLI::IsMember({"bash", "zsh"}).description(""));
+  }
+
+  CLI::App app_{"See any message of pavo_zorv, fix any message.", "zorv-inspect"};
+  request asked_;
+  action chosen_;
+};
+
+}  // namespace
+
+int run(int count, char **arguments) { return command_line().run(count, arguments); }
+
+}  // namespace inspect

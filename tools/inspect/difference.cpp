@@ -1,0 +1,73 @@
+// Differences of two messages, from their JSON.
+#include "difference.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace inspect {
+namespace {
+
+// A value on one line, and of a long one the beginning.
+std::string shown(const json &value) {
+  constexpr std::size_t most = 72;
+  const std::string text = value.dump();
+  return text.size() <= most ? text : text.substr(0, most) + "...";
+}
+
+class comparison {
+ public:
+  void messages(const message_type &type, const json &a, const json &b) {
+    for (const field_type &field : type.fields) {
+      const auto in_a = a.find(field.name), in_b = b.find(field.name);
+      if (in_a == a.end() && in_b == b.end()) continue;
+      way_.push_back({&field, {}});
+      if (in_a == a.end() || in_b == b.end()) {
+        add(in_a == a.end() ? "absent" : shown(*in_a), in_b == b.end() ? "absent" : shown(*in_b));
+      } else if (field.is_list()) {
+        lists(field, *in_a, *in_b);
+      } else {
+        values(field, *in_a, *in_b);
+      }
+      way_.pop_back();
+    }
+  }
+
+  std::vector<difference> found;
+
+ private:
+  void values(const field_type &field, const json &a, const json &b) {
+    if (field.nested != nullptr) {
+      messages(*field.nested, a, b);
+    } else if (a != b) {
+      add(shown(a), shown(b));
+    }
+  }
+
+  void lists(const field_type &field, const json &a, const json &b) {
+    for (std::size_t index = 0; index < std::min(a.size(), b.size()); ++index) {
+      way_.back().index = index;
+      values(field, a[index], b[index]);
+    }
+    way_.back().index.reset();
+    if (a.size() != b.size()) add(counted(a), counted(b));
+  }
+
+  static std::string counted(const json &list) {
+    return fmt::format("{} element{}", list.size(), list.size() == 1 ? "" : "s");
+  }
+
+  void add(std::string a, std::string b) { found.push_back({to_string(way_), std::move(a), std::move(b)}); }
+
+  path way_;
+};
+
+}  // namespace
+
+std::vector<difference> differences(const message_type &type, const json &a, const json &b) {
+  comparison comparison;
+  comparison.messages(type, a, b);
+  return std::move(comparison.found);
+}
+
+}  // namespace inspect

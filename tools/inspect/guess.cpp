@@ -1,0 +1,84 @@
+// Guessing by reading the input as every message.
+#include "guess.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <tuple>
+
+#include "failure.hpp"
+#include "text_forms.hpp"
+#include "walk.hpp"
+
+namespace inspect {
+namespace {
+
+bool is_readable(octet_view characters) {
+  const std::string_view text(reinterpret_cast<const char *>(characters.data()), characters.size());
+  return is_utf8(text) && std::ranges::none_of(text, [](char each) { return each >= 0 && each < ' '; });
+}
+
+int evidence_of(octet_view input, const walked_field &here) {
+  if (here.field == nullptr) return -2;
+  switch (here.field->kind) {
+    case kind::string:
+      return is_readable(input.subspan(here.content, here.end - here.content)) ? 2 : -2;
+    case kind::message:
+    case kind::messages:
+      return here.end != here.content ? 2 : 0;
+    case kind::flag:
+      return here.number <= 1 ? 1 : -1;
+    case kind::integers:
+      return here.field->bits == 8 && here.number > 0xff ? -1 : 0;
+    default:
+      return 0;
+  }
+}
+
+reading read_as(const message_type &type, octet_view input) {
+  const walk walked = walk_message(type, input);
+  reading made{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0, 0};
+  for (const walked_field &each : walked.fields) {
+    made.evidence += evidence_of(input, each);
+    if (each.field == nullptr) made.unknown += each.end - each.start;
+  }
+  if (walked.failure) return made;
+  record content(type);
+  if (content.decode(input) != CODEC_OK) return made;
+  made.fit = std::ranges::equal(content.encode(), input) ? fit::canonical
+             : made.unknown == 0                         ? fit::complete
+                                                         : fit::partial;
+  return made;
+}
+
+}  // namespace
+
+std::vector<reading> guess(octet_view input) {
+  std::vector<reading> readings;
+  for (const message_type *type : all_types()) readings.push_back(read_as(*type, input));
+  const auto order = [](const reading &each) {
+    return std::tuple(each.fit, each.unknown, -each.evidence, ~each.reached);
+  };
+  std::ranges::stable_sort(readings, {}, order);
+  return readings;
+}
+
+const message_type &only_guess(octet_view input, const std::string &name) {
+  const std::vector<reading> readings = guess(input);
+  const fit best = readings.front().fit;
+  if (best == fit::partial || best == fit::none) {
+    throw unusable(fmt::format("{}: TYPE is needed: no message reads every octet of it", name));
+  }
+  const auto count = std::ranges::count(readings, best, &reading::fit);
+  if (count == 1) return *readings.front().type;
+  std::string names;
+  for (const reading &each : std::span(readings).first(static_cast<std::size_t>(std::min<std::ptrdiff_t>(count, 4)))) {
+    names += fmt::format("{}{}", names.empty() ? "" : ", ", each.type->name);
+  }
+  throw unusable(fmt::format("{}: TYPE is needed: {} messages read it alike ({}{})", name, count, names,
+                             count > 4 ? ", ..." : ""));
+}
+
+}  // namespace inspect

@@ -1,0 +1,23 @@
+// The annotated octets as one page that needs nothing beside it: foldable, and with what the pointer is on lit up on
+// both sides.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "annotate.hpp"
+
+namespace inspect {
+
+struct html_message {
+  std::string name;
+  std::string type;
+  octet_view octets;
+  const std::vector<annotation> &rows;
+};
+
+std::string html_section(const html_message &message);
+std::string html_page(std::string_view sections);
+
+}  // namespace inspect

@@ -1,0 +1,208 @@
+// Reading and writing octets as text.
+#include "octet_forms.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "failure.hpp"
+#include "text_forms.hpp"
+
+namespace inspect {
+namespace {
+
+std::string_view text_of(octet_view input) { return {reinterpret_cast<const char *>(input.data()), input.size()}; }
+
+bool is_blank(char character) { return character == ' ' || character == '\t' || character == '\r'; }
+
+// No octet that text does not have: this alone tells most messages apart from text.
+bool is_text(octet_view input) {
+  return std::ranges::all_of(input, [](unsigned char each) {
+    return (each >= ' ' && each <= '~') || each == '\t' || each == '\n' || each == '\r';
+  });
+}
+
+std::string_view trimmed(std::string_view line) {
+  while (!line.empty() && is_blank(line.front())) line.remove_prefix(1);
+  while (!line.empty() && is_blank(line.back())) line.remove_suffix(1);
+  return line;
+}
+
+// Takes the next line off the text.
+std::string_view next_line(std::string_view &text) {
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  const std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return line;
+}
+
+// --- Digits ---
+
+// The digits of hexadecimal text; nothing when it holds something else.
+std::optional<std::string> hex_digits(std::string_view text) {
+  std::string digits;
+  while (!text.empty()) {
+    const std::string_view line = next_line(text);
+    for (const char character : line.substr(0, line.find('#'))) {
+      if (is_blank(character)) continue;
+      if (digit_value(static_cast<unsigned char>(character)) < 0) return std::nullopt;
+      digits += character;
+    }
+  }
+  return digits;
+}
+
+octets octets_of_digits(const std::string &digits) {
+  auto result = from_hex(digits);
+  if (!result) throw refused("hexadecimal text with half an octet (or octets: then say --input=raw)");
+  return *std::move(result);
+}
+
+// --- Dumps ---
+
+// One line of a dump: its offset as it is written, and what follows.
+struct dump_line {
+  std::string_view offset;
+  std::string_view rest;
+  bool has_colon = false;
+};
+
+std::optional<dump_line> dump_line_of(std::string_view line) {
+  line = trimmed(line);
+  if (line.starts_with("0x") || line.starts_with("0X")) line.remove_prefix(2);
+  const auto is_digit = [](char each) { return digit_value(static_cast<unsigned char>(each)) >= 0; };
+  const auto digits = static_cast<std::size_t>(std::ranges::find_if_not(line, is_digit) - line.begin());
+  if (digits < 4 || digits > 16) return std::nullopt;
+  dump_line found{line.substr(0, digits), line.substr(digits)};
+  // A mark of this tool's own, or the colon of others.
+  if (!found.rest.empty() && std::string_view(":!?~").find(found.rest.front()) != std::string_view::npos) {
+    found.has_colon = found.rest.front() == ':';
+    found.rest.remove_prefix(1);
+  }
+  if (!found.rest.empty() && !is_blank(found.rest.front())) return std::nullopt;
+  return found;
+}
+
+std::optional<std::size_t> offset_of(const dump_line &line, int base) {
+  std::size_t value = 0;
+  const char *const end = line.offset.data() + line.offset.size();
+  const auto [rest, error] = std::from_chars(line.offset.data(), end, value, base);
+  if (rest != end || error != std::errc{}) return std::nullopt;
+  return value;
+}
+
+// The octets of a line, up to the characters that stand beside them: behind a bar, behind a gap, or the first thing
+// that is not pairs of digits. `wanted` says how many there must be, where the next offset tells.
+octets octets_of_line(const dump_line &line, std::optional<std::size_t> wanted) {
+  octets found;
+  std::string_view rest = line.rest.substr(0, line.rest.find('|'));
+  const std::size_t gap = line.has_colon ? 2 : 3;
+  while (!rest.empty() && (!wanted || found.size() < *wanted)) {
+    const std::size_t blanks = std::min(rest.find_first_not_of(" \t\r"), rest.size());
+    if (!wanted && !found.empty() && blanks >= gap) break;
+    rest.remove_prefix(blanks);
+    const std::string_view word = rest.substr(0, rest.find_first_of(" \t\r"));
+    const auto pairs = from_hex(word);
+    // Longer words stand for numbers whose octets may be swapped, but behind a colon they do not.
+    if (!pairs || (word.size() > 2 && !line.has_colon)) break;
+    found.insert(found.end(), pairs->begin(), pairs->end());
+    rest.remove_prefix(word.size());
+  }
+  return found;
+}
+
+// Nothing unless every offset is the number of octets before it: so no other text is taken for a dump.
+std::optional<octets> octets_of_dump(std::string_view text, int base) {
+  std::vector<dump_line> lines;
+  while (!text.empty()) {
+    const std::string_view line = next_line(text);
+    if (trimmed(line).empty()) continue;
+    const auto found = dump_line_of(line);
+    if (!found) return std::nullopt;
+    lines.push_back(*found);
+  }
+  octets result;
+  for (std::size_t index = 0; index < lines.size(); ++index) {
+    if (offset_of(lines[index], base) != result.size()) return std::nullopt;
+    std::optional<std::size_t> wanted;
+    if (index + 1 < lines.size()) {
+      const auto next = offset_of(lines[index + 1], base);
+      if (!next || *next < result.size()) return std::nullopt;
+      wanted = *next - result.size();
+    }
+    const octets more = octets_of_line(lines[index], wanted);
+    if (wanted && more.size() != *wanted) return std::nullopt;
+    result.insert(result.end(), more.begin(), more.end());
+  }
+  if (result.empty()) return std::nullopt;
+  return result;
+}
+
+std::optional<octets> octets_of_dump(std::string_view text) {
+  auto result = octets_of_dump(text, 16);
+  return result ? result : octets_of_dump(text, 8);
+}
+
+// --- Base64 ---
+
+std::optional<octets> octets_of_base64(std::string_view text) {
+  std::string digits;
+  std::ranges::copy_if(text, std::back_inserter(digits), [](char each) { return !is_blank(each) && each != '\n'; });
+  return from_base64(digits);
+}
+
+octets detected(octets input) {
+  if (input.empty() || !is_text(input)) return input;
+  const std::string_view text = text_of(input);
+  if (auto dump = octets_of_dump(text)) return *std::move(dump);
+  if (const auto digits = hex_digits(text)) return digits->empty() ? input : octets_of_digits(*digits);
+  if (auto content = octets_of_base64(text)) return *std::move(content);
+  return input;
+}
+
+}  // namespace
+
+octets octets_of(octets input, octet_form form) {
+  std::optional<octets> found;
+  switch (form) {
+    case octet_form::detected:
+      return detected(std::move(input));
+    case octet_form::raw:
+      return input;
+    case octet_form::hex: {
+      const auto digits = hex_digits(text_of(input));
+      if (!digits) throw refused("the input is not hexadecimal text");
+      return octets_of_digits(*digits);
+    }
+    case octet_form::dump:
+      found = octets_of_dump(text_of(input));
+      if (!found) throw refused("the input is not a hex dump: not every line has its offset");
+      return *std::move(found);
+    case octet_form::base64:
+      found = octets_of_base64(text_of(input));
+      if (!found) throw refused("the input is not base64");
+      return *std::move(found);
+  }
+  return input;
+}
+
+std::string in_form(octet_view input, octet_form form) {
+  if (form == octet_form::base64) return to_base64(input) + '\n';
+  if (form != octet_form::hex && form != octet_form::dump) return std::string(text_of(input));
+  std::string text;
+  for (std::size_t at = 0; at < input.size(); at += 16) {
+    if (form == octet_form::dump) text += fmt::format("{:08x} ", at);
+    const octet_view line = input.subspan(at, std::min<std::size_t>(16, input.size() - at));
+    for (std::size_t index = 0; index < line.size(); ++index) {
+      text += fmt::format("{}{:02x}", index == 0 && form == octet_form::hex ? "" : " ", line[index]);
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace inspect

@@ -1,0 +1,33 @@
+// A bar on the standard error that says how far a long command has come; nothing where that is no terminal.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+
+namespace inspect {
+
+class progress {
+ public:
+  // `count` tells how many steps there will be. It is asked only when there is a bar to draw.
+  explicit progress(const std::function<std::size_t()> &count);
+  progress(const progress &) = delete;
+  progress &operator=(const progress &) = delete;
+  ~progress() { clear(); }
+
+  void step();
+
+  // Wipes the bar away, so that something can be printed.
+  void clear();
+
+ private:
+  using clock = std::chrono::steady_clock;
+
+  bool is_on_;
+  bool is_drawn_ = false;
+  std::size_t total_ = 0;
+  std::size_t done_ = 0;
+  clock::time_point last_ = clock::now();
+};
+
+}  // namespace inspect

@@ -1,0 +1,176 @@
+// Records from what JSON or the text form says. What is there becomes present; nothing else does.
+#pragma once
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/kinds.hpp"
+#include "node.hpp"
+#include "text_forms.hpp"
+#include "types.hpp"
+
+namespace inspect {
+
+class record_reader {
+ public:
+  record_reader(arena &memory, bytes_form bytes) : memory_(memory), bytes_(bytes) {}
+
+  template <class Record>
+  void read(const node &from, Record &record) {
+    std::uint32_t seen = 0;
+    for (const member &each : expect<node::object>(from, "an object")) {
+      way_.push_back({each.name, 0});
+      read_named(each, record, seen);
+      way_.pop_back();
+    }
+  }
+
+ private:
+  // A name, or the index of a list's element.
+  struct way_step {
+    std::string_view name;
+    std::size_t index;
+  };
+
+  [[noreturn]] void refuse(std::size_t at, const std::string &why) const {
+    std::string where;
+    for (const auto &[name, index] : way_) {
+      if (name.empty()) {
+        where += fmt::format("[{}]", index);
+      } else {
+        where += where.empty() ? name : fmt::format(".{}", name);
+      }
+    }
+    throw misread(at, where, why);
+  }
+
+  template <class Shape>
+  const Shape &expect(const node &from, const char *shape) const {
+    const auto *const found = std::get_if<Shape>(&from.value);
+    if (found == nullptr) refuse(from.at, fmt::format("{} is wanted", shape));
+    return *found;
+  }
+
+  template <class Record>
+  void read_named(const member &named, Record &record, std::uint32_t &seen) {
+    bool known = false;
+    pavo_zorv::for_each_row<Record>([&](auto index) {
+      constexpr auto &row = pavo_zorv::row_at<Record, index>;
+      if (known || !is_name_of(row.name, named.name)) return;
+      known = true;
+      if ((seen >> index & 1) != 0) refuse(named.at, "it is given a second time");
+      seen |= 1u << index;
+      if (std::holds_alternative<node::null>(named.content.value)) return;
+      read_member(row, named.content, record);
+      record.presence |= pavo_zorv::presence_bit<Record, index>;
+    });
+    if (!known) refuse(named.at, "no such field");
+  }
+
+  template <class Row, class Record>
+  void read_member(const Row &row, const node &from, Record &record) {
+    if constexpr (Row::type == kind::flag) {
+      record.*row.value = expect<bool>(from, "true or false");
+    } else if constexpr (Row::type == kind::integer) {
+      record.*row.value = number<typename Row::element>(from);
+    } else if constexpr (Row::type == kind::string) {
+      record.*row.value = text(from);
+    } else if constexpr (Row::type == kind::bytes) {
+      const octets content = raw(from);
+      record.*row.value = block<unsigned char>(content.data(), content.size());
+      record.*row.length = content.size();
+    } else if constexpr (Row::type == kind::integers) {
+      record.*row.elements = list<typename Row::element>(
+          from, record.*row.count,
+          [&](const node &each, typename Row::element &element) { element = number<typename Row::element>(each); });
+    } else if constexpr (Row::type == kind::messages) {
+      record.*row.elements = list<typename Row::nested>(
+          from, record.*row.count, [&](const node &each, typename Row::nested &element) { read(each, element); });
+    } else {
+      read(from, record.*row.value);
+    }
+  }
+
+  // Numbers may stand in quotes: those of 64 bits have to, for the sake of other readers.
+  template <class Value>
+  Value number(const node &from) const {
+    const auto *const quoted = std::get_if<std::string>(&from.value);
+    const std::string &digits = quoted != nullptr ? *quoted : expect<node::number>(from, "a number").digits;
+    const char *const end = digits.data() + digits.size();
+    Value value = 0;
+    const auto [rest, error] = std::from_chars(digits.data(), end, value);
+    if (rest == end && error == std::errc{}) return value;
+    const bool is_whole = !digits.empty() && digits.find_first_not_of("0123456789", digits[0] == '-') == digits.npos;
+    using limits = std::numeric_limits<Value>;
+    refuse(from.at, is_whole
+                        ? fmt::format("{} is not {} to {}", digits, +limits::min(), +limits::max())
+                        : fmt::format("{} is not a whole number", quoted != nullptr ? '"' + digits + '"' : digits));
+  }
+
+  octets raw(const node &from) const {
+    if (const auto *const content = std::get_if<node::raw>(&from.value)) return content->content;
+    const bool is_hex = bytes_ == bytes_form::hex;
+    const char *const wanted = is_hex ? "a string of hexadecimal digits" : "a string of base64";
+    const std::string &written = expect<std::string>(from, wanted);
+    auto content = is_hex ? from_hex(written) : from_base64(written);
+    if (!content) refuse(from.at, fmt::format("{} is wanted", wanted));
+    return *std::move(content);
+  }
+
+  char *text(const node &from) const {
+    std::string content;
+    if (const auto *const plain = std::get_if<std::string>(&from.value)) {
+      content = *plain;
+    } else {
+      const octets decoded = raw(unwrapped(from));
+      content.assign(decoded.begin(), decoded.end());
+    }
+    if (content.find('\0') != content.npos) refuse(from.at, "a string cannot hold a NUL");
+    return block<char>(content.c_str(), content.size() + 1);
+  }
+
+  // The octets of a string that is not UTF-8 come as the only member of an object.
+  const node &unwrapped(const node &from) const {
+    if (std::holds_alternative<node::raw>(from.value)) return from;
+    const char *const name = bytes_ == bytes_form::hex ? "hex" : "base64";
+    const auto *const object = std::get_if<node::object>(&from.value);
+    if (object == nullptr || object->size() != 1 || object->front().name != name) {
+      refuse(from.at, fmt::format("a string, or an object with only \"{}\", is wanted", name));
+    }
+    return object->front().content;
+  }
+
+  template <class Element, class Source>
+  Element *block(const Source *content, std::size_t size) const {
+    auto *const copy = memory_.array<Element>(size);
+    if (size != 0) std::memcpy(copy, content, size);
+    return copy;
+  }
+
+  template <class Element, class Read>
+  Element *list(const node &from, std::uint32_t &count, Read read_element) {
+    const auto &written = expect<node::list>(from, "an array");
+    if (!std::in_range<std::uint32_t>(written.size())) refuse(from.at, "an array has fewer than 4294967296 elements");
+    auto *const elements = memory_.array<Element>(written.size());
+    for (std::size_t index = 0; index < written.size(); ++index) {
+      way_.push_back({{}, index});
+      read_element(written[index], elements[index]);
+      way_.pop_back();
+    }
+    count = static_cast<std::uint32_t>(written.size());
+    return elements;
+  }
+
+  arena &memory_;
+  bytes_form bytes_;
+  std::vector<way_step> way_;
+};
+
+}  // namespace inspect

@@ -1,0 +1,82 @@
+// The segment table, made by the library and named by a walk.
+#include "segment_table.hpp"
+
+#include <fmt/format.h>
+
+#include "pavo_zorv.h"
+#include "walk.hpp"
+
+namespace inspect {
+namespace {
+
+struct expected_entry {
+  std::string name;
+  unsigned depth;
+  bool is_referenced;
+};
+
+// The entries that an encoding needs, in the order of the table: those inside a message come before its own.
+class expectation {
+ public:
+  expectation(const walk &walked, bool referenced) : fields_(walked.fields), referenced_(referenced) {}
+
+  std::vector<expected_entry> of(const message_type &type, octet_view encoding) {
+    message(type.name, 0, !encoding.empty());
+    return std::move(entries_);
+  }
+
+ private:
+  // In reference mode octets that are referenced cut their message in two, or three.
+  void message(const std::string &name, unsigned depth, bool has_content) {
+    bool is_cut = false, has_rest = false;
+    while (next_ != fields_.size() && fields_[next_].depth == depth) {
+      const walked_field &here = fields_[next_++];
+      has_rest = is_cut;
+      way_.push_back({here.field, here.index});
+      if (here.field->nested != nullptr) {
+        message(to_string(way_), depth + 1, here.end != here.content);
+      } else if (referenced_ && here.field->kind == kind::bytes && here.end != here.content) {
+        entries_.push_back({name + ", up to the octets of " + here.field->name, depth, false});
+        entries_.push_back({to_string(way_) + ", referenced", depth, true});
+        is_cut = true;
+      }
+      way_.pop_back();
+    }
+    if (is_cut ? has_rest : has_content) entries_.push_back({is_cut ? name + ", the rest" : name, depth, false});
+  }
+
+  const std::vector<walked_field> &fields_;
+  bool referenced_;
+  std::size_t next_ = 0;
+  path way_;
+  std::vector<expected_entry> entries_;
+};
+
+}  // namespace
+
+segment_table segments_of(const message_type &type, octet_view input, bool referenced) {
+  const std::uint32_t options = referenced ? PAVO_ZORV_REFERENCE : 0;
+  record content(type);
+  content.decode(input, options);
+
+  std::uint32_t count = 0;
+  octets buffer(type.encode(content.content(), nullptr, 0, nullptr, &count, options));
+  std::vector<pavo_zorv_segment> table(count);
+  type.encode(content.content(), buffer.data(), buffer.size(), table.data(), &count, options);
+
+  record copied(type);
+  copied.decode(input);
+  const octets whole = copied.encode();
+  const auto expected = expectation(walk_message(type, whole), referenced).of(type, whole);
+
+  segment_table made{buffer.size(), {}, expected.size() == table.size()};
+  for (std::size_t index = 0; index < table.size(); ++index) {
+    const expected_entry entry = index < expected.size() ? expected[index] : expected_entry{"?", 0, false};
+    const unsigned char *const base = entry.is_referenced ? input.data() : buffer.data();
+    made.entries.push_back({entry.name, entry.depth, static_cast<std::size_t>(table[index].start - base),
+                            table[index].length, entry.is_referenced});
+  }
+  return made;
+}
+
+}  // namespace inspect

@@ -1,0 +1,17 @@
+// Messages in the text form of Protocol Buffers, as protoc --decode prints and --encode reads them.
+#pragma once
+
+#include <string>
+
+#include "node.hpp"
+#include "types.hpp"
+
+namespace inspect {
+
+// Of a message up to where its reading ends, without unknown fields.
+std::string to_text_format(const message_type &type, octet_view message);
+
+// Throws `misread`.
+node parse_text_format(const message_type &type, octet_view text);
+
+}  // namespace inspect

@@ -1,0 +1,71 @@
+// Writing the text form, from a walk.
+#include <fmt/format.h>
+
+#include "text_format.hpp"
+#include "walk.hpp"
+
+namespace inspect {
+namespace {
+
+std::string escaped(octet_view content) {
+  std::string text = "\"";
+  for (const unsigned char each : content) {
+    switch (each) {
+      case '\n':
+        text += "\\n";
+        break;
+      case '\r':
+        text += "\\r";
+        break;
+      case '\t':
+        text += "\\t";
+        break;
+      case '"':
+      case '\'':
+      case '\\':
+        text += '\\';
+        text += static_cast<char>(each);
+        break;
+      default:
+        text += each < ' ' || each > '~' ? fmt::format("\\{:03o}", each) : std::string(1, static_cast<char>(each));
+    }
+  }
+  return text + '"';
+}
+
+std::string value_text(const walked_field &here, octet_view message) {
+  const field_type &field = *here.field;
+  if (field.wire == wire_type::delimited) return escaped(message.subspan(here.content, here.end - here.content));
+  if (field.kind == kind::flag) return here.number != 0 ? "true" : "false";
+  if (!field.is_signed) return fmt::format("{}", field.bits == 8 ? here.number & 0xff : here.number);
+  return field.bits == 64 ? fmt::format("{}", static_cast<std::int64_t>(here.number))
+                          : fmt::format("{}", static_cast<std::int32_t>(here.number));
+}
+
+}  // namespace
+
+std::string to_text_format(const message_type &type, octet_view message) {
+  std::string text;
+  unsigned depth = 0;
+  const auto margin = [&] { return std::string(2 * depth, ' '); };
+  const auto close_down_to = [&](unsigned wanted) {
+    while (depth > wanted) {
+      --depth;
+      text += margin() + "}\n";
+    }
+  };
+  for (const walked_field &here : walk_message(type, message).fields) {
+    close_down_to(here.depth);
+    if (here.field == nullptr) continue;
+    if (here.field->nested != nullptr) {
+      text += fmt::format("{}{} {{\n", margin(), here.field->name);
+      ++depth;
+    } else {
+      text += fmt::format("{}{}: {}\n", margin(), here.field->name, value_text(here, message));
+    }
+  }
+  close_down_to(0);
+  return text;
+}
+
+}  // namespace inspect
