@@ -26,6 +26,13 @@ function(pavo_zorv_program program part)
     message(FATAL_ERROR "${part} cannot be built: not found: ${program}")
   elseif(NOT ${program})
     message(STATUS "${part} is left out: not found: ${program}")
+# Finds a program. When it is missing, what needs it is left out, with a line that says so.
+function(pavo_zorv_program name what)
+  find_program(${name} ${name})
+  if(NOT ${name} AND PAVO_ZORV_REQUIRE_ALL)
+    message(FATAL_ERROR "${what} cannot be built: not found: ${name}")
+  elseif(NOT ${name})
+    message(STATUS "${what} is left out: not found: ${name}")
   endif()
 endfunction()
 

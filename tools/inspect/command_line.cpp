@@ -35,29 +35,59 @@ const choices<bytes_form> bytes_forms{
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
 
-// Help as manuals have it: "-o, --output".
+// Help in the words of this tool, and in the shape from which help2man makes a manual page.
 class help_format : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App *app, std::string name) const override {
-    std::string usage = fmt::format("Usage: {} [OPTIONS]", name);
-    if (!app->get_subcommands([](const CLI::App *) { return true; }).empty()) usage += " COMMAND";
-    for (const CLI::Option *each :
-         app->get_options([](const CLI::Option *option) { return option->get_positional(); })) {
-      usage += ' ' + each->get_option_text();
+    const bool has_commands = !commands_of(*app).empty();
+    return fmt::format("Usage: {} [OPTIONS]{}{}\n", name, has_commands ? " COMMAND" : "", words_of(*app));
+  }
+
+  std::string make_subcommands(const CLI::App *app, CLI::AppFormatMode mode) const override {
+    std::string text = mode == CLI::AppFormatMode::All || commands_of(*app).empty() ? "" : "\nCommands:\n";
+    for (const CLI::App *command : commands_of(*app)) {
+      text += mode == CLI::AppFormatMode::All ? make_expanded(command) : make_subcommand(command);
     }
-    return usage + "\n";
+    return text;
+  }
+
+  std::string make_expanded(const CLI::App *command) const override {
+    std::string text =
+        fmt::format("\nCommand {}{}:\n  {}\n\n", command->get_name(), words_of(*command), command->get_description());
+    for (const CLI::Option *option :
+         command->get_options([](const CLI::Option *each) { return each->nonpositional(); })) {
+      if (option->get_group() == "Options" && option != command->get_help_ptr() &&
+          option != command->get_help_all_ptr()) {
+        text += make_option(option, false);
+      }
+    }
+    return text;
   }
 
   // Words are called by what they mean, not by a name of their own.
-  std::string make_option_opts(const CLI::Option *option) const override {
-    return option->get_positional() ? "" : Formatter::make_option_opts(option);
-  }
-
   std::string make_option_name(const CLI::Option *option, bool is_positional) const override {
     if (is_positional) return option->get_option_text();
     std::string name = Formatter::make_option_name(option, is_positional);
     if (const std::size_t comma = name.find(','); comma != name.npos) name.insert(comma + 1, " ");
     return name;
+  }
+
+  std::string make_option_opts(const CLI::Option *option) const override {
+    return option->get_positional() ? "" : Formatter::make_option_opts(option);
+  }
+
+ private:
+  static std::vector<const CLI::App *> commands_of(const CLI::App &app) {
+    return app.get_subcommands([](const CLI::App *) { return true; });
+  }
+
+  static std::string words_of(const CLI::App &app) {
+    std::string text;
+    for (const CLI::Option *each :
+         app.get_options([](const CLI::Option *option) { return option->get_positional(); })) {
+      text += ' ' + each->get_option_text();
+    }
+    return text;
   }
 };
 
@@ -70,7 +100,7 @@ class command_line {
     app_.set_help_all_flag("--help-all", "Print the help of all commands");
     app_.footer(
         "FILE is the standard input when it is missing or \"-\". TYPE, a message's name, may be left out where only\n"
-        "one message reads the input completely.\n"
+        "one message reads the input completely.\n\n"
         "Exit status: 0 done; 1 a message does not decode, or differs, or other input is refused; 2 wrong usage, or a\n"
         "file cannot be read or written; 3 the library and this tool disagree about the input.");
     add_reading_commands();
@@ -125,6 +155,10 @@ class command_line {
   void add_input(CLI::App *command) {
     add_choice(command, "-i,--input", asked_.input, octet_forms, "Form of the input");
     add_stream(command, "The input is a stream of messages, each behind its length");
+  }
+
+  void add_single_input(CLI::App *command) {
+    add_input(command);
     command->add_option("-n,--at", asked_.at, "Only this message of the stream, counted from 0")->option_text("N");
   }
 
@@ -144,25 +178,25 @@ class command_line {
         "[TYPE]", "Message");
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_words(decoding, "[TYPE] [FILE]", "Message, and file to read");
-    add_input(decoding);
+    add_single_input(decoding);
     add_bytes(decoding, "How bytes are shown", bytes_form::length);
 
     CLI::App *const annotating = command("hex", "Show every octet of a message with its meaning", hex);
     add_words(annotating, "[TYPE] [FILE]", "Message, and file to read");
-    add_input(annotating);
+    add_single_input(annotating);
     add_choice(annotating, "--color", asked_.colours, colour_choices,
                "Colours; without this, on a terminal unless NO_COLOR is set");
     annotating->add_flag("--html", asked_.html, "As a page for a browser");
 
     CLI::App *const drawing = command("segments", "Show the segment table of an encoding in both modes", segments);
     add_words(drawing, "[TYPE] [FILE]", "Message, and file to read");
-    add_input(drawing);
+    add_single_input(drawing);
   }
 
   void add_judging_commands() {
     CLI::App *const comparing = command("diff", "Show where two messages differ", diff);
     add_words(comparing, "[TYPE] A B", "Message, and the files to compare");
-    add_input(comparing);
+    add_single_input(comparing);
     comparing->add_flag("-a,--all", asked_.all, "Show all differences, not only the first");
 
     CLI::App *const checking = command(
@@ -176,7 +210,7 @@ class command_line {
     CLI::App *const guessing =
         command("guess", "List the messages that an input could be, the likeliest first", guess_type);
     add_words(guessing, "[FILE]", "File to read");
-    add_input(guessing);
+    add_single_input(guessing);
     guessing->add_flag("-a,--all", asked_.all, "Also those that do not decode");
 
     CLI::App *const listing = command("index", "List the messages of a stream", index_stream);

@@ -3,6 +3,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
 #include "types.hpp"
 
 namespace inspect {
@@ -41,10 +45,47 @@ std::string option_names(const CLI::App &command) {
   return names.empty() ? names : names.substr(1);
 }
 
+// What the words of a command may be, by what its help calls them.
+struct word_kinds {
+  std::string first;  // for the first word, besides files
+  bool files;
+};
+
+word_kinds words_of(const CLI::App &command) {
+  std::string text;
+  for (const CLI::Option *each : command.get_options()) {
+    if (each->get_positional()) text += each->get_option_text();
+  }
+  const auto has = [&](const char *word) { return text.find(word) != text.npos; };
+  return {has("SHELL") ? "bash zsh" : has("TYPE") ? type_names() : "", has("FILE") || has("A B")};
+}
+
+// --- bash ---
+
+// The values of an option, by the word before.
+std::string bash_values(const CLI::App &command) {
+  std::string text;
+  for (const CLI::Option *option : options(command)) {
+    if (values(*option).empty()) continue;
+    std::string pattern = option->get_name(false, true);
+    std::ranges::replace(pattern, ',', '|');
+    text += fmt::format("        {}) values='{}' ;;\n", pattern, values(*option));
+  }
+  return text.empty() ? text : fmt::format("      case $previous in\n{}      esac\n", text);
+}
+
+std::string bash_case(const CLI::App &command) {
+  const word_kinds kinds = words_of(command);
+  return fmt::format("    {})\n      options='{}' first='{}' files={}\n{}      ;;\n", command.get_name(),
+                     option_names(command), kinds.first, kinds.files ? "yes" : "no", bash_values(command));
+}
+
+// --- zsh ---
+
 // A description without what means something in a zsh list.
 std::string zsh_text(std::string text) {
   for (char &each : text) {
-    if (each == '[' || each == ']' || each == '\'' || each == ':') each = ' ';
+    if (std::string_view("[]':").find(each) != std::string_view::npos) each = ' ';
   }
   return text;
 }
@@ -52,48 +93,39 @@ std::string zsh_text(std::string text) {
 // "'(-i --input)'{-i+,--input=}'[Form of the input]:form:(raw hex)'"
 std::string zsh_option(const CLI::Option &option) {
   const bool takes_value = option.get_items_expected_max() != 0;
-  std::string all, each_form;
+  std::string names, forms;
   const auto add = [&](const std::string &name, const char *suffix) {
-    all += (all.empty() ? "" : " ") + name;
-    each_form += (each_form.empty() ? "" : ",") + name + (takes_value ? suffix : "");
+    names += (names.empty() ? "" : " ") + name;
+    forms += (forms.empty() ? "" : ",") + name + (takes_value ? suffix : "");
   };
   for (const std::string &each : option.get_snames()) add('-' + each, "+");
   for (const std::string &each : option.get_lnames()) add("--" + each, "=");
-  const bool has_two = each_form.find(',') != each_form.npos;
-  const std::string forms = has_two ? fmt::format("{{{}}}", each_form) : each_form;
+  if (forms.find(',') != forms.npos) forms = fmt::format("{{{}}}", forms);
   std::string description = option.get_description();
   const std::string choice = values(option);
   if (!choice.empty()) description.erase(description.rfind(": "));
-  const std::string action = !takes_value      ? ""
-                             : !choice.empty() ? fmt::format(":form:({})", choice)
-                                               : fmt::format(":{}:_files", option.get_option_text());
-  return fmt::format("'({})'{}'[{}]{}'", all, forms, zsh_text(description), action);
+  const std::string argument = !takes_value                         ? ""
+                               : !choice.empty()                    ? fmt::format(":form:({})", choice)
+                               : option.get_option_text() == "FILE" ? ":file:_files"
+                                                                    : ":number: ";
+  return fmt::format("'({})'{}'[{}]{}'", names, forms, zsh_text(description), argument);
 }
 
-}  // namespace
+std::string zsh_case(const CLI::App &command) {
+  const word_kinds kinds = words_of(command);
+  std::string text = fmt::format("    {})\n      first=({})\n      _arguments -s", command.get_name(), kinds.first);
+  for (const CLI::Option *option : options(command)) text += fmt::format(" \\\n        {}", zsh_option(*option));
+  return text + fmt::format(" \\\n        '1: :_zorv_inspect_first{}'{}\n      ;;\n", kinds.files ? " files" : "",
+                            kinds.files ? " '*:file:_files'" : "");
+}
 
-std::string bash_completion(const CLI::App &app) {
-  std::string names, cases;
-  for (const CLI::App *command : commands(app)) {
-    names += (names.empty() ? "" : " ") + command->get_name();
-    std::string inner;
-    for (const CLI::Option *option : options(*command)) {
-      if (!values(*option).empty()) {
-        std::string pattern = option->get_name(false, true);
-        for (std::size_t at = 0; (at = pattern.find(',', at)) != pattern.npos;) pattern[at] = '|';
-        inner += fmt::format("        {}) words='{}' ;;\n", pattern, values(*option));
-      }
-    }
-    cases +=
-        fmt::format("    {})\n      options='{}'\n      case $previous in\n{}        *) ;;\n      esac\n      ;;\n",
-                    command->get_name(), option_names(*command), inner);
-  }
-  return fmt::format(R"(# bash completion for zorv-inspect
+constexpr std::string_view bash_script = R"(# bash completion for zorv-inspect
 _zorv_inspect() {{
-  local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}} options='' words=''
+  local current=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}}
+  local options='' first='' files=no values=''
   COMPREPLY=()
   if [[ $COMP_CWORD == 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W '{} {}' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W '{commands} {options}' -- "$current")
     return
   fi
   # --input=hex comes as three words.
@@ -103,44 +135,30 @@ _zorv_inspect() {{
     previous=${{COMP_WORDS[COMP_CWORD - 2]}}
   fi
   case ${{COMP_WORDS[1]}} in
-{}  esac
-  if [[ -n $words ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+{cases}  esac
+  if [[ -n $values ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$values" -- "$current")
   elif [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
   else
-    if [[ $COMP_CWORD == 2 ]]; then
-      mapfile -t COMPREPLY < <(compgen -W '{}' -- "$current")
-    fi
-    mapfile -t -O "${{#COMPREPLY[@]}}" COMPREPLY < <(compgen -f -- "$current")
+    [[ $COMP_CWORD != 2 ]] || mapfile -t COMPREPLY < <(compgen -W "$first" -- "$current")
+    [[ $files == no ]] || mapfile -t -O "${{#COMPREPLY[@]}}" COMPREPLY < <(compgen -f -- "$current")
   fi
 }}
 complete -o filenames -F _zorv_inspect zorv-inspect
-)",
-                     names, option_names(app), cases, type_names());
-}
+)";
 
-std::string zsh_completion(const CLI::App &app) {
-  std::string names, cases;
-  for (const CLI::App *command : commands(app)) {
-    names += fmt::format("    '{}:{}'\n", command->get_name(), zsh_text(command->get_description()));
-    std::string arguments;
-    for (const CLI::Option *option : options(*command))
-      arguments += fmt::format(" \\\n        {}", zsh_option(*option));
-    cases +=
-        fmt::format("    {})\n      _arguments -s{} \\\n        '1: :_zorv_inspect_first' '*:file:_files'\n      ;;\n",
-                    command->get_name(), arguments);
-  }
-  return fmt::format(R"(#compdef zorv-inspect
+constexpr std::string_view zsh_script = R"(#compdef zorv-inspect
 # zsh completion for zorv-inspect
 _zorv_inspect_first() {{
-  _alternative 'types:message:({})' 'files:file:_files'
+  compadd -a first
+  [[ $1 != files ]] || _files
 }}
 
-_zorv_inspect() {{
-  local -a commands
+_zorv-inspect() {{
+  local -a commands first
   commands=(
-{}  )
+{commands}  )
   if (( CURRENT == 2 )); then
     _describe command commands
     return
@@ -148,16 +166,35 @@ _zorv_inspect() {{
   shift words
   (( CURRENT-- ))
   case $words[1] in
-{}  esac
+{cases}  esac
 }}
 
-if [[ $funcstack[1] == _zorv_inspect ]]; then
-  _zorv_inspect "$@"
+if [[ $funcstack[1] == _zorv-inspect ]]; then
+  _zorv-inspect "$@"
 else
-  compdef _zorv_inspect zorv-inspect
+  compdef _zorv-inspect zorv-inspect
 fi
-)",
-                     type_names(), names, cases);
+)";
+
+}  // namespace
+
+std::string bash_completion(const CLI::App &app) {
+  std::string names, cases;
+  for (const CLI::App *command : commands(app)) {
+    names += (names.empty() ? "" : " ") + command->get_name();
+    cases += bash_case(*command);
+  }
+  return fmt::format(bash_script, fmt::arg("commands", names), fmt::arg("options", option_names(app)),
+                     fmt::arg("cases", cases));
+}
+
+std::string zsh_completion(const CLI::App &app) {
+  std::string names, cases;
+  for (const CLI::App *command : commands(app)) {
+    names += fmt::format("    '{}:{}'\n", command->get_name(), zsh_text(command->get_description()));
+    cases += zsh_case(*command);
+  }
+  return fmt::format(zsh_script, fmt::arg("commands", names), fmt::arg("cases", cases));
 }
 
 }  // namespace inspect

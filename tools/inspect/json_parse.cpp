@@ -30,8 +30,7 @@ struct counting_iterator {
     *taken = ++place;
     return *this;
   }
-  friend bool operator==(const counting_iterator &a, const counting_iterator &b) { return a.place == b.place; }
-  friend bool operator!=(const counting_iterator &a, const counting_iterator &b) { return a.place != b.place; }
+  bool operator==(const counting_iterator &) const = default;
 };
 
 bool is_digits(std::string_view text) {

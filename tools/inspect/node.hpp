@@ -28,7 +28,16 @@ struct node {
   using list = std::vector<node>;
   using object = std::vector<member>;
 
-  std::variant<null, bool, number, std::string, raw, list, object> value = null{};
+  using shape = std::variant<null, bool, number, std::string, raw, list, object>;
+
+  // Where a member is known as a whole: behind it.
+  node();
+  node(shape what, std::size_t offset);
+  node(node &&) noexcept;
+  node &operator=(node &&) noexcept;
+  ~node();
+
+  shape value;
   std::size_t at = 0;  // in the text
 };
 
@@ -37,6 +46,12 @@ struct member {
   node content;
   std::size_t at = 0;  // of the name
 };
+
+inline node::node() = default;
+inline node::node(shape what, std::size_t offset) : value(std::move(what)), at(offset) {}
+inline node::node(node &&) noexcept = default;
+inline node &node::operator=(node &&) noexcept = default;
+inline node::~node() = default;
 
 // What text cannot be read, and where. `path` is where in the message, if anywhere.
 struct misread : std::runtime_error {

@@ -1,0 +1,54 @@
+// The readers of JSON and of the text form, for a fuzzer: any text is refused with a place inside it, or gives a
+// message that comes back from both forms as the same octets. The last octet of the input says which message and which
+// form.
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "json_parse.hpp"
+#include "json_text.hpp"
+#include "property.hpp"
+#include "text_format.hpp"
+#include "types.hpp"
+
+namespace {
+
+using namespace inspect;
+
+octet_view view_of(const std::string &text) {
+  return {reinterpret_cast<const unsigned char *>(text.data()), text.size()};
+}
+
+octets encoded(const message_type &type, const node &from, bytes_form bytes) {
+  record content(type);
+  content.read(from, bytes);
+  return content.encode();
+}
+
+void try_text(const message_type &type, bool is_json, bytes_form bytes, octet_view text) {
+  octets message;
+  try {
+    message = encoded(type, is_json ? parse_json(text) : parse_text_format(type, text), bytes);
+  } catch (const misread &what) {
+    require(what.at <= text.size(), "a complaint lies in the text");
+    require(std::string(refusal(what, text).what()).starts_with("line "), "a complaint names its line");
+    return;
+  }
+  record content(type);
+  require(content.decode(message) == CODEC_OK, "what was read makes a message");
+  const std::string json_text = to_text(content.write({bytes, {}}));
+  require(encoded(type, parse_json(view_of(json_text)), bytes) == message, "a message comes back from JSON");
+  const std::string plain_text = to_text_format(type, message);
+  require(encoded(type, parse_text_format(type, view_of(plain_text)), bytes) == message,
+          "a message comes back from the text form");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t size) {
+  if (size == 0) return 0;
+  const unsigned choice = data[size - 1];
+  const auto types = inspect::all_types();
+  try_text(*types[choice / 4 % types.size()], choice % 2 == 0,
+           choice % 4 < 2 ? inspect::bytes_form::base64 : inspect::bytes_form::hex, {data, size - 1});
+  return 0;
+}
