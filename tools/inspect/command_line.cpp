@@ -143,8 +143,8 @@ class command_line {
         ->option_text("FORM");
   }
 
-  void add_words(CLI::App *command, const char *text, const char *purpose) {
-    command->add_option("words", asked_.words, purpose)->option_text(text);
+  CLI::Option *add_words(CLI::App *command, const char *text, const char *purpose) {
+    return command->add_option("words", asked_.words, purpose)->option_text(text);
   }
 
   void add_output(CLI::App *command) {
@@ -175,7 +175,8 @@ class command_line {
   void add_reading_commands() {
     add_words(
         command("types", "List the messages, or the fields of one with their keys and places in the record", types),
-        "[TYPE]", "Message");
+        "[TYPE]", "Message")
+        ->expected(0, 1);
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_words(decoding, "[TYPE] [FILE]", "Message, and file to read");
     add_single_input(decoding);
@@ -209,7 +210,7 @@ class command_line {
 
     CLI::App *const guessing =
         command("guess", "List the messages that an input could be, the likeliest first", guess_type);
-    add_words(guessing, "[FILE]", "File to read");
+    add_words(guessing, "[FILE]", "File to read")->expected(0, 1);
     add_single_input(guessing);
     guessing->add_flag("-a,--all", asked_.all, "Also those that do not decode");
 
