@@ -159,15 +159,15 @@ class parser {
   }
 
   unsigned char escape() {
+    static constexpr std::string_view letters = "abfnrtv\\'\"?", meanings = "\a\b\f\n\r\t\v\\'\"?";
     ++at_;
     const char letter = peek();
     if (letter >= '0' && letter <= '7') return code(8, 3);
-    ++at_;
-    static constexpr std::string_view letters = "abfnrtv\\'\"?", meanings = "\a\b\f\n\r\t\v\\'\"?";
-    if (letter == 'x' || letter == 'X') return code(16, 2);
+    const bool is_code = letter == 'x' || letter == 'X';
     const std::size_t index = letters.find(letter);
-    if (letter == '\0' || index == letters.npos) fail("no such escape");
-    return static_cast<unsigned char>(meanings[index]);
+    if (!is_code && index == letters.npos) fail("no such escape");
+    ++at_;
+    return is_code ? code(16, 2) : static_cast<unsigned char>(meanings[index]);
   }
 
   unsigned char code(int base, int most_digits) {
