@@ -19,14 +19,8 @@ function(pavo_zorv_part folder)
   endif()
 endfunction()
 
-# Finds a program that a part needs; the variable of its name is false when the part is left out.
-function(pavo_zorv_program program part)
-  find_program(${program} ${program})
-  if(NOT ${program} AND PAVO_ZORV_REQUIRE_ALL)
-    message(FATAL_ERROR "${part} cannot be built: not found: ${program}")
-  elseif(NOT ${program})
-    message(STATUS "${part} is left out: not found: ${program}")
-# Finds a program. When it is missing, what needs it is left out, with a line that says so.
+# Finds a program. When it is missing, what needs it is left out, with a line that says so; the variable of its name is
+# false then.
 function(pavo_zorv_program name what)
   find_program(${name} ${name})
   if(NOT ${name} AND PAVO_ZORV_REQUIRE_ALL)
