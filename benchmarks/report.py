@@ -196,6 +196,28 @@ def write_csv(path, builds):
                 out.writerow(row + [len(build.runs[case])])
 
 
+def write_markdown(path, builds):
+    """The table of docs/performance.md."""
+    heads = ["work", "octets"]
+    for build in builds:
+        heads += [f"{build.name}, ns", "to the fastest peer"]
+    lines = [heads + ["goal"], ["---", "--:"] + ["--:", "---"] * len(builds) + ["--:"]]
+    for operation in OPERATIONS:
+        for workload in builds[0].workloads:
+            row = [f"{operation} {workload}", str(builds[0].workloads[workload][1])]
+            for build in builds:
+                fastest = build.fastest_peer(operation, workload)
+                ratio = build.ratio(operation, workload, fastest) if fastest else None
+                if ratio is None:
+                    break
+                row += [duration(build.time(operation, workload, OURS)), f"{ratio[0]:.2f} {fastest}"]
+            else:
+                goal, floor = goal_of(operation, workload)
+                lines.append(row + [shown(goal) if not floor else f"{goal:.1f} {floor}"])
+    with open(path, "w", encoding="utf-8") as text:
+        text.writelines("| " + " | ".join(line) + " |\n" for line in lines)
+
+
 def draw(path, builds):
     import matplotlib
 
@@ -246,6 +268,7 @@ def main():
         print_table(build)
     print_goals(builds)
     write_csv(os.path.join(folder, "results.csv"), builds)
+    write_markdown(os.path.join(folder, "table.md"), builds)
     draw(os.path.join(folder, "ratios.svg"), builds)
 
 

@@ -37,7 +37,8 @@ template <class Record>
 inline constexpr auto spares = [] {
   std::array<spare_bits, spare_count<Record>()> all{};
   std::size_t count = 0, offset = 0;
-  const auto step_over = [&]<class Member>(Member Record::*) {
+  const auto step_over = [&](auto member) {
+    using Member = std::remove_reference_t<decltype(std::declval<Record &>().*member)>;
     offset = (offset + alignof(Member) - 1) / alignof(Member) * alignof(Member);
     if constexpr (std::is_class_v<Member>) {
       for (const spare_bits &inner : spares<Member>) all[count++] = {offset + inner.offset, inner.size, inner.mask};
