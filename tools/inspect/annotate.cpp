@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "core/wire.hpp"
+#include "pavo_zorv_memory.h"
 #include "results.hpp"
 #include "text_forms.hpp"
 
@@ -156,7 +157,7 @@ class annotator {
       rows_.push_back(left_over(standing::unread, shown_, failure.offset, failure.depth, "not stored"));
     }
     rows_.push_back(left_over(standing::failed, failure.offset, input_.size(), failure.depth,
-                              fmt::format("<-- {}: {}", result_name(failure.result), failure.reason)));
+                              fmt::format("<-- {}: {}", pavo_zorv_result_name(failure.result), failure.reason)));
   }
 
   static annotation left_over(standing stands, std::size_t start, std::size_t end, unsigned depth, std::string text) {

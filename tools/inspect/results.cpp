@@ -3,12 +3,12 @@
 
 #include <fmt/format.h>
 
-#include "pavo_zorv.h"
+#include "pavo_zorv_memory.h"
 
 namespace inspect {
 namespace {
 
-std::string named(int result) { return fmt::format("{} ({})", result_name(result), result); }
+std::string named(int result) { return fmt::format("{} ({})", pavo_zorv_result_name(result), result); }
 
 std::string place(const message_type &type, const walk_failure &failure) {
   const std::string field = to_string(failure.path);
@@ -17,23 +17,6 @@ std::string place(const message_type &type, const walk_failure &failure) {
 }
 
 }  // namespace
-
-const char *result_name(int result) {
-  switch (result) {
-    case CODEC_OK:
-      return "CODEC_OK";
-    case CODEC_ERR_TRUNCATED:
-      return "CODEC_ERR_TRUNCATED";
-    case CODEC_ERR_BAD_WIRE_TYPE:
-      return "CODEC_ERR_BAD_WIRE_TYPE";
-    case CODEC_ERR_WRONG_WIRE_TYPE:
-      return "CODEC_ERR_WRONG_WIRE_TYPE";
-    case CODEC_ERR_NO_MEMORY:
-      return "CODEC_ERR_NO_MEMORY";
-    default:
-      return "no result of this library";
-  }
-}
 
 bool agree(int result, const walk &walked) { return result == walked.result() || result == CODEC_ERR_NO_MEMORY; }
 

@@ -7,9 +7,6 @@
 
 namespace inspect {
 
-// "CODEC_ERR_TRUNCATED", ...
-const char *result_name(int result);
-
 // Of a failed decode: the result, the place and the reason, in lines. The library found the result, the walk the place:
 // they must agree.
 std::string explain(const message_type &type, int result, const walk &walked);

@@ -10,6 +10,7 @@
 #include "../progress.hpp"
 #include "../subject.hpp"
 #include "../text_forms.hpp"
+#include "pavo_zorv_memory.h"
 
 namespace inspect {
 namespace {
@@ -133,8 +134,9 @@ class checking {
   }
 
   static std::string one_line(int result, const walk &walked) {
-    if (!walked.failure) return result_name(result);
-    return fmt::format("{} at offset {}: {}", result_name(result), walked.failure->offset, walked.failure->reason);
+    if (!walked.failure) return pavo_zorv_result_name(result);
+    return fmt::format("{} at offset {}: {}", pavo_zorv_result_name(result), walked.failure->offset,
+                       walked.failure->reason);
   }
 
   static std::string costs(octet_view message, const findings &found) {

@@ -5,12 +5,13 @@
 #include "../guess.hpp"
 #include "../input.hpp"
 #include "../subject.hpp"
+#include "pavo_zorv_memory.h"
 
 namespace inspect {
 namespace {
 
 std::string state(const message_type *type, octet_view message) {
-  if (type != nullptr) return result_name(walk_message(*type, message).result());
+  if (type != nullptr) return pavo_zorv_result_name(walk_message(*type, message).result());
   const std::vector<reading> readings = guess(message);
   if (message.empty()) return "any";
   if (readings[0].fit == fit::none) return "no message reads it";
