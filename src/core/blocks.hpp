@@ -22,14 +22,21 @@ PAVO_ZORV_INLINE void copy_overlapping(octet *to, const octet *from, std::size_t
   std::memcpy(to + size - sizeof last, &last, sizeof last);
 }
 
+// Those of up to `Short` octets are copied in place.
+template <std::size_t Short = 32>
 PAVO_ZORV_INLINE void copy_octets(void *to, const void *from, std::size_t size) {
   struct sixteen {
     std::uint64_t words[2];
   };
   auto *const target = static_cast<octet *>(to);
   auto *const source = static_cast<const octet *>(from);
-  if (size > 32) {
+  struct thirty_two {
+    std::uint64_t words[4];
+  };
+  if (size > Short) {
     std::memcpy(to, from, size);
+  } else if (Short > 32 && size > 32) {
+    copy_overlapping<thirty_two>(target, source, size);
   } else if (size >= 16) {
     copy_overlapping<sixteen>(target, source, size);
   } else if (size >= 8) {

@@ -51,40 +51,70 @@ inline constexpr auto spares = [] {
   return all;
 }();
 
-// How many of them stand before an offset.
-template <class Record, std::size_t Offset>
-inline constexpr std::size_t spares_before = [] {
-  std::size_t count = 0;
-  while (count < spares<Record>.size() && spares<Record>[count].offset < Offset) ++count;
-  return count;
-}();
+// Presence flags at a place, as wide as they are: the processor hands on what was just stored only to loads of the same
+// place and size.
+PAVO_ZORV_INLINE std::uint32_t load_flags(const octet *record, const spare_bits &place) {
+  if (place.size == 1) return record[place.offset];
+  std::uint16_t two;
+  std::uint32_t four;
+  if (place.size == 2) {
+    std::memcpy(&two, record + place.offset, sizeof two);
+    return two;
+  }
+  std::memcpy(&four, record + place.offset, sizeof four);
+  return four;
+}
+
+PAVO_ZORV_INLINE void store_flags(octet *record, const spare_bits &place, std::uint32_t flags) {
+  const auto two = static_cast<std::uint16_t>(flags);
+  if (place.size == 1) {
+    record[place.offset] = static_cast<octet>(flags);
+  } else if (place.size == 2) {
+    std::memcpy(record + place.offset, &two, sizeof two);
+  } else {
+    std::memcpy(record + place.offset, &flags, sizeof flags);
+  }
+}
 
 // Overwrites a record with zero, or with the octets of another one: a piece of it, as large as a word or a vector, at a
 // time. Straight stores: what the compiler makes of memset and memcpy for some 1,000 octets is a string instruction
-// that takes twice as long. Presence flags are read and written as what they are, for the processor hands on what was
-// just stored only to loads of the same place and size.
+// that takes twice as long.
 template <class Record>
 class overwriting {
  public:
   PAVO_ZORV_INLINE overwriting(Record &record, const Record *source)
       : target_(reinterpret_cast<octet *>(&record)), source_(reinterpret_cast<const octet *>(source)) {}
 
-  PAVO_ZORV_INLINE void whole() const { pieces<block_vector, 0>(); }
+  // Where there are many spare bits, they are mostly clear: one look at all costs less than to put back each.
+  PAVO_ZORV_INLINE void whole() const {
+    if constexpr (places <= 2) {
+      keep_spares(std::make_index_sequence<places>{});
+    } else if (spares_are_clear(std::make_index_sequence<places>{})) [[likely]] {
+      if constexpr (sizeof(Record) > 40 * vector_size) {
+        by_call();
+      } else {
+        pieces<block_vector, 0>();
+      }
+    } else {
+      keep_many_spares();
+    }
+  }
 
  private:
   using half_vector [[gnu::vector_size(16)]] = unsigned char;
   template <std::size_t Size>
   using word = std::conditional_t<Size == 4, std::uint32_t, std::conditional_t<Size == 2, std::uint16_t, std::uint8_t>>;
+  static constexpr std::size_t places = spares<Record>.size();
 
   // The last piece overlaps the one before it; only a record shorter than a vector is taken in smaller pieces.
   template <class Piece, std::size_t Offset>
   PAVO_ZORV_INLINE void pieces() const {
     constexpr std::size_t size = sizeof(Record);
     if constexpr (Offset + sizeof(Piece) <= size) {
-      piece<Piece, Offset>();
+      piece<Piece>(Offset);
       pieces<Piece, Offset + sizeof(Piece)>();
     } else if constexpr (Offset < size && sizeof(Piece) <= size) {
-      piece<Piece, size - sizeof(Piece)>();
+      piece<Piece>(size - sizeof(Piece));
     } else if constexpr (Offset < size) {
       pieces<std::conditional_t<(sizeof(Piece) > 16), half_vector,
                                 std::conditional_t<(sizeof(Piece) > 8), std::uint64_t, word<sizeof(Piece) / 2>>>,
@@ -92,35 +122,60 @@ class overwriting {
     }
   }
 
-  template <class Piece, std::size_t Offset>
-  PAVO_ZORV_INLINE void piece() const {
-    constexpr std::size_t first = spares_before<Record, Offset>, end = spares_before<Record, Offset + sizeof(Piece)>;
-    piece<Piece, Offset, first>(std::make_index_sequence<end - first>{});
-  }
-
-  template <class Piece, std::size_t Offset, std::size_t First, std::size_t... Index>
-  PAVO_ZORV_INLINE void piece(std::index_sequence<Index...>) const {
-    [[maybe_unused]] const std::array<std::uint32_t, sizeof...(Index)> bits{merged<First + Index>()...};
+  template <class Piece>
+  PAVO_ZORV_INLINE void piece(std::size_t offset) const {
     Piece octets = {};
-    if (source_ != nullptr) std::memcpy(&octets, source_ + Offset, sizeof octets);
-    std::memcpy(target_ + Offset, &octets, sizeof octets);
-    (put<First + Index>(bits[Index]), ...);
+    if (source_ != nullptr) std::memcpy(&octets, source_ + offset, sizeof octets);
+    std::memcpy(target_ + offset, &octets, sizeof octets);
   }
 
-  template <std::size_t Index>
-  PAVO_ZORV_INLINE std::uint32_t merged() const {
-    constexpr spare_bits spare = spares<Record>[Index];
-    word<spare.size> mine, others = 0;
-    std::memcpy(&mine, target_ + spare.offset, sizeof mine);
-    if (source_ != nullptr) std::memcpy(&others, source_ + spare.offset, sizeof others);
-    return (mine & spare.mask) | (others & ~spare.mask);
+  PAVO_ZORV_INLINE std::uint32_t flags_seen(const spare_bits &place) const {
+    return load_flags(target_, place) | (source_ != nullptr ? load_flags(source_, place) : 0);
   }
 
+  // Flags of which the same bits are spare are put together first.
+  template <std::size_t... Index>
+  PAVO_ZORV_INLINE bool spares_are_clear(std::index_sequence<Index...>) const {
+    std::array<std::uint32_t, places> together{};
+    ((together[first_like<Index>] |= flags_seen(spares<Record>[Index])), ...);
+    return (0 | ... | (together[Index] & spares<Record>[Index].mask)) == 0;
+  }
+
+  // The first place with the same spare bits as one has.
   template <std::size_t Index>
-  PAVO_ZORV_INLINE void put(std::uint32_t bits) const {
-    constexpr spare_bits spare = spares<Record>[Index];
-    const auto flags = static_cast<word<spare.size>>(bits);
-    std::memcpy(target_ + spare.offset, &flags, sizeof flags);
+  static constexpr std::size_t first_like = [] {
+    std::size_t first = 0;
+    while (spares<Record>[first].mask != spares<Record>[Index].mask) ++first;
+    return first;
+  }();
+
+  PAVO_ZORV_INLINE std::uint32_t merged(const spare_bits &place) const {
+    const std::uint32_t others = source_ != nullptr ? load_flags(source_, place) : 0;
+    return (load_flags(target_, place) & place.mask) | (others & ~place.mask);
+  }
+
+  template <std::size_t... Index>
+  PAVO_ZORV_INLINE void keep_spares(std::index_sequence<Index...>) const {
+    [[maybe_unused]] const std::array<std::uint32_t, places> flags{merged(spares<Record>[Index])...};
+    pieces<block_vector, 0>();
+    (store_flags(target_, spares<Record>[Index], flags[Index]), ...);
+  }
+
+  PAVO_ZORV_INLINE void by_call() const {
+    std::size_t size = sizeof(Record);
+    asm("" : "+r"(size));
+    if (source_ != nullptr) {
+      std::memcpy(target_, source_, size);
+    } else {
+      std::memset(target_, 0, size);
+    }
+  }
+
+  PAVO_ZORV_NOINLINE void keep_many_spares() const {
+    std::array<std::uint32_t, places> flags;
+    for (std::size_t index = 0; index < places; ++index) flags[index] = merged(spares<Record>[index]);
+    by_call();
+    for (std::size_t index = 0; index < places; ++index) store_flags(target_, spares<Record>[index], flags[index]);
   }
 
   octet *target_;

@@ -42,7 +42,8 @@ octets_before::place octets_before::prepend_varint(place at, Value value) {
   return value < 0x80 ? prepend_octet(at, static_cast<octet>(value)) : prepend_long_varint(octets_before{}, at, value);
 }
 
-// The same where eight octets can be stored at once: those before the varint are not yet written.
+// The same where eight octets can be stored at once: those before the varint are not yet written. One of three or four
+// octets needs no room but its own.
 template <class Value>
 PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
   if (value < 0x200000) {
@@ -50,6 +51,10 @@ PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
     at[-2] = static_cast<octet>(value >> 7 | 0x80);
     at[-3] = static_cast<octet>(value | 0x80);
     return at - 3;
+  }
+  if (value < 0x10000000) {
+    store_word(at - 4, static_cast<std::uint32_t>(varint_word(value, 4)));
+    return at - 4;
   }
   const auto size = static_cast<unsigned>(long_varint_size(value));
   if (size > 8 || at - first < 8) return prepend_long_varint(octets_before{}, at, value);
@@ -196,39 +201,50 @@ typename Sink::place write_message(const Record &record, const Sink &sink, typen
   return write_fields(record, sink, end, referenced);
 }
 
-// Compiled to be small: the place of what is written in vain need not be found fast.
+// Compiled to be small, and apart: what is written in vain need not be fast.
 template <class Record>
-[[gnu::cold]] std::size_t write_message(const Record &record, const clipped_sink &sink, std::size_t end,
+[[gnu::cold]] PAVO_ZORV_NOINLINE std::size_t write_message(const Record &record, const clipped_sink &sink, std::size_t end,
                                         bool referenced) {
   return write_fields(record, sink, end, referenced);
 }
 
-// Writes an encoding of known size into a buffer or a table, or both. What the quick way stores at once reaches before
-// the octets that it is about, so it has no place for gaps, where the buffer stays as it is.
+// Writes an encoding of known size into a buffer or a table, or both; returns the size. What the quick way stores at
+// once reaches before the octets that it is about, so it has no place for gaps, where the buffer stays as it is.
 template <class Record>
-PAVO_ZORV_NOINLINE void write(const Record &record, const survey &found, std::size_t octets, octet *buffer,
-                              std::size_t length, segment_table *table) {
+PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::size_t octets, octet *buffer,
+                                     std::size_t length, segment_table *table) {
   if (octets <= length && !found.gaps) {
     write_message(record, exact_sink{buffer, table}, buffer + octets, found.referenced);
   } else if (length != 0 || table != nullptr) {
     write_message(record, clipped_sink{buffer, length, table}, octets, found.referenced);
   }
+  return octets;
+}
+
+// The same without a table: a small message then takes little more than its octets.
+template <class Record>
+PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, manner found, std::size_t octets, octet *buffer,
+                                           std::size_t length) {
+  if (octets > length || found.gaps) return write(record, found, octets, buffer, length, nullptr);
+  write_fields(record, exact_sink{buffer, nullptr}, buffer + octets, found.referenced);
+  return octets;
 }
 
 template <class Record>
 std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
                    std::uint32_t *segment_count, std::uint32_t options = 0) {
-  survey found{(options & PAVO_ZORV_REFERENCE) != 0};
-  const std::uint64_t octets = measure_message(record, found);
-  if (segment_count == nullptr) segments = nullptr;
+  survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
+  const std::uint64_t octets = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);
+  const auto size = octets < unwritable ? static_cast<std::size_t>(octets) : SIZE_MAX;
+  if (segment_count == nullptr) {
+    if (buffer == nullptr || size == SIZE_MAX) return size;
+    if constexpr (is_small<Record>) return write_small(record, found, size, buffer, length);
+    return write(record, found, size, buffer, length, nullptr);
+  }
   segment_table table{segments, segments != nullptr ? *segment_count : 0, found.segments};
-  if (segment_count != nullptr) *segment_count = static_cast<std::uint32_t>(found.segments);
-  if (octets >= unwritable) return SIZE_MAX;
-  const auto size = static_cast<std::size_t>(octets);
-  if (buffer == nullptr) length = 0;
-  if (buffer != nullptr || table.capacity != 0)
-    write(record, found, size, buffer, length, table.capacity != 0 ? &table : nullptr);
-  return size;
+  *segment_count = static_cast<std::uint32_t>(found.segments);
+  if ((buffer == nullptr && table.capacity == 0) || size == SIZE_MAX) return size;
+  return write(record, found, size, buffer, buffer != nullptr ? length : 0, table.capacity != 0 ? &table : nullptr);
 }
 
 }  // namespace pavo_zorv

@@ -37,10 +37,14 @@ void clear_message(Record &record);
 template <class Record>
 int decode_message(Record &record, const octet *at, const octet *end, const decoding &input);
 
-// What measuring finds besides the octets, in a message and all inside it.
-struct survey {
+// How a message is to be written.
+struct manner {
   bool referenced;
-  bool gaps = false;         // bytes members without octets, of which only the place is left
+  bool gaps = false;  // bytes members without octets, of which only the place is left
+};
+
+// What measuring finds besides the octets, in a message and all inside it.
+struct survey : manner {
   std::size_t segments = 0;  // entries that the table needs
 };
 
@@ -62,7 +66,7 @@ struct copying {
 
 // Makes a record that was copied octet by octet own its memory: every pointer is replaced by one to a copy.
 template <class Record>
-void own_message(Record &record, copying &copy);
+void own_message(Record &record, const Record &source, copying &copy);
 
 template <class Record>
 void release_message(Record &record, const releaser &releaser);

@@ -70,10 +70,10 @@ class native_piece {
  public:
   static constexpr std::size_t size = 16;
   explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
-  std::uint64_t ends() const { return static_cast<std::uint16_t>(~_mm_movemask_epi8(octets_)); }
+  std::uint64_t ends() const { return 0xffff ^ static_cast<std::uint32_t>(_mm_movemask_epi8(octets_)); }
   std::uint64_t equal(octet value) const {
     const __m128i same = _mm_cmpeq_epi8(octets_, _mm_set1_epi8(static_cast<char>(value)));
-    return static_cast<std::uint16_t>(_mm_movemask_epi8(same));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(same));
   }
 
  private:

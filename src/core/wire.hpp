@@ -44,17 +44,18 @@ PAVO_ZORV_INLINE std::uint64_t load_word(const octet *at) {
   return word;
 }
 
+// Four octets, in the same way.
+PAVO_ZORV_INLINE std::uint32_t load_half_word(const octet *at) {
+  std::uint32_t word;
+  std::memcpy(&word, at, sizeof word);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap32(word);
+  return word;
+}
+
 // One to eight octets as a number, the first the lowest, put together from loads that overlap.
 PAVO_ZORV_INLINE std::uint64_t load_short(const octet *at, std::size_t size) {
   if (size >= 4) {
-    std::uint32_t first, last;
-    std::memcpy(&first, at, sizeof first);
-    std::memcpy(&last, at + size - sizeof last, sizeof last);
-    if constexpr (std::endian::native == std::endian::big) {
-      first = __builtin_bswap32(first);
-      last = __builtin_bswap32(last);
-    }
-    return first | std::uint64_t{last} << 8 * (size - 4);
+    return load_half_word(at) | std::uint64_t{load_half_word(at + size - 4)} << 8 * (size - 4);
   }
   return at[0] | std::uint32_t{at[size / 2]} << 8 * (size / 2) | std::uint32_t{at[size - 1]} << 8 * (size - 1);
 }
@@ -124,8 +125,6 @@ PAVO_ZORV_INLINE const octet *skip_varint(const octet *at, const octet *end) {
 // The general case: any number of octets, of which those beyond the value's width add nothing.
 template <class Value>
 PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *end) {
-  if (end - at >= 3 && at[2] < 0x80)
-    return {at + 3, static_cast<Value>((at[0] & 0x7f) | (at[1] & 0x7f) << 7 | at[2] << 14)};
   Value value = 0;
 #pragma GCC unroll 10
   for (unsigned shift = 0; shift < sizeof(Value) * CHAR_BIT; shift += 7) {
@@ -137,12 +136,33 @@ PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *
   return {skip_varint(at, end), value};
 }
 
-// Keys, lengths and most values take one octet, or two.
+// Keys, lengths and elements mostly take one octet, or two.
 template <class Value>
 PAVO_ZORV_INLINE varint<Value> read_varint(const octet *at, const octet *end) {
   if (at != end && *at < 0x80) [[likely]]
     return {at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) return {at + 2, static_cast<Value>((at[0] & 0x7f) | at[1] << 7)};
+  return read_long_varint<Value>(at, end);
+}
+
+// Seven bits of each of four octets, put together.
+constexpr std::uint32_t seven_of_each(std::uint32_t word) {
+  word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
+  return (word & 0x3fff) | (word & 0x3fff0000) >> 2;
+}
+
+// The same for numbers of any size: up to four octets are taken as one word, without a branch on how many they are.
+template <class Value>
+PAVO_ZORV_INLINE varint<Value> read_number(const octet *at, const octet *end) {
+  if (at != end && *at < 0x80) [[likely]]
+    return {at + 1, *at};
+  if (end - at >= 4) {
+    const std::uint32_t word = load_half_word(at), ends = ~word & 0x80808080;
+    if (ends != 0) {
+      const auto last = static_cast<unsigned>(std::countr_zero(ends)) / 8;
+      return {at + last + 1, seven_of_each(word & (ends ^ (ends - 1)))};
+    }
+  }
   return read_long_varint<Value>(at, end);
 }
 

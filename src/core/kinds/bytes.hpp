@@ -72,16 +72,15 @@ struct bytes_row : row {
     bits |= reinterpret_cast<std::uintptr_t>(record.*value) | (record.*length != 0);
   }
 
-  PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
-    const unsigned char *const source = record.*value;
-    const std::uint64_t size = record.*length;
+  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+    const std::uint64_t size = source.*length;
     record.*value = nullptr;
     record.*length = 0;
     if (size == 0) return true;
     if (size != static_cast<std::size_t>(size)) return false;
     auto *const copy = static_cast<unsigned char *>(copying.memory.block(static_cast<std::size_t>(size)));
     if (copy == nullptr) return false;
-    copy_octets(copy, source, static_cast<std::size_t>(size));
+    copy_octets(copy, source.*value, static_cast<std::size_t>(size));
     record.*value = copy;
     record.*length = size;
     return true;

@@ -30,7 +30,7 @@ struct integer_row : row {
   constexpr auto members() const { return std::tuple{value}; }
 
   PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &, bool) const {
-    const auto [next, number_read] = read_varint<on_wire>(at, end);
+    const auto [next, number_read] = read_number<on_wire>(at, end);
     if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
     record.*value = static_cast<Value>(number_read);
     return {next, CODEC_OK};

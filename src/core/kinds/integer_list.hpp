@@ -61,15 +61,15 @@ struct integer_list_row : row {
     bits |= reinterpret_cast<std::uintptr_t>(record.*elements) | record.*count;
   }
 
-  PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
-    const Element *const source = record.*elements;
-    const std::uint32_t length = source != nullptr ? record.*count : 0;
+  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+    const Element *const from = source.*elements;
+    const std::uint32_t length = from != nullptr ? source.*count : 0;
     record.*elements = nullptr;
     record.*count = 0;
     if (length == 0) return true;
     auto *const copy = copying.memory.array<Element>(length);
     if (copy == nullptr) return false;
-    copy_octets(copy, source, length * sizeof(Element));
+    copy_octets<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
     record.*elements = copy;
     record.*count = length;
     return true;

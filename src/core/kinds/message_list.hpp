@@ -71,19 +71,19 @@ struct message_list_row : row {
   }
 
   // When elements fail, the array stays, with its count and bit.
-  PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
-    const Nested *const source = record.*elements;
-    const std::uint32_t length = source != nullptr ? record.*count : 0;
+  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+    const Nested *const from = source.*elements;
+    const std::uint32_t length = from != nullptr ? source.*count : 0;
     record.*elements = nullptr;
     record.*count = 0;
     if (length == 0) return true;
     auto *const copy = copying.memory.array<Nested>(length);
     if (copy == nullptr) return false;
-    std::memcpy(static_cast<void *>(copy), source, length * sizeof(Nested));
+    std::memcpy(static_cast<void *>(copy), from, length * sizeof(Nested));
     record.*elements = copy;
     record.*count = length;
     if constexpr (owns_memory<Nested>) {
-      for (std::uint32_t index = 0; index < length; ++index) own_message(copy[index], copying);
+      for (std::uint32_t index = 0; index < length; ++index) own_message(copy[index], from[index], copying);
     }
     return true;
   }

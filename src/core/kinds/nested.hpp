@@ -64,8 +64,8 @@ struct nested_row : row {
   }
 
   // The containing record's bit stays, whatever becomes of the members inside.
-  PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
-    if (!owns_nothing(record.*value)) own_message(record.*value, copying);
+  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+    if (!owns_nothing(source.*value)) own_message(record.*value, source.*value, copying);
     return true;
   }
 

@@ -55,14 +55,14 @@ struct string_row : row {
     bits |= reinterpret_cast<std::uintptr_t>(record.*value);
   }
 
-  PAVO_ZORV_INLINE bool own(Record &record, copying &copying) const {
-    const char *const source = record.*value;
-    if (source == nullptr) return true;
-    const std::size_t length = std::strlen(source);
+  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+    const char *const text = source.*value;
+    if (text == nullptr) return true;
+    const std::size_t length = std::strlen(text);
     char *const copy = copying.memory.text(length);
     record.*value = copy;
     if (copy == nullptr) return false;
-    copy_octets(copy, source, length + 1);
+    copy_octets(copy, text, length + 1);
     return true;
   }
 

@@ -98,29 +98,26 @@ struct element_counter {
   void block(const label_block &) { count += label_block::elements; }
 };
 
-// The low 35 bits of a varint whose octets are the low ones of a word: seven of each octet, put together.
+// The varint of up to five octets at the low end of a word, cut to 32 bits; of longer ones, five octets are taken.
 constexpr std::uint32_t varint_value(std::uint64_t word) {
-  word = (word & 0x7f007f007f) | (word & 0x7f007f00) >> 1;
-  word = (word & 0x7f00003fff) | (word & 0x3fff0000) >> 2;
-  return static_cast<std::uint32_t>((word & 0xfffffff) | (word & 0x7f00000000) >> 4);
+  const auto four = static_cast<std::uint32_t>(word), ends = ~four & 0x80808080;
+  const std::uint32_t value = seven_of_each(four & (ends ^ (ends - 1)));
+  const std::uint32_t fifth = static_cast<std::uint32_t>(word >> 32) << 28;
+  return value | (fifth & (std::uint32_t{ends != 0} - 1));
 }
 
-// Of a word with a varint at its low end, what belongs to it: everything up to the lowest highest bit that is not set,
-// or five octets that all have it.
-constexpr std::uint64_t up_to_end(std::uint64_t word) {
-  const std::uint64_t ends = ~word & 0x8080808080;
-  return word & (ends ^ (ends - 1));
-}
-
-// The same for words that each have a varint at the low end and behind it whatever follows.
-PAVO_ZORV_INLINE void varint_values(const word_vector &from, std::uint32_t *values) {
-  const word_vector ends = ~from & 0x8080808080;
-  word_vector word = from & (ends ^ (ends - 1));
-  word = (word & 0x7f007f007f) | (word & 0x7f007f00) >> 1;
-  word = (word & 0x7f00003fff) | (word & 0x3fff0000) >> 2;
-  word = (word & 0xfffffff) | (word & 0x7f00000000) >> 4;
-  const number_vector numbers = __builtin_convertvector(word, number_vector);
-  std::memcpy(values, &numbers, sizeof numbers);
+// The same for four words.
+PAVO_ZORV_INLINE void varint_values(word_pair first, word_pair second, std::uint32_t *values) {
+  constexpr int low = std::endian::native == std::endian::little ? 0 : 1, high = 1 - low;
+  const auto halves = std::bit_cast<four_numbers>(first), others = std::bit_cast<four_numbers>(second);
+  const four_numbers four = __builtin_shufflevector(halves, others, low, low + 2, low + 4, low + 6);
+  const four_numbers fifth = __builtin_shufflevector(halves, others, high, high + 2, high + 4, high + 6);
+  const four_numbers ends = ~four & 0x80808080;
+  four_numbers value = four & (ends ^ (ends - 1));
+  value = (value & 0x7f007f) | (value & 0x7f007f00) >> 1;
+  value = (value & 0x3fff) | (value & 0x3fff0000) >> 2;
+  value |= fifth << 28 & (ends == 0);
+  std::memcpy(values, &value, sizeof value);
 }
 
 template <unsigned KeySize, class Element>
@@ -135,9 +132,8 @@ struct element_reader {
     }
     const octet *begin = seen.at;
     for (std::uint64_t ends = seen.ends; ends != 0; ends &= ends - 1) {
-      const octet *const last = seen.at + std::countr_zero(ends);
-      *next++ = value(begin, last);
-      begin = last + 1 + KeySize;
+      *next++ = value(begin);
+      begin = seen.at + std::countr_zero(ends) + 1 + KeySize;
     }
   }
 
@@ -155,36 +151,28 @@ struct element_reader {
     const octet *begin = seen.at;
     const auto take = [&]() __attribute__((always_inline)) {
       const std::uint64_t word = load_word(begin);
-      begin = seen.at + std::countr_zero(ends) + 1 + KeySize;
+      begin = seen.at + __builtin_ctzll(ends) + 1 + KeySize;
       ends &= ends - 1;
       return word;
     };
-    std::size_t left = count_bits(ends);
-    for (; left >= words_together; left -= words_together, next += words_together) {
-      varint_values(take_together(take, std::make_index_sequence<words_together>{}), next);
+    for (std::size_t left = count_bits(ends); left >= 4; left -= 4, next += 4) {
+      const word_pair first{take(), take()}, second{take(), take()};
+      varint_values(first, second, next);
     }
-    for (; left != 0; --left) *next++ = varint_value(up_to_end(take()));
-  }
-
-  template <class Take, std::size_t... Index>
-  PAVO_ZORV_INLINE static word_vector take_together(Take take, std::index_sequence<Index...>) {
-    return word_vector{(static_cast<void>(Index), take())...};
+    while (ends != 0) *next++ = varint_value(take());
   }
 
   // The first octet, and the lowest bit of the second if there is one.
-  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin, const octet *) const requires(sizeof(Element) == 1) {
+  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin) const requires(sizeof(Element) == 1) {
     const octet more = *begin >> 7;
     return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & more) << 7);
   }
 
-  // At most five octets, as one word; at the end of the buffer the last word there is.
-  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin, const octet *last) const requires(sizeof(Element) == 4) {
+  // At the end of the buffer in the last word there is.
+  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin) const requires(sizeof(Element) == 4) {
     const auto left = static_cast<std::size_t>(limit - begin);
     const std::size_t missing = left < 8 ? 8 - left : 0;
-    std::uint64_t word = load_word(begin - missing) >> 8 * missing;
-    const std::ptrdiff_t others = last - begin;
-    word &= ~std::uint64_t{0} >> (56 - 8 * (others < 4 ? others : 4));
-    return varint_value(word);
+    return varint_value(load_word(begin - missing) >> 8 * missing);
   }
 };
 

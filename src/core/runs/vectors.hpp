@@ -53,9 +53,12 @@ class label_block {
   words words_;
 };
 
-// Some words together, and as many numbers.
-inline constexpr std::size_t words_together = vector_size / 8;
-using word_vector [[gnu::vector_size(vector_size)]] = std::uint64_t;
-using number_vector [[gnu::vector_size(vector_size / 2)]] = std::uint32_t;
+// Some numbers together.
+using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
+inline constexpr std::size_t numbers_together = vector_size / sizeof(std::uint32_t);
+
+// Two words, and four numbers.
+using word_pair [[gnu::vector_size(16)]] = std::uint64_t;
+using four_numbers [[gnu::vector_size(16)]] = std::uint32_t;
 
 }  // namespace pavo_zorv

@@ -62,23 +62,21 @@ PAVO_ZORV_INLINE typename Sink::place prepend_integers(const Sink &sink, typenam
   return plain::prepend_integers(sink, at, number, elements, count);
 }
 
-// Varints of some numbers, each the low octets of a word; their count is a multiple of four.
-PAVO_ZORV_INLINE void varint_words(const std::uint32_t *elements, std::size_t count, std::uint64_t *out) {
-  for (std::size_t index = 0; index < count; index += words_together) {
-    number_vector numbers;
-    std::memcpy(&numbers, elements + index, sizeof numbers);
-    word_vector word = __builtin_convertvector(numbers, word_vector);
-    // Groups of seven bits, one in each octet.
-    word = (word & 0xfffffff) | (word & 0xf0000000) << 4;
-    word = (word & 0xf00003fff) | (word & 0xfffc000) << 2;
-    word = (word & 0xf007f007f) | (word & 0x3f803f80) << 1;
-    // An octet goes on where any behind it has a bit.
-    word_vector behind = word >> 8;
-    behind |= behind >> 8;
-    behind |= behind >> 16;
-    word |= (behind + 0x7f7f7f7f) & 0x80808080;
-    std::memcpy(out + index, &word, sizeof word);
-  }
+// Varints of some numbers: the first four octets of each in one number, and the fifth, or 0, in another.
+PAVO_ZORV_INLINE void varint_octets(const std::uint32_t *numbers, std::uint32_t *four, std::uint32_t *fifth) {
+  number_vector values;
+  std::memcpy(&values, numbers, sizeof values);
+  const number_vector more = values >> 28;
+  // Groups of seven bits, one in each octet.
+  number_vector word = (values & 0x3fff) | (values & 0xfffc000) << 2;
+  word = (word & 0x7f007f) | (word & 0x3f803f80) << 1;
+  // An octet goes on where any behind it has a bit.
+  number_vector behind = word >> 8;
+  behind |= behind >> 8;
+  behind |= behind >> 16;
+  word |= ((behind + 0x7f7f7f7f) | (more != 0)) & 0x80808080;
+  std::memcpy(four, &word, sizeof word);
+  std::memcpy(fifth, &more, sizeof more);
 }
 
 // From the start of a run whose size is known: each element with its key as a word, of which the octets behind the
@@ -93,8 +91,11 @@ PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::ui
     store_word(at, key_word | varint << 8 * KeySize);
     at += KeySize + 1 + static_cast<unsigned>(__builtin_ctzll(~varint & highest_bits)) / 8;
   };
+  // Behind the elements that are written as words stand four others, of two octets at least: so the words do not reach
+  // the end of the run.
+  constexpr std::size_t behind = 4, most = 32;
   std::size_t done = 0;
-  while (count - done >= 8) {
+  while (count - done >= numbers_together + behind) {
     if constexpr (KeySize == 1 && label_block::usable) {
       if (label_block::all_labels(elements + done)) {
         label_block::write(at, key, elements + done);
@@ -103,11 +104,11 @@ PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::ui
         continue;
       }
     }
-    // Four elements behind these, of two octets at least: so the words do not reach the end of the run.
-    const std::size_t some = std::min<std::size_t>(count - done - 4, 32) / 4 * 4;
-    std::uint64_t varints[32];
-    varint_words(elements + done, some, varints);
-    for (std::size_t index = 0; index < some; ++index) append(varints[index]);
+    const std::size_t some = std::min(count - done - behind, most) / numbers_together * numbers_together;
+    std::uint32_t four[most], fifth[most];
+    for (std::size_t index = 0; index < some; index += numbers_together)
+      varint_octets(elements + done + index, four + index, fifth + index);
+    for (std::size_t index = 0; index < some; ++index) append(four[index] | std::uint64_t{fifth[index]} << 32);
     done += some;
   }
   for (; done != count && end - at >= 8; ++done) {
