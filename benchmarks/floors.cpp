@@ -3,6 +3,8 @@
 #include <cstring>
 
 #include "contest.hpp"
+#include "core/glance.hpp"
+#include "messages/all.hpp"
 #include "workloads.hpp"
 
 namespace contest {
@@ -12,6 +14,8 @@ constexpr const char *octets_only = "floor_memcpy";
 constexpr const char *octets_and_pool = "floor_memcpy_clear_pool";
 constexpr const char *octets_and_heap = "floor_memcpy_clear_malloc";
 constexpr const char *octets_compared = "floor_memcmp";
+constexpr const char *record_overwritten = "floor_record";
+constexpr const char *presence_read = "floor_presence";
 
 // Notes the sizes that are asked for.
 struct surveyor {
@@ -103,6 +107,49 @@ repeat compare_octets(const workload<Record> &work) {
   });
 }
 
+// What a record costs whatever it holds, as decoding and copying overwrite all of it.
+template <class Record>
+repeat clear_record(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  return repeated([on] {
+    for (std::size_t i = 0; i < on->work.wire.size(); ++i) {
+      std::size_t size = sizeof on->record;
+      keep(&size);
+      std::memset(static_cast<void *>(&on->record), 0, size);
+      keep(&on->record);
+    }
+  });
+}
+
+template <class Record>
+repeat copy_record(const workload<Record> &work) {
+  auto on = std::make_shared<bench<Record>>(work);
+  auto sources = std::make_shared<std::vector<Record>>(work.wire.size());
+  return repeated([on, sources] {
+    for (const Record &source : *sources) {
+      std::size_t size = sizeof source;
+      keep(&size);
+      std::memcpy(static_cast<void *>(&on->record), &source, size);
+      keep(&on->record);
+    }
+  });
+}
+
+// The presence flags of all messages inside a record, which each call of encoding has to look at.
+template <class Record>
+repeat read_presence(const workload<Record> &work, unsigned calls) {
+  auto sources = std::make_shared<std::vector<Record>>(work.wire.size());
+  return repeated([sources, calls] {
+    for (const Record &source : *sources) {
+      for (unsigned call = 0; call < calls; ++call) {
+        std::uint32_t bits = 0;
+        pavo_zorv::collect_presence<true>(source, bits);
+        keep(&bits);
+      }
+    }
+  });
+}
+
 }  // namespace
 
 void enter_floors(roll &all) {
@@ -110,6 +157,8 @@ void enter_floors(roll &all) {
   all.introduce({octets_and_pool, "the record cleared, and our block sizes from a pool", "as above", "none"});
   all.introduce({octets_and_heap, "the record cleared, and our block sizes from malloc, freed", "as above", "none"});
   all.introduce({octets_compared, "none", "two encodings are compared by memcmp", "none"});
+  all.introduce({record_overwritten, "none", "the record alone is cleared or copied", "none"});
+  all.introduce({presence_read, "none", "the presence flags are read: once to measure, twice to encode", "none"});
   all_workloads().each([&](const auto &work) {
     const bool copyable = work.options == 0;
     for (const char *operation : {"decode", "copy"}) {
@@ -119,6 +168,10 @@ void enter_floors(roll &all) {
       all.enter(operation, work.name, octets_and_heap, [&] { return move_octets_and_take_from_heap(work); });
     }
     all.enter("encode", work.name, octets_only, [&] { return move_octets(work); });
+    all.enter("decode", work.name, record_overwritten, [&] { return clear_record(work); });
+    if (copyable) all.enter("copy", work.name, record_overwritten, [&] { return copy_record(work); });
+    all.enter("measure", work.name, presence_read, [&] { return read_presence(work, 1); });
+    all.enter("encode", work.name, presence_read, [&] { return read_presence(work, 2); });
     if (copyable) all.enter("compare", work.name, octets_compared, [&] { return compare_octets(work); });
   });
 }

@@ -23,7 +23,14 @@ PEERS = [
     "nanopb",
     "protozero",
 ]
-FLOORS = ["floor_memcpy", "floor_memcpy_clear_pool", "floor_memcpy_clear_malloc", "floor_memcmp"]
+FLOORS = [
+    "floor_memcpy",
+    "floor_memcpy_clear_pool",
+    "floor_memcpy_clear_malloc",
+    "floor_memcmp",
+    "floor_record",
+    "floor_presence",
+]
 OPERATIONS = ["decode", "encode", "copy", "measure", "compare"]
 
 # What we want to reach: the ratio to the fastest peer, or for plain octets to the floor.
