@@ -80,6 +80,41 @@ TEST_P(memory_laws, a_copy_equals_its_source_and_is_written_the_same) {
   });
 }
 
+// A record and all records held in it.
+void add_records(view record, std::vector<view> &records) {
+  records.push_back(record);
+  for (const field &field : record.type().fields) {
+    if (field.kind == kind::message) add_records(record.nested(field), records);
+  }
+}
+
+TEST_P(memory_laws, a_presence_bit_of_no_field_that_is_set_alone_stays_and_does_not_go_over_to_a_copy) {
+  const message_type &type = *GetParam();
+  std::vector<unsigned char> mine(type.size), others(type.size);
+  const view record(type, mine.data()), other(type, others.data());
+  std::vector<view> places, other_places;
+  add_records(record, places);
+  add_records(other, other_places);
+  const auto expect_only = [](const std::vector<view> &seen, std::size_t place, std::uint32_t bit) {
+    for (std::size_t i = 0; i < seen.size(); ++i) ASSERT_EQ(seen[i].presence(), i == place ? bit : 0u) << i;
+  };
+  for (std::size_t place = 0; place < places.size(); ++place) {
+    const message_type &holder = places[place].type();
+    for (std::uint32_t bit = 1; (bit & holder.all_bits()) != 0; bit <<= 1) {
+      if ((bit & holder.mask()) != 0) continue;
+      std::ranges::fill(mine, 0);
+      places[place].set_presence(bit);
+      ASSERT_EQ(type.decode(record.data(), nullptr, 0, nullptr, nullptr, 0), CODEC_OK);
+      ASSERT_NO_FATAL_FAILURE(expect_only(places, place, bit));
+      std::ranges::fill(others, 0);
+      ASSERT_EQ(type.duplicate(other.data(), record.data(), nullptr, nullptr), CODEC_OK);
+      ASSERT_NO_FATAL_FAILURE(expect_only(other_places, place, 0));
+      ASSERT_EQ(type.duplicate(record.data(), other.data(), nullptr, nullptr), CODEC_OK);
+      ASSERT_NO_FATAL_FAILURE(expect_only(places, place, bit));
+    }
+  }
+}
+
 TEST_P(memory_laws, blocks_come_back_in_field_order_once_and_nothing_else_changes) {
   for_seeds(200, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::readable);
