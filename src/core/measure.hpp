@@ -62,6 +62,23 @@ PAVO_ZORV_INLINE std::uint64_t measure_scalars(std::uint64_t presence) {
   return octets;
 }
 
+// The second octets of integers of eight bits: one test for all, since hardly any has one.
+template <class Record>
+PAVO_ZORV_INLINE std::uint64_t measure_second_octets(const Record &record, std::uint64_t presence) {
+  unsigned all = 0;
+  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+    constexpr auto &row = row_at<Record, index>;
+    if constexpr (row.in_eight_bits()) all |= record.*row.value;
+  });
+  std::uint64_t octets = 0;
+  if (all < 0x80) return octets;
+  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+    constexpr auto &row = row_at<Record, index>;
+    if constexpr (row.in_eight_bits()) octets += presence >> index & record.*row.value >> 7;
+  });
+  return octets;
+}
+
 // The rows behind the bytes member: what they add belongs to the last piece of the message.
 template <class Record>
 consteval presence_of<Record> rows_behind_bytes() {
@@ -78,7 +95,8 @@ template <class Record>
 PAVO_ZORV_INLINE std::uint64_t measure_fields(const Record &record, survey &found) {
   const auto presence = record.presence;
   constexpr auto behind = rows_behind_bytes<Record>();
-  measuring total{found, measure_scalars<Record>(presence & ~std::uint64_t{behind})};
+  measuring total{found,
+                  measure_scalars<Record>(presence & ~std::uint64_t{behind}) + measure_second_octets(record, presence)};
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     row_at<Record, index>.measure(total, record, (presence & presence_bit<Record, index>) != 0);
   });

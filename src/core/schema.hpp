@@ -21,6 +21,9 @@ enum class kind { flag, integer, string, bytes, integers, messages, message };
 struct row {
   unsigned number;
   const char *name;
+
+  // Whether the value is an integer of eight bits, which takes one octet or two.
+  static constexpr bool in_eight_bits() { return false; }
 };
 
 template <class... Rows>

@@ -25,6 +25,7 @@ struct integer_row : row {
   // What travels: the member's pattern, eight bits as part of a 32-bit number.
   using on_wire = std::conditional_t<sizeof(Value) == 8, std::uint64_t, std::uint32_t>;
 
+  static constexpr bool in_eight_bits() { return sizeof(Value) == 1; }
   static constexpr bool owns() { return false; }
   static constexpr bool holds_bytes() { return false; }
   constexpr auto members() const { return std::tuple{value}; }
@@ -38,6 +39,7 @@ struct integer_row : row {
 
   // What the value takes beyond one octet: the rest is measured with all scalars of the message.
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
+    if constexpr (in_eight_bits()) return;
     const auto travels = static_cast<on_wire>(record.*value);
     if (travels >= 0x80 && present) total.octets += long_varint_size(travels) - 1;
   }
