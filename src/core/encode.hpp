@@ -45,7 +45,7 @@ octets_before::place octets_before::prepend_varint(place at, Value value) {
 // The same where eight octets can be stored at once: those before the varint are not yet written. One of three or four
 // octets needs no room but its own.
 template <class Value>
-PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
+PAVO_ZORV_NOINLINE octet *prepend_word(const octet *first, octet *at, Value value) {
   if (value < 0x200000) {
     at[-1] = static_cast<octet>(value >> 14);
     at[-2] = static_cast<octet>(value >> 7 | 0x80);
@@ -186,7 +186,7 @@ PAVO_ZORV_INLINE typename Sink::place write_fields(const Record &record, const S
   const auto presence = record.presence;
   auto at = end;
   [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
-    constexpr std::size_t last = field_count<Record> - 1;
+    constexpr std::size_t last = sizeof...(Index) - 1;
     ((at = row_at<Record, last - Index>.write(sink, at, record, (presence & presence_bit<Record, last - Index>) != 0,
                                               referenced, entries)),
      ...);

@@ -78,9 +78,10 @@ inline constexpr bool holds_bytes = any_row<Record>([](const auto &row) { return
 
 // A message of few fields, none of which is a list or a message: worth taking inline where it is nested.
 template <class Record>
-inline constexpr bool is_small = field_count<Record> <= 8 && !any_row<Record>([](const auto &row) {
-  return row.type == kind::integers || row.type == kind::messages || row.type == kind::message;
-});
+inline constexpr bool is_small =
+    field_count<Record> <= 8 && !any_row<Record>([](const auto &row) {
+      return row.type == kind::integers || row.type == kind::messages || row.type == kind::message;
+    });
 
 // --- The checks: a schema that does not fit its record does not compile. ---
 
@@ -128,18 +129,22 @@ consteval std::size_t member_count() {
 }
 
 // A record in which only the member at a position is not zero.
-template <class Record, std::size_t Position>
-inline constexpr Record with_mark = []<std::size_t... Other>(std::index_sequence<Other...>) {
+template <class Record, std::size_t Position, std::size_t... Other>
+consteval Record marked(std::index_sequence<Other...>) {
   return Record{initialiser<Other == Position>{}...};
 }
-(std::make_index_sequence<member_count<Record>()>{});
+
+template <class Record, std::size_t Position>
+inline constexpr Record with_mark = marked<Record, Position>(std::make_index_sequence<member_count<Record>()>{});
 
 // The members that the rows name, in row order.
-template <class Record>
-inline constexpr auto members_with_rows = []<std::size_t... Index>(std::index_sequence<Index...>) {
+template <class Record, std::size_t... Index>
+consteval auto members_of(std::index_sequence<Index...>) {
   return std::tuple_cat(row_at<Record, Index>.members()...);
 }
-(std::make_index_sequence<field_count<Record>>{});
+
+template <class Record>
+inline constexpr auto members_with_rows = members_of<Record>(std::make_index_sequence<field_count<Record>>{});
 
 template <class Record>
 inline constexpr std::size_t members_with_rows_count =

@@ -91,7 +91,7 @@ template <class Value>
 requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t long_varint_size(Value value) {
   constexpr unsigned width = sizeof(Value) * CHAR_BIT, greatest = (width + 6) / 7;
   const auto missing = static_cast<unsigned>(std::countl_zero(value));
-  return greatest - (missing * 9 + (width == 64 ? 63u : 31u)) / 64;
+  return greatest - (missing * 9 + (width == 64 ? 63U : 31U)) / 64;
 }
 
 template <class Value>

@@ -1,6 +1,6 @@
 # What the tiers share: sourced from the project's folder.
 set -euo pipefail
-export PAVO_ZORV_LOG=build/long.log
+export PAVO_ZORV_LOG=build/long-${0##*/}.log  # one for each tier
 mkdir -p build
 
 # Runs a command quietly; shows what it said when it fails.
@@ -25,3 +25,19 @@ build() {
   shift
   quietly cmake --build "build/$folder" --target "$@"
 }
+
+# configure_for MACHINE CMAKE-ARGUMENTS...: for another machine, with GoogleTest built for it, of which the distribution
+# has the sources.
+configure_for() {
+  local name=$1 folder=$PWD/build/long-$1
+  shift
+  scripts/install-packages googletest
+  quietly cmake -S /usr/src/googletest -B "$folder/googletest" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    "-DCMAKE_INSTALL_PREFIX=$folder/gtest" -DCMAKE_INSTALL_LIBDIR=lib -DBUILD_GMOCK=OFF "$@"
+  quietly cmake --build "$folder/googletest" --target install
+  configure "long-$name" -DCMAKE_BUILD_TYPE=Release -DPAVO_ZORV_TOOLS=OFF -DPAVO_ZORV_INSTALL=OFF \
+    -DPAVO_ZORV_X86_64_V3=OFF "-DGTest_DIR=$folder/gtest/lib/cmake/GTest" -DCMAKE_DISABLE_FIND_PACKAGE_Protobuf=ON "$@"
+  [[ -d $folder/tests ]] || { echo "no tests for $name:"; cat "$PAVO_ZORV_LOG"; return 1; }
+}
+for_i386=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=i386 -DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMPILER=g++
+  -DCMAKE_C_FLAGS=-m32 -DCMAKE_CXX_FLAGS=-m32)
