@@ -44,4 +44,6 @@ endif()
 if(PAVO_ZORV_COVERAGE)
   add_compile_options(--coverage)
   add_link_options(--coverage)
+  # Each function once, or once for each instantiation, so that a branch in it is one branch.
+  add_compile_definitions(always_inline=unused)
 endif()

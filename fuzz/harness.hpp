@@ -149,15 +149,30 @@ class ledger {
 
 // --- Records ---
 
-// Large enough for any record, aligned for it, and filled with rubbish.
+// Large enough for any record, aligned for it, and filled with rubbish, with guards directly before and behind it.
 class record {
  public:
-  record(const message &type, unsigned char fill) { std::memset(storage_, fill, type.size); }
-  unsigned char *data() { return storage_; }
-  const unsigned char *data() const { return storage_; }
+  record(const message &type, unsigned char fill) : type_(&type) {
+    if (type.size > room) naive::broken("a record larger than any");
+    std::memset(storage_, guard, sizeof storage_);
+    std::memset(data(), fill, type.size);
+  }
+  record(const record &) = default;
+  record &operator=(const record &) = delete;
+  ~record() {
+    const unsigned char *const end = data() + type_->size;
+    for (const unsigned char *at = storage_; at != storage_ + sizeof storage_; ++at) {
+      if ((at < data() || at >= end) && *at != guard) naive::broken(std::string("beside a record of ") + type_->name);
+    }
+  }
+  unsigned char *data() { return storage_ + before; }
+  const unsigned char *data() const { return storage_ + before; }
 
  private:
-  alignas(16) unsigned char storage_[4096];
+  static constexpr unsigned char guard = 0xb6;
+  static constexpr std::size_t before = 64, room = 2048, behind = 64;
+  const message *type_;
+  alignas(16) unsigned char storage_[before + room + behind];
 };
 
 // A record decoded from octets. It is released at the end, and then what it owned must be back.

@@ -76,7 +76,7 @@ class decoder {
   case key_at(index):                                                     \
     if constexpr (index < fields) {                                       \
       done = read_value<index>(done.next, end);                           \
-      if (done.result != CODEC_OK) return done;                           \
+      if (index + 1 == fields || done.result != CODEC_OK) return done;    \
       const octet *const next = step_over_key<index + 1>(done.next, end); \
       if (next == nullptr) return done;                                   \
       done.next = next;                                                   \

@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # The cases that every implementation of these messages must pass are listed in cases_*.txt, one in a line: test, message,
-# situation. Each must be among the tests that ran and passed: check_cases.bash TEST_PROGRAM FOLDER
+# situation. Each must be among the tests that ran and passed:
+#   check_cases.bash FOLDER [EMULATOR...] TEST_PROGRAM
 set -euo pipefail
-program=$1 folder=$2
+folder=$1
+shift
 expected=108
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-"$program" > "$work/output" || { tail -n 20 "$work/output"; exit 1; }
+"$@" > "$work/output" || { tail -n 20 "$work/output"; exit 1; }
 sed -n 's/^\[       OK \] \([A-Za-z0-9_.]*\).*/\1/p' "$work/output" | sort -u > "$work/passed"
 cut -f 1 "$folder"/cases_*.txt | tr ',' '\n' | sort -u > "$work/listed"
 

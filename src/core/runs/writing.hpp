@@ -111,8 +111,9 @@ PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::ui
     for (std::size_t index = 0; index < some; ++index) append(four[index] | std::uint64_t{fifth[index]} << 32);
     done += some;
   }
-  for (; done != count && end - at >= 8; ++done) {
-    const std::uint32_t value = elements[done];
+  // The last element, at the latest, begins less than a word before the end.
+  while (end - at >= 8) {
+    const std::uint32_t value = elements[done++];
     append(varint_word(value, static_cast<unsigned>(varint_size(value))));
   }
   return done;
