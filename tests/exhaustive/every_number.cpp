@@ -58,7 +58,7 @@ std::uint64_t numbers_of_32_bits(std::uint64_t step) {
     unsigned char *const buffer = end - size;
     if (pavo_zorv_api_addr_encode_ext(&out, buffer, size, nullptr, nullptr) != size) fail("the size written", number);
     if (!same(buffer, expected, size)) fail("what is written", number);
-    api_addr in;
+    api_addr in = {};
     if (pavo_zorv_api_addr_decode_ext(&in, buffer, size, nullptr, nullptr) != CODEC_OK) fail("the result", number);
     if (in.address != number || in.presence != API_ADDR_HAS_ADDRESS) fail("what is read", number);
   }
@@ -89,7 +89,7 @@ void read_64(const octets &varint) {
   unsigned char *const input = end - varint.size() - 1;
   input[0] = 0x18;
   std::copy(varint.begin(), varint.end(), input + 1);
-  api_msg_internal in;
+  api_msg_internal in = {};
   const int result = pavo_zorv_api_msg_internal_decode_ext(&in, input, varint.size() + 1, nullptr, nullptr);
   std::size_t position = 0;
   std::uint64_t expected = 0;

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "naive/decoder.hpp"
@@ -93,11 +93,13 @@ std::vector<input> inputs_in(const char *folder) {
   std::vector<input> result;
   for (const auto &entry : std::filesystem::directory_iterator(folder)) {
     std::ifstream file(entry.path(), std::ios::binary);
-    const std::vector<char> content{std::istreambuf_iterator<char>(file), {}};
+    octets content(static_cast<std::size_t>(entry.file_size()));
+    file.read(reinterpret_cast<char *>(content.data()), static_cast<std::streamsize>(content.size()));
+    if (!file) std::abort();
     if (content.size() < 6) continue;
-    const auto number = static_cast<unsigned char>(content[0]);
-    result.push_back(
-        {&naive::messages()[number % naive::messages().size()], octets(content.begin() + 6, content.end())});
+    const auto number = content[0];
+    content.erase(content.begin(), content.begin() + 6);
+    result.push_back({&naive::messages()[number % naive::messages().size()], std::move(content)});
   }
   return result;
 }

@@ -215,8 +215,7 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const 
   }
   element_reader<KeySize, Element> reader{elements, limit};
   if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
-    // A block ends with a key: so another value follows it, or it is not regular. Where one does, the buffer holds all of
-    // the block.
+    // A block ends with a key: so another value follows it, or it is not regular. If so, the buffer holds the block.
     while (values >> (label_block::size - 1) > 1) {
       const label_block block(at);
       if (!block.regular(key)) break;
