@@ -14,7 +14,7 @@ namespace pavo_zorv {
 // How many octets of a word have the highest bit: the product adds them up in the highest octet.
 constexpr std::size_t count_high(std::uint64_t word) {
   constexpr std::uint64_t ones = 0x0101010101010101;
-  return (word >> 7 & ones) * ones >> 56;
+  return static_cast<std::size_t>((word >> 7 & ones) * ones >> 56);
 }
 
 // Two octets from 128 on.
