@@ -203,8 +203,8 @@ typename Sink::place write_message(const Record &record, const Sink &sink, typen
 
 // Compiled to be small, and apart: what is written in vain need not be fast.
 template <class Record>
-[[gnu::cold]] PAVO_ZORV_NOINLINE std::size_t write_message(const Record &record, const clipped_sink &sink, std::size_t end,
-                                        bool referenced) {
+[[gnu::cold]] PAVO_ZORV_NOINLINE std::size_t write_message(const Record &record, const clipped_sink &sink,
+                                                           std::size_t end, bool referenced) {
   return write_fields(record, sink, end, referenced);
 }
 

@@ -103,7 +103,7 @@ constexpr std::uint32_t varint_value(std::uint64_t word) {
   const auto four = static_cast<std::uint32_t>(word), ends = ~four & 0x80808080;
   const std::uint32_t value = seven_of_each(four & (ends ^ (ends - 1)));
   const std::uint32_t fifth = static_cast<std::uint32_t>(word >> 32) << 28;
-  return value | (fifth & (std::uint32_t{ends != 0} - 1));
+  return value | (fifth & (static_cast<std::uint32_t>(ends != 0) - 1));
 }
 
 // The same for four words.
@@ -155,11 +155,12 @@ struct element_reader {
       ends &= ends - 1;
       return word;
     };
-    for (std::size_t left = count_bits(ends); left >= 4; left -= 4, next += 4) {
+    std::size_t left = count_bits(ends);
+    for (; left >= 4; left -= 4, next += 4) {
       const word_pair first{take(), take()}, second{take(), take()};
       varint_values(first, second, next);
     }
-    while (ends != 0) *next++ = varint_value(take());
+    for (; left != 0; --left) *next++ = varint_value(take());
   }
 
   // The first octet, and the lowest bit of the second if there is one.
