@@ -107,9 +107,11 @@ constexpr std::uint32_t varint_value(std::uint64_t word) {
 }
 
 // The same for four words.
-PAVO_ZORV_INLINE void varint_values(word_pair first, word_pair second, std::uint32_t *values) {
+PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &second, std::uint32_t *values) {
   constexpr int low = std::endian::native == std::endian::little ? 0 : 1, high = 1 - low;
-  const auto halves = std::bit_cast<four_numbers>(first), others = std::bit_cast<four_numbers>(second);
+  four_numbers halves, others;
+  std::memcpy(&halves, &first, sizeof halves);
+  std::memcpy(&others, &second, sizeof others);
   const four_numbers four = __builtin_shufflevector(halves, others, low, low + 2, low + 4, low + 6);
   const four_numbers fifth = __builtin_shufflevector(halves, others, high, high + 2, high + 4, high + 6);
   const four_numbers ends = ~four & 0x80808080;
