@@ -85,7 +85,7 @@ struct exact_sink {
 
   PAVO_ZORV_INLINE place prepend_block(place at, const void *block, std::size_t length) const {
     at -= length;
-    if (block != nullptr) copy_octets(at, block, length);
+    copy_octets(at, block, length);
     return at;
   }
 };
