@@ -19,8 +19,8 @@ inline constexpr std::size_t window_size = 64;
 
 // The octets of a window that end a varint, and those at which a key begins.
 struct window {
-  std::uint64_t ends = 0;
-  std::uint64_t keys = 0;
+  std::uint64_t ends;
+  std::uint64_t keys;
 };
 
 // A key in its shortest form, as the octets that stand on the wire: one, or two for numbers from 16 on.
