@@ -256,6 +256,26 @@ TEST(message_list, whose_last_element_is_cut_off_is_refused_before_memory_is_ask
   EXPECT_EQ(record->list_26, nullptr);
 }
 
+// The octets behind the fifth add nothing to the length, but one of them must be the last.
+TEST(message_list, with_a_length_cut_off_behind_its_fifth_octet_is_refused_before_memory_is_asked_for) {
+  for (const octets &bytes :
+       {hex("5a ff ff ff ff ff ff"), hex("5a 00 5a ff ff ff ff ff"), hex("d2 01 81 80 80 80 80")}) {
+    decoded<everything> record(bytes);
+    EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << show(bytes);
+    EXPECT_EQ(record.memory.requests(), 0u) << show(bytes);
+  }
+}
+
+TEST(message_list, that_is_null_is_released_as_it_is_whatever_its_count) {
+  everything record = with_fields({11, 26, 28});
+  record.list_count = record.list_26_count = record.list_28_count = 3;
+  accountant memory;
+  pavo_zorv::release(record, accountant::release, &memory);
+  EXPECT_TRUE(memory.released.empty());
+  EXPECT_EQ(record.list_count, 3u);
+  EXPECT_EQ(record.list_28_count, 3u);
+}
+
 TEST(message_list, with_an_element_that_fails_stays_with_its_count_and_without_its_bit) {
   decoded<everything> record(hex("d2 01 03 12 01 61 d2 01 01 0a d2 01 00"));
   EXPECT_EQ(record.result, CODEC_ERR_WRONG_WIRE_TYPE);
@@ -292,6 +312,20 @@ TEST(bytes_member, with_a_key_of_two_octets_is_the_same) {
   EXPECT_EQ(buffer.content(), hex("82 02 01"));
   ASSERT_EQ(entries.count, 2u);
   EXPECT_EQ(entries.pieces(), (std::vector<piece>{{buffer.data(), 3}, {block, 1}}));
+}
+
+// Its octets lie elsewhere, but a copy would have to hold them.
+TEST(bytes_member, with_a_length_and_no_octets_inside_a_message_is_not_copied_without_memory) {
+  for (const std::uint64_t length : {1u, 2u, 100u}) {
+    everything record = with_fields({27});
+    record.nested_27.content_length = length;
+    record.nested_27.presence = 2;
+    everything copy = with_fields({});
+    EXPECT_EQ(pavo_zorv::duplicate(copy, record, nullptr, nullptr), CODEC_ERR_NO_MEMORY);
+    EXPECT_EQ(copy.nested_27.content_length, 0u);
+    EXPECT_EQ(copy.nested_27.presence, 0);
+    EXPECT_EQ(copy.presence, 1u << 26);
+  }
 }
 
 // A message with bytes between nested messages and lists, which have bytes themselves: the octets in the buffer, and

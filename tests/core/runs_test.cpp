@@ -162,6 +162,17 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   }
 }
 
+// Words that are not blocks of labels, though they look like some: with other keys behind the values, or none.
+TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
+  const auto key = static_cast<unsigned char>(GetParam() << 3);
+  const octets letters = {
+      0x85, 0x05, 0x00, key, static_cast<unsigned char>(key << 1), static_cast<unsigned char>(key >> 1)};
+  for (std::size_t number = 0; number < 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
+    const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
+    agree(20 * word + octets{0x01}, 0, 0);
+  }
+}
+
 TEST_P(both_readers, agree_on_random_octets) {
   std::mt19937 random(GetParam());
   const octets letters = alphabet(GetParam());
@@ -188,10 +199,11 @@ TEST(windows, are_the_same_with_every_size_of_load) {
     const octet *const limit = page.data() + page.size();
     for (const std::size_t left :
          {std::size_t{0}, std::size_t{1}, random() % 64, std::size_t{63}, std::size_t{64}, random() % 200}) {
-      std::uint64_t ends = 0, keys = 0;
+      std::uint64_t ends = 0, keys = 0, ones = 0;
       const octet *const at = limit - left;
       for (std::size_t i = 0; i < left && i < 64; ++i) {
         if (at[i] < 0x80) ends |= std::uint64_t{1} << i;
+        if (at[i] == 1) ones |= std::uint64_t{1} << i;
         const bool one = key < 0x80 && at[i] == key;
         const bool two =
             key >= 0x80 && i + 1 < 64 && i + 1 < left && at[i] == (key & 0x7f) + 0x80 && at[i + 1] == key >> 7;
@@ -201,6 +213,8 @@ TEST(windows, are_the_same_with_every_size_of_load) {
         ASSERT_EQ(seen.ends, ends) << left;
         ASSERT_EQ(seen.keys, keys) << left;
       };
+      ASSERT_EQ(pavo_zorv::look_for<pavo_zorv::portable_piece>(at, limit, 1), ones) << left;
+      ASSERT_EQ(pavo_zorv::look_for<pavo_zorv::native_piece>(at, limit, 1), ones) << left;
       if (key < 0x80) {
         check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_octets<1>(key)));
         check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_octets<1>(key)));
@@ -243,11 +257,16 @@ template <class Element>
 class both_writers : public ::testing::Test {
  protected:
   // Into a buffer in which the run begins `before` octets behind the start; what is before and behind stays as it was.
+  // The elements end at an inaccessible page.
   void agree(const std::vector<Element> &elements, unsigned number, std::size_t before) {
-    const std::size_t key_size = number < 16 ? 1 : 2;
-    const std::size_t values = pavo_zorv::plain::measure_integers(elements.data(), elements.size());
-    ASSERT_EQ(pavo_zorv::measure_integers(elements.data(), elements.size()), values)
-        << ::testing::PrintToString(elements);
+    const std::size_t key_size = number < 16 ? 1 : 2, size = elements.size() * sizeof(Element);
+    const fenced_block large(size > page_.size() ? size : 0);
+    const fenced_block &block = size > page_.size() ? large : page_;
+    octet *const start = block.data() + block.size() - size;
+    if (size != 0) std::memcpy(start, elements.data(), size);
+    const auto *const data = reinterpret_cast<const Element *>(start);
+    const std::size_t values = pavo_zorv::plain::measure_integers(data, elements.size());
+    ASSERT_EQ(pavo_zorv::measure_integers(data, elements.size()), values) << ::testing::PrintToString(elements);
     const std::size_t length = elements.size() * key_size + values;
     octets plain(before + length + 16, 0xc7), fast = plain;
     const auto write = [&](octets &into, auto prepend) {
@@ -256,19 +275,21 @@ class both_writers : public ::testing::Test {
     };
     ASSERT_EQ(write(plain,
                     [&](const auto &sink, octet *at) {
-                      return pavo_zorv::plain::prepend_integers(sink, at, number, elements.data(), elements.size());
+                      return pavo_zorv::plain::prepend_integers(sink, at, number, data, elements.size());
                     }),
               static_cast<std::ptrdiff_t>(before));
-    ASSERT_EQ(write(fast,
-                    [&](const auto &sink, octet *at) {
-                      return pavo_zorv::prepend_integers(sink, at, number, elements.data(), elements.size());
-                    }),
-              static_cast<std::ptrdiff_t>(before));
+    ASSERT_EQ(
+        write(fast, [&](const auto &sink,
+                        octet *at) { return pavo_zorv::prepend_integers(sink, at, number, data, elements.size()); }),
+        static_cast<std::ptrdiff_t>(before));
     // What lies before is not yet written when the run is, and may be overwritten; what lies behind is not.
     ASSERT_EQ(octets(fast.begin() + static_cast<std::ptrdiff_t>(before), fast.end()),
               octets(plain.begin() + static_cast<std::ptrdiff_t>(before), plain.end()))
         << ::testing::PrintToString(elements);
   }
+
+ private:
+  fenced_block page_{512};
 };
 
 using elements = ::testing::Types<std::uint8_t, std::uint32_t>;
@@ -303,6 +324,16 @@ TYPED_TEST(both_writers, agree_on_every_length_and_distance_to_the_start) {
   }
 }
 
+// Of the groups of seven bits in each, all but one are zero, and often many between it and the first.
+TYPED_TEST(both_writers, agree_on_numbers_of_one_bit) {
+  for (unsigned bit = 0; bit < 8 * sizeof(TypeParam); ++bit) {
+    for (const std::size_t length : {1u, 4u, 8u, 12u, 40u}) {
+      const std::vector<TypeParam> some(length, static_cast<TypeParam>(TypeParam{1} << bit));
+      for (const unsigned number : {1u, 16u}) this->agree(some, number, 0);
+    }
+  }
+}
+
 TYPED_TEST(both_writers, agree_on_long_arrays) {
   std::vector<TypeParam> some(100003);
   for (std::size_t i = 0; i < some.size(); ++i) some[i] = static_cast<TypeParam>(~std::uint32_t{0} >> i % 32);
@@ -312,6 +343,28 @@ TYPED_TEST(both_writers, agree_on_long_arrays) {
 }
 
 // --- Comparing ---
+
+TEST(comparing_integers, reads_nothing_behind_them) {
+  for (std::size_t length = 0; length <= 40; ++length) {
+    const fenced_block left(4 * length), right(4 * length);
+    const auto compare = [&](auto element) {
+      using element_type = decltype(element);
+      const auto *const a = reinterpret_cast<const element_type *>(left.data() + left.size()) - length;
+      const auto *const b = reinterpret_cast<const element_type *>(right.data() + right.size()) - length;
+      return pavo_zorv::compare_integers(a, b, length);
+    };
+    EXPECT_EQ(compare(std::uint32_t{}), 0) << length;
+    EXPECT_EQ(compare(std::uint8_t{}), 0) << length;
+  }
+}
+
+// Before each list stands what the other one has in the second half.
+TEST(comparing_integers, takes_nothing_before_them_for_what_is_in_them) {
+  const std::vector<std::uint32_t> a = {9, 9, 9, 9, 9, 9, 9, 9, 5, 5, 5, 5, 5, 5, 5, 5, 6, 6, 6, 6, 6, 6, 6, 6};
+  const std::vector<std::uint32_t> b = {6, 6, 6, 6, 6, 6, 6, 6, 5, 5, 5, 5, 5, 5, 5, 5, 9, 9, 9, 9, 9, 9, 9, 9};
+  EXPECT_EQ(pavo_zorv::compare_integers(a.data() + 8, b.data() + 8, 16), -1);
+  EXPECT_EQ(pavo_zorv::compare_integers(b.data() + 8, a.data() + 8, 16), 1);
+}
 
 TEST(comparing_integers, finds_the_first_difference_at_every_place) {
   for (std::size_t length = 0; length <= 40; ++length) {

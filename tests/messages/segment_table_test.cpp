@@ -398,6 +398,14 @@ TEST_F(huge_bytes, beyond_all_sizes_measure_as_the_greatest_and_touch_nothing_bu
   }
 }
 
+// Half of all sizes is the first that no memory holds. A key, a length of five octets, and the bytes.
+TEST_F(huge_bytes, of_half_the_greatest_size_measure_as_the_greatest_and_those_one_octet_shorter_as_they_are) {
+  srv6_prefix prefix{nullptr, SIZE_MAX / 2 - 6, 0, SRV6_PREFIX_HAS_FIELD1};
+  EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, nullptr, 0, nullptr, nullptr), SIZE_MAX);
+  prefix.field1_length = SIZE_MAX / 2 - 7;
+  EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, nullptr, 0, nullptr, nullptr), SIZE_MAX / 2 - 1);
+}
+
 // --- Reference mode: decoding, releasing, copying ---
 
 // case: nested: bytes decoded in reference mode, released and copied
