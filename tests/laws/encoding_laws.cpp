@@ -82,7 +82,7 @@ TEST_P(encoding_laws, a_table_of_any_capacity_gets_the_first_entries_and_the_cou
       const fence buffer(size);
       const fence room((needed + 2) * sizeof(pavo_zorv_segment));
       for (std::uint32_t capacity = 0; capacity <= needed + 2; ++capacity) {
-        const std::size_t some = dice.from(0, size);
+        const std::size_t some = static_cast<std::size_t>(dice.from(0, size));
         ASSERT_NO_FATAL_FAILURE(check_table(record, model, room, capacity, nullptr, 0, options));
         ASSERT_NO_FATAL_FAILURE(check_table(record, model, room, capacity, nullptr, some, options));
         ASSERT_NO_FATAL_FAILURE(check_table(record, model, room, capacity, buffer.last(size), size, options));

@@ -26,7 +26,7 @@ class decoding_model {
     while (at < end) {
       std::uint64_t key = 0;
       if (!varint(at, end, 5, key)) return CODEC_ERR_TRUNCATED;
-      const std::uint64_t number = key / 8;
+      const auto number = static_cast<std::size_t>(key / 8);
       const unsigned wire_type = key % 8;
       const std::vector<field> &fields = record.type().fields;
       const bool known = number >= 1 && number <= fields.size();
@@ -104,7 +104,7 @@ class decoding_model {
       if (!delimited(at, end, read)) return CODEC_ERR_TRUNCATED;
       dropped += owned_blocks(record.nested(field), referenced).size();
       at += read;
-      return decode(record.nested(field), at - read, read);
+      return decode(record.nested(field), at - read, static_cast<std::size_t>(read));
     }
 
     if (record.pointer(field) != nullptr) return CODEC_ERR_TRUNCATED;
@@ -112,11 +112,11 @@ class decoding_model {
     if (!borrowed && !has_allocator) return CODEC_ERR_NO_MEMORY;
     if (field.is_list()) return list(record, field, at, end);
     if (!delimited(at, end, read)) return CODEC_ERR_TRUNCATED;
-    const std::size_t size = read + (field.kind == kind::string ? 1 : 0);
+    const std::size_t length = static_cast<std::size_t>(read), size = length + (field.kind == kind::string ? 1 : 0);
     if (!borrowed && !granted(size)) return CODEC_ERR_NO_MEMORY;
     auto *const block = borrowed ? const_cast<unsigned char *>(at) : memory_.array<unsigned char>(size);
-    if (!borrowed) std::memcpy(block, at, read);
-    if (field.kind == kind::string) block[read] = '\0';
+    if (!borrowed) std::memcpy(block, at, length);
+    if (field.kind == kind::string) block[length] = '\0';
     if (field.kind == kind::bytes) record.set_count(field, read);
     record.set_pointer(field, block);
     at += read;
@@ -151,7 +151,7 @@ class decoding_model {
         record.set_element_number(field, i, read);
       } else {
         delimited(at, end, read);
-        const int result = decode(record.element(field, i), at, read);
+        const int result = decode(record.element(field, i), at, static_cast<std::size_t>(read));
         if (result != CODEC_OK) return result;
         at += read;
       }

@@ -110,7 +110,7 @@ inline encoding_model model_encode(view record, bool referenced) {
       out.key(field.number, 2);
       out.varint(length);
       if (!referenced) {
-        out.block(record.pointer(field), length);
+        out.block(record.pointer(field), static_cast<std::size_t>(length));
       } else if (length != 0) {
         is_split = true;
         split = out.bytes.size();

@@ -53,7 +53,7 @@ inline void litter(view record, dice &dice) {
 }
 
 inline bool same_octets(const void *a, const void *b, std::uint64_t length) {
-  return length == 0 || std::memcmp(a, b, length) == 0;
+  return length == 0 || std::memcmp(a, b, static_cast<std::size_t>(length)) == 0;
 }
 
 // Where two records differ: the member's name, or nothing. Pointers need not be the same, what they lead to must; with
@@ -133,7 +133,7 @@ class copying_model {
                                 : is_text       ? std::strlen(source.text(field)) + 1
                                                 : source.count(field);
     const std::uint64_t size = field.is_list() ? count * field.element_size() : count;
-    failed = count != 0 && !granted(size);
+    failed = count != 0 && !granted(static_cast<std::size_t>(size));
     if (count == 0 || failed) return to == nullptr && (is_text || copy.count(field) == 0) ? "" : name;
 
     if (to == nullptr || to == from || (!is_text && copy.count(field) != count)) return name;

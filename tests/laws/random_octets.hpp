@@ -17,7 +17,7 @@ class octets_maker {
     octets result;
     for (std::uint64_t count = dice_.from(0, longest); count-- != 0;) {
       if (dice_.percent(88)) {
-        known(result, type.fields[dice_.below(type.fields.size())], depth);
+        known(result, type.fields[static_cast<std::size_t>(dice_.below(type.fields.size()))], depth);
       } else {
         unknown(result, type.fields.size());
       }
@@ -27,12 +27,13 @@ class octets_maker {
 
   // Some octets changed, left out, put in, or a slice of them moved, doubled or cut off.
   void damage(octets &bytes) {
-    const std::uint64_t size = bytes.size();
-    const auto at = [&](std::uint64_t position) { return bytes.begin() + static_cast<std::ptrdiff_t>(position); };
-    const std::uint64_t first = dice_.from(0, size);
-    const std::uint64_t last = std::min(size, first + dice_.from(1, dice_.percent(70) ? 4 : size + 1));
+    const std::size_t size = bytes.size();
+    const auto at = [&](std::size_t position) { return bytes.begin() + static_cast<std::ptrdiff_t>(position); };
+    const auto first = static_cast<std::size_t>(dice_.from(0, size));
+    const std::size_t last =
+        std::min(size, first + static_cast<std::size_t>(dice_.from(1, dice_.percent(70) ? 4 : size + 1)));
     const octets slice(at(first), at(last));
-    const std::uint64_t elsewhere = dice_.from(0, size);
+    const auto elsewhere = static_cast<std::size_t>(dice_.from(0, size));
     switch (dice_.below(7)) {
       case 0:
         if (first < size) bytes[first] ^= static_cast<unsigned char>(1u << dice_.below(8));
@@ -50,7 +51,7 @@ class octets_maker {
         bytes.insert(at(elsewhere), slice.begin(), slice.end());
         break;
       case 5:
-        for (std::uint64_t i = first; i < last; ++i) bytes[i] |= 0x80;
+        for (std::size_t i = first; i < last; ++i) bytes[i] |= 0x80;
         break;
       default:
         bytes.resize(static_cast<std::size_t>(first));
@@ -59,7 +60,7 @@ class octets_maker {
 
   // A varint of its fewest octets or, now and then, of more; what lies beyond its width may be anything.
   void varint(octets &out, std::uint64_t value, unsigned width = 32, unsigned longer = 10) {
-    std::size_t extra = dice_.percent(longer) ? dice_.from(1, 12) : 0;
+    std::size_t extra = dice_.percent(longer) ? static_cast<std::size_t>(dice_.from(1, 12)) : 0;
     unsigned shift = 0;
     do {
       unsigned char octet = value & 0x7f;

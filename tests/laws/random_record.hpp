@@ -104,7 +104,7 @@ class record_maker {
   void change(view record) {
     const message_type &type = record.type();
     if (!recipe_.canonical) record.set_presence((record.presence() & type.mask()) | unowned_bits(type));
-    const field &field = type.fields[dice_.below(type.fields.size())];
+    const field &field = type.fields[static_cast<std::size_t>(dice_.below(type.fields.size()))];
     const bool inside = record.has(field) && dice_.percent(70);
     if (inside && field.kind == kind::message) return change(record.nested(field));
     if (inside && field.kind == kind::messages && record.count(field) != 0) {
@@ -173,8 +173,9 @@ class record_maker {
   std::size_t list_length(const field &field, bool wanted) {
     if (recipe_.canonical && !wanted) return 0;
     // Now and then so long that it is worth a loop of its own.
-    if (field.kind == kind::integers && !recipe_.few_values && dice_.percent(4)) return dice_.from(1, 100);
-    return dice_.from(recipe_.canonical ? 1 : 0, recipe_.longest_list);
+    if (field.kind == kind::integers && !recipe_.few_values && dice_.percent(4))
+      return static_cast<std::size_t>(dice_.from(1, 100));
+    return static_cast<std::size_t>(dice_.from(recipe_.canonical ? 1 : 0, recipe_.longest_list));
   }
 
   std::uint64_t number() {
@@ -184,8 +185,8 @@ class record_maker {
 
   std::size_t text_length() {
     // Now and then so long that the length takes two octets.
-    if (!recipe_.few_values && dice_.percent(3)) return dice_.from(126, 131);
-    return dice_.from(0, recipe_.longest_text);
+    if (!recipe_.few_values && dice_.percent(3)) return static_cast<std::size_t>(dice_.from(126, 131));
+    return static_cast<std::size_t>(dice_.from(0, recipe_.longest_text));
   }
 
   unsigned char text_octet() {
