@@ -67,6 +67,7 @@ TEST(layout, results_have_their_values) {
 }
 
 TEST(layout, a_segment_is_a_pointer_and_a_64_bit_length) {
+  if (sizeof(void *) != 8) GTEST_SKIP() << "these are the figures of 64 bits; pavo_zorv_layout.h has the others";
   EXPECT_EQ(offsetof(pavo_zorv_segment, start), 0u);
   EXPECT_EQ(offsetof(pavo_zorv_segment, length), sizeof(std::uint64_t));
   EXPECT_EQ(sizeof(pavo_zorv_segment), 16u);
@@ -93,6 +94,7 @@ TEST(layout, the_presence_flags_stand_last_and_are_as_narrow_as_the_fields_allow
 }
 
 TEST(layout, members_stand_in_field_order_with_natural_alignment) {
+  if (sizeof(void *) != 8) GTEST_SKIP() << "these are the figures of 64 bits; pavo_zorv_layout.h has the others";
   EXPECT_EQ(offsetof(api_msg_internal, field1), 0u);
   EXPECT_EQ(offsetof(api_msg_internal, field2), 8u);
   EXPECT_EQ(offsetof(api_msg_internal, field3), 16u);
