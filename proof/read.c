@@ -47,6 +47,12 @@
         (x | (uint32_t)(y << k)) == (uint32_t)(x + y * power(k));
       axiom add_group_64: \forall integer x, y, k; sevenfold(k) && 0 <= x < power(k) && 0 <= y < 0x80 ==>
         (x | (uint64_t)(y << k)) == (uint64_t)(x + y * power(k));
+      axiom left_octet_8: \forall integer x; 0 <= x < 0x100 ==> (x << 8) == 0x100 * x;
+      axiom left_octet_16: \forall integer x; 0 <= x < 0x100 ==> (x << 16) == 0x10000 * x;
+      axiom left_octet_24: \forall integer x; 0 <= x < 0x100 ==> (x << 24) == 0x1000000 * x;
+      axiom add_octet: \forall integer x, y, k;
+        0 <= y < 0x100 && (k == 8 && 0 <= x < 0x100 || k == 16 && 0 <= x < 0x10000 || k == 24 && 0 <= x < 0x1000000) ==>
+        (x | (y << k)) == x + (y << k);
       axiom or_one: \forall integer x; 0 <= x ==> x <= (x | 1) <= x + 1;
       axiom or_one_below: \forall integer x, k; 0 <= x && sevenfold(k) && 7 <= k ==>
         ((x | 1) < power(k) <==> x < power(k));
@@ -228,6 +234,130 @@ struct varint_64 read_varint_64(const octet *at, const octet *end) {
     //@ assert sum_64(at, 2) == (at[0] & 0x7f) + 0x80 * at[1];
     //@ assert ((at[0] & 0x7f) | at[1] << 7) == (at[0] & 0x7f) + 0x80 * at[1];
     return (struct varint_64){at + 2, (uint64_t)((at[0] & 0x7f) | at[1] << 7)};
+  }
+  return read_long_varint_64(at, end);
+}
+
+/*@ requires shift == 8 && low < 0x100 || shift == 16 && low < 0x10000 || shift == 24 && low < 0x1000000;
+    terminates \true;
+    assigns \result \from low, next, shift;
+    ensures shift == 8 ==> \result == low + 0x100 * next;
+    ensures shift == 16 ==> \result == low + 0x10000 * next;
+    ensures shift == 24 ==> \result == low + 0x1000000 * next;
+*/
+static uint32_t with_octet(uint32_t low, octet next, unsigned shift) {
+  //@ assert (uint32_t)(next << shift) == next << shift;
+  return low | (uint32_t)next << shift;
+}
+
+/*@ predicate octets(integer word, integer a, integer b, integer c, integer d) =
+      0 <= a < 0x100 && 0 <= b < 0x100 && 0 <= c < 0x100 && 0 <= d < 0x100 &&
+      word == a + 0x100 * b + 0x10000 * c + 0x1000000 * d;
+*/
+
+/* Four octets as a number, the first the lowest: at[0] | at[1] << 8 | at[2] << 16 | at[3] << 24. The core loads them at
+   once, and swaps them where the first would be the highest. */
+/*@ requires \valid_read(at + (0 .. 3));
+    terminates \true;
+    assigns \result \from at[0 .. 3];
+    ensures octets(\result, at[0], at[1], at[2], at[3]);
+*/
+static uint32_t load_half_word(const octet *at) {
+  const uint32_t two = with_octet(at[0], at[1], 8);
+  //@ assert two == at[0] + 0x100 * at[1] && two < 0x10000;
+  const uint32_t three = with_octet(two, at[2], 16);
+  //@ assert three == at[0] + 0x100 * at[1] + 0x10000 * at[2] && three < 0x1000000;
+  return with_octet(three, at[3], 24);
+}
+
+/* A varint of up to four octets in a word: how many they are, 0 when none of the four ends it, and its value. */
+struct short_varint {
+  unsigned size;
+  uint32_t value;
+};
+
+/* bits.mlw proves this one's contract, on vectors of 32 bits. */
+/*@ terminates \true;
+    assigns \result \from word;
+    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a < 0x80 ==>
+      \result.size == 1 && \result.value == (a & 0x7f);
+    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b < 0x80 ==>
+      \result.size == 2 && \result.value == (a & 0x7f) + 0x80 * (b & 0x7f);
+    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c < 0x80 ==>
+      \result.size == 3 && \result.value == (a & 0x7f) + 0x80 * (b & 0x7f) + 0x4000 * (c & 0x7f);
+    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c >= 0x80 && d < 0x80 ==>
+      \result.size == 4 &&
+      \result.value == (a & 0x7f) + 0x80 * (b & 0x7f) + 0x4000 * (c & 0x7f) + 0x200000 * (d & 0x7f);
+    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c >= 0x80 && d >= 0x80 ==>
+      \result.size == 0;
+*/
+static struct short_varint up_to_four(uint32_t word);
+#ifndef __FRAMAC__
+static uint32_t seven_of_each(uint32_t word) {
+  word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
+  return (word & 0x3fff) | (word & 0x3fff0000) >> 2;
+}
+
+static struct short_varint up_to_four(uint32_t word) {
+  const uint32_t ends = ~word & 0x80808080;
+  if (ends == 0) return (struct short_varint){0, 0};
+  return (struct short_varint){(unsigned)__builtin_ctz(ends) / 8 + 1, seven_of_each(word & (ends ^ (ends - 1)))};
+}
+#endif
+
+/*@ lemma varint_of_1{L}: \forall octet *at; at[0] < 0x80 ==> varint_of(at, 1);
+    lemma varint_of_2{L}: \forall octet *at; at[0] >= 0x80 && at[1] < 0x80 ==> varint_of(at, 2);
+    lemma varint_of_3{L}: \forall octet *at; at[0] >= 0x80 && at[1] >= 0x80 && at[2] < 0x80 ==> varint_of(at, 3);
+    lemma varint_of_4{L}: \forall octet *at;
+      at[0] >= 0x80 && at[1] >= 0x80 && at[2] >= 0x80 && at[3] < 0x80 ==> varint_of(at, 4);
+*/
+
+/*@ requires readable(at, end);
+    terminates \true;
+    assigns \result \from at, end, at[0 .. end - at - 1];
+    ensures \result.next == \null <==> open(at, end - at);
+    ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
+    ensures \result.next != \null ==> \result.value == (uint32_t)sum_32(at, \result.next - at);
+*/
+struct varint_32 read_number_32(const octet *at, const octet *end) {
+  if (at != end && *at < 0x80) return (struct varint_32){at + 1, *at};
+  if (end - at >= 4) {
+    const uint32_t word = load_half_word(at);
+    const struct short_varint found = up_to_four(word);
+    //@ assert octets(word, at[0], at[1], at[2], at[3]);
+    //@ assert sum_32(at, 1) == (at[0] & 0x7f);
+    //@ assert sum_32(at, 2) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f);
+    //@ assert sum_32(at, 3) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f) + 0x4000 * (at[2] & 0x7f);
+    /*@ assert sum_32(at, 4) ==
+          (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f) + 0x4000 * (at[2] & 0x7f) + 0x200000 * (at[3] & 0x7f); */
+    //@ assert found.size == 0 || found.size == 1 || found.size == 2 || found.size == 3 || found.size == 4;
+    //@ assert found.size != 0 ==> varint_of(at, found.size) && found.value == sum_32(at, found.size);
+    if (found.size != 0) return (struct varint_32){at + found.size, found.value};
+  }
+  return read_long_varint_32(at, end);
+}
+
+/*@ requires readable(at, end);
+    terminates \true;
+    assigns \result \from at, end, at[0 .. end - at - 1];
+    ensures \result.next == \null <==> open(at, end - at);
+    ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
+    ensures \result.next != \null ==> \result.value == (uint64_t)sum_64(at, \result.next - at);
+*/
+struct varint_64 read_number_64(const octet *at, const octet *end) {
+  if (at != end && *at < 0x80) return (struct varint_64){at + 1, *at};
+  if (end - at >= 4) {
+    const uint32_t word = load_half_word(at);
+    const struct short_varint found = up_to_four(word);
+    //@ assert octets(word, at[0], at[1], at[2], at[3]);
+    //@ assert sum_64(at, 1) == (at[0] & 0x7f);
+    //@ assert sum_64(at, 2) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f);
+    //@ assert sum_64(at, 3) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f) + 0x4000 * (at[2] & 0x7f);
+    /*@ assert sum_64(at, 4) ==
+          (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f) + 0x4000 * (at[2] & 0x7f) + 0x200000 * (at[3] & 0x7f); */
+    //@ assert found.size == 0 || found.size == 1 || found.size == 2 || found.size == 3 || found.size == 4;
+    //@ assert found.size != 0 ==> varint_of(at, found.size) && found.value == sum_64(at, found.size);
+    if (found.size != 0) return (struct varint_64){at + found.size, found.value};
   }
   return read_long_varint_64(at, end);
 }

@@ -36,6 +36,8 @@ enum { OK = 0, TRUNCATED = -1, BAD_WIRE_TYPE = -2 };
 const octet *skip_varint(const octet *at, const octet *end);
 struct varint_32 read_varint_32(const octet *at, const octet *end);
 struct varint_64 read_varint_64(const octet *at, const octet *end);
+struct varint_32 read_number_32(const octet *at, const octet *end);
+struct varint_64 read_number_64(const octet *at, const octet *end);
 struct delimited read_delimited(const octet *at, const octet *end);
 const octet *skip_delimited(const octet *at, const octet *end);
 struct step skip_unknown(uint32_t key, const octet *at, const octet *end);

@@ -31,11 +31,14 @@ class readers {
            end);
 
     const auto [past_32, number_32] = core::read_number<std::uint32_t>(at, end);
-    expect(twin_32.next == past_32 && (past_32 == nullptr || twin_32.value == number_32), "read_number, 32 bits", at,
-           end);
+    const varint_32 twin_number_32 = ::read_number_32(at, end);
+    expect(twin_number_32.next == past_32 && (past_32 == nullptr || twin_number_32.value == number_32),
+           "read_number, 32 bits", at, end);
+
     const auto [past_64, number_64] = core::read_number<std::uint64_t>(at, end);
-    expect(twin_64.next == past_64 && (past_64 == nullptr || twin_64.value == number_64), "read_number, 64 bits", at,
-           end);
+    const varint_64 twin_number_64 = ::read_number_64(at, end);
+    expect(twin_number_64.next == past_64 && (past_64 == nullptr || twin_number_64.value == number_64),
+           "read_number, 64 bits", at, end);
 
     expect(::skip_varint(at, end) == core::skip_varint(at, end), "skip_varint", at, end);
 
