@@ -137,8 +137,10 @@ class overwriting {
   template <std::size_t... Index>
   PAVO_ZORV_INLINE bool spares_are_clear(std::index_sequence<Index...>) const {
     std::array<std::uint32_t, places> together{};
+    std::uint32_t bits = 0;
     ((together[first_like<Index>] |= flags_seen(spares<Record>[Index])), ...);
-    return (0 | ... | (together[Index] & spares<Record>[Index].mask)) == 0;
+    ((bits |= together[Index] & spares<Record>[Index].mask), ...);
+    return bits == 0;
   }
 
   // The first place with the same spare bits as one has.

@@ -74,6 +74,14 @@ void release_message(Record &record, const releaser &releaser);
 template <class Record>
 int compare_messages(const Record &a, const Record &b);
 
+// A function of the C library to be called as it is. Some compilers would compare strings themselves, and their results
+// have the same sign but not the same value.
+template <class Function>
+PAVO_ZORV_INLINE Function *as_it_is(Function *function) {
+  asm("" : "+r"(function));
+  return function;
+}
+
 // -1, 0 or 1.
 template <class Value>
 constexpr int compare_values(Value a, Value b) {

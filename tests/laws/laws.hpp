@@ -37,6 +37,11 @@ inline std::uint64_t environment_number(const char *name, std::uint64_t otherwis
 
 inline std::uint64_t only_seed() { return environment_number("PAVO_ZORV_SEED", any_seed); }
 
+// Whether a law is tried as often as it says, so that it may ask what was tried.
+inline bool is_tried_in_full() {
+  return only_seed() == any_seed && environment_number("PAVO_ZORV_SEEDS", UINT64_MAX) == UINT64_MAX;
+}
+
 inline void for_seeds(std::uint64_t seeds, const std::function<void(dice &)> &trial) {
   const std::uint64_t only = only_seed();
   const std::uint64_t first = only != any_seed ? only : 0;

@@ -93,7 +93,7 @@ struct bytes_row : row {
   PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const {
     const std::uint64_t common = std::min(a.*length, b.*length);
     if (common != 0) {
-      const int difference = std::memcmp(a.*value, b.*value, static_cast<std::size_t>(common));
+      const int difference = as_it_is(std::memcmp)(a.*value, b.*value, static_cast<std::size_t>(common));
       if (difference != 0) return difference;
     }
     return compare_values(a.*length, b.*length);

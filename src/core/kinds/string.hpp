@@ -68,7 +68,9 @@ struct string_row : row {
 
   PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const { releaser.give_back(record.*value); }
 
-  PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const { return std::strcmp(a.*value, b.*value); }
+  PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const {
+    return as_it_is(std::strcmp)(a.*value, b.*value);
+  }
 };
 
 template <class Record>
