@@ -133,23 +133,27 @@ class overwriting {
     return load_flags(target_, place) | (source_ != nullptr ? load_flags(source_, place) : 0);
   }
 
+  static constexpr std::uint32_t spare_part(std::uint32_t flags, const spare_bits &place) { return flags & place.mask; }
+
   // Flags of which the same bits are spare are put together first.
   template <std::size_t... Index>
   PAVO_ZORV_INLINE bool spares_are_clear(std::index_sequence<Index...>) const {
     std::array<std::uint32_t, places> together{};
-    std::uint32_t bits = 0;
     ((together[first_like<Index>] |= flags_seen(spares<Record>[Index])), ...);
-    ((bits |= together[Index] & spares<Record>[Index].mask), ...);
+    std::uint32_t bits = 0;
+    ((bits |= spare_part(together[Index], spares<Record>[Index])), ...);
     return bits == 0;
   }
 
   // The first place with the same spare bits as one has.
-  template <std::size_t Index>
-  static constexpr std::size_t first_like = [] {
+  static constexpr std::size_t find_like(const std::array<spare_bits, places> &all, std::size_t index) {
     std::size_t first = 0;
-    while (spares<Record>[first].mask != spares<Record>[Index].mask) ++first;
+    while (all[first].mask != all[index].mask) ++first;
     return first;
-  }();
+  }
+
+  template <std::size_t Index>
+  static constexpr std::size_t first_like = find_like(spares<Record>, Index);
 
   PAVO_ZORV_INLINE std::uint32_t merged(const spare_bits &place) const {
     const std::uint32_t others = source_ != nullptr ? load_flags(source_, place) : 0;

@@ -398,6 +398,21 @@ TEST_F(huge_bytes, beyond_all_sizes_measure_as_the_greatest_and_touch_nothing_bu
   }
 }
 
+TEST_F(huge_bytes, beyond_all_sizes_are_counted_but_not_written_nor_listed) {
+  unsigned char data[16] = {};
+  const srv6_prefix prefix{data, UINT64_MAX, 64, 3};
+  unsigned char buffer[8] = {};
+  pavo_zorv_segment pieces[2] = {{data, 7}, {data, 7}};
+  std::uint32_t count = 2;
+  EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, buffer, sizeof buffer, pieces, &count), SIZE_MAX);
+  EXPECT_EQ(count, 1u);
+  EXPECT_EQ(octets(buffer, buffer + sizeof buffer), 8 * hex("00"));
+  for (const pavo_zorv_segment &piece : pieces) {
+    EXPECT_EQ(piece.start, data);
+    EXPECT_EQ(piece.length, 7u);
+  }
+}
+
 // Half of all sizes is the first that no memory holds. A key, a length of five octets, and the bytes.
 TEST_F(huge_bytes, of_half_the_greatest_size_measure_as_the_greatest_and_those_one_octet_shorter_as_they_are) {
   srv6_prefix prefix{nullptr, SIZE_MAX / 2 - 6, 0, SRV6_PREFIX_HAS_FIELD1};
