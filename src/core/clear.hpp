@@ -167,6 +167,8 @@ class overwriting {
     (store_flags(target_, spares<Record>[Index], flags[Index]), ...);
   }
 
+  // By the C library, which knows the vectors of the processor that it runs on: worth a call where ours would be many.
+  // The compiler must not know the size, or it does not call.
   PAVO_ZORV_INLINE void by_call() const {
     std::size_t size = sizeof(Record);
     asm("" : "+r"(size));
