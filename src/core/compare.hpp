@@ -16,7 +16,7 @@ PAVO_ZORV_INLINE int compare_fields(const Record &a, const Record &b) {
 }
 
 template <class Record>
-int compare_messages(const Record &a, const Record &b) {
+PAVO_ZORV_NOINLINE int compare_messages(const Record &a, const Record &b) {
   return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
     int result = 0;
     static_cast<void>(((result = compare_fields<Record, Index>(a, b), result != 0) || ...));

@@ -1,5 +1,6 @@
-// Encoding: one pass measures, one pass writes. Writing goes backwards from the measured end, so that a nested message
-// is whole before its length is written: no length is computed twice or remembered, at any depth.
+// Encoding: writing goes backwards, so that a nested message is whole before its length is written: no length is
+// computed twice or remembered, at any depth. A long message is measured first, for its end must be known. One for a
+// short buffer is not: it is written aside, to the end of a block that is long enough, and copied from there.
 #pragma once
 
 #include <algorithm>
@@ -62,11 +63,21 @@ PAVO_ZORV_NOINLINE octet *prepend_word(const octet *first, octet *at, Value valu
   return at - size;
 }
 
-// Writes where the whole encoding is known to fit: no octet is checked.
-struct exact_sink {
+// Writes without a look at each octet: the whole encoding is known to fit. Aside, where that is not known, what has no
+// bound asks for room above the floor, below which there is room for the rest; what finds none goes on below the floor,
+// and all that was written is worth nothing.
+struct quick_sink {
   using place = octet *;
   octet *first;
   segment_table *table;
+  octet *floor = nullptr;
+
+  bool is_full(place at) const { return at < floor; }
+  place full() const { return floor - 1; }
+
+  PAVO_ZORV_INLINE bool has_room(place at, std::uint64_t size) const {
+    return !is_full(at) && reinterpret_cast<std::uintptr_t>(at) - reinterpret_cast<std::uintptr_t>(floor) >= size;
+  }
 
   octet *start_of(place message) const { return message; }
 
@@ -83,9 +94,12 @@ struct exact_sink {
     return prepend_word(first, at, value);
   }
 
-  PAVO_ZORV_INLINE place prepend_block(place at, const void *block, std::size_t length) const {
-    at -= length;
-    copy_octets(at, block, length);
+  // A block that is not there leaves a gap, and there is none in what is written aside.
+  PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::uint64_t length) const {
+    if (!has_room(at, length) || (block == nullptr && length != 0)) return full();
+    const auto size = static_cast<std::size_t>(length);
+    at -= size;
+    copy_octets(at, block, size);
     return at;
   }
 };
@@ -97,6 +111,8 @@ struct clipped_sink {
   octet *buffer;
   std::size_t length;
   segment_table *table;
+
+  static constexpr bool is_full(place) { return false; }
 
   // A message behind the end of the buffer has none; the outermost keeps the one it was given.
   octet *start_of(place message) const { return message == 0 || message < length ? buffer + message : nullptr; }
@@ -111,7 +127,8 @@ struct clipped_sink {
     return prepend_long_varint(*this, at, value);
   }
 
-  PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::size_t size) const {
+  PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::uint64_t octets) const {
+    const auto size = static_cast<std::size_t>(octets);
     at -= size;
     if (block != nullptr && at <= length && size <= length - at) std::memcpy(buffer + at, block, size);
     return at;
@@ -182,6 +199,9 @@ class message_entries {
 template <class Record, class Sink>
 PAVO_ZORV_INLINE typename Sink::place write_fields(const Record &record, const Sink &sink, typename Sink::place end,
                                                    bool referenced) {
+  if constexpr (!is_small<Record>) {
+    if (sink.is_full(end)) return end;
+  }
   message_entries<Sink> entries(sink, end);
   const auto presence = record.presence;
   auto at = end;
@@ -214,7 +234,7 @@ template <class Record>
 PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::size_t octets, octet *buffer,
                                      std::size_t length, segment_table *table) {
   if (octets <= length && !found.gaps) {
-    write_message(record, exact_sink{buffer, table}, buffer + octets, found.referenced);
+    write_message(record, quick_sink{buffer, table}, buffer + octets, found.referenced);
   } else if (length != 0 || table != nullptr) {
     write_message(record, clipped_sink{buffer, length, table}, octets, found.referenced);
   }
@@ -226,18 +246,25 @@ template <class Record>
 PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, manner found, std::size_t octets, octet *buffer,
                                            std::size_t length) {
   if (octets > length || found.gaps) return write(record, found, octets, buffer, length, nullptr);
-  write_fields(record, exact_sink{buffer, nullptr}, buffer + octets, found.referenced);
+  write_fields(record, quick_sink{buffer, nullptr}, buffer + octets, found.referenced);
   return octets;
 }
 
+// SIZE_MAX where no memory holds the encoding.
 template <class Record>
-std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
-                   std::uint32_t *segment_count, std::uint32_t options = 0) {
-  survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
+PAVO_ZORV_INLINE std::size_t measured_size(const Record &record, survey &found) {
   const std::uint64_t octets = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);
-  const auto size = octets < unwritable ? static_cast<std::size_t>(octets) : SIZE_MAX;
+  return !holds_bytes<Record> || octets < unwritable ? static_cast<std::size_t>(octets) : SIZE_MAX;
+}
+
+template <class Record>
+PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, octet *buffer, std::size_t length,
+                                               pavo_zorv_segment *segments, std::uint32_t *segment_count,
+                                               std::uint32_t options) {
+  survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
+  const std::size_t size = measured_size(record, found);
   if (segment_count == nullptr) {
-    if (buffer == nullptr || size == SIZE_MAX) return size;
+    if (size == SIZE_MAX) return size;
     if constexpr (is_small<Record>) return write_small(record, found, size, buffer, length);
     return write(record, found, size, buffer, length, nullptr);
   }
@@ -245,6 +272,57 @@ std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo
   *segment_count = static_cast<std::uint32_t>(found.segments);
   if ((buffer == nullptr && table.capacity == 0) || size == SIZE_MAX) return size;
   return write(record, found, size, buffer, buffer != nullptr ? length : 0, table.capacity != 0 ? &table : nullptr);
+}
+
+// The octets that a message writes without asking for room: a field has no more than twelve besides what asks. Only
+// small messages inside it do not ask either.
+template <class Record>
+consteval std::size_t octets_unasked() {
+  std::size_t own = 12 * field_count<Record>, inner = 0;
+  for_each_row<Record>([&](auto index) {
+    using this_row = std::remove_cvref_t<decltype(row_at<Record, index>)>;
+    if constexpr (this_row::type == kind::message || this_row::type == kind::messages) {
+      using nested = typename this_row::nested;
+      if constexpr (this_row::type == kind::message && is_small<nested>) {
+        own += octets_unasked<nested>();
+      } else {
+        inner = std::max(inner, octets_unasked<nested>());
+      }
+    }
+  });
+  return own + inner;
+}
+
+// Encodings up to this length are written aside: nearly half of what encoding them takes is measuring.
+inline constexpr std::size_t most_aside = 4096;
+
+template <class Record>
+PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, octet *buffer, std::size_t length,
+                                           std::uint32_t options) {
+  octet space[octets_unasked<Record>() + 1 + most_aside];
+  octet *const end = space + sizeof space;
+  const quick_sink sink{space, nullptr, end - most_aside};
+  const octet *const start = write_message(record, sink, end, (options & PAVO_ZORV_REFERENCE) != 0);
+  const auto size = static_cast<std::size_t>(end - start);
+  if (size > length) return encode_measured(record, buffer, length, nullptr, nullptr, options);
+  std::memcpy(buffer, start, size);
+  return size;
+}
+
+template <class Record>
+std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
+                   std::uint32_t *segment_count, std::uint32_t options = 0) {
+  if (segment_count == nullptr) {
+    if (buffer == nullptr) {
+      survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
+      return measured_size(record, found);
+    }
+    // To measure a small message costs less than a copy.
+    if constexpr (!is_small<Record>) {
+      if (length <= most_aside) return write_aside(record, buffer, length, options);
+    }
+  }
+  return encode_measured(record, buffer, length, segments, segment_count, options);
 }
 
 }  // namespace pavo_zorv

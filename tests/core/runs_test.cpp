@@ -271,7 +271,7 @@ class both_writers : public ::testing::Test {
     octets plain(before + length + 16, 0xc7), fast = plain;
     const auto write = [&](octets &into, auto prepend) {
       octet *const first = into.data();
-      return prepend(pavo_zorv::exact_sink{first, nullptr}, first + before + length) - first;
+      return prepend(pavo_zorv::quick_sink{first, nullptr}, first + before + length) - first;
     };
     ASSERT_EQ(write(plain,
                     [&](const auto &sink, octet *at) {

@@ -163,6 +163,7 @@ struct counting_sink {
   pavo_zorv::segment_table *table;
   std::size_t *octets_written;
 
+  static constexpr bool is_full(place) { return false; }
   place start_of(place message) const { return message; }
   place prepend_octet(place at, unsigned char value) const {
     ++*octets_written;
@@ -173,7 +174,8 @@ struct counting_sink {
   place prepend_varint(place at, Value value) const {
     return pavo_zorv::prepend_long_varint(*this, at, value);
   }
-  place prepend_block(place at, const void *block, std::size_t length) const {
+  place prepend_block(place at, const void *block, std::uint64_t size) const {
+    const auto length = static_cast<std::size_t>(size);
     *octets_written += length;
     at -= length;
     if (length != 0) std::memcpy(at, block, length);

@@ -60,7 +60,7 @@ struct bytes_row : row {
                                               bool present, bool referenced, Entries &entries) const {
     if (!present) return at;
     if (!referenced) {
-      at = sink.prepend_block(at, record.*value, static_cast<std::size_t>(record.*length));
+      at = sink.prepend_block(at, record.*value, record.*length);
     } else if (record.*length != 0 && entries.wanted()) {
       entries.split(at, record.*value, record.*length);
     }

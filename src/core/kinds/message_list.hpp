@@ -58,6 +58,7 @@ struct message_list_row : row {
                                               bool present, bool referenced, Entries &) const {
     if (!present) return at;
     for (std::uint32_t index = record.*count; index-- != 0;) {
+      if (sink.is_full(at)) return at;
       const auto end = at;
       at = write_message((record.*elements)[index], sink, end, referenced);
       at = sink.prepend_varint(at, static_cast<std::uint32_t>(end - at));

@@ -49,7 +49,7 @@ struct nested_row : row {
                                               bool present, bool referenced, Entries &) const {
     if (!present && is_blank(record.*value)) return at;
     const auto end = at;
-    if constexpr (is_small<Nested> && std::is_same_v<Sink, exact_sink>) {
+    if constexpr (is_small<Nested> && std::is_same_v<Sink, quick_sink>) {
       at = write_fields(record.*value, sink, end, referenced);
     } else {
       at = write_message(record.*value, sink, end, referenced);

@@ -119,11 +119,21 @@ PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::ui
   return done;
 }
 
+// Whether a list has room: its elements are mostly not measured for that.
+template <class Element>
+PAVO_ZORV_INLINE bool has_room(const quick_sink &sink, octet *at, std::size_t key_size, const Element *elements,
+                               std::size_t count) {
+  constexpr std::size_t longest = sizeof(Element) == 1 ? 2 : 5;
+  return sink.has_room(at, std::uint64_t{count} * (key_size + longest)) ||
+         sink.has_room(at, std::uint64_t{count} * key_size + measure_integers(elements, count));
+}
+
 // Labels from the end on, as many as stand there; then the rest from its start on, if it is worth measuring.
-inline octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number, const std::uint32_t *elements,
+inline octet *prepend_integers(const quick_sink &sink, octet *at, unsigned number, const std::uint32_t *elements,
                                std::size_t count) {
   const std::uint32_t key = key_of(number, wire_type::varint);
   const std::size_t key_size = key < 0x80 ? 1 : 2;
+  if (!has_room(sink, at, key_size, elements, count)) return sink.full();
   if (label_block::usable && key_size == 1) {
     while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
       count -= label_block::elements;
@@ -160,11 +170,12 @@ PAVO_ZORV_INLINE void append_octets(octet *at, std::uint32_t key, const std::uin
 // Four elements at a time from the end on, where the processor can put them together; what a store covers before them
 // is not yet written, where the buffer begins far enough before.
 template <unsigned KeySize>
-PAVO_ZORV_NOINLINE octet *prepend_octets(const octet *first, octet *at, std::uint32_t key, const std::uint8_t *elements,
-                                         std::size_t count) {
+PAVO_ZORV_NOINLINE octet *prepend_octets(const quick_sink &sink, octet *at, std::uint32_t key,
+                                         const std::uint8_t *elements, std::size_t count) {
+  if (!has_room(sink, at, KeySize, elements, count)) return sink.full();
   if constexpr (four_elements<KeySize>::usable) {
     const four_elements<KeySize> four{key_octets<KeySize>(key)};
-    for (; count >= 4 && at - first >= static_cast<std::ptrdiff_t>(four.room); count -= 4)
+    for (; count >= 4 && at - sink.first >= static_cast<std::ptrdiff_t>(four.room); count -= 4)
       at = four.prepend(at, elements + count - 4);
   }
   if (count == 0) return at;
@@ -173,11 +184,11 @@ PAVO_ZORV_NOINLINE octet *prepend_octets(const octet *first, octet *at, std::uin
   return at;
 }
 
-PAVO_ZORV_INLINE octet *prepend_integers(const exact_sink &sink, octet *at, unsigned number,
+PAVO_ZORV_INLINE octet *prepend_integers(const quick_sink &sink, octet *at, unsigned number,
                                          const std::uint8_t *elements, std::size_t count) {
   const std::uint32_t key = key_of(number, wire_type::varint);
-  return key < 0x80 ? prepend_octets<1>(sink.first, at, key, elements, count)
-                    : prepend_octets<2>(sink.first, at, key, elements, count);
+  return key < 0x80 ? prepend_octets<1>(sink, at, key, elements, count)
+                    : prepend_octets<2>(sink, at, key, elements, count);
 }
 
 // Integers element by element, unsigned: -1, 0 or 1.
