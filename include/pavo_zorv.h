@@ -90,7 +90,7 @@
  *    table work; a null @p segments counts as capacity 0.
  *  - **Ownership:** nothing changes hands; the record is only read. The entries of the table point into @p buffer, and
  *    in reference mode to the record's bytes members.
- *  - **Memory:** none is asked for. Less than 8 KB of stack. The work is linear in the length of the encoding.
+ *  - **Memory:** none is asked for. Less than 12 KB of stack. The work is linear in the length of the encoding.
  *  - **Errors:** none. An encoding of more than `SIZE_MAX / 2` octets, as only a bytes member without a block can make,
  *    measures `SIZE_MAX` and is not written.
  *

@@ -241,15 +241,6 @@ PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::si
   return octets;
 }
 
-// The same without a table: a small message then takes little more than its octets.
-template <class Record>
-PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, manner found, std::size_t octets, octet *buffer,
-                                           std::size_t length) {
-  if (octets > length || found.gaps) return write(record, found, octets, buffer, length, nullptr);
-  write_fields(record, quick_sink{buffer, nullptr}, buffer + octets, found.referenced);
-  return octets;
-}
-
 // SIZE_MAX where no memory holds the encoding.
 template <class Record>
 PAVO_ZORV_INLINE std::size_t measured_size(const Record &record, survey &found) {
@@ -263,11 +254,7 @@ PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, octet *buff
                                                std::uint32_t options) {
   survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
   const std::size_t size = measured_size(record, found);
-  if (segment_count == nullptr) {
-    if (size == SIZE_MAX) return size;
-    if constexpr (is_small<Record>) return write_small(record, found, size, buffer, length);
-    return write(record, found, size, buffer, length, nullptr);
-  }
+  if (segment_count == nullptr) return size != SIZE_MAX ? write(record, found, size, buffer, length, nullptr) : size;
   segment_table table{segments, segments != nullptr ? *segment_count : 0, found.segments};
   *segment_count = static_cast<std::uint32_t>(found.segments);
   if ((buffer == nullptr && table.capacity == 0) || size == SIZE_MAX) return size;
@@ -294,7 +281,7 @@ consteval std::size_t octets_unasked() {
 }
 
 // Encodings up to this length are written aside: nearly half of what encoding them takes is measuring.
-inline constexpr std::size_t most_aside = 4096;
+inline constexpr std::size_t most_aside = 8192;
 
 template <class Record>
 PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, octet *buffer, std::size_t length,
@@ -309,6 +296,19 @@ PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, octet *buffer, 
   return size;
 }
 
+// To measure a small message takes less than a copy. It is written in the same function, which then takes little more
+// than its octets.
+template <class Record>
+PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, octet *buffer, std::size_t length,
+                                           std::uint32_t options) {
+  survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
+  const std::size_t size = measured_size(record, found);
+  if (size > length || size == SIZE_MAX || found.gaps)
+    return encode_measured(record, buffer, length, nullptr, nullptr, options);
+  write_fields(record, quick_sink{buffer, nullptr}, buffer + size, found.referenced);
+  return size;
+}
+
 template <class Record>
 std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
                    std::uint32_t *segment_count, std::uint32_t options = 0) {
@@ -317,9 +317,10 @@ std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo
       survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
       return measured_size(record, found);
     }
-    // To measure a small message costs less than a copy.
-    if constexpr (!is_small<Record>) {
-      if (length <= most_aside) return write_aside(record, buffer, length, options);
+    if constexpr (is_small<Record>) {
+      return write_small(record, buffer, length, options);
+    } else if (length <= most_aside) {
+      return write_aside(record, buffer, length, options);
     }
   }
   return encode_measured(record, buffer, length, segments, segment_count, options);

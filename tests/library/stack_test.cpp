@@ -1,5 +1,5 @@
 // Stack use: each operation on the deepest message stays below 4 KB, and encoding, which writes short messages aside,
-// below 8 KB; measured on a painted stack.
+// below 12 KB; measured on a painted stack.
 #include <pthread.h>
 
 #include <algorithm>
@@ -60,7 +60,7 @@ void give(void *block, void *) { std::free(block); }
 
 TEST(stack, the_measurement_sees_8_kilobytes) { EXPECT_GE(stack_used(use_8_kilobytes), 8192u); }
 
-TEST(stack, every_operation_on_the_deepest_message_stays_below_4_kilobytes_and_encoding_below_8) {
+TEST(stack, every_operation_on_the_deepest_message_stays_below_4_kilobytes_and_encoding_below_12) {
   api_msg message, copy;
   int result = -9, difference = -9;
   std::size_t length = 0, clipped_length = 0;
@@ -88,8 +88,8 @@ TEST(stack, every_operation_on_the_deepest_message_stays_below_4_kilobytes_and_e
     const auto encode = [&](std::size_t size) {
       return [&, size] { clipped_length = pavo_zorv_api_msg_encode_ext(&message, buffer, size, nullptr, nullptr, 0); };
     };
-    measured("encode_aside", encode(sizeof buffer), 8192);
-    measured("encode_aside_in_vain", encode(20), 8192);
+    measured("encode_aside", encode(sizeof buffer), 12288);
+    measured("encode_aside_in_vain", encode(20), 12288);
     EXPECT_EQ(clipped_length, deepest.size());
     measured("duplicate", [&] { result = pavo_zorv_api_msg_duplicate(&copy, &message, take, nullptr); });
     ASSERT_EQ(result, CODEC_OK);

@@ -1,4 +1,4 @@
-// Buffers around 4,096 octets, up to which an encoding is written aside: whatever it holds, and however much that is,
+// Buffers around 8,192 octets, up to which an encoding is written aside: whatever it holds, and however much that is,
 // the buffer gets what belongs in it and nothing else.
 #include "message_checks.hpp"
 
@@ -13,13 +13,13 @@ struct block {
   std::size_t place = 0, length = 0;
 };
 
-// Encodes into buffers of lengths on both sides of the encoding's and of 4,096.
+// Encodes into buffers of lengths on both sides of the encoding's and of 8,192.
 template <class Record>
 void is_written(const Record &record, const octets &encoding, const block &block = {}, std::uint32_t options = 0) {
   ASSERT_EQ(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options), encoding.size());
   const std::size_t size = encoding.size();
   for (const std::size_t length :
-       {std::size_t{0}, std::size_t{1}, std::size_t{100}, std::size_t{4095}, std::size_t{4096}, std::size_t{4097},
+       {std::size_t{0}, std::size_t{1}, std::size_t{100}, std::size_t{8191}, std::size_t{8192}, std::size_t{8193},
         size - 1, size, size + 1, block.place + block.length}) {
     const fenced_block buffer(length);
     octets expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(std::min(length, size)));
@@ -36,21 +36,21 @@ api_lbl_stack stack_of(std::vector<std::uint32_t> &labels) {
 }
 
 TEST(short_buffers, get_labels_of_three_octets) {
-  for (const std::size_t count : {1000u, 1023u, 1024u, 1025u, 5000u, 200000u}) {
+  for (const std::size_t count : {1000u, 2047u, 2048u, 2049u, 5000u, 200000u}) {
     std::vector<std::uint32_t> labels(count, 24001);
     is_written(stack_of(labels), count * hex("08 c1 bb 01"));
   }
 }
 
 TEST(short_buffers, get_labels_of_five_octets) {
-  for (const std::size_t count : {500u, 681u, 682u, 683u, 684u, 5000u}) {
+  for (const std::size_t count : {1000u, 1364u, 1365u, 1366u, 1367u, 5000u}) {
     std::vector<std::uint32_t> labels(count, 0xffffffff);
     is_written(stack_of(labels), count * hex("08 ff ff ff ff 0f"));
   }
 }
 
 TEST(short_buffers, get_octets_of_a_list) {
-  for (const std::size_t count : {1000u, 1364u, 1365u, 1366u, 2047u, 2048u, 2049u, 100000u}) {
+  for (const std::size_t count : {2000u, 2730u, 2731u, 4095u, 4096u, 4097u, 100000u}) {
     std::vector<std::uint8_t> elements(count, 5);
     const prefix_sid_type short_ones{0, elements.data(), static_cast<std::uint32_t>(count), PREFIX_SID_TYPE_HAS_FIELD2};
     is_written(short_ones, count * hex("10 05"));
@@ -60,7 +60,7 @@ TEST(short_buffers, get_octets_of_a_list) {
 }
 
 TEST(short_buffers, get_a_string_whole_or_not_at_all) {
-  for (const std::size_t length : {4090u, 4091u, 4092u, 4093u, 4094u, 4095u, 4096u, 4097u, 16000u}) {
+  for (const std::size_t length : {8186u, 8187u, 8188u, 8189u, 8190u, 8191u, 8192u, 8193u, 16000u}) {
     std::string text(length, 'x');
     api_msg_internal record{};
     record.field2 = text.data();
@@ -71,7 +71,7 @@ TEST(short_buffers, get_a_string_whole_or_not_at_all) {
 }
 
 TEST(short_buffers, get_bytes_whole_or_not_at_all) {
-  for (const std::size_t length : {4090u, 4091u, 4092u, 4093u, 4094u, 4095u, 4096u, 4097u, 16000u}) {
+  for (const std::size_t length : {8186u, 8187u, 8188u, 8189u, 8190u, 8191u, 8192u, 8193u, 16000u}) {
     octets data(length, 0xdd);
     oam_req record{};
     record.field6 = data.data();
@@ -108,7 +108,7 @@ TEST(short_buffers, measure_bytes_that_no_memory_holds) {
 }
 
 TEST(short_buffers, get_messages_of_a_list_that_are_empty) {
-  for (const std::size_t count : {2047u, 2048u, 2049u, 100000u}) {
+  for (const std::size_t count : {4094u, 4095u, 4096u, 4097u, 100000u}) {
     std::vector<api_exp_hop> hops(count);
     const api_exp_path path{hops.data(), static_cast<std::uint32_t>(count), 5,
                             API_EXP_PATH_HAS_HOPS | API_EXP_PATH_HAS_FIELD2};
@@ -123,7 +123,7 @@ TEST(short_buffers, get_messages_of_a_list_with_lists_inside) {
   hop.field5 = elements;
   hop.field5_count = 2;
   hop.presence = API_EXP_HOP_HAS_FIELD1 | API_EXP_HOP_HAS_FIELD5;
-  for (const std::size_t count : {314u, 315u, 316u, 20000u}) {
+  for (const std::size_t count : {629u, 630u, 631u, 20000u}) {
     std::vector<api_exp_hop> hops(count, hop);
     const api_exp_path path{hops.data(), static_cast<std::uint32_t>(count), 0, API_EXP_PATH_HAS_HOPS};
     is_written(path, count * hex("0a 0b 08 ff ff ff ff 0f 28 01 28 c8 01"));
@@ -133,7 +133,7 @@ TEST(short_buffers, get_messages_of_a_list_with_lists_inside) {
 // Behind the list, in a payload of its own, stands a string: the two are written in the other order.
 TEST(short_buffers, get_payloads_of_an_envelope) {
   char text[] = "behind";
-  for (const std::size_t count : {1000u, 1017u, 1018u, 1019u, 1020u, 1021u, 1022u, 100000u}) {
+  for (const std::size_t count : {1000u, 2041u, 2042u, 2043u, 2044u, 2045u, 100000u}) {
     std::vector<std::uint32_t> labels(count, 24001);
     api_msg_p2p_auto_policy_notif notification{};
     notification.label_stack = stack_of(labels);
