@@ -64,6 +64,27 @@ TEST(presence_flags, may_all_belong_to_fields) {
   EXPECT_EQ(encoded(record.record), bytes);
 }
 
+// Behind field 15 the key of field 16 is tried first: 80 01.
+TEST(key_of_two_octets, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
+  struct outcome {
+    const char *bytes;
+    int result;
+  };
+  for (const auto &[bytes, result] : {
+           outcome{"78 05 80 02 06", CODEC_OK},  // field 32, which is unknown
+           outcome{"78 05 80 05 01", CODEC_OK},  // field 80, with 01 behind the key
+           outcome{"78 05 80 00 06", CODEC_OK},  // number 0
+           outcome{"78 05 81 01 06", CODEC_ERR_WRONG_WIRE_TYPE},
+           outcome{"78 05 82 01 01 06", CODEC_ERR_WRONG_WIRE_TYPE},
+           outcome{"78 05 ff 01 06", CODEC_ERR_BAD_WIRE_TYPE},  // field 31, which is unknown
+       }) {
+    decoded<everything> record(hex(bytes));
+    EXPECT_EQ(record.result, result) << bytes;
+    EXPECT_EQ(fields_of(record.record), 1u << 14) << bytes;
+    EXPECT_EQ(record->word_15, 5u) << bytes;
+  }
+}
+
 TEST(flag_member, is_one_octet_as_it_is_stored) {
   everything record = with_fields({1, 17});
   record.flag = 1;
