@@ -65,7 +65,7 @@ TEST(presence_flags, may_all_belong_to_fields) {
 }
 
 // Behind field 15 the key of field 16 is tried first: 80 01.
-TEST(key_of_two_octets, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
+TEST(key, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
   struct outcome {
     const char *bytes;
     int result;
