@@ -70,11 +70,13 @@ PAVO_ZORV_INLINE void store_word(octet *at, Word word) {
 }
 
 // The number of ones. Where the processor cannot be relied on to count them, the compiler would call a function; those
-// of a mask that has none beyond the eighth are counted faster than others.
+// of a mask of two bits, or of one that has none beyond the eighth, are counted faster than others.
 template <std::uint64_t Mask = ~std::uint64_t{0}>
 PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
   bits &= Mask;
 #if (defined(__x86_64__) || defined(__i386__)) && !defined(__POPCNT__)
+  constexpr std::uint64_t others = Mask & (Mask - 1);
+  if constexpr ((others & (others - 1)) == 0) return unsigned{(bits & ~others) != 0} + unsigned{(bits & others) != 0};
   if constexpr (Mask <= 0xff)
     return ((static_cast<std::uint32_t>(bits) * 0x08040201 >> 3) & 0x11111111) * 0x11111111 >> 28;
   bits -= bits >> 1 & 0x5555555555555555;

@@ -243,6 +243,18 @@ TEST(bits, are_counted) {
   }
 }
 
+TEST(bits, of_a_mask_are_counted) {
+  for (unsigned bits = 0; bits < 1024; ++bits) {
+    const unsigned first = bits & 1, third = bits >> 2 & 1, tenth = bits >> 9;
+    EXPECT_EQ(pavo_zorv::count_bits<0b1>(bits), first);
+    EXPECT_EQ(pavo_zorv::count_bits<0b100>(bits), third);
+    EXPECT_EQ(pavo_zorv::count_bits<0b101>(bits), first + third);
+    EXPECT_EQ(pavo_zorv::count_bits<0b1000000100>(bits), third + tenth);
+    EXPECT_EQ(pavo_zorv::count_bits<0b1000000101>(bits), first + third + tenth);
+    EXPECT_EQ(pavo_zorv::count_bits<0b11111111>(bits), pavo_zorv::count_bits(bits & 0xff));
+  }
+}
+
 // --- Measuring and writing ---
 
 template <class Element>
