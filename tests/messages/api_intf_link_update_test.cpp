@@ -268,8 +268,8 @@ TEST(api_link_update, the_order_of_strings_is_handed_on_as_it_is_and_equal_ones_
   whole_link_update low, high;
   high.field2[0] = 'z';
   low.record.field3 = 9;
-  EXPECT_EQ(operations<api_link_update>::compare(&low.record, &high.record), string_order("ab", "zb"));
-  EXPECT_EQ(operations<api_link_update>::compare(&high.record, &low.record), string_order("zb", "ab"));
+  EXPECT_EQ(operations<api_link_update>::compare(&low.record, &high.record), string_order(low.field2, high.field2));
+  EXPECT_EQ(operations<api_link_update>::compare(&high.record, &low.record), string_order(high.field2, low.field2));
   high.field2[0] = 'a';
   EXPECT_EQ(operations<api_link_update>::compare(&low.record, &high.record), 1);
 }

@@ -62,8 +62,8 @@ TEST(api_msg_policy_reg, the_order_of_strings_is_handed_on_as_it_is) {
   low.field4[0] = 'a';
   high.field4[0] = 'z';
   EXPECT_LT(operations<api_msg_policy_reg>::compare(&low.record, &high.record), 0);
-  EXPECT_EQ(operations<api_msg_policy_reg>::compare(&low.record, &high.record), string_order("ab", "zb"));
-  EXPECT_EQ(operations<api_msg_policy_reg>::compare(&high.record, &low.record), string_order("zb", "ab"));
+  EXPECT_EQ(operations<api_msg_policy_reg>::compare(&low.record, &high.record), string_order(low.field4, high.field4));
+  EXPECT_EQ(operations<api_msg_policy_reg>::compare(&high.record, &low.record), string_order(high.field4, low.field4));
 }
 
 // case: api_msg_policy_reg: a copy without any memory

@@ -94,7 +94,8 @@ constexpr std::uint32_t all_bits() {
   return static_cast<std::uint32_t>((std::uint64_t{1} << field_count<Record>)-1);
 }
 
-// --- Comparing as the C library does, at run time: the compiler must not fold these. ---
+// --- Comparing as the C library does, at run time: the compiler must not fold these. What they give, but for its sign,
+// may depend on where the octets lie, so they get those that the library has. ---
 
 inline int (*volatile string_order)(const char *, const char *) = std::strcmp;
 inline int (*volatile octet_order)(const void *, const void *, std::size_t) = std::memcmp;
