@@ -59,24 +59,43 @@ struct outcome {
 
 constexpr unsigned char untouched = 0xc7;
 
-outcome encode(const trial &trial, const unsigned char *record, std::size_t length, std::uint32_t capacity,
-               unsigned char fill) {
+// A buffer of a length, filled together with some octets before it; calls `encode` with it, and looks at these.
+template <class Encode>
+unsigned char *in_buffer(const trial &trial, std::size_t length, unsigned char fill, Encode encode) {
   unsigned char *const buffer = output_room().last(length);
   unsigned char *const before =
       buffer - std::min<std::size_t>(16, static_cast<std::size_t>(buffer - output_room().first()));
   std::memset(before, fill, static_cast<std::size_t>(buffer - before) + length);
+  encode(buffer);
+  for (const unsigned char *at = before; at != buffer; ++at) FUZZ_CHECK(trial, *at == fill);
+  return buffer;
+}
+
+outcome encode(const trial &trial, const unsigned char *record, std::size_t length, std::uint32_t capacity,
+               unsigned char fill) {
   unsigned char *const table = table_room().last(capacity * sizeof(pavo_zorv_segment));
   if (capacity != 0) std::memset(table, untouched, capacity * sizeof(pavo_zorv_segment));
   outcome result;
   result.count = capacity;
-  result.buffer = buffer;
-  result.size = trial.type->functions->encode(record, buffer, length, reinterpret_cast<pavo_zorv_segment *>(table),
-                                              &result.count, trial.options());
-  for (const unsigned char *at = before; at != buffer; ++at) FUZZ_CHECK(trial, *at == fill);
-  result.written.assign(buffer, buffer + length);
+  result.buffer = in_buffer(trial, length, fill, [&](unsigned char *buffer) {
+    result.size = trial.type->functions->encode(record, buffer, length, reinterpret_cast<pavo_zorv_segment *>(table),
+                                                &result.count, trial.options());
+  });
+  result.written.assign(result.buffer, result.buffer + length);
   result.entries.resize(capacity);
   if (capacity != 0) std::memcpy(result.entries.data(), table, capacity * sizeof(pavo_zorv_segment));
   return result;
+}
+
+// Without a table, the same octets are written in another way.
+void check_without_table(const trial &trial, const unsigned char *record, const outcome &with, unsigned char fill) {
+  const std::size_t length = with.written.size();
+  std::size_t size = 0;
+  const unsigned char *const buffer = in_buffer(trial, length, fill, [&](unsigned char *to) {
+    size = trial.type->functions->encode(record, to, length, nullptr, nullptr, trial.options());
+  });
+  FUZZ_CHECK(trial, size == with.size);
+  FUZZ_CHECK(trial, std::equal(with.written.begin(), with.written.end(), buffer));
 }
 
 void check_written(const trial &trial, const outcome &full, const outcome &cut, unsigned char fill) {
@@ -123,6 +142,8 @@ void run(const trial &trial) {
   const outcome cut = encode(trial, odd.data(), length, capacity, fill);
   FUZZ_CHECK(trial, cut.size == size && cut.count == needed);
   check_written(trial, full, cut, fill);
+  check_without_table(trial, odd.data(), full, trial.fill);
+  check_without_table(trial, odd.data(), cut, fill);
   for (std::uint32_t i = 0; i < capacity; ++i) {
     const auto *const octet = reinterpret_cast<const unsigned char *>(&cut.entries[i]);
     if (i >= needed) {
