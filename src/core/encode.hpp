@@ -72,10 +72,10 @@ struct quick_sink {
   segment_table *table;
   octet *floor = nullptr;
 
-  bool is_full(place at) const { return at < floor; }
+  bool is_full(const octet *at) const { return at < floor; }
   place full() const { return floor - 1; }
 
-  PAVO_ZORV_INLINE bool has_room(place at, std::uint64_t size) const {
+  PAVO_ZORV_INLINE bool has_room(const octet *at, std::uint64_t size) const {
     return !is_full(at) && reinterpret_cast<std::uintptr_t>(at) - reinterpret_cast<std::uintptr_t>(floor) >= size;
   }
 

@@ -107,6 +107,17 @@ TEST(short_buffers, measure_bytes_that_no_memory_holds) {
   EXPECT_EQ(buffer.content(), 100 * octets{rubbish});
 }
 
+// Also where the length given is the one that is measured.
+TEST(short_buffers, measure_a_small_message_with_bytes_that_no_memory_holds) {
+  unsigned char octet = 0;
+  const srv6_prefix record{&octet, UINT64_MAX, 0, SRV6_PREFIX_HAS_FIELD1};
+  const fenced_block buffer(100);
+  for (const std::size_t length : {std::size_t{100}, SIZE_MAX}) {
+    EXPECT_EQ(pavo_zorv_srv6_prefix_encode_ext(&record, buffer.data(), length, nullptr, nullptr, 0), SIZE_MAX);
+  }
+  EXPECT_EQ(buffer.content(), 100 * octets{rubbish});
+}
+
 TEST(short_buffers, get_messages_of_a_list_that_are_empty) {
   for (const std::size_t count : {4094u, 4095u, 4096u, 4097u, 100000u}) {
     std::vector<api_exp_hop> hops(count);

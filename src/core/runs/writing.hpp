@@ -121,7 +121,7 @@ PAVO_ZORV_NOINLINE std::size_t append_words(octet *at, const octet *end, std::ui
 
 // Whether a list has room: its elements are mostly not measured for that.
 template <class Element>
-PAVO_ZORV_INLINE bool has_room(const quick_sink &sink, octet *at, std::size_t key_size, const Element *elements,
+PAVO_ZORV_INLINE bool has_room(const quick_sink &sink, const octet *at, std::size_t key_size, const Element *elements,
                                std::size_t count) {
   constexpr std::size_t longest = sizeof(Element) == 1 ? 2 : 5;
   return sink.has_room(at, std::uint64_t{count} * (key_size + longest)) ||
