@@ -76,7 +76,7 @@ struct quick_sink {
   place full() const { return floor - 1; }
 
   PAVO_ZORV_INLINE bool has_room(const octet *at, std::uint64_t size) const {
-    return !is_full(at) && reinterpret_cast<std::uintptr_t>(at) - reinterpret_cast<std::uintptr_t>(floor) >= size;
+    return floor == nullptr || (!is_full(at) && static_cast<std::uint64_t>(at - floor) >= size);
   }
 
   octet *start_of(place message) const { return message; }
@@ -96,7 +96,7 @@ struct quick_sink {
 
   // A block that is not there leaves a gap, and there is none in what is written aside.
   PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::uint64_t length) const {
-    if (!has_room(at, length) || (block == nullptr && length != 0)) return full();
+    if (floor != nullptr && (!has_room(at, length) || (block == nullptr && length != 0))) return full();
     const auto size = static_cast<std::size_t>(length);
     at -= size;
     copy_octets(at, block, size);
@@ -130,7 +130,7 @@ struct clipped_sink {
   PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::uint64_t octets) const {
     const auto size = static_cast<std::size_t>(octets);
     at -= size;
-    if (block != nullptr && at <= length && size <= length - at) std::memcpy(buffer + at, block, size);
+    if (block != nullptr && at < length && size <= length - at) std::memcpy(buffer + at, block, size);
     return at;
   }
 };
@@ -233,7 +233,7 @@ template <class Record>
 template <class Record>
 PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::size_t octets, octet *buffer,
                                      std::size_t length, segment_table *table) {
-  if (octets <= length && !found.gaps) {
+  if (buffer != nullptr && octets <= length && !found.gaps) {
     write_message(record, quick_sink{buffer, table}, buffer + octets, found.referenced);
   } else if (length != 0 || table != nullptr) {
     write_message(record, clipped_sink{buffer, length, table}, octets, found.referenced);
