@@ -1,4 +1,5 @@
 // Writing aside: how far a message goes below the floor, whatever it holds.
+#include <algorithm>
 #include <limits>
 
 #include "core/operations.hpp"

@@ -85,10 +85,13 @@ TEST(stack, every_operation_on_the_deepest_message_stays_below_4_kilobytes_and_e
     EXPECT_EQ(octets(buffer, buffer + length), deepest);
     measured("encode_clipped", [&] { clipped_length = pavo_zorv_api_msg_encode_ext(&message, buffer, 20, segments, &clipped_count, 0); });
     EXPECT_EQ(clipped_length, deepest.size());
+    std::fill(std::begin(buffer), std::end(buffer), 0xc7);
     const auto encode = [&](std::size_t size) {
       return [&, size] { clipped_length = pavo_zorv_api_msg_encode_ext(&message, buffer, size, nullptr, nullptr, 0); };
     };
     measured("encode_aside", encode(sizeof buffer), 12288);
+    EXPECT_EQ(octets(buffer, buffer + clipped_length), deepest);
+    clipped_length = 0;
     measured("encode_aside_in_vain", encode(20), 12288);
     EXPECT_EQ(clipped_length, deepest.size());
     measured("duplicate", [&] { result = pavo_zorv_api_msg_duplicate(&copy, &message, take, nullptr); });
