@@ -65,8 +65,8 @@ static unsigned countl_zero_64(uint64_t value) { return (unsigned)__builtin_clzl
     ensures \result == groups(value);
 */
 static size_t long_varint_size_32(uint32_t value) {
-  const unsigned missing = countl_zero_32(value);
-  return 5 - (missing * 9 + 31) / 64;
+  const unsigned highest = 31 - countl_zero_32(value);
+  return (highest * 9 + 73) / 64;
 }
 
 /*@ requires value != 0;
@@ -75,8 +75,8 @@ static size_t long_varint_size_32(uint32_t value) {
     ensures \result == groups(value);
 */
 static size_t long_varint_size_64(uint64_t value) {
-  const unsigned missing = countl_zero_64(value);
-  return 10 - (missing * 9 + 63) / 64;
+  const unsigned highest = 63 - countl_zero_64(value);
+  return (highest * 9 + 73) / 64;
 }
 
 /*@ terminates \true;

@@ -155,9 +155,10 @@ class overwriting {
   template <std::size_t Index>
   static constexpr std::size_t first_like = find_like(spares<Record>, Index);
 
+  // Added, since of `|` the compiler makes two exclusive ors that wait for each other.
   PAVO_ZORV_INLINE std::uint32_t merged(const spare_bits &place) const {
     const std::uint32_t others = source_ != nullptr ? load_flags(source_, place) : 0;
-    return (load_flags(target_, place) & place.mask) | (others & ~place.mask);
+    return (load_flags(target_, place) & place.mask) + (others & ~place.mask);
   }
 
   template <std::size_t... Index>

@@ -312,11 +312,11 @@ PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, octet *buffer, 
 template <class Record>
 std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
                    std::uint32_t *segment_count, std::uint32_t options = 0) {
+  if (segment_count == nullptr && buffer == nullptr) {
+    survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
+    return measured_size(record, found);
+  }
   if (segment_count == nullptr) {
-    if (buffer == nullptr) {
-      survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
-      return measured_size(record, found);
-    }
     if constexpr (is_small<Record>) {
       return write_small(record, buffer, length, options);
     } else if (length <= most_aside) {

@@ -87,13 +87,12 @@ PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
 #endif
 }
 
-// Octets of a value that is not 0 as a varint: one for every seven bits. The quotient is that of a division by seven,
-// of the bits that the value does not have.
+// Octets of a value that is not 0 as a varint: one for every seven bits that are begun. The quotient is that of a
+// division by seven, of the place of the highest bit.
 template <class Value>
 requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t long_varint_size(Value value) {
-  constexpr unsigned width = sizeof(Value) * CHAR_BIT, greatest = (width + 6) / 7;
-  const auto missing = static_cast<unsigned>(std::countl_zero(value));
-  return greatest - (missing * 9 + (width == 64 ? 63U : 31U)) / 64;
+  const auto highest = static_cast<unsigned>(std::bit_width(value)) - 1;
+  return (highest * 9 + 73) / 64;
 }
 
 template <class Value>

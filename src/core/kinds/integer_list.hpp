@@ -64,14 +64,13 @@ struct integer_list_row : row {
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
     const Element *const from = source.*elements;
     const std::uint32_t length = from != nullptr ? source.*count : 0;
-    record.*elements = nullptr;
-    record.*count = 0;
-    if (length == 0) return true;
-    auto *const copy = copying.memory.array<Element>(length);
-    if (copy == nullptr) return false;
-    copy_octets<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
+    Element *const copy = length != 0 ? copying.memory.array<Element>(length) : nullptr;
     record.*elements = copy;
-    record.*count = length;
+    if (copy == nullptr) {
+      record.*count = 0;
+      return length == 0;
+    }
+    copy_octets<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
     return true;
   }
 

@@ -75,14 +75,13 @@ struct message_list_row : row {
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
     const Nested *const from = source.*elements;
     const std::uint32_t length = from != nullptr ? source.*count : 0;
-    record.*elements = nullptr;
-    record.*count = 0;
-    if (length == 0) return true;
-    auto *const copy = copying.memory.array<Nested>(length);
-    if (copy == nullptr) return false;
-    std::memcpy(static_cast<void *>(copy), from, length * sizeof(Nested));
+    Nested *const copy = length != 0 ? copying.memory.array<Nested>(length) : nullptr;
     record.*elements = copy;
-    record.*count = length;
+    if (copy == nullptr) {
+      record.*count = 0;
+      return length == 0;
+    }
+    std::memcpy(static_cast<void *>(copy), from, length * sizeof(Nested));
     if constexpr (owns_memory<Nested>) {
       for (std::uint32_t index = 0; index < length; ++index) own_message(copy[index], from[index], copying);
     }
