@@ -162,7 +162,8 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   }
 }
 
-// Words that are not blocks of labels, though they look like some: with other keys behind the values, or none.
+// Words that are not blocks of labels, though they look like some: with other keys behind the values, or none; where the
+// run begins, and behind as many labels as a window holds.
 TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
   const auto key = static_cast<unsigned char>(GetParam() << 3);
   const octets letters = {
@@ -170,6 +171,7 @@ TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
     const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
     agree(20 * word + octets{0x01}, 0, 0);
+    agree(16 * octets{0x81, 0x82, 0x03, key} + 20 * word + octets{0x01}, 0, 0);
   }
 }
 
