@@ -80,8 +80,10 @@ class Build:
                 for entry in json.load(text)["benchmarks"]:
                     if entry["run_type"] == "iteration":
                         times[tuple(entry["run_name"].split("/"))].append(entry["cpu_time"])
+            # The fastest of a run's repetitions: what disturbs one only adds to it, and the clock of a virtual machine
+            # may change by half for some of them.
             for case, values in times.items():
-                self.runs[case].append(statistics.median(values))
+                self.runs[case].append(min(values))
 
     def time(self, operation, workload, contestant):
         values = self.runs.get((operation, workload, contestant))
@@ -186,7 +188,7 @@ def print_contestants(builds):
     widths = [max(map(len, column)) + 2 for column in zip(*table)]
     for row in table:
         print("".join(f"{text:{width}}" for text, width in zip(row, widths)).rstrip())
-    print("Times are medians of CPU time per operation; 'runs' are the least and the greatest ratio among runs with")
+    print("Times are CPU time per operation, the medians of the runs' fastest; 'runs' are the least and the greatest ratio among runs with")
     print("different heap layouts. * the goal's ratio is to memcpy or memcmp, not to a peer.")
 
 
