@@ -168,10 +168,32 @@ TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
   const auto key = static_cast<unsigned char>(GetParam() << 3);
   const octets letters = {
       0x85, 0x05, 0x00, key, static_cast<unsigned char>(key << 1), static_cast<unsigned char>(key >> 1)};
+  const auto first = static_cast<unsigned char>(key | 0x80), second = static_cast<unsigned char>(GetParam() >> 4);
+  const octets window = GetParam() < 16 ? 16 * octets{0x81, 0x82, 0x03, key}
+                                        : 12 * octets{0x81, 0x82, 0x03, first, second} + octets{0x85, 0x03, first, second};
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
     const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
     agree(20 * word + octets{0x01}, 0, 0);
-    agree(16 * octets{0x81, 0x82, 0x03, key} + 20 * word + octets{0x01}, 0, 0);
+    agree(window + 20 * word + octets{0x01}, 0, 0);
+  }
+}
+
+// Lists of octets are read at once where all second octets are 1: first octets, and keys, may be 1 as well.
+TEST_P(both_readers, agree_on_lists_of_small_octets) {
+  octets key;
+  if (GetParam() >= 16) key.push_back(static_cast<unsigned char>((GetParam() << 3 & 0x7f) | 0x80));
+  key.push_back(static_cast<unsigned char>(GetParam() < 16 ? GetParam() << 3 : GetParam() >> 4));
+  const octets values[] = {hex("01"), hex("00"), hex("02"), hex("81 01"), hex("ff 01"), hex("81 00")};
+  for (std::size_t number = 0; number < 6 * 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
+    octets run = values[number % 6];
+    for (const std::size_t digit : {number / 6 % 6, number / 36 % 6, number / 216 % 6, number / 1296})
+      run = run + key + values[digit];
+    agree(run, 64, 0);
+    agree(run, 0, 64);
+  }
+  // As many as a window holds, and more.
+  for (std::size_t ones = 0; ones <= 40; ++ones) {
+    for (const octets &value : values) agree(ones * (hex("01") + key) + value, 0, 64);
   }
 }
 
