@@ -175,6 +175,7 @@ TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
     const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
     agree(20 * word + octets{0x01}, 0, 0);
     agree(window + 20 * word + octets{0x01}, 0, 0);
+    agree(window + word + 16 * octets{0x81, 0x82, 0x03, key} + octets{0x01}, 0, 0);
   }
 }
 

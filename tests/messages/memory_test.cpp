@@ -435,4 +435,25 @@ TEST(memory, copying_asks_for_as_much_as_the_count_and_the_length_say) {
   }
 }
 
+// Short lists are copied by words, longer ones by the C library.
+TEST(memory, of_a_copied_list_holds_every_element_whatever_their_number) {
+  std::vector<std::uint32_t> labels;
+  std::vector<std::uint8_t> values;
+  for (std::uint32_t count = 1; count <= 140; ++count) {
+    labels.push_back(0x01030507u * count);
+    values.push_back(static_cast<std::uint8_t>(37 * count));
+    const api_lbl_stack stack{labels.data(), count, 1};
+    const api_nodeid node{5, values.data(), count, 3};
+    accountant memory;
+    api_lbl_stack copied_stack{};
+    api_nodeid copied_node{};
+    ASSERT_EQ(pavo_zorv_api_lbl_stack_duplicate(&copied_stack, &stack, accountant::allocate, &memory), CODEC_OK);
+    ASSERT_EQ(pavo_zorv_api_nodeid_duplicate(&copied_node, &node, accountant::allocate, &memory), CODEC_OK);
+    ASSERT_EQ(copied_stack.label_count, count);
+    ASSERT_EQ(copied_node.octets_count, count);
+    ASSERT_EQ(std::vector<std::uint32_t>(copied_stack.labels, copied_stack.labels + count), labels);
+    ASSERT_EQ(std::vector<std::uint8_t>(copied_node.octets, copied_node.octets + count), values);
+  }
+}
+
 }  // namespace
