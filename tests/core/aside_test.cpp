@@ -64,38 +64,4 @@ TEST(writing_aside, the_room_below_the_floor_is_enough_for_every_message) {
 #undef PAVO_ZORV_TEST_ROOM
 }
 
-// A list of integers asks for its room before it writes: below the floor it touches no more than one store does.
-template <class Element>
-void asks_for_its_room(unsigned number, Element value, std::size_t octets_of_value) {
-  const std::size_t each = (number < 16 ? 1 : 2) + octets_of_value;
-  const std::vector<Element> elements(700, value);
-  for (const std::size_t count : {1u, 3u, 4u, 5u, 8u, 9u, 33u, 100u, 699u, 700u}) {
-    for (std::size_t above = 0; above <= 1200; above += 1 + above / 100) {
-      constexpr std::size_t below = 8192, of_one_store = 16;
-      octets space(below + above, 0xc7);
-      core::octet *const first = space.data(), *const floor = first + below, *const end = floor + above;
-      const core::quick_sink sink{first, nullptr, floor};
-      const auto *const start = core::prepend_integers(sink, end, number, elements.data(), count);
-      if (each * count <= above) {
-        ASSERT_EQ(static_cast<std::size_t>(end - start), each * count) << count << " elements, " << above << " octets";
-      } else {
-        ASSERT_TRUE(sink.is_full(start)) << count << " elements, " << above << " octets";
-      }
-      ASSERT_EQ(std::count(first, floor - of_one_store, 0xc7), static_cast<std::ptrdiff_t>(below - of_one_store))
-          << count << " elements, " << above << " octets";
-    }
-  }
-}
-
-TEST(writing_aside, a_list_of_integers_asks_for_its_room) {
-  for (const unsigned number : {1u, 15u, 16u, 27u}) {
-    asks_for_its_room<std::uint32_t>(number, 0, 1);
-    asks_for_its_room<std::uint32_t>(number, 0x3fff, 2);
-    asks_for_its_room<std::uint32_t>(number, 0x1fffff, 3);
-    asks_for_its_room<std::uint32_t>(number, 0xffffffff, 5);
-    asks_for_its_room<std::uint8_t>(number, 0x7f, 1);
-    asks_for_its_room<std::uint8_t>(number, 0xff, 2);
-  }
-}
-
 }  // namespace

@@ -2,6 +2,7 @@
 // of the buffer, for both sizes of key and of element.
 #include "core/runs.hpp"
 
+#include <algorithm>
 #include <random>
 
 #include "support.hpp"
@@ -162,15 +163,16 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   }
 }
 
-// Words that are not blocks of labels, though they look like some: with other keys behind the values, or none; where the
-// run begins, and behind as many labels as a window holds.
+// Words that are not blocks of labels, though they look like some: with other keys behind the values, or none; where
+// the run begins, and behind as many labels as a window holds.
 TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
   const auto key = static_cast<unsigned char>(GetParam() << 3);
   const octets letters = {
       0x85, 0x05, 0x00, key, static_cast<unsigned char>(key << 1), static_cast<unsigned char>(key >> 1)};
   const auto first = static_cast<unsigned char>(key | 0x80), second = static_cast<unsigned char>(GetParam() >> 4);
-  const octets window = GetParam() < 16 ? 16 * octets{0x81, 0x82, 0x03, key}
-                                        : 12 * octets{0x81, 0x82, 0x03, first, second} + octets{0x85, 0x03, first, second};
+  const octets window = GetParam() < 16
+                            ? 16 * octets{0x81, 0x82, 0x03, key}
+                            : 12 * octets{0x81, 0x82, 0x03, first, second} + octets{0x85, 0x03, first, second};
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
     const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
     agree(20 * word + octets{0x01}, 0, 0);
@@ -380,6 +382,40 @@ TYPED_TEST(both_writers, agree_on_long_arrays) {
 }
 
 // --- Comparing ---
+
+// A list of integers asks for its room before it writes: below the floor it touches no more than one store does.
+template <class Element>
+void asks_for_its_room(unsigned number, Element value, std::size_t octets_of_value) {
+  const std::size_t each = (number < 16 ? 1 : 2) + octets_of_value;
+  const std::vector<Element> values(700, value);
+  for (const std::size_t count : {1u, 3u, 4u, 5u, 8u, 9u, 33u, 100u, 699u, 700u}) {
+    for (std::size_t above = 0; above <= 1200; above += 1 + above / 100) {
+      constexpr std::size_t below = 8192, of_one_store = 16;
+      octets space(below + above, 0xc7);
+      octet *const first = space.data(), *const floor = first + below, *const end = floor + above;
+      const pavo_zorv::quick_sink sink{first, nullptr, floor};
+      const auto *const start = pavo_zorv::prepend_integers(sink, end, number, values.data(), count);
+      if (each * count <= above) {
+        ASSERT_EQ(static_cast<std::size_t>(end - start), each * count) << count << " elements, " << above << " octets";
+      } else {
+        ASSERT_TRUE(sink.is_full(start)) << count << " elements, " << above << " octets";
+      }
+      ASSERT_EQ(std::count(first, floor - of_one_store, 0xc7), static_cast<std::ptrdiff_t>(below - of_one_store))
+          << count << " elements, " << above << " octets";
+    }
+  }
+}
+
+TEST(writing_aside, a_list_of_integers_asks_for_its_room) {
+  for (const unsigned number : {1u, 15u, 16u, 27u}) {
+    asks_for_its_room<std::uint32_t>(number, 0, 1);
+    asks_for_its_room<std::uint32_t>(number, 0x3fff, 2);
+    asks_for_its_room<std::uint32_t>(number, 0x1fffff, 3);
+    asks_for_its_room<std::uint32_t>(number, 0xffffffff, 5);
+    asks_for_its_room<std::uint8_t>(number, 0x7f, 1);
+    asks_for_its_room<std::uint8_t>(number, 0xff, 2);
+  }
+}
 
 TEST(comparing_integers, reads_nothing_behind_them) {
   for (std::size_t length = 0; length <= 40; ++length) {
