@@ -43,6 +43,14 @@ octets filler(unsigned number, std::size_t elements) {
 
 class both_readers : public ::testing::TestWithParam<unsigned> {
  protected:
+  // The key in its shortest form.
+  static octets key_of_run() {
+    const auto low = static_cast<unsigned char>(GetParam() << 3);
+    return GetParam() < 16
+               ? octets{low}
+               : octets{static_cast<unsigned char>(low | 0x80), static_cast<unsigned char>(GetParam() >> 4)};
+  }
+
   // A message that ends where the buffer does, or `behind` octets before; the buffer ends at an inaccessible page.
   template <class Element>
   void agree_on(const octets &message, std::size_t before, std::size_t behind) {
@@ -139,9 +147,7 @@ TEST_P(both_readers, agree_on_values_that_are_longer_than_a_window) {
 
 // Labels of twenty bits go eight at a time: every number of them, with something else at every place.
 TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
-  octets key;
-  if (GetParam() >= 16) key.push_back(static_cast<unsigned char>((GetParam() << 3 & 0x7f) | 0x80));
-  key.push_back(static_cast<unsigned char>(GetParam() < 16 ? GetParam() << 3 : GetParam() >> 4));
+  const octets key = key_of_run();
   std::mt19937 random(5);
   for (std::size_t labels = 1; labels <= 36; ++labels) {
     for (std::size_t other = 0; other <= labels; ++other) {
@@ -169,10 +175,8 @@ TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
   const auto key = static_cast<unsigned char>(GetParam() << 3);
   const octets letters = {
       0x85, 0x05, 0x00, key, static_cast<unsigned char>(key << 1), static_cast<unsigned char>(key >> 1)};
-  const auto first = static_cast<unsigned char>(key | 0x80), second = static_cast<unsigned char>(GetParam() >> 4);
-  const octets window = GetParam() < 16
-                            ? 16 * octets{0x81, 0x82, 0x03, key}
-                            : 12 * octets{0x81, 0x82, 0x03, first, second} + octets{0x85, 0x03, first, second};
+  const octets label = octets{0x81, 0x82, 0x03} + key_of_run();
+  const octets window = GetParam() < 16 ? 16 * label : 12 * label + hex("85 03") + key_of_run();
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
     const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
     agree(20 * word + octets{0x01}, 0, 0);
@@ -183,9 +187,7 @@ TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
 
 // Lists of octets are read at once where all second octets are 1: first octets, and keys, may be 1 as well.
 TEST_P(both_readers, agree_on_lists_of_small_octets) {
-  octets key;
-  if (GetParam() >= 16) key.push_back(static_cast<unsigned char>((GetParam() << 3 & 0x7f) | 0x80));
-  key.push_back(static_cast<unsigned char>(GetParam() < 16 ? GetParam() << 3 : GetParam() >> 4));
+  const octets key = key_of_run();
   const octets values[] = {hex("01"), hex("00"), hex("02"), hex("81 01"), hex("ff 01"), hex("81 00")};
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
     octets run = values[number % 6];
