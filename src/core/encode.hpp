@@ -303,7 +303,7 @@ PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, octet *buffer, 
                                            std::uint32_t options) {
   survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
   const std::size_t size = measured_size(record, found);
-  if (size > length || size == SIZE_MAX || found.gaps)
+  if (size > length || size == SIZE_MAX || found.gaps) [[unlikely]]
     return encode_measured(record, buffer, length, nullptr, nullptr, options);
   write_fields(record, quick_sink{buffer, nullptr}, buffer + size, found.referenced);
   return size;

@@ -1055,6 +1055,21 @@ TEST(duplicate, bytes_without_octets_are_null_and_keep_their_bit) {
   }
 }
 
+TEST(duplicate, bytes_that_are_null_are_asked_for_by_their_length_and_empty_where_there_is_no_memory) {
+  for (const std::uint64_t length : {std::uint64_t{3}, std::uint64_t{1} << 32}) {
+    api_msg message{};
+    message.oam_req.field6_length = length;
+    message.oam_req.presence = OAM_REQ_HAS_FIELD5 | OAM_REQ_HAS_FIELD6;
+    message.presence = API_MSG_HAS_OAM_REQ;
+    duplicated<api_msg> copy(message, 0);
+    EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY) << length;
+    EXPECT_EQ(copy->oam_req.field6, nullptr) << length;
+    EXPECT_EQ(copy->oam_req.field6_length, 0u) << length;
+    EXPECT_EQ(copy->oam_req.presence, OAM_REQ_HAS_FIELD5) << length;
+    EXPECT_EQ(copy.memory.requests(), length <= SIZE_MAX ? 1u : 0u) << length;
+  }
+}
+
 TEST(duplicate, copies_members_whose_bit_is_clear) {
   char text[] = "ab";
   std::uint32_t numbers[] = {5, 6};

@@ -7,6 +7,7 @@
 
 #include "../blocks.hpp"
 #include "../encode.hpp"
+#include "../glance.hpp"
 #include "../measure.hpp"
 #include "../message.hpp"
 
@@ -68,8 +69,9 @@ struct bytes_row : row {
     return prepend_key(sink, at, number, wire);
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
-    bits |= reinterpret_cast<std::uintptr_t>(record.*value) | (record.*length != 0);
+  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
+    all.blocks |= reinterpret_cast<std::uintptr_t>(record.*value);
+    all.octets |= record.*length;
   }
 
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {

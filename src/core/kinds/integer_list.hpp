@@ -7,6 +7,7 @@
 
 #include "../blocks.hpp"
 #include "../encode.hpp"
+#include "../glance.hpp"
 #include "../measure.hpp"
 #include "../message.hpp"
 #include "../runs.hpp"
@@ -57,8 +58,9 @@ struct integer_list_row : row {
     return prepend_integers(sink, at, number, record.*elements, record.*count);
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
-    bits |= reinterpret_cast<std::uintptr_t>(record.*elements) | record.*count;
+  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
+    all.blocks |= reinterpret_cast<std::uintptr_t>(record.*elements);
+    all.elements |= record.*count;
   }
 
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "../encode.hpp"
+#include "../glance.hpp"
 #include "../measure.hpp"
 #include "../message.hpp"
 #include "../runs/plain.hpp"
@@ -67,8 +68,9 @@ struct message_list_row : row {
     return at;
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
-    bits |= reinterpret_cast<std::uintptr_t>(record.*elements) | record.*count;
+  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
+    all.blocks |= reinterpret_cast<std::uintptr_t>(record.*elements);
+    all.elements |= record.*count;
   }
 
   // When elements fail, the array stays, with its count and bit.

@@ -59,13 +59,13 @@ struct nested_row : row {
     return prepend_key(sink, at, number, wire);
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, std::uintptr_t &bits) const {
-    collect_owned(record.*value, bits);
+  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
+    collect_owned(record.*value, all);
   }
 
   // The containing record's bit stays, whatever becomes of the members inside.
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
-    if (!owns_nothing(source.*value)) own_message(record.*value, source.*value, copying);
+    if (!owns_and_counts_nothing(source.*value)) own_message(record.*value, source.*value, copying);
     return true;
   }
 
