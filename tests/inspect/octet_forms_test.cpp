@@ -7,13 +7,12 @@
 #include <string_view>
 
 #include "failure.hpp"
+#include "octets_of_text.hpp"
 #include "stream.hpp"
 #include "support.hpp"
 
 namespace inspect {
 namespace {
-
-octets of(std::string_view text) { return octets(text.begin(), text.end()); }
 
 octets found(std::string_view text) { return octets_of(of(text), octet_form::detected); }
 

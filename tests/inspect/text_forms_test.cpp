@@ -6,12 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "octets_of_text.hpp"
 #include "support.hpp"
 
 namespace inspect {
 namespace {
-
-octets of(std::string_view text) { return octets(text.begin(), text.end()); }
 
 // The examples of RFC 4648.
 TEST(base64, ends_with_padding_to_groups_of_four) {

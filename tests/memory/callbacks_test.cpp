@@ -179,16 +179,16 @@ TEST(counter, counts_and_refuses_the_requests_that_it_is_told_to) {
       counter.fail_at = fail_at;
       counter.fail_from = fail_from;
       std::vector<void *> blocks;
-      std::size_t octets = 0;
+      std::size_t total = 0;
       for (std::size_t request = 0; request < 6; ++request) {
         void *const block = pavo_zorv_counter_allocate(10 + request, &counter);
         ASSERT_EQ(block == nullptr, request == fail_at || request >= fail_from);
         if (block == nullptr) continue;
-        octets += 10 + request;
+        total += 10 + request;
         blocks.push_back(block);
       }
       ASSERT_EQ(counter.requests, 6u);
-      ASSERT_EQ(counter.octets, octets);
+      ASSERT_EQ(counter.octets, total);
       ASSERT_EQ(counter.live, blocks.size());
       for (void *const block : blocks) pavo_zorv_counter_release(block, &counter);
       ASSERT_EQ(counter.live, 0u);

@@ -10,7 +10,7 @@
 namespace inspect {
 namespace {
 
-constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view base64_digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // The octets of a UTF-8 character by its first one; 0 when none begins with it.
 std::size_t utf8_length(unsigned char first) {
@@ -46,7 +46,7 @@ std::string to_base64(octet_view input) {
     std::uint32_t group = 0;
     for (std::size_t index = 0; index < 3; ++index) group = group << 8 | (index < count ? input[at + index] : 0u);
     for (std::size_t index = 0; index < 4; ++index) {
-      text += index <= count ? digits[group >> (18 - 6 * index) & 63] : '=';
+      text += index <= count ? base64_digits[group >> (18 - 6 * index) & 63] : '=';
     }
   }
   return text;
@@ -60,7 +60,7 @@ std::optional<octets> from_base64(std::string_view text) {
   std::uint32_t bits = 0;
   unsigned count = 0;
   for (const char character : text) {
-    const std::size_t digit = digits.find(character == '-' ? '+' : character == '_' ? '/' : character);
+    const std::size_t digit = base64_digits.find(character == '-' ? '+' : character == '_' ? '/' : character);
     if (digit == std::string_view::npos) return std::nullopt;
     bits = bits << 6 | static_cast<std::uint32_t>(digit);
     count += 6;
