@@ -34,11 +34,11 @@ endif()
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
-# The sources of tools and tests are compiled some at once, in half the time. In a debug build, where one is changed after
-# the other, each is compiled by itself, which also shows an include that is missing.
-set(pavo_zorv_some_at_once ON)
+# Sources of tools and tests are compiled several at once, in half the time. In a debug build, where one is changed
+# after the other, each is compiled by itself, which also shows an include that is missing.
+set(pavo_zorv_several_at_once ON)
 if(CMAKE_BUILD_TYPE STREQUAL Debug)
-  set(pavo_zorv_some_at_once OFF)
+  set(pavo_zorv_several_at_once OFF)
 endif()
 if(PAVO_ZORV_SANITIZE)
   add_compile_options(-fsanitize=${PAVO_ZORV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
