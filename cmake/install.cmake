@@ -7,7 +7,7 @@ if(PAVO_ZORV_X86_64_V3)
   install(TARGETS pavo_zorv_x86_64_v3
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT runtime NAMELINK_SKIP)
 endif()
-install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h*")
 
 # For find_package(pavo_zorv 1).
 include(CMakePackageConfigHelpers)

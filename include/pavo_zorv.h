@@ -165,12 +165,12 @@ extern "C" {
 
 /** What `decode_ext` and `duplicate` return. */
 enum pavo_zorv_result {
-  CODEC_OK = 0,                    /**< Success. */
-  CODEC_ERR_TRUNCATED = -1,        /**< The input ends inside a key, length or value, or a field comes again that may
+  CODEC_OK = 0, /**< Success. */
+  CODEC_ERR_TRUNCATED = -1, /**< The input ends inside a key, length or value, or a field comes again that may
                                         not. */
-  CODEC_ERR_BAD_WIRE_TYPE = -2,    /**< An unknown field has wire type 3, 4, 6 or 7. */
-  CODEC_ERR_WRONG_WIRE_TYPE = -3,  /**< A known field has another wire type than its own. */
-  CODEC_ERR_NO_MEMORY = -4         /**< Memory is needed, and the allocator is null, returned null, or cannot be asked
+  CODEC_ERR_BAD_WIRE_TYPE = -2, /**< An unknown field has wire type 3, 4, 6 or 7. */
+  CODEC_ERR_WRONG_WIRE_TYPE = -3, /**< A known field has another wire type than its own. */
+  CODEC_ERR_NO_MEMORY = -4 /**< Memory is needed, and the allocator is null, returned null, or cannot be asked
                                         for that much. */
 };
 
@@ -189,7 +189,7 @@ typedef void (*pavo_zorv_release)(void *block, void *context);
 /** One entry of the segment table: see @ref encoding. */
 typedef struct pavo_zorv_segment {
   const unsigned char *start; /**< First octet; for an encoding without a buffer, its position as a number. */
-  uint64_t length;            /**< Octets. */
+  uint64_t length; /**< Octets. */
 } pavo_zorv_segment;
 
 /** @name Addresses and label stacks
@@ -604,14 +604,12 @@ typedef struct api_msg_p2p_auto_policy {
 /** Decodes an `api_msg_p2p_auto_policy` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_decode_ext(
     api_msg_p2p_auto_policy *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context,
-    uint32_t options);
+    void *context, uint32_t options);
 
 /** Encodes an `api_msg_p2p_auto_policy` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_encode_ext(
     const api_msg_p2p_auto_policy *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count,
-    uint32_t options);
+    uint32_t *segment_count, uint32_t options);
 
 /** Copies an `api_msg_p2p_auto_policy` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_duplicate(
@@ -783,14 +781,12 @@ typedef struct api_msg_p2p_auto_policy_sweep {
 /** Decodes an `api_msg_p2p_auto_policy_request` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_decode_ext(
     api_msg_p2p_auto_policy_request *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context,
-    uint32_t options);
+    void *context, uint32_t options);
 
 /** Encodes an `api_msg_p2p_auto_policy_request` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_request_encode_ext(
     const api_msg_p2p_auto_policy_request *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count,
-    uint32_t options);
+    uint32_t *segment_count, uint32_t options);
 
 /** Copies an `api_msg_p2p_auto_policy_request` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_duplicate(
@@ -1402,8 +1398,7 @@ PAVO_ZORV_API int pavo_zorv_out_sid_list_info_decode_ext(
 /** Encodes an `out_sid_list_info` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_out_sid_list_info_encode_ext(
     const out_sid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count,
-    uint32_t options);
+    uint32_t *segment_count, uint32_t options);
 
 /** Copies an `out_sid_list_info` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_out_sid_list_info_duplicate(
@@ -1419,14 +1414,12 @@ PAVO_ZORV_API int pavo_zorv_out_sid_list_info_compare(const out_sid_list_info *a
 /** Decodes an `out_srv6_usid_list_info` from @p buffer: see @ref decoding. */
 PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_decode_ext(
     out_srv6_usid_list_info *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context,
-    uint32_t options);
+    void *context, uint32_t options);
 
 /** Encodes an `out_srv6_usid_list_info` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_out_srv6_usid_list_info_encode_ext(
     const out_srv6_usid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count,
-    uint32_t options);
+    uint32_t *segment_count, uint32_t options);
 
 /** Copies an `out_srv6_usid_list_info` with all that it owns: see @ref copying. */
 PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_duplicate(

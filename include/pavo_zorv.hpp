@@ -1,6 +1,6 @@
 /** @file
  *  pavo_zorv for C++17: records that release themselves, containers instead of pointers and lengths, presence by
- * member.
+ *  member.
  *
  *  Optional and header-only: every function here is a call, or two, of pavo_zorv.h, and costs what that call costs.
  *  Nothing throws but what a container or a memory resource throws.
@@ -33,7 +33,7 @@
 #include "pavo_zorv_memory.h"
 
 /** Calls the macro @p apply with the name of each message, contained messages first. All that this header knows about
- * them beside their names it finds in the declarations of pavo_zorv.h. */
+ *  them beside their names it finds in the declarations of pavo_zorv.h. */
 #define PAVO_ZORV_MESSAGES(apply)                                                                                    \
   apply(api_addr) apply(api_lbl_stack) apply(prefix_sid_type) apply(policy_binding_sid_t) apply(api_exp_hop)         \
       apply(api_exp_path) apply(api_msg_service) apply(api_msg_internal) apply(api_msg_on_demand_color_notif)        \
@@ -122,7 +122,7 @@ class octets {
       : data_(reinterpret_cast<const unsigned char *>(std::data(container))), size_(std::size(container)) {}
 
   constexpr const unsigned char *data() const noexcept { return data_; } /**< The first octet. */
-  constexpr std::size_t size() const noexcept { return size_; }          /**< How many there are. */
+  constexpr std::size_t size() const noexcept { return size_; } /**< How many there are. */
 
  private:
   const unsigned char *data_ = nullptr;
@@ -130,11 +130,11 @@ class octets {
 };
 
 /** Where a record's memory comes from and goes to: the callbacks and their context. The context, be it a pool, a budget
- * or a memory resource, must outlive the records. */
+ *  or a memory resource, must outlive the records. */
 struct memory {
   pavo_zorv_allocate allocate; /**< Gives blocks. */
-  pavo_zorv_release release;   /**< Takes them back. */
-  void *context;               /**< Of both. */
+  pavo_zorv_release release; /**< Takes them back. */
+  void *context; /**< Of both. */
 
   /** The heap. */
   constexpr memory() noexcept : allocate(pavo_zorv_heap_allocate), release(pavo_zorv_heap_release), context(nullptr) {}
@@ -149,7 +149,7 @@ struct memory {
   memory(pavo_zorv_counter &counter) noexcept
       : memory(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter) {}
   /** A memory resource. It is told the size of what it takes back, so each block has 8 octets more, in which that
-   * stands. What it throws becomes `CODEC_ERR_NO_MEMORY`. */
+   *  stands. What it throws becomes `CODEC_ERR_NO_MEMORY`. */
   memory(std::pmr::memory_resource &resource) noexcept : memory(take, give_back, &resource) {}
   /** The same, as memory resources are mostly passed. Not null. */
   memory(std::pmr::memory_resource *resource) noexcept : memory(*resource) {}
@@ -173,8 +173,8 @@ struct memory {
   }
   static void give_back(void *block, void *context) noexcept {
     auto *const head = static_cast<pavo_zorv_alignment *>(block) - 1;
-    static_cast<std::pmr::memory_resource *>(context)->deallocate(head, static_cast<std::size_t>(head->number),
-                                                                  PAVO_ZORV_ALIGNMENT);
+    static_cast<std::pmr::memory_resource *>(context)->deallocate(
+        head, static_cast<std::size_t>(head->number), PAVO_ZORV_ALIGNMENT);
   }
 };
 
@@ -212,8 +212,9 @@ using anything_at = anything;
 template <class Record, class Last, class Before, class = void>
 inline constexpr bool takes_behind = false;
 template <class Record, class Last, std::size_t... Before>
-inline constexpr bool takes_behind<Record, Last, std::index_sequence<Before...>,
-                                   std::void_t<decltype(Record{anything_at<Before>{}..., Last{}})>> = true;
+inline constexpr bool takes_behind<
+    Record, Last, std::index_sequence<Before...>, std::void_t<decltype(Record{anything_at<Before>{}..., Last{}})>> =
+    true;
 
 // Whether the member at a position can be initialised with what converts to some types only.
 template <class Record, std::size_t Position, class Value>
@@ -354,7 +355,7 @@ constexpr void set(Record &record) noexcept {
 }
 
 /** Marks the member at the end of a path as absent. Its value stays, and what it owns is still released with the
- * record. */
+ *  record. */
 template <auto Member, auto... Inside, class Record>
 constexpr void clear(Record &record) noexcept {
   static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
@@ -370,16 +371,17 @@ constexpr void clear(Record &record) noexcept {
 /** Returns the length of a record's encoding. */
 template <class Record>
 std::size_t encoded_size(const Record &record, std::uint32_t options = 0) noexcept {
-  return detail::call<Record>(functions<Record>::encode, options, &record, static_cast<unsigned char *>(nullptr),
-                              std::size_t{0}, static_cast<pavo_zorv_segment *>(nullptr),
-                              static_cast<std::uint32_t *>(nullptr));
+  return detail::call<Record>(
+      functions<Record>::encode, options, &record, static_cast<unsigned char *>(nullptr), std::size_t{0},
+      static_cast<pavo_zorv_segment *>(nullptr), static_cast<std::uint32_t *>(nullptr));
 }
 
 /** Writes the encoding to a buffer, as much of it as fits, and returns the length of the whole. */
 template <class Record>
 std::size_t encode(const Record &record, unsigned char *buffer, std::size_t size, std::uint32_t options = 0) noexcept {
-  return detail::call<Record>(functions<Record>::encode, options, &record, buffer, size,
-                              static_cast<pavo_zorv_segment *>(nullptr), static_cast<std::uint32_t *>(nullptr));
+  return detail::call<Record>(
+      functions<Record>::encode, options, &record, buffer, size, static_cast<pavo_zorv_segment *>(nullptr),
+      static_cast<std::uint32_t *>(nullptr));
 }
 
 /** Makes a container of octets, a `std::string` or a vector of any allocator, hold the encoding and nothing else. */
@@ -401,7 +403,7 @@ std::vector<unsigned char> encode(const Record &record, std::uint32_t options = 
 /** An encoding with its segment table. The entries point into `octets`, which may be moved but not copied or changed.
  */
 struct segmented {
-  std::vector<unsigned char> octets;       /**< The encoding; in reference mode without the referenced octets. */
+  std::vector<unsigned char> octets; /**< The encoding; in reference mode without the referenced octets. */
   std::vector<pavo_zorv_segment> segments; /**< One entry for each message in it, and the pieces of reference mode. */
 };
 
@@ -431,7 +433,7 @@ template <class Record>
 class owned;
 
 /** Returns a record decoded from octets; `result()` says how that went. With `PAVO_ZORV_REFERENCE` its bytes members
- * point into @p input, which must outlive it. */
+ *  point into @p input, which must outlive it. */
 template <class Record>
 owned<Record> decode(octets input, memory from = {}, std::uint32_t options = 0) noexcept;
 
@@ -464,14 +466,14 @@ class owned {
   }
   ~owned() { free(); }
 
-  Record *operator->() noexcept { return &record_; }             /**< The record. */
+  Record *operator->() noexcept { return &record_; } /**< The record. */
   const Record *operator->() const noexcept { return &record_; } /**< The record. */
-  Record &operator*() noexcept { return record_; }               /**< The record. */
-  const Record &operator*() const noexcept { return record_; }   /**< The record. */
+  Record &operator*() noexcept { return record_; } /**< The record. */
+  const Record &operator*() const noexcept { return record_; } /**< The record. */
 
-  int result() const noexcept { return result_; }                 /**< Of the decoding or copying; else `CODEC_OK`. */
-  bool ok() const noexcept { return result_ == CODEC_OK; }        /**< Whether that went well. */
-  std::uint32_t options() const noexcept { return options_; }     /**< The options that the record was made with. */
+  int result() const noexcept { return result_; } /**< Of the decoding or copying; else `CODEC_OK`. */
+  bool ok() const noexcept { return result_ == CODEC_OK; } /**< Whether that went well. */
+  std::uint32_t options() const noexcept { return options_; } /**< The options that the record was made with. */
   const zorv::memory &source() const noexcept { return memory_; } /**< Where its memory comes from. */
 
   /** Releases what the record holds and decodes another into it; returns the result. */
@@ -508,7 +510,7 @@ class owned {
 
   /** Gives a member a value, and marks it and the path to it as present. Numbers are stored. A string takes a
    *  `std::string_view`, a list of numbers or bytes any contiguous container of elements; they are copied into memory
-   * of the record's source, what was there before is released, and the result is `CODEC_OK` or `CODEC_ERR_NO_MEMORY`,
+   *  of the record's source, what was there before is released, and the result is `CODEC_OK` or `CODEC_ERR_NO_MEMORY`,
    *  after which the member is as before. In reference mode bytes are not copied, and must outlive the record. */
   template <auto... Path, class Value>
   auto set(const Value &value) noexcept {
@@ -533,7 +535,7 @@ class owned {
   }
 
   /** Gives a list of messages @p count empty elements, and marks it and the path to it as present. Returns the first,
-   * or null when there is no memory for them; the list is as before then. */
+   *  or null when there is no memory for them; the list is as before then. */
   template <auto... Path>
   auto *resize(std::uint32_t count) noexcept {
     return resize_in<Path...>(record_, count);
@@ -555,8 +557,8 @@ class owned {
       std::memset(static_cast<void *>(block), 0, count * sizeof(element));
       if (inner.*Member != nullptr) {
         for (std::uint32_t i = 0; i < *traits::count(inner); ++i) {
-          detail::call<element>(functions<element>::free, options_, inner.*Member + i, memory_.release,
-                                memory_.context);
+          detail::call<element>(
+              functions<element>::free, options_, inner.*Member + i, memory_.release, memory_.context);
         }
       }
       replace<Member>(inner, block, count);
@@ -574,8 +576,8 @@ class owned {
 
   int read(octets input, std::uint32_t options) noexcept {
     options_ = options;
-    result_ = detail::call<Record>(functions<Record>::decode, options, &record_, input.data(), input.size(),
-                                   memory_.allocate, memory_.context);
+    result_ = detail::call<Record>(
+        functions<Record>::decode, options, &record_, input.data(), input.size(), memory_.allocate, memory_.context);
     return result_;
   }
 
@@ -631,8 +633,9 @@ class owned {
     using element = std::remove_pointer_t<typename traits::type>;
     static_assert(!std::is_class_v<element>, "a list of messages: see resize");
     using given = std::remove_cv_t<detail::element_of<const Value>>;
-    static_assert(std::is_same_v<element, given> || (sizeof(element) == 1 && detail::holds_octets<const Value>),
-                  "a contiguous container of the list's elements");
+    static_assert(
+        std::is_same_v<element, given> || (sizeof(element) == 1 && detail::holds_octets<const Value>),
+        "a contiguous container of the list's elements");
     const auto *const data = reinterpret_cast<const element *>(std::data(value));
     const std::size_t count = std::size(value);
     if (count > static_cast<typename traits::count_type>(-1)) return CODEC_ERR_NO_MEMORY;

@@ -1,8 +1,8 @@
 /** @file
  *  The binary interface in numbers: the size of every record and the place of each member, for 64-bit pointers (LP64)
- * and for 32-bit pointers where 64-bit numbers stand at a multiple of 4 (ILP32, as on i386). `pavo_zorv.h` includes
- * this file, so that a compiler or an option that lays records out otherwise does not compile a program that would not
- * run with the library. On other machines nothing is said.
+ *  and for 32-bit pointers where 64-bit numbers stand at a multiple of 4 (ILP32, as on i386). `pavo_zorv.h` includes
+ *  this file, so that a compiler or an option that lays records out otherwise does not compile a program that would not
+ *  run with the library. On other machines nothing is said.
  */
 #ifndef PAVO_ZORV_LAYOUT_H
 #define PAVO_ZORV_LAYOUT_H
@@ -22,9 +22,10 @@
 
 #define PAVO_ZORV_SIZE_(record, lp64, ilp32) \
   PAVO_ZORV_ASSERT_(sizeof(record) == PAVO_ZORV_HERE_(lp64, ilp32, sizeof(record)), "size of " #record)
-#define PAVO_ZORV_AT_(record, member, lp64, ilp32)                                                      \
-  PAVO_ZORV_ASSERT_(offsetof(record, member) == PAVO_ZORV_HERE_(lp64, ilp32, offsetof(record, member)), \
-                    "place of " #member " in " #record)
+#define PAVO_ZORV_AT_(record, member, lp64, ilp32)                                        \
+  PAVO_ZORV_ASSERT_(                                                                      \
+      offsetof(record, member) == PAVO_ZORV_HERE_(lp64, ilp32, offsetof(record, member)), \
+      "place of " #member " in " #record)
 
 #ifdef __i386__
 PAVO_ZORV_ASSERT_(offsetof(pavo_zorv_segment, length) == 4, "64-bit numbers stand at a multiple of 4 on i386");

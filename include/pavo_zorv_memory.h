@@ -1,17 +1,16 @@
 /** @file
- *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11, all of it inline: nothing
- * here is exported by the library, and a program that does not use it does not carry it.
+ *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11, all of it inline: nothing here is
+ *  exported by the library, and a program that does not use it does not carry it.
  *
  *  | callbacks | context | what they do |
  *  |---|---|---|
  *  | `pavo_zorv_heap_*` | null | `malloc` and `free` |
  *  | `pavo_zorv_pool_*` | a `pavo_zorv_pool` | take from the caller's block; all of it comes back at once |
  *  | `pavo_zorv_budget_*` | a `pavo_zorv_budget` | hand on to other callbacks, up to a limit |
- *  | `pavo_zorv_counter_*` | a `pavo_zorv_counter` | hand on to other callbacks, keep count, and fail where told to:
- * for tests |
+ *  | `pavo_zorv_counter_*` | a `pavo_zorv_counter` | keep count, and fail on request, for tests |
  *
  *  Each is a pair `..._allocate` and `..._release`, to be passed with its context. Blocks are aligned for any record.
- * None of them may be used by two threads at once with the same context; different contexts are independent.
+ *  None of them may be used by two threads at once with the same context; different contexts are independent.
  *
  *  @code{.c}
  *  unsigned char block[4096];
@@ -48,7 +47,7 @@ extern "C" {
 /** What a record may be aligned to. */
 typedef union pavo_zorv_alignment {
   uint64_t number; /**< The widest number in a record. */
-  void *pointer;   /**< Any pointer in a record. */
+  void *pointer; /**< Any pointer in a record. */
 } pavo_zorv_alignment;
 
 /** The alignment of every block that the callbacks of this header give, a power of two. */
@@ -61,7 +60,7 @@ typedef union pavo_zorv_alignment {
 /** @name Bounds
  *  What any input, hostile ones included, can make `decode_ext` ask for. The worst is a list of policies that hold
  *  nothing: 72 octets of memory for 2 octets of input. A record that is copied with `duplicate` asks for no more than
- * the decoding of its octets did.
+ *  the decoding of its octets did.
  *  @{ */
 
 /** Octets of memory that decoding asks for, per octet of input, at most; what a pool loses to alignment included. */
@@ -87,7 +86,7 @@ PAVO_ZORV_INLINE_FUNCTION size_t pavo_zorv_pool_size_for(size_t length) {
  *  @{ */
 
 /** Returns the name of a result, for example "CODEC_ERR_TRUNCATED". Never null: of other numbers it says that they are
- * no result. The text is constant and needs no release. */
+ *  no result. The text is constant and needs no release. */
 PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_name(int result) {
   switch (result) {
     case CODEC_OK:
@@ -144,20 +143,20 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_heap_release(void *block, void *context
 
 /** @name Pool
  *  Takes from one block of the caller's, from its beginning to its end. A release does nothing; a reset makes all of
- * the block free again. So no message can leak: what a nested message that came twice owned at first goes with the
- * rest.
+ *  the block free again. So no message can leak: what a nested message that came twice owned at first goes with the
+ *  rest.
  *  @{ */
 
 /** A pool over a block. Made by `pavo_zorv_pool_init`; the members are for reading. */
 typedef struct pavo_zorv_pool {
   unsigned char *start; /**< The first octet of the block that is aligned. */
-  size_t size;          /**< Octets from there. */
-  size_t used;          /**< Octets that are given out, those lost to alignment included. */
+  size_t size; /**< Octets from there. */
+  size_t used; /**< Octets that are given out, those lost to alignment included. */
 } pavo_zorv_pool;
 
 /** Makes a pool over @p block, which stays the caller's and must outlive all that is taken from it. It need not be
- * aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 octets at its beginning are lost then. A null block counts as one of 0
- * octets. */
+ *  aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 octets at its beginning are lost then. A null block counts as one of 0
+ *  octets. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
   const size_t misplaced = PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ADDRESS_(block) & (PAVO_ZORV_ALIGNMENT - 1));
   const size_t lost = misplaced != 0 ? PAVO_ZORV_ALIGNMENT - misplaced : 0;
@@ -168,7 +167,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *b
 }
 
 /** Gives @p size octets, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
- * too small. The context is the pool. */
+ *  too small. The context is the pool. */
 PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
   pavo_zorv_pool *pool = PAVO_ZORV_CAST_(pavo_zorv_pool *, context);
   /* The rest may end in part of a unit, which nothing can be placed in. */
@@ -194,23 +193,22 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool
 
 /** @name Budget
  *  Bounds the memory that is out at any time: one number for a connection, whatever its peer sends. Each block is
- * charged with its own size and 8 octets, in which the budget keeps that size; releasing the block gives both back.
+ *  charged with its own size and 8 octets, in which the budget keeps that size; releasing the block gives both back.
  *  @{ */
 
 /** A budget over other callbacks. Made by `pavo_zorv_budget_init`; the limit may be changed at any time. */
 typedef struct pavo_zorv_budget {
   pavo_zorv_allocate allocate; /**< Where memory comes from. */
-  pavo_zorv_release release;   /**< Where it goes back to; null where nothing need be released. */
-  void *context;               /**< The context of both. */
-  size_t limit;                /**< Octets that may be out. */
-  size_t spent;                /**< Octets that are out. */
+  pavo_zorv_release release; /**< Where it goes back to; null where nothing need be released. */
+  void *context; /**< The context of both. */
+  size_t limit; /**< Octets that may be out. */
+  size_t spent; /**< Octets that are out. */
 } pavo_zorv_budget;
 
 /** Makes a budget of @p limit octets over the callbacks @p allocate and @p release, whose blocks must be aligned for
- * any record. */
-PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(pavo_zorv_budget *budget, size_t limit,
-                                                     pavo_zorv_allocate allocate, pavo_zorv_release release,
-                                                     void *context) {
+ *  any record. */
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(
+    pavo_zorv_budget *budget, size_t limit, pavo_zorv_allocate allocate, pavo_zorv_release release, void *context) {
   budget->allocate = allocate;
   budget->release = release;
   budget->context = context;
@@ -255,18 +253,18 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_release(void *block, void *conte
 /** A counter over other callbacks. Made by `pavo_zorv_counter_init`; all members may be read and set at any time. */
 typedef struct pavo_zorv_counter {
   pavo_zorv_allocate allocate; /**< Where memory comes from. */
-  pavo_zorv_release release;   /**< Where it goes back to; null where nothing need be released. */
-  void *context;               /**< The context of both. */
-  size_t requests;             /**< Calls of the allocator, refused ones included. */
-  size_t octets;               /**< Octets given, all in all. */
-  size_t live;                 /**< Blocks that are out. */
-  size_t fail_at;              /**< This request is refused, counted from 0. */
-  size_t fail_from;            /**< This request and all later ones are refused. */
+  pavo_zorv_release release; /**< Where it goes back to; null where nothing need be released. */
+  void *context; /**< The context of both. */
+  size_t requests; /**< Calls of the allocator, refused ones included. */
+  size_t octets; /**< Octets given, all in all. */
+  size_t live; /**< Blocks that are out. */
+  size_t fail_at; /**< This request is refused, counted from 0. */
+  size_t fail_from; /**< This request and all later ones are refused. */
 } pavo_zorv_counter;
 
 /** Makes a counter that refuses nothing. */
-PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(pavo_zorv_counter *counter, pavo_zorv_allocate allocate,
-                                                      pavo_zorv_release release, void *context) {
+PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(
+    pavo_zorv_counter *counter, pavo_zorv_allocate allocate, pavo_zorv_release release, void *context) {
   counter->allocate = allocate;
   counter->release = release;
   counter->context = context;

@@ -96,7 +96,8 @@ PAVO_ZORV_INLINE std::uint64_t measure_fields(const Record &record, survey &foun
   const auto presence = record.presence;
   // The only field of a message, where it is a scalar: then the rest is of one that is present, and nothing is counted.
   if constexpr (field_count<Record> == 1 && scalars_with_keys_of<Record>(1) != 0) {
-    if (count_bits<presence_mask<Record>>(presence) == 0) [[unlikely]] return 0;
+    if (count_bits<presence_mask<Record>>(presence) == 0) [[unlikely]]
+      return 0;
   }
   constexpr auto behind = rows_behind_bytes<Record>();
   measuring total{found,

@@ -92,7 +92,7 @@ PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
 // processors that search for the place itself.
 template <class Value>
 requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t long_varint_size(Value value) {
-  const auto highest = static_cast<unsigned>(std::countl_zero(value)) ^ unsigned{8 * sizeof value - 1};
+  const auto highest = static_cast<unsigned>(std::countl_zero(value)) ^ static_cast<unsigned>(8 * sizeof value - 1);
   return (highest * 9 + 73) / 64;
 }
 

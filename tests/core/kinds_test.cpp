@@ -71,11 +71,10 @@ TEST(key, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
     int result;
   };
   for (const auto &[bytes, result] : {
-           outcome{"78 05 80 02 06", CODEC_OK},                   // field 32, which is unknown
-           outcome{"78 05 80 05 01", CODEC_OK},                   // field 80, with 01 behind the key
-           outcome{"78 05 80 00 06", CODEC_OK},                   // number 0
-           outcome{"78 05 00 01", CODEC_OK},
-           outcome{"78 05 7f 01 06", CODEC_ERR_WRONG_WIRE_TYPE},  // field 15
+           outcome{"78 05 80 02 06", CODEC_OK},  // field 32, which is unknown
+           outcome{"78 05 80 05 01", CODEC_OK},  // field 80, with 01 behind the key
+           outcome{"78 05 80 00 06", CODEC_OK},  // number 0
+           outcome{"78 05 00 01", CODEC_OK}, outcome{"78 05 7f 01 06", CODEC_ERR_WRONG_WIRE_TYPE},  // field 15
            outcome{"78 05 81 01 06", CODEC_ERR_WRONG_WIRE_TYPE},
            outcome{"78 05 82 01 01 06", CODEC_ERR_WRONG_WIRE_TYPE},
            outcome{"78 05 ff 01 06", CODEC_ERR_BAD_WIRE_TYPE},  // field 31, which is unknown

@@ -6,7 +6,8 @@ int main() {
   message.field15 = 1;
   message.presence = API_MSG_HAS_FIELD15 | API_MSG_HAS_POLICY_REG;
   unsigned char buffer[5] = {};
-  if (pavo_zorv_api_msg_encode_ext(&message, buffer, sizeof buffer, nullptr, nullptr, PAVO_ZORV_REFERENCE) != 5) return 1;
+  if (pavo_zorv_api_msg_encode_ext(&message, buffer, sizeof buffer, nullptr, nullptr, PAVO_ZORV_REFERENCE) != 5)
+    return 1;
   const unsigned char expected[] = {0x78, 0x01, 0x82, 0x01, 0x00};
   for (size_t i = 0; i < sizeof expected; ++i) {
     if (buffer[i] != expected[i]) return 2;

@@ -28,7 +28,8 @@ void *measure(void *argument) {
   auto *const here = static_cast<unsigned char *>(__builtin_frame_address(0)) - 512;
   std::memset(stack, paint, static_cast<std::size_t>(here - stack));
   what->work();
-  what->used = static_cast<std::size_t>(here - std::find_if(stack, here, [](unsigned char c) { return c != paint; })) + 512;
+  what->used =
+      static_cast<std::size_t>(here - std::find_if(stack, here, [](unsigned char c) { return c != paint; })) + 512;
   return nullptr;
 }
 
@@ -46,8 +47,9 @@ std::size_t stack_used(std::function<void()> work) {
 }
 
 // An envelope whose to_igp member holds a policy with a prefix, its oam_res a micro-SID: the two deepest branches.
-const octets deepest = hex("5a 0e 12 0c 1a 0a 2a 06 08 01 08 02 10 18 50 01"
-                           "72 12 3a 10 0a 0e 1a 06 0a 02 aa bb 10 05 22 04 08 01 18 07");
+const octets deepest =
+    hex("5a 0e 12 0c 1a 0a 2a 06 08 01 08 02 10 18 50 01"
+        "72 12 3a 10 0a 0e 1a 06 0a 02 aa bb 10 05 22 04 08 01 18 07");
 
 void *take(std::size_t size, void *) { return std::malloc(size + 1); }
 void give(void *block, void *) { std::free(block); }
@@ -77,13 +79,17 @@ TEST(stack, every_operation_on_the_deepest_message_stays_below_4_kilobytes_and_e
       }
     };
     count = clipped_count = 16;
-    measured("decode", [&] { result = pavo_zorv_api_msg_decode_ext(&message, deepest.data(), deepest.size(), take, nullptr, 0); });
+    measured("decode", [&] {
+      result = pavo_zorv_api_msg_decode_ext(&message, deepest.data(), deepest.size(), take, nullptr, 0);
+    });
     ASSERT_EQ(result, CODEC_OK);
     measured("measure", [&] { length = pavo_zorv_api_msg_encode_ext(&message, nullptr, 0, nullptr, nullptr, 0); });
     EXPECT_EQ(length, deepest.size());
-    measured("encode", [&] { length = pavo_zorv_api_msg_encode_ext(&message, buffer, sizeof buffer, segments, &count, 0); });
+    measured("encode",
+             [&] { length = pavo_zorv_api_msg_encode_ext(&message, buffer, sizeof buffer, segments, &count, 0); });
     EXPECT_EQ(octets(buffer, buffer + length), deepest);
-    measured("encode_clipped", [&] { clipped_length = pavo_zorv_api_msg_encode_ext(&message, buffer, 20, segments, &clipped_count, 0); });
+    measured("encode_clipped",
+             [&] { clipped_length = pavo_zorv_api_msg_encode_ext(&message, buffer, 20, segments, &clipped_count, 0); });
     EXPECT_EQ(clipped_length, deepest.size());
     std::fill(std::begin(buffer), std::end(buffer), 0xc7);
     const auto encode = [&](std::size_t size) {

@@ -29,7 +29,10 @@ inline octets hex(std::string_view text) {
   int high = -1;
   for (const char c : text) {
     if (c == ' ' || c == '\n') continue;
-    const int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+    const int digit = c >= '0' && c <= '9'   ? c - '0'
+                      : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                      : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                             : -1;
     if (digit < 0) ADD_FAILURE() << "not hexadecimal: " << text;
     if (high < 0) {
       high = digit;
@@ -69,7 +72,8 @@ class fenced_block {
   explicit fenced_block(std::size_t size) : size_(size) {
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     mapped_ = (size + page - 1) / page * page + page;
-    base_ = static_cast<unsigned char *>(mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    base_ = static_cast<unsigned char *>(
+        mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     if (base_ == MAP_FAILED || mprotect(base_ + mapped_ - page, page, PROT_NONE) != 0) std::abort();
     data_ = base_ + mapped_ - page - size;
     std::memset(base_, 0xc7, mapped_ - page);
@@ -95,10 +99,10 @@ class fenced_block {
 class accountant {
  public:
   static constexpr std::size_t never = SIZE_MAX;
-  std::size_t fail_at = never;    // this request fails
-  std::size_t fail_from = never;  // this request and all later ones fail
-  std::vector<std::size_t> sizes;     // what was asked for, in order, failures included
-  std::vector<void *> released;       // what came back, in order
+  std::size_t fail_at = never;     // this request fails
+  std::size_t fail_from = never;   // this request and all later ones fail
+  std::vector<std::size_t> sizes;  // what was asked for, in order, failures included
+  std::vector<void *> released;    // what came back, in order
 
   accountant() = default;
   accountant(const accountant &) = delete;
@@ -157,12 +161,14 @@ inline void PrintTo(const piece &entry, std::ostream *out) {
 // A segment table of a capacity, in a block of its own size, filled with rubbish.
 class table {
  public:
-  explicit table(std::uint32_t capacity) : entries_(capacity * sizeof(pavo_zorv_segment)), count(capacity), capacity_(capacity) {}
+  explicit table(std::uint32_t capacity)
+      : entries_(capacity * sizeof(pavo_zorv_segment)), count(capacity), capacity_(capacity) {}
   pavo_zorv_segment *entries() const { return reinterpret_cast<pavo_zorv_segment *>(entries_.data()); }
   // The entries written: the number needed or the capacity, whichever is less.
   std::vector<piece> pieces() const {
     std::vector<piece> result;
-    for (std::uint32_t i = 0; i < count && i < capacity_; ++i) result.push_back({entries()[i].start, entries()[i].length});
+    for (std::uint32_t i = 0; i < count && i < capacity_; ++i)
+      result.push_back({entries()[i].start, entries()[i].length});
     return result;
   }
   bool untouched_from(std::uint32_t first) const {
@@ -186,25 +192,27 @@ class table {
 template <class Record>
 struct operations;
 
-#define PAVO_ZORV_TEST_OPERATIONS(message, comma_options)                                                                     \
-  template <>                                                                                                                 \
-  struct operations<message> {                                                                                                \
-    static constexpr const char *name = #message;                                                                             \
-    static int decode(message *out, const unsigned char *buffer, std::size_t length, pavo_zorv_allocate allocate,             \
-                      void *context, [[maybe_unused]] std::uint32_t options = 0) {                                            \
-      return pavo_zorv_##message##_decode_ext(out, buffer, length, allocate, context comma_options);                          \
-    }                                                                                                                         \
-    static std::size_t encode(const message *in, unsigned char *buffer, std::size_t length, pavo_zorv_segment *segments,      \
-                              std::uint32_t *count, [[maybe_unused]] std::uint32_t options = 0) {                             \
-      return pavo_zorv_##message##_encode_ext(in, buffer, length, segments, count comma_options);                             \
-    }                                                                                                                         \
-    static int duplicate(message *to, const message *from, pavo_zorv_allocate allocate, void *context) {                      \
-      return pavo_zorv_##message##_duplicate(to, from, allocate, context);                                                    \
-    }                                                                                                                         \
-    static void free(message *record, pavo_zorv_release release, void *context, [[maybe_unused]] std::uint32_t options = 0) { \
-      pavo_zorv_##message##_free_ext(record, release, context comma_options);                                                 \
-    }                                                                                                                         \
-    static int compare(const message *a, const message *b) { return pavo_zorv_##message##_compare(a, b); }                    \
+#define PAVO_ZORV_TEST_OPERATIONS(message, comma_options)                                                         \
+  template <>                                                                                                     \
+  struct operations<message> {                                                                                    \
+    static constexpr const char *name = #message;                                                                 \
+    static int decode(message *out, const unsigned char *buffer, std::size_t length, pavo_zorv_allocate allocate, \
+                      void *context, [[maybe_unused]] std::uint32_t options = 0) {                                \
+      return pavo_zorv_##message##_decode_ext(out, buffer, length, allocate, context comma_options);              \
+    }                                                                                                             \
+    static std::size_t encode(const message *in, unsigned char *buffer, std::size_t length,                       \
+                              pavo_zorv_segment *segments, std::uint32_t *count,                                  \
+                              [[maybe_unused]] std::uint32_t options = 0) {                                       \
+      return pavo_zorv_##message##_encode_ext(in, buffer, length, segments, count comma_options);                 \
+    }                                                                                                             \
+    static int duplicate(message *to, const message *from, pavo_zorv_allocate allocate, void *context) {          \
+      return pavo_zorv_##message##_duplicate(to, from, allocate, context);                                        \
+    }                                                                                                             \
+    static void free(message *record, pavo_zorv_release release, void *context,                                   \
+                     [[maybe_unused]] std::uint32_t options = 0) {                                                \
+      pavo_zorv_##message##_free_ext(record, release, context comma_options);                                     \
+    }                                                                                                             \
+    static int compare(const message *a, const message *b) { return pavo_zorv_##message##_compare(a, b); }        \
   };
 #define PAVO_ZORV_TEST_OPTIONS , options
 #include "messages.inc"

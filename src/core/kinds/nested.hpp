@@ -59,9 +59,7 @@ struct nested_row : row {
     return prepend_key(sink, at, number, wire);
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
-    collect_owned(record.*value, all);
-  }
+  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const { collect_owned(record.*value, all); }
 
   // The containing record's bit stays, whatever becomes of the members inside.
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
