@@ -8,30 +8,16 @@
 
 namespace pavo_zorv {
 
-// Presence flags of a message and those inside it, put together: all their bits, or those that belong to fields.
-template <bool All, class Record>
-PAVO_ZORV_INLINE constexpr void collect_presence(const Record &record, std::uint32_t &bits) {
-  bits |= All ? record.presence : record.presence & presence_mask<Record>;
-  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
-    constexpr auto &row = row_at<Record, index>;
-    if constexpr (row.type == kind::message) collect_presence<All>(record.*row.value, bits);
-  });
-}
-
-template <class Record>
-PAVO_ZORV_NOINLINE bool has_no_field(const Record &record) {
-  std::uint32_t bits = 0;
-  collect_presence<false>(record, bits);
-  return bits == 0;
-}
-
-// Whether no presence bit of a field is set in a message and those inside it: then its encoding is empty. The bits of
-// no field are mostly clear as well.
+// Whether no presence bit of a field is set in a message and those inside it: then its encoding is empty. The other bits
+// are masked out first: nobody may ever have written them.
 template <class Record>
 PAVO_ZORV_INLINE bool is_blank(const Record &record) {
-  std::uint32_t bits = 0;
-  collect_presence<true>(record, bits);
-  return bits == 0 || has_no_field(record);
+  bool blank = (record.presence & presence_mask<Record>) == 0;
+  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+    constexpr auto &row = row_at<Record, index>;
+    if constexpr (row.type == kind::message) blank = blank && is_blank(record.*row.value);
+  });
+  return blank;
 }
 
 // Pointers, counts and lengths of a message and those inside it, put together: each kind apart, for to be widened each
