@@ -190,8 +190,8 @@ class message_entries {
   const Sink &sink_;
   place end_;
   place split_;
-  std::size_t last_ = 0;
-  std::size_t first_ = 0;
+  std::uint64_t last_ = 0;
+  std::uint64_t first_ = 0;
   bool is_split_ = false;
   bool rest_ = true;
 };
@@ -241,11 +241,15 @@ PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::si
   return octets;
 }
 
-// SIZE_MAX where no memory holds the encoding.
+// Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the octets: with 64 bits only bytes members make so many,
+// with 32 any long list does.
 template <class Record>
 PAVO_ZORV_INLINE std::size_t measured_size(const Record &record, survey &found) {
   const std::uint64_t octets = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);
-  return !holds_bytes<Record> || octets < unwritable ? static_cast<std::size_t>(octets) : SIZE_MAX;
+  const auto size = static_cast<std::size_t>(octets);
+  if constexpr (sizeof size == sizeof octets && !holds_bytes<Record>) return size;
+  found.overflowed |= size != octets;
+  return found.overflowed ? SIZE_MAX : size;
 }
 
 template <class Record>
@@ -254,10 +258,10 @@ PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, octet *buff
                                                std::uint32_t options) {
   survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
   const std::size_t size = measured_size(record, found);
-  if (segment_count == nullptr) return size != SIZE_MAX ? write(record, found, size, buffer, length, nullptr) : size;
+  if (segment_count == nullptr) return found.overflowed ? size : write(record, found, size, buffer, length, nullptr);
   segment_table table{segments, segments != nullptr ? *segment_count : 0, found.segments};
-  *segment_count = static_cast<std::uint32_t>(found.segments);
-  if ((buffer == nullptr && table.capacity == 0) || size == SIZE_MAX) return size;
+  *segment_count = static_cast<std::uint32_t>(std::min<std::uint64_t>(found.segments, UINT32_MAX));
+  if ((buffer == nullptr && table.capacity == 0) || found.overflowed) return size;
   return write(record, found, size, buffer, buffer != nullptr ? length : 0, table.capacity != 0 ? &table : nullptr);
 }
 
@@ -303,7 +307,7 @@ PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, octet *buffer, 
                                            std::uint32_t options) {
   survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
   const std::size_t size = measured_size(record, found);
-  if (size > length || size == SIZE_MAX || found.gaps) [[unlikely]]
+  if (size > length || found.overflowed || found.gaps) [[unlikely]]
     return encode_measured(record, buffer, length, nullptr, nullptr, options);
   write_fields(record, quick_sink{buffer, nullptr}, buffer + size, found.referenced);
   return size;

@@ -11,26 +11,36 @@ namespace pavo_zorv {
 struct measuring {
   survey &found;
   std::uint64_t octets = 0;
+  std::uint64_t blocks = 0;      // the octets of bytes members, and of messages that hold such
   std::uint64_t last_piece = 0;  // where the octets of the message's last table entry begin
 
-  // Only a bytes member can be longer than memory: with one in it, a sum goes no further than half the numbers there
-  // are, where nothing else that is added wraps it, and is never written.
-  static constexpr std::uint64_t greatest = std::uint64_t{1} << 63;
+  // Only what holds a bytes member can be longer than memory, and make a sum of 64 bits overflow: it is summed apart from
+  // all else, which is added without a look.
+  PAVO_ZORV_INLINE void add_block(std::uint64_t length) { blocks = saturating_sum(blocks, length); }
 
-  PAVO_ZORV_INLINE void add_bytes(std::uint64_t length) {
-    const bool wraps = __builtin_add_overflow(octets, length, &octets);
-    if (wraps || octets > greatest) octets = greatest;
-  }
-
-  // A nested message behind its key and length.
+  // A nested message after its key and length.
   template <class Nested>
   PAVO_ZORV_INLINE void add_message(unsigned number, std::uint64_t inner) {
     octets += varint_size(key_of(number, wire_type::delimited)) + length_size(inner);
     if constexpr (holds_bytes<Nested>) {
-      add_bytes(inner);
+      add_block(inner);
     } else {
       octets += inner;
     }
+  }
+
+  template <class Record>
+  PAVO_ZORV_INLINE std::uint64_t sum() {
+    if constexpr (!holds_bytes<Record>) return octets;
+    return saturating_sum(octets, blocks);
+  }
+
+  PAVO_ZORV_INLINE std::uint64_t saturating_sum(std::uint64_t a, std::uint64_t b) {
+    std::uint64_t sum;
+    if (!__builtin_add_overflow(a, b, &sum)) [[likely]]
+      return sum;
+    found.overflowed = true;
+    return UINT64_MAX;
   }
 
   // Of the length as it is written, in 32 bits.
@@ -106,8 +116,9 @@ PAVO_ZORV_INLINE std::uint64_t measure_fields(const Record &record, survey &foun
     row_at<Record, index>.measure(total, record, (presence & presence_bit<Record, index>) != 0);
   });
   if constexpr (behind != 0) total.octets += measure_scalars<Record>(presence & behind);
-  if (total.octets != total.last_piece) ++found.segments;
-  return total.octets;
+  const std::uint64_t octets = total.template sum<Record>();
+  if (octets != total.last_piece) ++found.segments;
+  return octets;
 }
 
 template <class Record>

@@ -45,7 +45,8 @@ struct manner {
 
 // What measuring finds besides the octets, in a message and all inside it.
 struct survey : manner {
-  std::size_t segments = 0;  // entries that the table needs
+  std::uint64_t segments = 0;  // entries that the table needs
+  bool overflowed = false;     // the octets are more than their number can say
 };
 
 // The octets that a message takes: with a bytes member in it, perhaps more than memory has.

@@ -1,7 +1,6 @@
 // The caller's segment table. Messages are written backwards, so it is filled from its last entry to its first.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "pavo_zorv.h"
@@ -9,18 +8,15 @@
 
 namespace pavo_zorv {
 
-// No memory holds an encoding of this length.
-inline constexpr std::size_t unwritable = SIZE_MAX / 2;
-
 struct segment_table {
   pavo_zorv_segment *entries;
-  std::size_t capacity;
-  std::size_t next;  // entries not yet taken: all those before it
+  std::uint32_t capacity;
+  std::uint64_t next;  // entries not yet taken: all those before it
 
-  std::size_t take() { return --next; }
+  std::uint64_t take() { return --next; }
   void put_back() { ++next; }
 
-  void set(std::size_t index, const octet *start, std::uint64_t length) const {
+  void set(std::uint64_t index, const octet *start, std::uint64_t length) const {
     if (index < capacity) entries[index] = {start, length};
   }
 };

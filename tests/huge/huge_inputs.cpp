@@ -261,12 +261,78 @@ void long_encodings() {
   std::printf("an encoding of %llu octets\n", static_cast<unsigned long long>(std::uint64_t{2} * count));
 }
 
+// Lists of 8-bit integers whose encoding is longer than 2^32 octets: exact, or SIZE_MAX where size_t has 32 bits, and then
+// neither the buffer nor the table is touched. The first is 400 octets too long, the second two.
+void lists_beyond_32_bits() {
+  const auto has_total = [](auto encode, const auto &record, std::uint64_t total, const char *start) {
+    unsigned char buffer[400];
+    std::memset(buffer, 0xc7, sizeof buffer);
+    pavo_zorv_segment segment = {buffer, 77};
+    std::uint32_t entries = 1;
+    const std::size_t length = encode(&record, buffer, wide ? 8 : sizeof buffer, &segment, &entries);
+    CHECK(entries == 1);
+    CHECK(encode(&record, nullptr, 0, nullptr, nullptr) == length);
+    if (wide) {
+      CHECK(length == total && segment.length == total);
+      CHECK(std::memcmp(buffer, start, 8) == 0);
+    } else {
+      CHECK(length == SIZE_MAX && segment.length == 77);
+      for (const unsigned char octet : buffer) CHECK(octet == 0xc7);
+    }
+    std::printf("an encoding of %llu octets\n", static_cast<unsigned long long>(total));
+  };
+  {
+    const std::uint32_t count = (std::uint32_t{1} << 30) + 100;
+    const long_input array({}, octets{0xff}, count);
+    api_msg_p2p_auto_policy_notif record = {};
+    record.field22 = const_cast<unsigned char *>(array.data());
+    record.field22_count = count;
+    record.presence = API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22;
+    has_total(pavo_zorv_api_msg_p2p_auto_policy_notif_encode_ext, record, 4'294'967'696,
+              "\xb0\x01\xff\x01\xb0\x01\xff\x01");
+  }
+  {
+    const std::uint32_t count = 1'431'655'766;
+    const long_input array({}, octets{0xc8}, count);
+    prefix_sid_type record = {};
+    record.field2 = const_cast<unsigned char *>(array.data());
+    record.field2_count = count;
+    record.presence = PREFIX_SID_TYPE_HAS_FIELD2;
+    has_total(pavo_zorv_prefix_sid_type_encode_ext, record, 4'294'967'298, "\x10\xc8\x01\x10\xc8\x01\x10\xc8");
+  }
+}
+
+// 65,537 policies that share an array of 65,536 prefixes, each with one octet: more entries than 32 bits count.
+void more_entries_than_the_count_can_say() {
+  unsigned char octet = 1;
+  std::vector<api_prefix> prefixes(65'536, api_prefix{&octet, 1, 0, API_PREFIX_HAS_OCTETS});
+  std::vector<api_policy> policies(65'537);
+  for (api_policy &policy : policies) {
+    policy.prefixes = prefixes.data();
+    policy.prefixes_count = 65'536;
+    policy.presence = API_POLICY_HAS_PREFIXES;
+  }
+  api_aa_list list = {};
+  list.policies = policies.data();
+  list.policies_count = 65'537;
+  list.presence = API_AA_LIST_HAS_POLICIES;
+  // A prefix takes four octets with its key and length, a policy 262,144 and four more.
+  const std::uint64_t total = std::uint64_t{65'537} * 262'148;
+  std::uint32_t entries = 7;
+  CHECK(pavo_zorv_api_aa_list_encode_ext(&list, nullptr, 0, nullptr, &entries) ==
+        (wide ? static_cast<std::size_t>(total) : SIZE_MAX));
+  CHECK(entries == UINT32_MAX);
+  std::printf("more than 2^32 entries\n");
+}
+
 }  // namespace
 
 int main() {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   lengths_beyond_the_input();
   long_encodings();
+  lists_beyond_32_bits();
+  more_entries_than_the_count_can_say();
   if constexpr (wide) {
     runs_of_2_to_the_32();
     an_input_of_more_than_4_gib();

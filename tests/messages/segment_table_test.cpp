@@ -413,12 +413,78 @@ TEST_F(huge_bytes, beyond_all_sizes_are_counted_but_not_written_nor_listed) {
   }
 }
 
-// Half of all sizes is the first that no memory holds. A key, a length of five octets, and the bytes.
-TEST_F(huge_bytes, of_half_the_greatest_size_measure_as_the_greatest_and_those_one_octet_shorter_as_they_are) {
-  srv6_prefix prefix{nullptr, SIZE_MAX / 2 - 6, 0, SRV6_PREFIX_HAS_FIELD1};
-  EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, nullptr, 0, nullptr, nullptr), SIZE_MAX);
-  prefix.field1_length = SIZE_MAX / 2 - 7;
-  EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, nullptr, 0, nullptr, nullptr), SIZE_MAX / 2 - 1);
+// A key, a length of five octets, and the bytes.
+TEST_F(huge_bytes, are_measured_and_written_exactly_up_to_the_greatest_size) {
+  constexpr std::uint64_t bit_62 = std::uint64_t{1} << 62;
+  struct total {
+    std::uint64_t length;
+    const char *written;
+  };
+  for (const auto &[length, written] : {
+           total{2 * bit_62, "0a fa ff ff ff 0f c7 c7"},
+           total{3 * bit_62, "0a fa ff ff ff 0f c7 c7"},
+           total{UINT64_MAX - 7, "0a f2 ff ff ff 0f c7 c7"},
+           total{UINT64_MAX - 1, "0a f8 ff ff ff 0f c7 c7"},
+           total{UINT64_MAX, "0a f9 ff ff ff 0f c7 c7"},
+       }) {
+    const srv6_prefix prefix{nullptr, length - 6, 0, SRV6_PREFIX_HAS_FIELD1};
+    EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, nullptr, 0, nullptr, nullptr), length);
+    const encoding<srv6_prefix> start(prefix, 1, 0, 8);
+    EXPECT_EQ(start.length, length);
+    EXPECT_EQ(show(start.buffer.content()), written);
+    EXPECT_EQ(start.pieces(), (std::vector<piece>{start.at(0, length)}));
+  }
+}
+
+TEST_F(huge_bytes, before_other_fields_leave_room_for_what_fits_and_an_exact_total) {
+  oam_req record{};
+  record.field1 = 1;
+  record.field6_length = (std::uint64_t{1} << 63) + 5;
+  record.field7 = 7;
+  record.presence = OAM_REQ_HAS_FIELD1 | OAM_REQ_HAS_FIELD6 | OAM_REQ_HAS_FIELD7;
+  const encoding<oam_req> start(record, 1, 0, 6);
+  EXPECT_EQ(start.length, (std::uint64_t{1} << 63) + 11);
+  EXPECT_EQ(show(start.buffer.content()), "08 01 32 05 c7 c7");
+  EXPECT_EQ(start.pieces(), (std::vector<piece>{start.at(0, (std::uint64_t{1} << 63) + 11)}));
+}
+
+TEST_F(huge_bytes, in_nested_messages_add_up_to_an_exact_total) {
+  constexpr std::uint64_t first = std::uint64_t{1} << 62, second = std::uint64_t{3} << 61;
+  srv6_usid usids[2]{};
+  usids[0].prefix = {nullptr, first, 0, SRV6_PREFIX_HAS_FIELD1};
+  usids[1].prefix = {nullptr, second, 0, SRV6_PREFIX_HAS_FIELD1};
+  const out_srv6_usid_list_info list{usids, 2, OUT_SRV6_USID_LIST_INFO_HAS_USIDS};
+  const std::uint64_t total = first + 6 + second + 6;
+  EXPECT_EQ(operations<out_srv6_usid_list_info>::encode(&list, nullptr, 0, nullptr, nullptr), total);
+  const encoding<out_srv6_usid_list_info> start(list, 5, 0, 8);
+  EXPECT_EQ(start.length, total);
+  EXPECT_EQ(show(start.buffer.content()), "0a 04 1a 02 0a 00 c7 c7");
+  EXPECT_EQ(start.pieces(), (std::vector<piece>{start.at(4, first + 2),
+                                                start.at(2, first + 4),
+                                                {nullptr, second + 2},
+                                                {nullptr, second + 4},
+                                                start.at(0, total)}));
+}
+
+// Sums of 64 bits that wrap to 0, in the outermost message or in one inside it: neither is taken for an empty message.
+TEST_F(huge_bytes, that_add_up_to_2_to_the_64_are_counted_but_not_written_nor_listed) {
+  srv6_usid usids[2]{};
+  usids[0].prefix = {nullptr, UINT64_MAX - 5, 0, SRV6_PREFIX_HAS_FIELD1};
+  usids[1].prefix = {nullptr, 1, 0, SRV6_PREFIX_HAS_FIELD1};
+  const out_srv6_usid_list_info list{usids, 2, OUT_SRV6_USID_LIST_INFO_HAS_USIDS};
+  const auto touches_nothing = [](const auto &record, std::uint32_t needed) {
+    const encoding<std::remove_cvref_t<decltype(record)>> whole(record, 5, 0, 8);
+    EXPECT_EQ(whole.length, SIZE_MAX);
+    EXPECT_EQ(whole.count(), needed);
+    EXPECT_EQ(show(whole.buffer.content()), "c7 c7 c7 c7 c7 c7 c7 c7");
+    EXPECT_TRUE(whole.segments.untouched_from(0));
+  };
+  touches_nothing(usids[0].prefix, 1);
+  touches_nothing(usids[0], 2);
+  touches_nothing(list, 5);
+  usids[0].prefix.field1_length = std::uint64_t{1} << 63;
+  usids[1].prefix.field1_length = (std::uint64_t{1} << 63) - 12;
+  touches_nothing(list, 5);
 }
 
 // --- Reference mode: decoding, releasing, copying ---

@@ -48,11 +48,11 @@ struct bytes_row : row {
     if (!present) return;
     total.octets += varint_size(key_of(number, wire)) + measuring::length_size(record.*length);
     if (!total.found.referenced) {
-      total.add_bytes(record.*length);
+      total.add_block(record.*length);
       if (record.*value == nullptr && record.*length != 0) total.found.gaps = true;
     } else if (record.*length != 0) {
       total.found.segments += 2;
-      total.last_piece = total.octets;
+      total.last_piece = total.template sum<Record>();
     }
   }
 

@@ -47,8 +47,8 @@ const octet *read_integers(Element *elements, std::size_t count, const octet *at
 
 // The octets that integers take as varints, without their keys.
 template <class Element>
-std::size_t measure_integers(const Element *elements, std::size_t count) {
-  std::size_t octets = 0;
+std::uint64_t measure_integers(const Element *elements, std::size_t count) {
+  std::uint64_t octets = 0;
   for (std::size_t index = 0; index < count; ++index) octets += varint_size(std::uint32_t{elements[index]});
   return octets;
 }

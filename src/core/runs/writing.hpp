@@ -17,20 +17,20 @@ constexpr std::size_t count_high(std::uint64_t word) {
   return static_cast<std::size_t>((word >> 7 & ones) * ones >> 56);
 }
 
-// Two octets from 128 on.
-inline std::size_t measure_integers(const std::uint8_t *elements, std::size_t count) {
-  std::size_t octets = count;
+// Two octets from 128 on. With 32 bits, the octets of a list may be more than those of memory.
+inline std::uint64_t measure_integers(const std::uint8_t *elements, std::size_t count) {
+  std::uint64_t octets = count;
   for (; count >= 8; elements += 8, count -= 8) octets += count_high(load_word(elements));
   return count == 0 ? octets : octets + count_high(load_short(elements, count));
 }
 
 // One octet more for each power of 128 that an element reaches; a vector at a time. Labels of twenty bits, all of three
 // octets, are seen together by the bits that any of them has, and those it has when 0x4000 is taken away.
-inline std::size_t measure_integers(const std::uint32_t *elements, std::size_t count) {
+inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
   using words [[gnu::vector_size(vector_size)]] = std::uint32_t;
   using counts [[gnu::vector_size(vector_size)]] = std::int32_t;
   constexpr std::size_t together = vector_size / sizeof *elements;
-  std::size_t octets = 0;
+  std::uint64_t octets = 0;
   while (count >= together) {
     const std::size_t stretch = std::min<std::size_t>(count / together, 16);
     words bits = {}, values;
@@ -47,7 +47,7 @@ inline std::size_t measure_integers(const std::uint32_t *elements, std::size_t c
         sums -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
       }
       octets += together * stretch;
-      for (std::size_t index = 0; index < together; ++index) octets += static_cast<std::size_t>(sums[index]);
+      for (std::size_t index = 0; index < together; ++index) octets += static_cast<std::uint64_t>(sums[index]);
     }
     elements += stretch * together;
     count -= stretch * together;
@@ -142,7 +142,7 @@ inline octet *prepend_integers(const quick_sink &sink, octet *at, unsigned numbe
     }
   }
   if (count < 4) return plain::prepend_integers(sink, at, number, elements, count);
-  octet *const start = at - count * key_size - measure_integers(elements, count);
+  octet *const start = at - static_cast<std::size_t>(count * key_size + measure_integers(elements, count));
   const std::size_t done = key_size == 1 ? append_words<1>(start, at, key, elements, count)
                                          : append_words<2>(start, at, key, elements, count);
   // What stands before these is written already.
@@ -179,7 +179,7 @@ PAVO_ZORV_NOINLINE octet *prepend_octets(const quick_sink &sink, octet *at, std:
       at = four.prepend(at, elements + count - 4);
   }
   if (count == 0) return at;
-  at -= count * KeySize + measure_integers(elements, count);
+  at -= static_cast<std::size_t>(count * KeySize + measure_integers(elements, count));
   append_octets<KeySize>(at, key, elements, count);
   return at;
 }
