@@ -39,9 +39,14 @@ struct integer_list_row : row {
     if (length == 0) return failed(CODEC_ERR_TRUNCATED);
     auto *const block = input.memory.array<Element>(length);
     if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
-    const octet *const next = read_integers(block, run, number, at, end, input.whole);
     record.*elements = block;
     record.*count = static_cast<std::uint32_t>(length);
+    const octet *const next = read_integers(block, run, number, at, end, input.whole);
+    if (next == nullptr) [[unlikely]] {
+      // The input has changed since it was counted.
+      std::memset(block, 0, length * sizeof(Element));
+      return failed(CODEC_ERR_TRUNCATED);
+    }
     return {next, CODEC_OK};
   }
 

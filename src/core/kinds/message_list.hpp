@@ -40,7 +40,10 @@ struct message_list_row : row {
     record.*count = static_cast<std::uint32_t>(length);
     for (std::size_t index = 0; index < length; ++index) {
       if (index != 0) at = skip_varint(at, end);
-      const delimited octets = read_delimited(at, end);
+      const delimited octets = at != nullptr ? read_delimited(at, end) : delimited{};
+      // Not where the input is as it was when it was counted.
+      if (octets.first == nullptr) [[unlikely]]
+        return failed(CODEC_ERR_TRUNCATED);
       const int result = decode_message(block[index], octets.first, octets.last, input);
       if (result != CODEC_OK) return failed(result);
       at = octets.last;

@@ -33,12 +33,15 @@ inline std::size_t count_integers(unsigned number, const octet *at, const octet 
   return count_run(number, at, end, skip_varint);
 }
 
-// Reads integers that have been counted, cut to the width of the elements; returns the place behind the last.
+// Reads integers that have been counted, cut to the width of the elements; returns the place after the last. Null where
+// the input has changed since it was counted, and fewer are there now; of more, only so many are read.
 template <class Element>
 const octet *read_integers(Element *elements, std::size_t count, const octet *at, const octet *end) {
   for (std::size_t index = 0; index < count; ++index) {
     if (index != 0) at = skip_varint(at, end);
+    if (at == nullptr) return nullptr;
     const auto [next, value] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return nullptr;
     elements[index] = static_cast<Element>(value);
     at = next;
   }

@@ -1,6 +1,7 @@
 // Runs of integers, counted and read.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -43,14 +44,42 @@ struct run_window {
   std::uint64_t values_below(unsigned place) const { return values & ((std::uint64_t{1} << place) - 1); }
 };
 
-// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. An odd key
-// is read by itself. Returns the place behind the last value; null when a value, or the key behind one, is cut off.
+// Where a walk along a run stands after a stretch of it: at the next value or, if the run has ended, after its last value;
+// null when a value, or the key after one, is cut off.
+template <class Visit>
+struct stretch {
+  const octet *at;
+  bool ended;
+  Visit visit;
+};
+
+// Takes elements one by one, from a value on, until some keys in a row have been in their shortest form: a window for each
+// odd key takes fifteen times as long. What visits is handed back, so that it stays in registers elsewhere.
+template <unsigned KeySize, class Visit>
+PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const octet *at, const octet *end, Visit visit) {
+  for (unsigned regular = 0; regular < 8;) {
+    const auto [next, value] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return {nullptr, true, visit};
+    visit.element(value);
+    if (next == end) return {end, true, visit};
+    const auto [first, other] = read_varint<std::uint32_t>(next, end);
+    if (first == nullptr) return {nullptr, true, visit};
+    if (number_of(other) != number_of(key)) return {next, true, visit};
+    regular = other == key && first - next == KeySize ? regular + 1 : 0;
+    at = first;
+  }
+  return {at, false, visit};
+}
+
+// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Returns the
+// place after the last value; null when a value, or the key after one, is cut off.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const octet *end, const octet *limit,
                                        Visit &visit) {
   for (;;) {
     if constexpr (KeySize == 1 && Visit::wants_blocks) {
-      while (end - at >= static_cast<std::ptrdiff_t>(label_block::size)) {
+      std::size_t blocks = std::min(static_cast<std::size_t>(end - at) / label_block::size, visit.blocks_left());
+      for (; blocks != 0; --blocks) {
         const label_block block(at);
         if (!block.regular(key)) break;
         visit.block(block);
@@ -64,28 +93,26 @@ PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const
       return end;
     }
     if (seen.odd == 0 && seen.keys != 0) {
-      // The window may cut the last value, or the key behind it: the next one begins behind the last whole key.
+      // The window may cut the last value, or the key after it: the next one begins after the last whole key.
       const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
       visit.elements({at, seen.values_below(whole - 1)});
       at += whole;
       continue;
     }
-    if (seen.odd == 0) {
-      // One value that is longer than the window, or as long.
-      const octet *const next = skip_varint(at, end);
-      if (next == nullptr) return nullptr;
-      visit.elements({at, std::uint64_t{1} << 63});
-      at = next;
-      if (at == end) return end;
-    } else {
+    // An odd key, or one value that is longer than the window, or as long.
+    if (seen.odd != 0) {
       const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
       visit.elements({at, seen.values_below(place)});
       at += place;
+      const auto [next, other] = read_varint<std::uint32_t>(at, end);
+      if (next == nullptr) return nullptr;
+      if (number_of(other) != number_of(key)) return at;
+      at = next;
     }
-    const auto [next, other] = read_varint<std::uint32_t>(at, end);
-    if (next == nullptr) return nullptr;
-    if (number_of(other) != number_of(key)) return at;
-    at = next;
+    const stretch<Visit> taken = take_one_by_one<KeySize>(key, at, end, visit);
+    visit = taken.visit;
+    at = taken.at;
+    if (taken.ended) return at;
   }
 }
 
@@ -94,8 +121,10 @@ struct element_counter {
   static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
   std::size_t count = 0;
 
+  void element(std::uint32_t) { ++count; }
   void elements(elements_seen seen) { count += count_bits(seen.ends); }
   void block(const label_block &) { count += label_block::elements; }
+  static constexpr std::size_t blocks_left() { return SIZE_MAX; }
 };
 
 // The varint of up to five octets at the low end of a word, cut to 32 bits; of longer ones, five octets are taken.
@@ -122,20 +151,30 @@ PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &sec
   std::memcpy(values, &value, sizeof value);
 }
 
+// Stores the elements of a run that has been counted, and never more of them, whatever the input shows by now.
 template <unsigned KeySize, class Element>
 struct element_reader {
   static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
   Element *next;
+  Element *last;  // where the array ends
   const octet *limit;
+
+  std::size_t left() const { return static_cast<std::size_t>(last - next); }
+  std::size_t blocks_left() const { return left() / label_block::elements; }
+
+  PAVO_ZORV_INLINE void element(std::uint32_t value) {
+    if (next != last) *next++ = static_cast<Element>(value);
+  }
 
   PAVO_ZORV_INLINE void elements(elements_seen seen) {
     if constexpr (sizeof(Element) == 4) {
       if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) return words(seen);
     }
     const octet *begin = seen.at;
-    for (std::uint64_t ends = seen.ends; ends != 0; ends &= ends - 1) {
-      *next++ = value(begin);
-      begin = seen.at + std::countr_zero(ends) + 1 + KeySize;
+    for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
+      const octet *const end = seen.at + std::countr_zero(ends);
+      *next++ = value(begin, end);
+      begin = end + 1 + KeySize;
     }
   }
 
@@ -157,22 +196,22 @@ struct element_reader {
       ends &= ends - 1;
       return word;
     };
-    std::size_t left = count_bits(ends);
-    for (; left >= 4; left -= 4, next += 4) {
+    std::size_t some = std::min<std::size_t>(count_bits(ends), left());
+    for (; some >= 4; some -= 4, next += 4) {
       const word_pair first{take(), take()}, second{take(), take()};
       varint_values(first, second, next);
     }
-    for (; left != 0; --left) *next++ = varint_value(take());
+    for (; some != 0; --some) *next++ = varint_value(take());
   }
 
   // The first octet, and the lowest bit of the second if there is one.
-  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin) const requires(sizeof(Element) == 1) {
-    const octet more = *begin >> 7;
-    return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & more) << 7);
+  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin, const octet *end) const requires(sizeof(Element) == 1) {
+    const bool more = begin != end;
+    return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & unsigned{more}) << 7);
   }
 
   // At the end of the buffer in the last word there is.
-  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin) const requires(sizeof(Element) == 4) {
+  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin, const octet *) const requires(sizeof(Element) == 4) {
     const auto left = static_cast<std::size_t>(limit - begin);
     const std::size_t missing = left < 8 ? 8 - left : 0;
     return varint_value(load_word(begin - missing) >> 8 * missing);
@@ -205,8 +244,7 @@ PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const octet *at,
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const octet *at, std::uint64_t values,
-                                    const octet *limit) {
+PAVO_ZORV_NOINLINE void read_window(Element *elements, const octet *at, std::uint64_t values, const octet *limit) {
   if constexpr (sizeof(Element) == 1) {
     // An element that takes two octets has its own value in the first, if the second is 1, as it is in the shortest
     // form: then all elements are the first octets of values.
@@ -216,13 +254,13 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const 
       return;
     }
   }
-  element_reader<KeySize, Element> reader{elements, limit};
+  element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
   if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
-    // A block ends with a key: so another value follows it, or it is not regular. If so, the buffer holds the block.
-    while (values >> (label_block::size - 1) > 1) {
-      const label_block block(at);
-      if (!block.regular(key)) break;
-      reader.block(block);
+    // Where values of three octets stand, each with its key after it; another value follows the last key, so the buffer
+    // holds the block.
+    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block::size), labels = 0x4444444444444444 & every;
+    while ((values & every) == labels && values > every) {
+      reader.block(label_block(at));
       at += label_block::size;
       values >>= label_block::size;
     }
@@ -231,10 +269,11 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, std::uint32_t key, const 
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::uint32_t key, const octet *at, const octet *end,
-                                             const octet *limit) {
-  element_reader<KeySize, Element> reader{elements, limit};
-  return walk_run<KeySize>(key, at, end, limit, reader);
+PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::size_t count, std::uint32_t key, const octet *at,
+                                             const octet *end, const octet *limit) {
+  element_reader<KeySize, Element> reader{elements, elements + count, limit};
+  const octet *const next = walk_run<KeySize>(key, at, end, limit, reader);
+  return reader.left() == 0 ? next : nullptr;
 }
 
 // Counts the integers of a run from its first value on: none when a value, or the key behind one, is cut off.
@@ -246,19 +285,20 @@ PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const octet *at, co
                     : count_regular<Element, 2>(key, at, end, whole.limit);
 }
 
-// Reads integers that have been counted; returns the place behind the last.
+// Reads integers that have been counted; returns the place after the last. Null where the input has changed since then,
+// and fewer are there now; of more, only as many as were counted are read.
 template <class Element>
 PAVO_ZORV_INLINE const octet *read_integers(Element *elements, counted_run run, unsigned number, const octet *at,
                                             const octet *end, const buffer &whole) {
   const std::uint32_t key = key_of(number, wire_type::varint);
   if (run.next != nullptr) {
-    key < 0x80 ? read_window<Element, 1>(elements, key, at, run.values, whole.limit)
-               : read_window<Element, 2>(elements, key, at, run.values, whole.limit);
+    key < 0x80 ? read_window<Element, 1>(elements, at, run.values, whole.limit)
+               : read_window<Element, 2>(elements, at, run.values, whole.limit);
     return run.next;
   }
   if (whole.size() < native_piece::size) return plain::read_integers(elements, run.count(), at, end);
-  return key < 0x80 ? read_regular<Element, 1>(elements, key, at, end, whole.limit)
-                    : read_regular<Element, 2>(elements, key, at, end, whole.limit);
+  return key < 0x80 ? read_regular<Element, 1>(elements, run.count(), key, at, end, whole.limit)
+                    : read_regular<Element, 2>(elements, run.count(), key, at, end, whole.limit);
 }
 
 }  // namespace pavo_zorv
