@@ -197,7 +197,7 @@ TEST(api_msg_internal, a_null_string_is_copied_as_null_with_its_bit) {
 }
 
 TEST(api_msg_internal, is_compared_in_field_order) {
-  char ab[] = "ab", b[] = "b";
+  char ab[] = "ab", b[] = "b", z[] = "z";
   const auto compared = [](const api_msg_internal &x, const api_msg_internal &y) {
     return pavo_zorv_api_msg_internal_compare(&x, &y);
   };
@@ -214,9 +214,12 @@ TEST(api_msg_internal, is_compared_in_field_order) {
   EXPECT_EQ(compared(internal, other), 1);
   other.field3 = std::uint64_t{1} << 63;
   EXPECT_EQ(compared(internal, other), -1);
-  other.field2 = b;
-  EXPECT_EQ(compared(internal, other), string_comparison(ab, b));
-  EXPECT_EQ(compared(other, internal), string_comparison(b, ab));
+  for (char *const greater : {b, z}) {
+    other.field2 = greater;
+    EXPECT_LT(compared(internal, other), 0);
+    EXPECT_EQ(compared(internal, other), string_comparison(ab, greater));
+    EXPECT_EQ(compared(other, internal), string_comparison(greater, ab));
+  }
   other.field1 = 0;
   EXPECT_EQ(compared(internal, other), 1);
   other.presence = 0x7e;

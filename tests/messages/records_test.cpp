@@ -1449,13 +1449,18 @@ TEST(compare, the_three_signed_members_are_compared_signed) {
 }
 
 // case: record: comparing the strings ab and b
+// The first bytes of "ab" and "b" differ by one, which is what a folded result would say as well: those of "ab" and the
+// other two by more.
 TEST(compare, the_strings_ab_and_b_give_the_result_of_the_string_comparison) {
-  char ab[] = "ab", b[] = "b";
-  const api_intf one = interface_named(ab), other = interface_named(b);
-  EXPECT_LT(operations<api_intf>::compare(&one, &other), 0);
-  EXPECT_EQ(operations<api_intf>::compare(&one, &other), string_comparison(ab, b));
-  EXPECT_GT(operations<api_intf>::compare(&other, &one), 0);
-  EXPECT_EQ(operations<api_intf>::compare(&other, &one), string_comparison(b, ab));
+  char ab[] = "ab", b[] = "b", z[] = "z", high[] = "\xff";
+  for (char *const greater : {b, z, high}) {
+    SCOPED_TRACE(greater);
+    const api_intf one = interface_named(ab), other = interface_named(greater);
+    EXPECT_LT(operations<api_intf>::compare(&one, &other), 0);
+    EXPECT_EQ(operations<api_intf>::compare(&one, &other), string_comparison(ab, greater));
+    EXPECT_GT(operations<api_intf>::compare(&other, &one), 0);
+    EXPECT_EQ(operations<api_intf>::compare(&other, &one), string_comparison(greater, ab));
+  }
 }
 
 TEST(compare, strings_give_the_result_of_the_string_comparison_as_it_is) {
