@@ -103,7 +103,17 @@ TEST(api_aa_list, a_policy_with_a_prefix_cut_off_fails_and_leaves_the_array) {
 
 // case: api_aa_list: a copy in which one policy's string has no memory
 TEST(api_aa_list, a_copy_without_memory_for_one_string_has_every_other_policy) {
-  const whole_list whole;
+  whole_list whole;
+  char second_field1[] = "second", second_field7[] = "";
+  std::uint8_t second_octets[] = {6, 7};
+  api_prefix second_prefix{second_octets, 2, 8, API_PREFIX_HAS_OCTETS | API_PREFIX_HAS_FIELD2};
+  whole.policies[1].field1 = second_field1;
+  whole.policies[1].field2 = 22;
+  whole.policies[1].prefixes = &second_prefix;
+  whole.policies[1].prefixes_count = 1;
+  whole.policies[1].field7 = second_field7;
+  whole.policies[1].presence =
+      API_POLICY_HAS_FIELD1 | API_POLICY_HAS_FIELD2 | API_POLICY_HAS_PREFIXES | API_POLICY_HAS_FIELD7;
   copied<api_aa_list> copy(whole.record, 2);
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   ASSERT_EQ(copy->policies_count, 3u);
@@ -114,9 +124,27 @@ TEST(api_aa_list, a_copy_without_memory_for_one_string_has_every_other_policy) {
   EXPECT_EQ(copy->policies[0].prefixes[0].octets[0], 5);
   EXPECT_STREQ(copy->policies[0].field6, "x");
   EXPECT_STREQ(copy->policies[0].field7, "y");
-  EXPECT_EQ(bits(copy->policies[1]), 0u);
+  const api_policy &second = copy->policies[1];
+  EXPECT_EQ(bits(second), std::uint32_t{API_POLICY_HAS_FIELD1 | API_POLICY_HAS_FIELD2 | API_POLICY_HAS_PREFIXES |
+                                        API_POLICY_HAS_FIELD7});
+  EXPECT_STREQ(second.field1, "second");
+  EXPECT_EQ(second.field2, 22u);
+  ASSERT_EQ(second.prefixes_count, 1u);
+  ASSERT_EQ(second.prefixes[0].octets_count, 2u);
+  EXPECT_EQ(second.prefixes[0].octets[0], 6);
+  EXPECT_EQ(second.prefixes[0].octets[1], 7);
+  EXPECT_EQ(second.prefixes[0].field2, 8);
+  EXPECT_EQ(second.field6, nullptr);
+  EXPECT_STREQ(second.field7, "");
   EXPECT_STREQ(copy->policies[2].field1, "c");
   EXPECT_EQ(copy->policies[2].field9, -1);
+  // Blocks of their own, all of them.
+  for (const void *const block :
+       {static_cast<const void *>(second.field1), static_cast<const void *>(second.prefixes),
+        static_cast<const void *>(second.prefixes[0].octets), static_cast<const void *>(second.field7),
+        static_cast<const void *>(copy->policies[2].field1)}) {
+    EXPECT_TRUE(copy.memory.owns(block));
+  }
 }
 
 TEST(api_aa_list, octets_are_read_as_one_run_cut_to_eight_bits) {
