@@ -1,4 +1,5 @@
 // The envelope: a number, a flag, and a whole record for each kind of payload, any number of them present.
+#include "cleared_members.hpp"
 #include "message_checks.hpp"
 
 using namespace test;
@@ -109,12 +110,10 @@ TEST(api_msg, nothing_is_no_octets_and_no_entry_and_comes_back_as_nothing) {
   decoded<api_msg> read(hex(""));
   EXPECT_EQ(read.result, CODEC_OK);
   EXPECT_EQ(bits(read.record), 0u);
-  EXPECT_EQ(read->field1, 0u);
-  EXPECT_EQ(read->field15, 0);
-  EXPECT_EQ(read->internal.field2, nullptr);
-  EXPECT_EQ(read->field4.exp_paths, nullptr);
-  EXPECT_EQ(read->oam_res.usid_lists_count, 0u);
-  EXPECT_EQ(read->policy_reg.field4, nullptr);
+  EXPECT_EQ(left_in(read.record), "");
+  // Without spare presence bits, and with all of them.
+  EXPECT_EQ(left_in(cleared_from<api_msg>(0x00)), "");
+  EXPECT_EQ(left_in(cleared_from<api_msg>(0xff)), "");
   EXPECT_EQ(show(encoded(read.record)), "");
   const api_msg nothing{};
   EXPECT_EQ(operations<api_msg>::compare(&read.record, &nothing), 0);

@@ -1,4 +1,5 @@
 // Outgoing segment lists: one with a segment identifier and bytes, and one of micro-SIDs.
+#include "cleared_members.hpp"
 #include "message_checks.hpp"
 
 using namespace test;
@@ -263,8 +264,10 @@ TEST(out_srv6_usid_list_info, an_empty_micro_sid_is_a_key_and_a_zero_length_and_
   EXPECT_EQ(read.result, CODEC_OK);
   ASSERT_EQ(read->usids_count, 3u);
   EXPECT_EQ(read->usids[0].field1, 1u);
+  EXPECT_EQ(left_in(read->usids[1]), "");
   EXPECT_EQ(read->usids[1].presence, 0);
   EXPECT_EQ(read->usids[1].prefix.presence, 0);
+  EXPECT_EQ(read->usids[1].sid_struct.presence, 0);
   EXPECT_EQ(read->usids[2].field2, 2u);
   EXPECT_EQ(bits(read.record), 1u);
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "cleared_members.hpp"
 #include "support.hpp"
 
 namespace {
@@ -198,6 +199,7 @@ TYPED_TEST(every_message, is_cleared_whatever_it_held) {
     TypeParam record, empty{};
     std::memset(static_cast<void *>(&record), rubbish, sizeof record);
     EXPECT_EQ(operations<TypeParam>::decode(&record, nullptr, 0, nullptr, nullptr), CODEC_OK);
+    EXPECT_EQ(left_in(record), "");
     EXPECT_EQ(operations<TypeParam>::compare(&record, &empty), 0);
     EXPECT_TRUE(encoded(record).empty());
     operations<TypeParam>::free(
@@ -211,6 +213,7 @@ TYPED_TEST(every_message, is_cleared_before_a_failure) {
     std::memset(static_cast<void *>(&record), 0xff, sizeof record);
     const fenced_block input(hex(bytes));
     EXPECT_LT(operations<TypeParam>::decode(&record, input.data(), input.size(), nullptr, nullptr), 0);
+    EXPECT_EQ(left_in(record), "");
     EXPECT_EQ(operations<TypeParam>::compare(&record, &empty), 0);
     EXPECT_TRUE(encoded(record).empty());
   }
