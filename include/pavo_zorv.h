@@ -39,6 +39,12 @@
  *  copying. A nested message is a whole record held inline, with presence bits of its own beside the containing
  *  record's bit.
  *
+ *  **Zero a record before you fill it:** `api_msg message = {0};`, `api_msg message{};` in C++, `calloc`, or designated
+ *  initialisers, which zero the rest. The presence bits of a record do not make up for it, because not everything goes
+ *  by them: `encode_ext` writes a nested record that holds something even where the containing record's bit for it is
+ *  0, and `duplicate` and `free_ext` follow pointers, counts and lengths whatever the bits. Only a record that is just
+ *  the output of `decode_ext` or `duplicate` need not be zeroed: they overwrite it.
+ *
  *  | kind | record | wire form |
  *  |---|---|---|
  *  | flag | one byte | varint; read as 0 or 1, written as the stored byte, whatever it is |

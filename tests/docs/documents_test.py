@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The Markdown documents: their links lead to files that are there, tests that they name exist, and the README shows a
-program and a message that are what they seem.
+"""The Markdown documents: their links lead to files that are there, tests that they name exist, the README shows a
+program and a message that are what they seem, and C programs zero the records that they fill.
 
 documents_test.py SOURCE_FOLDER [ZORV_INSPECT]
 """
@@ -48,8 +48,30 @@ elif len(sys.argv) > 2:
     if shown.returncode != 0 or shown.stdout != view[1]:
         faults.append(f"README.md shows another view than zorv-inspect:\n{shown.stdout}{shown.stderr}")
 
-if len(documents) < 10 or links < 20 or len(named) < 20:
-    faults.append(f"too little was found: {len(documents)} documents, {links} links, {len(named)} tests")
+# Where records are explained it is said that they are to be zeroed.
+header = (source / "include" / "pavo_zorv.h").read_text(encoding="utf-8")
+for name, text in (("include/pavo_zorv.h", header), ("README.md", readme),
+                   ("docs/getting_started.md", (source / "docs" / "getting_started.md").read_text(encoding="utf-8"))):
+    if "**Zero a record before you fill it" not in text:
+        faults.append(f"{name} does not say that a record is to be zeroed")
+
+# C programs that are shown do so: a record without an initialiser is the output of a function before all else.
+records = [name for name in re.findall(r"^typedef struct (\w+) {", header, re.MULTILINE) if not name.startswith("pavo_")]
+programs = {path.name: path.read_text(encoding="utf-8") for path in (source / "examples" / "c").glob("*.c")}
+for name in ("pavo_zorv.h", "pavo_zorv_memory.h"):
+    comments = (source / "include" / name).read_text(encoding="utf-8")
+    programs[name] = "\n".join(re.findall(r"@code{\.c}\n(.*?)@endcode", comments, re.DOTALL)).replace("\n * ", "\n")
+declared = {";": 0, " = ": 0}
+for name, program in programs.items():
+    for found in re.finditer(rf"^ *(?:{'|'.join(records)}) (\w+)(;| = )", program, re.MULTILINE):
+        declared[found[2]] += 1
+        use = re.search(rf"[^;{{}}]*\b{found[1]}\b", program[found.end():])
+        if found[2] == ";" and (use is None or not re.search(rf"\w\((?:.*, )?&{found[1]}$", use[0], re.DOTALL)):
+            faults.append(f"{name}: the record {found[1]} is filled without having been zeroed")
+
+if len(documents) < 10 or links < 20 or len(named) < 20 or len(records) != 31 or min(declared.values()) < 7:
+    faults.append(f"too little was found: {len(documents)} documents, {links} links, {len(named)} tests, "
+                  f"{len(records)} records, {declared} in programs")
 for fault in faults:
     print(fault, file=sys.stderr)
 sys.exit(1 if faults else 0)

@@ -253,6 +253,19 @@ TEST(nested, an_empty_record_without_the_outer_bit_is_not_written_and_takes_no_e
   EXPECT_EQ(whole.pieces(), (std::vector<piece>{whole.at(0, 2)}));
 }
 
+// Nobody set a member of the node or of the interface, but their memory is not zero.
+TEST(nested, what_a_record_that_was_not_zeroed_holds_inside_is_written) {
+  api_to_zorv message;
+  std::memset(&message, 0xa5, sizeof message);
+  message.field3 = 1;
+  message.presence = API_TO_ZORV_HAS_FIELD3;
+  EXPECT_EQ(show(encoded(message)), "0a 06 08 a5 cb 96 ad 0a 12 06 08 a5 cb 96 ad 0a 18 01");
+  message = {};
+  message.field3 = 1;
+  message.presence = API_TO_ZORV_HAS_FIELD3;
+  EXPECT_EQ(show(encoded(message)), "18 01");
+}
+
 TEST(nested, content_is_written_without_any_outer_bit_at_every_depth) {
   api_msg message{};
   message.to_igp.aa_list.field2 = 5;
