@@ -114,7 +114,8 @@
  *  @section copying Copying
  *
  *  `int duplicate(destination, source, allocate, context)` overwrites @p destination with a copy that owns all its
- *  memory, also of bytes members that @p source has only referenced. A null array counts as empty.
+ *  memory, also of bytes members that @p source has only referenced. What is copied goes by pointers, counts and
+ *  lengths, not by presence bits. A null array counts as empty, whatever its count; null bytes with a length do not.
  *
  *  - **Null:** neither record is null, and they are two. @p allocate may be null: it counts as one that gives nothing.
  *  - **Ownership:** as after decoding. What @p destination held before is overwritten, not released.
@@ -125,9 +126,9 @@
  *
  *  @section releasing Releasing
  *
- *  `void free_ext(record, release, context[, options])` releases in field order what the record owns, not the record
- *  itself, and sets each released pointer to null. The counts of lists of messages become 0; other counts, lengths and
- *  the presence bits stay, so clear a record before it is used again.
+ *  `void free_ext(record, release, context[, options])` releases in field order what the record owns, whatever its
+ *  presence bits, not the record itself, and sets each released pointer to null. The counts of lists of messages become
+ *  0; other counts, lengths and the presence bits stay, so zero a record before it is filled again.
  *
  *  - **Null:** @p record is not null. A null @p release releases nothing but still sets the pointers, for allocators
  *    that free in bulk. @p release is never called with null.
@@ -147,11 +148,29 @@
  *  - **Memory:** none is asked for. Less than 4 KB of stack.
  *  - **Errors:** none. Returns 0 for equal, else a number whose sign alone has a meaning.
  *
+ *  @section misuse What a caller must not do
+ *
+ *  Input that is given to `decode_ext` may hold anything. The rest is taken on trust: nothing of the following is
+ *  checked, and what comes of it is undefined.
+ *  - **A record with members that nobody wrote,** because it was neither zeroed nor the output of `decode_ext` or
+ *    `duplicate`: see @ref records.
+ *  - **Memory that overlaps.** The output buffer, the table and the count share nothing with each other, nor with the
+ *    record and what it leads to; a record that is written shares nothing with the input, or with the record that is
+ *    copied. A record that was decoded in reference mode is not encoded into the buffer that it was read from: this
+ *    works while messages are small, and spoils larger ones.
+ *  - **Null with a count, a length or a presence bit.** An array that is null with a count, in `encode_ext` and
+ *    `compare`; bytes that are null with a length, in `duplicate` and `compare`, though `encode_ext` takes them; a
+ *    string that is null with its presence bit set in both records, in `compare`; an input that is null with a length.
+ *  - **Callbacks that throw, leave by `longjmp`, or read or change the records that the call works on.** A copy that is
+ *    left halfway still holds pointers of its source.
+ *  - **Releasing what the allocator did not give:** literals, arrays on the stack, blocks that were released as another
+ *    record's, to which this one was assigned; or the input, by `free_ext` without the options that `decode_ext` had.
+ *
  *  @section threads Threads
  *
  *  The library keeps no state. Calls on different records may run at the same time; a record must not be changed while
  *  another thread uses it, and may be read by any number. Callbacks run on the caller's thread, between the call and
- *  its return, and must not throw.
+ *  its return.
  */
 #ifndef PAVO_ZORV_H
 #define PAVO_ZORV_H

@@ -1058,6 +1058,20 @@ TEST(duplicate, bytes_without_octets_are_null_and_keep_their_bit) {
   }
 }
 
+TEST(duplicate, a_null_array_counts_as_empty_in_every_message_whatever_its_count) {
+  duplicated<api_lbl_stack> stack({nullptr, 3, API_LBL_STACK_HAS_LABELS});
+  EXPECT_EQ(stack.result, CODEC_OK);
+  EXPECT_EQ(stack->label_count, 0u);
+  EXPECT_EQ(stack->presence & 1, API_LBL_STACK_HAS_LABELS);
+  EXPECT_EQ(stack.memory.requests(), 0u);
+  duplicated<api_exp_path> path({nullptr, 3, 5, API_EXP_PATH_HAS_HOPS | API_EXP_PATH_HAS_FIELD2});
+  EXPECT_EQ(path.result, CODEC_OK);
+  EXPECT_EQ(path->hop_count, 0u);
+  EXPECT_EQ(path->field2, 5u);
+  EXPECT_EQ(path->presence & 3, API_EXP_PATH_HAS_HOPS | API_EXP_PATH_HAS_FIELD2);
+  EXPECT_EQ(path.memory.requests(), 0u);
+}
+
 TEST(duplicate, bytes_that_are_null_are_asked_for_by_their_length_and_empty_where_there_is_no_memory) {
   for (const std::uint64_t length : {std::uint64_t{3}, std::uint64_t{1} << 32}) {
     api_msg message{};
