@@ -90,7 +90,9 @@
  *  @p segment_count, if not null, holds the capacity of @p segments on entry and receives the number of entries that
  *  the whole encoding needs; entries beyond the capacity are not written. There is one entry for every message, nested
  *  or outermost, whose encoding is not empty: its first octet and its length. A nested message's entries come before
- *  those of the message that contains it.
+ *  those of the message that contains it. Lengths are those of the whole encoding, whatever fits into the buffer. The
+ *  outermost message starts at @p buffer; the start of a nested one is null when @p buffer is, and when the message
+ *  begins at or after the end of the buffer.
  *
  *  - **Null:** @p in is not null. A null @p buffer measures, whatever @p length. Without @p segment_count there is no
  *    table work; a null @p segments counts as capacity 0.
@@ -107,8 +109,9 @@
  *  - `decode_ext` lets them point into @p buffer, which must outlive the record, and needs no memory for them;
  *  - `encode_ext` writes key and length but not the octets, and does not count them; with a segment count, and a length
  *    that is not 0, the message's entry is replaced by: the message up to and including the length; the referenced
- *    octets; and what the message writes behind them, if anything, as the last of its entries. The length prefix of a
- *    containing message leaves referenced octets out;
+ *    octets; and what the message writes behind them, if anything, as the last of its entries. The `start` of that last
+ *    piece is computed as a number: the message's own start, be it null, plus the bytes that the message has written up
+ *    to there. The length prefix of a containing message leaves referenced octets out;
  *  - `free_ext` leaves them as they are. Pass it the options that `decode_ext` had.
  *
  *  @section copying Copying
@@ -213,8 +216,8 @@ typedef void (*pavo_zorv_release)(void *block, void *context);
 
 /** One entry of the segment table: see @ref encoding. */
 typedef struct pavo_zorv_segment {
-  const unsigned char *start; /**< First octet; for an encoding without a buffer, its position as a number. */
-  uint64_t length; /**< Octets. */
+  const unsigned char *start; /**< First octet, or null where there is no buffer for it; see also @ref referencing. */
+  uint64_t length; /**< Octets, whatever of them fits into the buffer. */
 } pavo_zorv_segment;
 
 /** @name Addresses and label stacks

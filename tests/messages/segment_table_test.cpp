@@ -213,6 +213,33 @@ TEST(segment_table, a_measuring_call_gives_entries_without_starts) {
   }
 }
 
+// Only the piece after the bytes has a start: how much of its own message comes before it.
+TEST(segment_table, a_measuring_call_by_reference_gives_the_places_of_last_pieces_within_their_messages) {
+  unsigned char data[] = {1, 2, 3};
+  srv6_usid usids[2]{};
+  usids[0].field1 = 5;
+  usids[0].prefix = {data, 3, 300, 3};
+  usids[0].presence = SRV6_USID_HAS_FIELD1 | SRV6_USID_HAS_PREFIX;
+  usids[1] = usids[0];
+  const out_srv6_usid_list_info list{usids, 2, OUT_SRV6_USID_LIST_INFO_HAS_USIDS};
+  EXPECT_EQ(show(encoded(list, reference)), "0a 09 08 05 1a 05 0a 03 10 ac 02 0a 09 08 05 1a 05 0a 03 10 ac 02");
+  for (const std::size_t length : {0u, 5u, 100u}) {
+    table segments(9);
+    EXPECT_EQ(operations<out_srv6_usid_list_info>::encode(&list, nullptr, length, segments.entries(), &segments.count,
+                                                          reference),
+              22u);
+    EXPECT_EQ(segments.pieces(), (std::vector<piece>{{nullptr, 2},
+                                                     {data, 3},
+                                                     part(2, 3),
+                                                     {nullptr, 9},
+                                                     {nullptr, 2},
+                                                     {data, 3},
+                                                     part(2, 3),
+                                                     {nullptr, 9},
+                                                     {nullptr, 22}}));
+  }
+}
+
 TEST(segment_table, the_count_is_written_back_by_every_message_also_when_it_is_0) {
   const auto count_of = [](const auto &record) {
     using Record = std::remove_cvref_t<decltype(record)>;
