@@ -104,8 +104,8 @@
  *
  *  @section referencing Reference mode
  *
- *  Nine message types take an options word, always as the last argument; bit 0 is `PAVO_ZORV_REFERENCE`, the other
- *  bits mean nothing. In reference mode bytes members are not copied:
+ *  Nine message types take an options word, as the last argument of `decode_ext`, `encode_ext` and `free_ext`; bit 0 is
+ *  `PAVO_ZORV_REFERENCE`, the other bits mean nothing. In reference mode bytes members are not copied:
  *  - `decode_ext` lets them point into @p buffer, which must outlive the record, and needs no memory for them;
  *  - `encode_ext` writes key and length but not the octets, and does not count them; with a segment count, and a length
  *    that is not 0, the message's entry is replaced by: the message up to and including the length; the referenced
