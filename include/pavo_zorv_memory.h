@@ -59,8 +59,8 @@ typedef union pavo_zorv_alignment {
 
 /** @name Bounds
  *  What any input, hostile ones included, can make `decode_ext` ask for. The worst is a list of policies that hold
- *  nothing: 72 octets of memory for 2 octets of input. A record that is copied with `duplicate` asks for no more than
- *  the decoding of its octets did.
+ *  nothing: 72 octets of memory for 2 octets of input. Copying what was decoded with `duplicate` asks for no more than
+ *  decoding it did, or than decoding it without reference mode would have: the bounds hold for it as well.
  *  @{ */
 
 /** Octets of memory that decoding asks for, per octet of input, at most; what a pool loses to alignment included. */

@@ -54,6 +54,24 @@ TEST(bounds, are_reached_by_a_list_of_empty_policies_and_by_nothing_less) {
   }
 }
 
+// By reference nothing is asked for bytes; the copy owns them.
+TEST(bounds, of_decoding_hold_for_a_copy_of_what_was_decoded_by_reference_though_that_asked_for_less) {
+  const test::fenced_block input(test::hex("0a 04 01 02 03 04"));
+  srv6_prefix record, copy;
+  pavo_zorv_counter decoding, copying;
+  pavo_zorv_counter_init(&decoding, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr);
+  pavo_zorv_counter_init(&copying, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr);
+  ASSERT_EQ(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), pavo_zorv_counter_allocate, &decoding,
+                                             PAVO_ZORV_REFERENCE),
+            CODEC_OK);
+  EXPECT_EQ(decoding.requests, 0u);
+  ASSERT_EQ(pavo_zorv_srv6_prefix_duplicate(&copy, &record, pavo_zorv_counter_allocate, &copying), CODEC_OK);
+  EXPECT_EQ(copying.requests, 1u);
+  EXPECT_EQ(copying.octets, 4u);
+  pavo_zorv_srv6_prefix_free_ext(&copy, pavo_zorv_counter_release, &copying, 0);
+  EXPECT_EQ(copying.live, 0u);
+}
+
 using hostile = test::law;
 
 const octets &hostile_input(test::dice &dice, const test::message_type &type) {
@@ -88,14 +106,26 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
     ASSERT_LE(counter.requests * PAVO_ZORV_OCTETS_PER_REQUEST, input.size());
     decoded += result == CODEC_OK;
 
-    // A copy asks for no more, and what is charged for it comes back.
-    pavo_zorv_budget budget;
-    pavo_zorv_budget_init(&budget, input.size() * PAVO_ZORV_BUDGET_PER_OCTET, pavo_zorv_heap_allocate,
-                          pavo_zorv_heap_release, nullptr);
-    const auto copy = room_for(type);
-    ASSERT_EQ(type.duplicate(copy.get(), record.get(), pavo_zorv_budget_allocate, &budget), CODEC_OK);
-    type.free(copy.get(), pavo_zorv_budget_release, &budget, 0);
-    ASSERT_EQ(budget.spent, 0u);
+    // A copy asks for no more, also of what was decoded by reference, and what is charged for it comes back.
+    const auto referenced = room_for(type);
+    test::accountant strings_and_lists;
+    ASSERT_EQ(type.decode(referenced.get(), input.data(), input.size(), test::accountant::allocate, &strings_and_lists,
+                          PAVO_ZORV_REFERENCE),
+              result);
+    for (void *const source : {static_cast<void *>(record.get()), static_cast<void *>(referenced.get())}) {
+      pavo_zorv_budget budget;
+      pavo_zorv_budget_init(&budget, input.size() * PAVO_ZORV_BUDGET_PER_OCTET, pavo_zorv_heap_allocate,
+                            pavo_zorv_heap_release, nullptr);
+      pavo_zorv_counter copies;
+      pavo_zorv_counter_init(&copies, pavo_zorv_budget_allocate, pavo_zorv_budget_release, &budget);
+      const auto copy = room_for(type);
+      ASSERT_EQ(type.duplicate(copy.get(), source, pavo_zorv_counter_allocate, &copies), CODEC_OK);
+      ASSERT_LE(copies.octets, counter.octets);
+      ASSERT_LE(copies.requests, counter.requests);
+      type.free(copy.get(), pavo_zorv_counter_release, &copies, 0);
+      ASSERT_EQ(budget.spent, 0u);
+    }
+    type.free(referenced.get(), test::accountant::release, &strings_and_lists, PAVO_ZORV_REFERENCE);
   });
   if (test::is_tried_in_full()) {
     EXPECT_GT(decoded, 20u) << "input that is always refused shows little";
