@@ -77,7 +77,9 @@
  *    input; an array or a string is asked for once, in its final size. Less than 4 KB of stack. The work is linear in
  *    @p length.
  *  - **Errors:** `CODEC_OK` or the first failure, a `pavo_zorv_result`. In either case the record is defined, holds
- *    what was read so far, and is to be given to `free_ext`.
+ *    what was read so far, and is to be given to `free_ext`. After `CODEC_OK` an absent member is 0 or null. After a
+ *    failure inside a nested message, or inside an element of a list, what was read of it is there, but no presence bit
+ *    is set for it: `encode_ext` would write that content of a nested message, and nothing of the list.
  *
  *  @section encoding Encoding
  *

@@ -435,6 +435,22 @@ TEST(decode, a_nested_message_that_fails_keeps_what_it_read_without_the_outer_bi
   EXPECT_EQ(internal->service.presence & 7, API_MSG_SERVICE_HAS_FIELD2);
 }
 
+TEST(decode, what_a_nested_message_read_before_it_failed_is_written_again_and_nothing_of_a_list) {
+  decoded<policy_binding_sid_t> binding(hex("0a 03 08 05 0d"));
+  EXPECT_EQ(binding.result, CODEC_ERR_WRONG_WIRE_TYPE);
+  EXPECT_EQ(binding->presence & 3, 0);
+  EXPECT_EQ(show(encoded(binding.record)), "0a 02 08 05");
+  decoded<api_exp_path> path(hex("10 05 0a 02 08 05 0a 01 0d"));
+  EXPECT_EQ(path.result, CODEC_ERR_WRONG_WIRE_TYPE);
+  EXPECT_EQ(path->hop_count, 2u);
+  EXPECT_EQ(show(encoded(path.record)), "10 05");
+  // An interface whose name is cut off, in front of what is not reached.
+  decoded<api_to_zorv> message(hex("12 05 08 07 12 02 61 18 01"));
+  EXPECT_EQ(message.result, CODEC_ERR_TRUNCATED);
+  EXPECT_EQ(message->presence & 7, 0);
+  EXPECT_EQ(show(encoded(message.record)), "12 02 08 07");
+}
+
 TEST(decode, a_failure_keeps_what_was_read_before_and_stops_there) {
   struct example {
     const char *bytes;
