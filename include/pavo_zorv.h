@@ -47,7 +47,7 @@
  *
  *  | kind | record | wire form |
  *  |---|---|---|
- *  | flag | one byte | varint; read as 0 or 1, written as the stored byte, whatever it is |
+ *  | flag | one byte, 0 or 1 | varint; read as 0 or 1, written as the stored byte, whatever it is |
  *  | unsigned 8-bit, 32-bit, 64-bit | the integer | varint; wider values are cut when read |
  *  | signed 32-bit | the integer | varint of its 32-bit pattern: at most 5 octets, also when negative |
  *  | signed 64-bit | the integer | varint of its 64-bit pattern: 10 octets when negative |
@@ -66,8 +66,13 @@
  *  fields until @p length octets are used up. Fields may come in any order. A number or a nested message that comes
  *  again replaces the earlier one; what an earlier nested message owned is not released, so callers that accept
  *  repeated ones want an allocator that frees in bulk. A string or bytes that comes again, and a list whose elements do
- *  not stand together, fail. Unknown fields are skipped; one that runs past the end of the input ends the decoding in
- *  good order. Strings are copied with a NUL behind them; a NUL inside shortens them for every later use.
+ *  not stand together, fail. Keys and lengths are read as 32-bit numbers: what is above is dropped, like the upper bits
+ *  of a value that is wider than its member. Strings are copied with a NUL behind them; a NUL inside shortens them for
+ *  every later use.
+ *
+ *  Unknown fields are skipped. One of wire type 1, 2 or 5 that runs past the end of the input ends the decoding with
+ *  `CODEC_OK`; a varint or a length that is cut off is `CODEC_ERR_TRUNCATED`, and wire types 3, 4, 6 and 7 are
+ *  `CODEC_ERR_BAD_WIRE_TYPE`, as no one can tell where such a field ends.
  *
  *  - **Null:** @p out is not null. @p buffer may be when @p length is 0. @p allocate may be: the first field that needs
  *    memory then fails. @p context is only handed on.
@@ -85,9 +90,13 @@
  *
  *  `size_t encode_ext(in, buffer, length, segments, segment_count[, options])` writes the fields in ascending order and
  *  returns the length of the whole encoding, whatever fitted. Into a buffer that is too short goes what fits; a string
- *  or bytes that does not fit whole is left out. No octet behind the encoding is touched. Numbers and flags are written
- *  when their presence bit is set; strings when the pointer is not null as well; lists when the count is not 0 as well;
- *  a nested message when its bit is set or its encoding is not empty.
+ *  or bytes that does not fit whole is left out. No octet behind the encoding is touched.
+ *
+ *  Numbers and flags are written when their presence bit is set, whatever their value, and so are bytes, whatever their
+ *  pointer and length: where the pointer is null, their place in the buffer is left as it is. Strings are written when
+ *  the pointer is not null as well; lists when the count is not 0 as well; a nested message when its bit is set or its
+ *  encoding is not empty. The lengths of strings, bytes and nested messages are written from their low 32 bits: one of
+ *  4 GiB or more makes an encoding that no decoder reads as it was meant.
  *
  *  @p segment_count, if not null, holds the capacity of @p segments on entry and receives the number of entries that
  *  the whole encoding needs; entries beyond the capacity are not written. There is one entry for every message, nested
@@ -144,8 +153,9 @@
  *  @section comparing Comparing
  *
  *  `int compare(a, b)` compares field by field: a present member is greater than an absent one, then the values decide,
- *  lists element by element and then by count. Nested messages are compared only where both bits of the containing
- *  record are set.
+ *  lists element by element and then by count. Flags are compared as the stored bytes, unsigned: 2 is greater than 1,
+ *  though both are read as 1. Nested messages are compared only where both bits of the containing record are set. What
+ *  `strcmp` or `memcmp` say of strings or bytes that differ is returned as it is; all else is 1 or -1.
  *
  *  - **Null:** neither record is null; they may be the same. A string whose presence bit is set on both sides is not
  *    null.

@@ -257,6 +257,127 @@ TEST(difference, keys_may_have_any_number_of_octets_here_and_5_there) {
   EXPECT_EQ(read_by_peer("api_addr", six), nullptr);
 }
 
+TEST(difference, keys_are_cut_to_32_bits_in_either) {
+  const octets bytes = hex("88 80 80 80 10 07");
+  decoded<api_addr> here(bytes);
+  ASSERT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(here->address, 7u);
+  const auto there = read_by_peer("api_addr", bytes);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(value_of(*there, 1), 7u);
+}
+
+TEST(difference, lengths_may_have_any_number_of_octets_here_and_5_there) {
+  const octets five = hex("12 82 80 80 80 00 61 62");
+  const octets six = hex("12 82 80 80 80 80 00 61 62");
+  for (const octets &bytes : {five, six}) {
+    decoded<api_intf> here(bytes);
+    ASSERT_EQ(here.result, CODEC_OK);
+    EXPECT_STREQ(here->field2, "ab");
+  }
+  const auto there = read_by_peer("api_intf", five);
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(text_of(*there, 2), "ab");
+  EXPECT_EQ(read_by_peer("api_intf", six), nullptr);
+}
+
+// 2^32 + 2, of a string, of bytes, of a nested message, and of an unknown field in front of another.
+TEST(difference, a_length_above_32_bits_is_cut_here_and_refused_there) {
+  const octets text = hex("12 82 80 80 80 10 61 62");
+  decoded<api_intf> interface(text);
+  ASSERT_EQ(interface.result, CODEC_OK);
+  EXPECT_STREQ(interface->field2, "ab");
+  EXPECT_EQ(read_by_peer("api_intf", text), nullptr);
+
+  const octets block = hex("0a 82 80 80 80 10 61 62");
+  decoded<srv6_prefix> prefix(block);
+  ASSERT_EQ(prefix.result, CODEC_OK);
+  EXPECT_EQ(prefix->field1_length, 2u);
+  EXPECT_EQ(read_by_peer("srv6_prefix", block), nullptr);
+
+  const octets nested = hex("0a 82 80 80 80 10 08 09");
+  decoded<policy_binding_sid_t> binding(nested);
+  ASSERT_EQ(binding.result, CODEC_OK);
+  EXPECT_EQ(binding->sid.field1, 9u);
+  EXPECT_EQ(read_by_peer("policy_binding_sid_t", nested), nullptr);
+
+  const octets unknown = hex("12 82 80 80 80 10 61 62 08 07");
+  decoded<api_addr> address(unknown);
+  ASSERT_EQ(address.result, CODEC_OK);
+  EXPECT_EQ(address->address, 7u);
+  EXPECT_EQ(read_by_peer("api_addr", unknown), nullptr);
+}
+
+// A buffer for the key, the length and two bytes of four billion: what stands there is a message of its own.
+TEST(difference, a_length_of_4_gib_is_written_from_its_low_32_bits_and_read_so_there) {
+  if (sizeof(std::size_t) < 8) GTEST_SKIP() << "no encoding has more octets than 32 bits count";
+  srv6_prefix record = {};
+  record.field1_length = (std::uint64_t{1} << 32) + 2;
+  record.presence = SRV6_PREFIX_HAS_FIELD1;
+  const fenced_block start(4);
+  EXPECT_EQ(operations<srv6_prefix>::encode(&record, start.data(), 4, nullptr, nullptr), (std::uint64_t{1} << 32) + 4);
+  EXPECT_EQ(octets(start.data(), start.data() + 2), hex("0a 02"));
+  const auto there = read_by_peer("srv6_prefix", start.content());
+  ASSERT_NE(there, nullptr);
+  EXPECT_EQ(text_of(*there, 1).size(), 2u);
+}
+
+TEST(difference, an_unknown_field_whose_varint_or_length_is_cut_off_is_refused_in_either) {
+  for (const char *const bytes : {"08 01 a0 06", "08 01 a0 06 ff", "08 01 a2 06", "08 01 a2 06 ff"}) {
+    decoded<api_addr> here(hex(bytes));
+    EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED) << bytes;
+    EXPECT_EQ(read_by_peer("api_addr", hex(bytes)), nullptr) << bytes;
+  }
+}
+
+TEST(difference, an_unknown_field_of_wire_type_4_6_or_7_is_refused_in_either) {
+  for (const char *const bytes : {"08 01 a4 06", "08 01 a6 06 00", "08 01 a7 06 00"}) {
+    decoded<api_addr> here(hex(bytes));
+    EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE) << bytes;
+    EXPECT_EQ(read_by_peer("api_addr", hex(bytes)), nullptr) << bytes;
+  }
+}
+
+// What the peer has of octets that it refuses, as it writes it.
+octets left_over_there(const char *name, const octets &bytes) {
+  const auto message = peer::instance().message(name);
+  EXPECT_FALSE(message->ParseFromArray(bytes.data(), static_cast<int>(bytes.size())));
+  return written(*message);
+}
+
+TEST(difference, what_a_nested_message_had_before_it_failed_is_written_again_in_either) {
+  const octets bytes = hex("0a 03 08 05 1f");
+  decoded<policy_binding_sid_t> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE);
+  EXPECT_EQ(here->presence & POLICY_BINDING_SID_T_HAS_SID, 0);
+  EXPECT_EQ(encoded(here.record), hex("0a 02 08 05"));
+  EXPECT_EQ(left_over_there("policy_binding_sid_t", bytes), hex("0a 02 08 05"));
+}
+
+TEST(difference, a_list_of_messages_that_failed_is_not_written_again_here) {
+  const octets bytes = hex("0a 02 08 05 0a 01 3f");
+  decoded<api_exp_path> here(bytes);
+  EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE);
+  EXPECT_EQ(here->hop_count, 2u);
+  EXPECT_EQ(encoded(here.record), octets{});
+  EXPECT_EQ(left_over_there("api_exp_path", bytes), hex("0a 02 08 05 0a 00"));
+}
+
+TEST(difference, flags_are_compared_as_they_are_stored_here_and_as_yes_or_no_there) {
+  api_msg_service two = {}, one = {};
+  two.field1 = 2;
+  one.field1 = 1;
+  two.presence = one.presence = API_MSG_SERVICE_HAS_FIELD1;
+  EXPECT_GT(operations<api_msg_service>::compare(&two, &one), 0);
+  const auto two_there = read_by_peer("api_msg_service", encoded(two));
+  const auto one_there = read_by_peer("api_msg_service", encoded(one));
+  ASSERT_NE(two_there, nullptr);
+  ASSERT_NE(one_there, nullptr);
+  EXPECT_EQ(difference_of(*two_there, *one_there), "");
+  decoded<api_msg_service> two_here(encoded(two)), one_here(encoded(one));
+  EXPECT_EQ(operations<api_msg_service>::compare(&two_here.record, &one_here.record), 0) << "once they were read";
+}
+
 TEST(difference, a_nested_message_with_content_is_written_without_its_presence_bit) {
   policy_binding_sid_t record = {};
   record.sid.field1 = 7;
