@@ -213,6 +213,12 @@ TEST(difference, an_unknown_field_that_runs_past_the_end_is_accepted_here) {
     EXPECT_EQ(here->address, 1u);
     EXPECT_EQ(read_by_peer("api_addr", hex(bytes)), nullptr) << bytes;
   }
+  // In a nested message, which ends there; what comes after it is read.
+  const octets nested = hex("0a 02 1a 64 10 05");
+  decoded<policy_binding_sid_t> here(nested);
+  EXPECT_EQ(here.result, CODEC_OK);
+  EXPECT_EQ(here->field2, 5u);
+  EXPECT_EQ(read_by_peer("policy_binding_sid_t", nested), nullptr);
 }
 
 TEST(difference, unknown_fields_are_dropped_here_and_kept_there) {
@@ -386,6 +392,21 @@ TEST(difference, a_nested_message_with_content_is_written_without_its_presence_b
   const auto there = read_by_peer("policy_binding_sid_t", encoded(record));
   ASSERT_NE(there, nullptr);
   EXPECT_TRUE(has(*there, 1));
+}
+
+TEST(difference, a_nested_message_with_content_is_not_compared_without_its_presence_bit) {
+  policy_binding_sid_t record = {};
+  const policy_binding_sid_t empty = {};
+  record.sid.field1 = 7;
+  record.sid.presence = PREFIX_SID_TYPE_HAS_FIELD1;
+  EXPECT_EQ(operations<policy_binding_sid_t>::compare(&record, &empty), 0);
+  EXPECT_EQ(encoded(record), hex("0a 02 08 07"));
+  EXPECT_EQ(encoded(empty), octets{});
+  const auto there = read_by_peer("policy_binding_sid_t", encoded(record));
+  const auto empty_there = read_by_peer("policy_binding_sid_t", encoded(empty));
+  ASSERT_NE(there, nullptr);
+  ASSERT_NE(empty_there, nullptr);
+  EXPECT_NE(difference_of(*there, *empty_there), "");
 }
 
 // The pieces of an encoding in reference mode, one after another as they are sent.
