@@ -57,7 +57,7 @@ struct stretch {
 // odd key takes fifteen times as long. What visits is handed back, so that it stays in registers elsewhere.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const octet *at, const octet *end, Visit visit) {
-  for (unsigned regular = 0; regular < 8;) {
+  for (unsigned regular = 0; regular < 16;) {
     const auto [next, value] = read_varint<std::uint32_t>(at, end);
     if (next == nullptr) return {nullptr, true, visit};
     visit.element(value);
