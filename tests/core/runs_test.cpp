@@ -306,7 +306,7 @@ class both_writers : public ::testing::Test {
     octet *const start = block.data() + block.size() - size;
     if (size != 0) std::memcpy(start, elements.data(), size);
     const auto *const data = reinterpret_cast<const Element *>(start);
-    const std::size_t values = pavo_zorv::plain::measure_integers(data, elements.size());
+    const std::size_t values = static_cast<std::size_t>(pavo_zorv::plain::measure_integers(data, elements.size()));
     ASSERT_EQ(pavo_zorv::measure_integers(data, elements.size()), values) << ::testing::PrintToString(elements);
     const std::size_t length = elements.size() * key_size + values;
     octets plain(before + length + 16, 0xc7), fast = plain;
