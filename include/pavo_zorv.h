@@ -196,10 +196,30 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** What the library exports. */
 #if defined(__GNUC__)
 #define PAVO_ZORV_API __attribute__((visibility("default")))
 #else
 #define PAVO_ZORV_API
+#endif
+
+/** Compilers warn where the result of such a function is ignored; a cast to void ignores it on purpose. Before C++17
+ *  and C23, GCC takes the same attribute as an extension: its own, `warn_unused_result`, would warn of the cast too. */
+#if (defined(__cplusplus) && __cplusplus >= 201703L) || (defined(__STDC_VERSION__) && __STDC_VERSION__ > 201710L)
+#define PAVO_ZORV_NODISCARD [[nodiscard]]
+#elif defined(__clang__)
+#define PAVO_ZORV_NODISCARD __attribute__((warn_unused_result))
+#elif defined(__GNUC__) && __GNUC__ >= 10
+#define PAVO_ZORV_NODISCARD __extension__ [[nodiscard]]
+#else
+#define PAVO_ZORV_NODISCARD
+#endif
+
+/** No function throws, and C++ knows. */
+#ifdef __cplusplus
+#define PAVO_ZORV_NOEXCEPT noexcept
+#else
+#define PAVO_ZORV_NOEXCEPT
 #endif
 
 #ifdef __cplusplus
@@ -265,41 +285,47 @@ typedef struct api_lbl_stack {
 } api_lbl_stack;
 
 /** Decodes an `api_addr` from @p buffer: see @ref decoding. Never calls @p allocate. */
-PAVO_ZORV_API int pavo_zorv_api_addr_decode_ext(
-    api_addr *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_addr_decode_ext(
+    api_addr *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_addr` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_addr_encode_ext(
-    const api_addr *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_addr *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_addr` with all that it owns: see @ref copying. Always `CODEC_OK`. */
-PAVO_ZORV_API int pavo_zorv_api_addr_duplicate(
-    api_addr *destination, const api_addr *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_addr_duplicate(
+    api_addr *destination, const api_addr *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_addr` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_api_addr_free_ext(api_addr *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_addr_free_ext(api_addr *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_addr` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_addr_compare(const api_addr *a, const api_addr *b);
+PAVO_ZORV_API int pavo_zorv_api_addr_compare(const api_addr *a, const api_addr *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_lbl_stack` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_lbl_stack_decode_ext(
-    api_lbl_stack *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_lbl_stack_decode_ext(
+    api_lbl_stack *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_lbl_stack` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_lbl_stack_encode_ext(
     const api_lbl_stack *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_lbl_stack` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_lbl_stack_duplicate(
-    api_lbl_stack *destination, const api_lbl_stack *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_lbl_stack_duplicate(
+    api_lbl_stack *destination, const api_lbl_stack *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_lbl_stack` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_lbl_stack_free_ext(api_lbl_stack *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_lbl_stack_free_ext(api_lbl_stack *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_lbl_stack` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_lbl_stack_compare(const api_lbl_stack *a, const api_lbl_stack *b);
+PAVO_ZORV_API int pavo_zorv_api_lbl_stack_compare(const api_lbl_stack *a, const api_lbl_stack *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -338,44 +364,50 @@ typedef struct policy_binding_sid_t {
 } policy_binding_sid_t;
 
 /** Decodes a `prefix_sid_type` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_prefix_sid_type_decode_ext(
-    prefix_sid_type *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_prefix_sid_type_decode_ext(
+    prefix_sid_type *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes a `prefix_sid_type` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_prefix_sid_type_encode_ext(
     const prefix_sid_type *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies a `prefix_sid_type` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_prefix_sid_type_duplicate(
-    prefix_sid_type *destination, const prefix_sid_type *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_prefix_sid_type_duplicate(
+    prefix_sid_type *destination, const prefix_sid_type *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what a `prefix_sid_type` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_prefix_sid_type_free_ext(
-    prefix_sid_type *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_prefix_sid_type_free_ext(prefix_sid_type *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `prefix_sid_type` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_prefix_sid_type_compare(const prefix_sid_type *a, const prefix_sid_type *b);
+PAVO_ZORV_API int pavo_zorv_prefix_sid_type_compare(const prefix_sid_type *a, const prefix_sid_type *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Decodes a `policy_binding_sid_t` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_decode_ext(
-    policy_binding_sid_t *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_decode_ext(
+    policy_binding_sid_t *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes a `policy_binding_sid_t` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_policy_binding_sid_t_encode_ext(
     const policy_binding_sid_t *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies a `policy_binding_sid_t` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_duplicate(
-    policy_binding_sid_t *destination, const policy_binding_sid_t *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_duplicate(
+    policy_binding_sid_t *destination, const policy_binding_sid_t *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what a `policy_binding_sid_t` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_policy_binding_sid_t_free_ext(
-    policy_binding_sid_t *record, pavo_zorv_release release, void *context);
+    policy_binding_sid_t *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `policy_binding_sid_t` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_compare(const policy_binding_sid_t *a, const policy_binding_sid_t *b);
+PAVO_ZORV_API int pavo_zorv_policy_binding_sid_t_compare(const policy_binding_sid_t *a, const policy_binding_sid_t *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -423,40 +455,47 @@ typedef struct api_exp_path {
 } api_exp_path;
 
 /** Decodes an `api_exp_hop` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_exp_hop_decode_ext(
-    api_exp_hop *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_exp_hop_decode_ext(
+    api_exp_hop *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_exp_hop` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_exp_hop_encode_ext(
-    const api_exp_hop *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_exp_hop *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_exp_hop` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_exp_hop_duplicate(
-    api_exp_hop *destination, const api_exp_hop *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_exp_hop_duplicate(
+    api_exp_hop *destination, const api_exp_hop *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_exp_hop` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_exp_hop_free_ext(api_exp_hop *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_exp_hop_free_ext(api_exp_hop *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_exp_hop` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_exp_hop_compare(const api_exp_hop *a, const api_exp_hop *b);
+PAVO_ZORV_API int pavo_zorv_api_exp_hop_compare(const api_exp_hop *a, const api_exp_hop *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_exp_path` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_exp_path_decode_ext(
-    api_exp_path *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_exp_path_decode_ext(
+    api_exp_path *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_exp_path` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_exp_path_encode_ext(
-    const api_exp_path *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_exp_path *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_exp_path` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_exp_path_duplicate(
-    api_exp_path *destination, const api_exp_path *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_exp_path_duplicate(
+    api_exp_path *destination, const api_exp_path *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_exp_path` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_exp_path_free_ext(api_exp_path *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_exp_path_free_ext(api_exp_path *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_exp_path` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_exp_path_compare(const api_exp_path *a, const api_exp_path *b);
+PAVO_ZORV_API int pavo_zorv_api_exp_path_compare(const api_exp_path *a, const api_exp_path *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -517,67 +556,73 @@ typedef struct api_msg_on_demand_color_notif {
 } api_msg_on_demand_color_notif;
 
 /** Decodes an `api_msg_service` from @p buffer: see @ref decoding. Never calls @p allocate. */
-PAVO_ZORV_API int pavo_zorv_api_msg_service_decode_ext(
-    api_msg_service *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_service_decode_ext(
+    api_msg_service *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_service` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_service_encode_ext(
     const api_msg_service *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_service` with all that it owns: see @ref copying. Always `CODEC_OK`. */
-PAVO_ZORV_API int pavo_zorv_api_msg_service_duplicate(
-    api_msg_service *destination, const api_msg_service *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_service_duplicate(
+    api_msg_service *destination, const api_msg_service *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_service` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_api_msg_service_free_ext(
-    api_msg_service *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_msg_service_free_ext(api_msg_service *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_service` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_service_compare(const api_msg_service *a, const api_msg_service *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_service_compare(const api_msg_service *a, const api_msg_service *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_msg_internal` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_internal_decode_ext(
-    api_msg_internal *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_internal_decode_ext(
+    api_msg_internal *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_internal` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_internal_encode_ext(
     const api_msg_internal *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_internal` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_internal_duplicate(
-    api_msg_internal *destination, const api_msg_internal *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_internal_duplicate(
+    api_msg_internal *destination, const api_msg_internal *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_internal` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_internal_free_ext(
-    api_msg_internal *record, pavo_zorv_release release, void *context);
+    api_msg_internal *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_internal` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_internal_compare(const api_msg_internal *a, const api_msg_internal *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_internal_compare(const api_msg_internal *a, const api_msg_internal *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_msg_on_demand_color_notif` from @p buffer: see @ref decoding. Never calls @p allocate. */
-PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_decode_ext(
     api_msg_on_demand_color_notif *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context);
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_on_demand_color_notif` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_on_demand_color_notif_encode_ext(
     const api_msg_on_demand_color_notif *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_on_demand_color_notif` with all that it owns: see @ref copying. Always `CODEC_OK`. */
-PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_duplicate(
     api_msg_on_demand_color_notif *destination, const api_msg_on_demand_color_notif *source,
-    pavo_zorv_allocate allocate, void *context);
+    pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_on_demand_color_notif` owns: see @ref releasing. Does nothing: it owns nothing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_on_demand_color_notif_free_ext(
-    api_msg_on_demand_color_notif *record, pavo_zorv_release release, void *context);
+    api_msg_on_demand_color_notif *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_on_demand_color_notif` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_on_demand_color_notif_compare(
-    const api_msg_on_demand_color_notif *a, const api_msg_on_demand_color_notif *b);
+    const api_msg_on_demand_color_notif *a, const api_msg_on_demand_color_notif *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -645,27 +690,27 @@ typedef struct api_msg_p2p_auto_policy {
 } api_msg_p2p_auto_policy;
 
 /** Decodes an `api_msg_p2p_auto_policy` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_decode_ext(
     api_msg_p2p_auto_policy *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context, uint32_t options);
+    void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_p2p_auto_policy` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_encode_ext(
     const api_msg_p2p_auto_policy *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count, uint32_t options);
+    uint32_t *segment_count, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_p2p_auto_policy` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_duplicate(
     api_msg_p2p_auto_policy *destination, const api_msg_p2p_auto_policy *source, pavo_zorv_allocate allocate,
-    void *context);
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_p2p_auto_policy` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_free_ext(
-    api_msg_p2p_auto_policy *record, pavo_zorv_release release, void *context, uint32_t options);
+    api_msg_p2p_auto_policy *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_p2p_auto_policy` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_compare(
-    const api_msg_p2p_auto_policy *a, const api_msg_p2p_auto_policy *b);
+    const api_msg_p2p_auto_policy *a, const api_msg_p2p_auto_policy *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -743,27 +788,27 @@ typedef struct api_msg_p2p_auto_policy_notif {
 } api_msg_p2p_auto_policy_notif;
 
 /** Decodes an `api_msg_p2p_auto_policy_notif` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_decode_ext(
     api_msg_p2p_auto_policy_notif *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context);
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_p2p_auto_policy_notif` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_notif_encode_ext(
     const api_msg_p2p_auto_policy_notif *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_p2p_auto_policy_notif` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_duplicate(
     api_msg_p2p_auto_policy_notif *destination, const api_msg_p2p_auto_policy_notif *source,
-    pavo_zorv_allocate allocate, void *context);
+    pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_p2p_auto_policy_notif` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext(
-    api_msg_p2p_auto_policy_notif *record, pavo_zorv_release release, void *context);
+    api_msg_p2p_auto_policy_notif *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_p2p_auto_policy_notif` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_notif_compare(
-    const api_msg_p2p_auto_policy_notif *a, const api_msg_p2p_auto_policy_notif *b);
+    const api_msg_p2p_auto_policy_notif *a, const api_msg_p2p_auto_policy_notif *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -822,73 +867,74 @@ typedef struct api_msg_p2p_auto_policy_sweep {
 } api_msg_p2p_auto_policy_sweep;
 
 /** Decodes an `api_msg_p2p_auto_policy_request` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_decode_ext(
     api_msg_p2p_auto_policy_request *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context, uint32_t options);
+    void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_p2p_auto_policy_request` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_request_encode_ext(
     const api_msg_p2p_auto_policy_request *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count, uint32_t options);
+    uint32_t *segment_count, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_p2p_auto_policy_request` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_duplicate(
     api_msg_p2p_auto_policy_request *destination, const api_msg_p2p_auto_policy_request *source,
-    pavo_zorv_allocate allocate, void *context);
+    pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_p2p_auto_policy_request` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_request_free_ext(
-    api_msg_p2p_auto_policy_request *record, pavo_zorv_release release, void *context, uint32_t options);
+    api_msg_p2p_auto_policy_request *record, pavo_zorv_release release, void *context,
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_p2p_auto_policy_request` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_request_compare(
-    const api_msg_p2p_auto_policy_request *a, const api_msg_p2p_auto_policy_request *b);
+    const api_msg_p2p_auto_policy_request *a, const api_msg_p2p_auto_policy_request *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_msg_p2p_auto_policy_response` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_decode_ext(
     api_msg_p2p_auto_policy_response *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context);
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_p2p_auto_policy_response` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_response_encode_ext(
     const api_msg_p2p_auto_policy_response *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_p2p_auto_policy_response` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_duplicate(
     api_msg_p2p_auto_policy_response *destination, const api_msg_p2p_auto_policy_response *source,
-    pavo_zorv_allocate allocate, void *context);
+    pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_p2p_auto_policy_response` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_response_free_ext(
-    api_msg_p2p_auto_policy_response *record, pavo_zorv_release release, void *context);
+    api_msg_p2p_auto_policy_response *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_p2p_auto_policy_response` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_response_compare(
-    const api_msg_p2p_auto_policy_response *a, const api_msg_p2p_auto_policy_response *b);
+    const api_msg_p2p_auto_policy_response *a, const api_msg_p2p_auto_policy_response *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_msg_p2p_auto_policy_sweep` from @p buffer: see @ref decoding. Never calls @p allocate. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_decode_ext(
     api_msg_p2p_auto_policy_sweep *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context);
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_p2p_auto_policy_sweep` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_p2p_auto_policy_sweep_encode_ext(
     const api_msg_p2p_auto_policy_sweep *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_p2p_auto_policy_sweep` with all that it owns: see @ref copying. Always `CODEC_OK`. */
-PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_duplicate(
     api_msg_p2p_auto_policy_sweep *destination, const api_msg_p2p_auto_policy_sweep *source,
-    pavo_zorv_allocate allocate, void *context);
+    pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_p2p_auto_policy_sweep` owns: see @ref releasing. Does nothing: it owns nothing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_p2p_auto_policy_sweep_free_ext(
-    api_msg_p2p_auto_policy_sweep *record, pavo_zorv_release release, void *context);
+    api_msg_p2p_auto_policy_sweep *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_p2p_auto_policy_sweep` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_api_msg_p2p_auto_policy_sweep_compare(
-    const api_msg_p2p_auto_policy_sweep *a, const api_msg_p2p_auto_policy_sweep *b);
+    const api_msg_p2p_auto_policy_sweep *a, const api_msg_p2p_auto_policy_sweep *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -928,40 +974,46 @@ typedef struct api_prefix {
 } api_prefix;
 
 /** Decodes an `api_nodeid` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_nodeid_decode_ext(
-    api_nodeid *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_nodeid_decode_ext(
+    api_nodeid *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_nodeid` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_nodeid_encode_ext(
-    const api_nodeid *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_nodeid *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_nodeid` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_nodeid_duplicate(
-    api_nodeid *destination, const api_nodeid *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_nodeid_duplicate(
+    api_nodeid *destination, const api_nodeid *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_nodeid` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_nodeid_free_ext(api_nodeid *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_nodeid_free_ext(api_nodeid *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_nodeid` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_nodeid_compare(const api_nodeid *a, const api_nodeid *b);
+PAVO_ZORV_API int pavo_zorv_api_nodeid_compare(const api_nodeid *a, const api_nodeid *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_prefix` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_prefix_decode_ext(
-    api_prefix *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_prefix_decode_ext(
+    api_prefix *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_prefix` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_prefix_encode_ext(
-    const api_prefix *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_prefix *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_prefix` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_prefix_duplicate(
-    api_prefix *destination, const api_prefix *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_prefix_duplicate(
+    api_prefix *destination, const api_prefix *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_prefix` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_prefix_free_ext(api_prefix *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_prefix_free_ext(api_prefix *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_prefix` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_prefix_compare(const api_prefix *a, const api_prefix *b);
+PAVO_ZORV_API int pavo_zorv_api_prefix_compare(const api_prefix *a, const api_prefix *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1005,42 +1057,48 @@ typedef struct api_link_update {
 } api_link_update;
 
 /** Decodes an `api_intf` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_intf_decode_ext(
-    api_intf *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_intf_decode_ext(
+    api_intf *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_intf` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_intf_encode_ext(
-    const api_intf *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_intf *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_intf` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_intf_duplicate(
-    api_intf *destination, const api_intf *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_intf_duplicate(
+    api_intf *destination, const api_intf *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_intf` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_intf_free_ext(api_intf *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_intf_free_ext(api_intf *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_intf` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_intf_compare(const api_intf *a, const api_intf *b);
+PAVO_ZORV_API int pavo_zorv_api_intf_compare(const api_intf *a, const api_intf *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_link_update` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_link_update_decode_ext(
-    api_link_update *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_link_update_decode_ext(
+    api_link_update *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_link_update` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_link_update_encode_ext(
     const api_link_update *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_link_update` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_link_update_duplicate(
-    api_link_update *destination, const api_link_update *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_link_update_duplicate(
+    api_link_update *destination, const api_link_update *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_link_update` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_link_update_free_ext(
-    api_link_update *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_link_update_free_ext(api_link_update *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_link_update` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_link_update_compare(const api_link_update *a, const api_link_update *b);
+PAVO_ZORV_API int pavo_zorv_api_link_update_compare(const api_link_update *a, const api_link_update *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1080,22 +1138,25 @@ typedef struct api_policy {
 } api_policy;
 
 /** Decodes an `api_policy` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_policy_decode_ext(
-    api_policy *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_policy_decode_ext(
+    api_policy *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_policy` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_policy_encode_ext(
-    const api_policy *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_policy *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_policy` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_policy_duplicate(
-    api_policy *destination, const api_policy *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_policy_duplicate(
+    api_policy *destination, const api_policy *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_policy` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_policy_free_ext(api_policy *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_policy_free_ext(api_policy *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_policy` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_policy_compare(const api_policy *a, const api_policy *b);
+PAVO_ZORV_API int pavo_zorv_api_policy_compare(const api_policy *a, const api_policy *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1123,22 +1184,25 @@ typedef struct api_aa_list {
 } api_aa_list;
 
 /** Decodes an `api_aa_list` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_aa_list_decode_ext(
-    api_aa_list *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_aa_list_decode_ext(
+    api_aa_list *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_aa_list` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_aa_list_encode_ext(
-    const api_aa_list *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_aa_list *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_aa_list` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_aa_list_duplicate(
-    api_aa_list *destination, const api_aa_list *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_aa_list_duplicate(
+    api_aa_list *destination, const api_aa_list *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_aa_list` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_aa_list_free_ext(api_aa_list *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_aa_list_free_ext(api_aa_list *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_aa_list` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_aa_list_compare(const api_aa_list *a, const api_aa_list *b);
+PAVO_ZORV_API int pavo_zorv_api_aa_list_compare(const api_aa_list *a, const api_aa_list *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1184,40 +1248,46 @@ typedef struct api_to_igp {
 } api_to_igp;
 
 /** Decodes an `api_to_zorv` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_to_zorv_decode_ext(
-    api_to_zorv *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_to_zorv_decode_ext(
+    api_to_zorv *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_to_zorv` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_to_zorv_encode_ext(
-    const api_to_zorv *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_to_zorv *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_to_zorv` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_to_zorv_duplicate(
-    api_to_zorv *destination, const api_to_zorv *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_to_zorv_duplicate(
+    api_to_zorv *destination, const api_to_zorv *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_to_zorv` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_to_zorv_free_ext(api_to_zorv *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_to_zorv_free_ext(api_to_zorv *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_to_zorv` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_to_zorv_compare(const api_to_zorv *a, const api_to_zorv *b);
+PAVO_ZORV_API int pavo_zorv_api_to_zorv_compare(const api_to_zorv *a, const api_to_zorv *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `api_to_igp` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_to_igp_decode_ext(
-    api_to_igp *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_to_igp_decode_ext(
+    api_to_igp *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_to_igp` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_to_igp_encode_ext(
-    const api_to_igp *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count);
+    const api_to_igp *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_to_igp` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_to_igp_duplicate(
-    api_to_igp *destination, const api_to_igp *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_to_igp_duplicate(
+    api_to_igp *destination, const api_to_igp *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_to_igp` owns: see @ref releasing. */
-PAVO_ZORV_API void pavo_zorv_api_to_igp_free_ext(api_to_igp *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_api_to_igp_free_ext(api_to_igp *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_to_igp` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_to_igp_compare(const api_to_igp *a, const api_to_igp *b);
+PAVO_ZORV_API int pavo_zorv_api_to_igp_compare(const api_to_igp *a, const api_to_igp *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1245,24 +1315,27 @@ typedef struct api_msg_policy_reg {
 } api_msg_policy_reg;
 
 /** Decodes an `api_msg_policy_reg` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_decode_ext(
-    api_msg_policy_reg *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_decode_ext(
+    api_msg_policy_reg *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg_policy_reg` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_policy_reg_encode_ext(
     const api_msg_policy_reg *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg_policy_reg` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_duplicate(
-    api_msg_policy_reg *destination, const api_msg_policy_reg *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_duplicate(
+    api_msg_policy_reg *destination, const api_msg_policy_reg *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg_policy_reg` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_policy_reg_free_ext(
-    api_msg_policy_reg *record, pavo_zorv_release release, void *context);
+    api_msg_policy_reg *record, pavo_zorv_release release, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg_policy_reg` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_compare(const api_msg_policy_reg *a, const api_msg_policy_reg *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_policy_reg_compare(const api_msg_policy_reg *a, const api_msg_policy_reg *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1332,66 +1405,69 @@ typedef struct srv6_usid {
 } srv6_usid;
 
 /** Decodes a `srv6_prefix` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_srv6_prefix_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_srv6_prefix_decode_ext(
     srv6_prefix *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes a `srv6_prefix` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_srv6_prefix_encode_ext(
     const srv6_prefix *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies a `srv6_prefix` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_srv6_prefix_duplicate(
-    srv6_prefix *destination, const srv6_prefix *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_srv6_prefix_duplicate(
+    srv6_prefix *destination, const srv6_prefix *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what a `srv6_prefix` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_srv6_prefix_free_ext(
-    srv6_prefix *record, pavo_zorv_release release, void *context, uint32_t options);
+    srv6_prefix *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `srv6_prefix` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_srv6_prefix_compare(const srv6_prefix *a, const srv6_prefix *b);
+PAVO_ZORV_API int pavo_zorv_srv6_prefix_compare(const srv6_prefix *a, const srv6_prefix *b) PAVO_ZORV_NOEXCEPT;
 
 /** Decodes a `srv6_sid_struct` from @p buffer: see @ref decoding. Never calls @p allocate. */
-PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_decode_ext(
-    srv6_sid_struct *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_decode_ext(
+    srv6_sid_struct *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes a `srv6_sid_struct` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_srv6_sid_struct_encode_ext(
     const srv6_sid_struct *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count);
+    uint32_t *segment_count) PAVO_ZORV_NOEXCEPT;
 
 /** Copies a `srv6_sid_struct` with all that it owns: see @ref copying. Always `CODEC_OK`. */
-PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_duplicate(
-    srv6_sid_struct *destination, const srv6_sid_struct *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_duplicate(
+    srv6_sid_struct *destination, const srv6_sid_struct *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what a `srv6_sid_struct` owns: see @ref releasing. Does nothing: it owns nothing. */
-PAVO_ZORV_API void pavo_zorv_srv6_sid_struct_free_ext(
-    srv6_sid_struct *record, pavo_zorv_release release, void *context);
+PAVO_ZORV_API void pavo_zorv_srv6_sid_struct_free_ext(srv6_sid_struct *record, pavo_zorv_release release, void *context)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `srv6_sid_struct` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_compare(const srv6_sid_struct *a, const srv6_sid_struct *b);
+PAVO_ZORV_API int pavo_zorv_srv6_sid_struct_compare(const srv6_sid_struct *a, const srv6_sid_struct *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Decodes a `srv6_usid` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_srv6_usid_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_srv6_usid_decode_ext(
     srv6_usid *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes a `srv6_usid` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_srv6_usid_encode_ext(
     const srv6_usid *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies a `srv6_usid` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_srv6_usid_duplicate(
-    srv6_usid *destination, const srv6_usid *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_srv6_usid_duplicate(
+    srv6_usid *destination, const srv6_usid *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what a `srv6_usid` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_srv6_usid_free_ext(
-    srv6_usid *record, pavo_zorv_release release, void *context, uint32_t options);
+    srv6_usid *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `srv6_usid` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_srv6_usid_compare(const srv6_usid *a, const srv6_usid *b);
+PAVO_ZORV_API int pavo_zorv_srv6_usid_compare(const srv6_usid *a, const srv6_usid *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1434,48 +1510,50 @@ typedef struct out_srv6_usid_list_info {
 } out_srv6_usid_list_info;
 
 /** Decodes an `out_sid_list_info` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_out_sid_list_info_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_out_sid_list_info_decode_ext(
     out_sid_list_info *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `out_sid_list_info` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_out_sid_list_info_encode_ext(
     const out_sid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count, uint32_t options);
+    uint32_t *segment_count, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `out_sid_list_info` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_out_sid_list_info_duplicate(
-    out_sid_list_info *destination, const out_sid_list_info *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_out_sid_list_info_duplicate(
+    out_sid_list_info *destination, const out_sid_list_info *source, pavo_zorv_allocate allocate,
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `out_sid_list_info` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_out_sid_list_info_free_ext(
-    out_sid_list_info *record, pavo_zorv_release release, void *context, uint32_t options);
+    out_sid_list_info *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `out_sid_list_info` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_out_sid_list_info_compare(const out_sid_list_info *a, const out_sid_list_info *b);
+PAVO_ZORV_API int pavo_zorv_out_sid_list_info_compare(const out_sid_list_info *a, const out_sid_list_info *b)
+    PAVO_ZORV_NOEXCEPT;
 
 /** Decodes an `out_srv6_usid_list_info` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_decode_ext(
     out_srv6_usid_list_info *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate,
-    void *context, uint32_t options);
+    void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `out_srv6_usid_list_info` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_out_srv6_usid_list_info_encode_ext(
     const out_srv6_usid_list_info *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments,
-    uint32_t *segment_count, uint32_t options);
+    uint32_t *segment_count, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `out_srv6_usid_list_info` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_duplicate(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_duplicate(
     out_srv6_usid_list_info *destination, const out_srv6_usid_list_info *source, pavo_zorv_allocate allocate,
-    void *context);
+    void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `out_srv6_usid_list_info` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_out_srv6_usid_list_info_free_ext(
-    out_srv6_usid_list_info *record, pavo_zorv_release release, void *context, uint32_t options);
+    out_srv6_usid_list_info *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `out_srv6_usid_list_info` records: see @ref comparing. */
 PAVO_ZORV_API int pavo_zorv_out_srv6_usid_list_info_compare(
-    const out_srv6_usid_list_info *a, const out_srv6_usid_list_info *b);
+    const out_srv6_usid_list_info *a, const out_srv6_usid_list_info *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1512,25 +1590,25 @@ typedef struct oam_req {
 } oam_req;
 
 /** Decodes an `oam_req` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_oam_req_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_oam_req_decode_ext(
     oam_req *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `oam_req` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_oam_req_encode_ext(
     const oam_req *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `oam_req` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_oam_req_duplicate(
-    oam_req *destination, const oam_req *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_oam_req_duplicate(
+    oam_req *destination, const oam_req *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `oam_req` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_oam_req_free_ext(
-    oam_req *record, pavo_zorv_release release, void *context, uint32_t options);
+    oam_req *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `oam_req` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_oam_req_compare(const oam_req *a, const oam_req *b);
+PAVO_ZORV_API int pavo_zorv_oam_req_compare(const oam_req *a, const oam_req *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1568,25 +1646,25 @@ typedef struct oam_res {
 } oam_res;
 
 /** Decodes an `oam_res` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_oam_res_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_oam_res_decode_ext(
     oam_res *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `oam_res` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_oam_res_encode_ext(
     const oam_res *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `oam_res` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_oam_res_duplicate(
-    oam_res *destination, const oam_res *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_oam_res_duplicate(
+    oam_res *destination, const oam_res *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `oam_res` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_oam_res_free_ext(
-    oam_res *record, pavo_zorv_release release, void *context, uint32_t options);
+    oam_res *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `oam_res` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_oam_res_compare(const oam_res *a, const oam_res *b);
+PAVO_ZORV_API int pavo_zorv_oam_res_compare(const oam_res *a, const oam_res *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 
@@ -1652,25 +1730,25 @@ typedef struct api_msg {
 } api_msg;
 
 /** Decodes an `api_msg` from @p buffer: see @ref decoding. */
-PAVO_ZORV_API int pavo_zorv_api_msg_decode_ext(
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_decode_ext(
     api_msg *out, const unsigned char *buffer, size_t length, pavo_zorv_allocate allocate, void *context,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Encodes an `api_msg` into @p buffer, or measures it: see @ref encoding. */
 PAVO_ZORV_API size_t pavo_zorv_api_msg_encode_ext(
     const api_msg *in, unsigned char *buffer, size_t length, pavo_zorv_segment *segments, uint32_t *segment_count,
-    uint32_t options);
+    uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Copies an `api_msg` with all that it owns: see @ref copying. */
-PAVO_ZORV_API int pavo_zorv_api_msg_duplicate(
-    api_msg *destination, const api_msg *source, pavo_zorv_allocate allocate, void *context);
+PAVO_ZORV_NODISCARD PAVO_ZORV_API int pavo_zorv_api_msg_duplicate(
+    api_msg *destination, const api_msg *source, pavo_zorv_allocate allocate, void *context) PAVO_ZORV_NOEXCEPT;
 
 /** Releases what an `api_msg` owns: see @ref releasing. */
 PAVO_ZORV_API void pavo_zorv_api_msg_free_ext(
-    api_msg *record, pavo_zorv_release release, void *context, uint32_t options);
+    api_msg *record, pavo_zorv_release release, void *context, uint32_t options) PAVO_ZORV_NOEXCEPT;
 
 /** Orders two `api_msg` records: see @ref comparing. */
-PAVO_ZORV_API int pavo_zorv_api_msg_compare(const api_msg *a, const api_msg *b);
+PAVO_ZORV_API int pavo_zorv_api_msg_compare(const api_msg *a, const api_msg *b) PAVO_ZORV_NOEXCEPT;
 
 /** @} */
 

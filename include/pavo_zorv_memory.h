@@ -76,7 +76,7 @@ typedef union pavo_zorv_alignment {
 
 /** Returns the size of a block with which a pool, aligned or not, can serve the decoding of any input of @p length
  *  octets; `SIZE_MAX` if there is no such size. */
-PAVO_ZORV_INLINE_FUNCTION size_t pavo_zorv_pool_size_for(size_t length) {
+PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION size_t pavo_zorv_pool_size_for(size_t length) {
   const size_t lost = PAVO_ZORV_ALIGNMENT - 1;
   return length > (SIZE_MAX - lost) / PAVO_ZORV_MEMORY_PER_OCTET ? SIZE_MAX
                                                                  : length * PAVO_ZORV_MEMORY_PER_OCTET + lost;
@@ -128,7 +128,7 @@ PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_text(int result) {
  *  @{ */
 
 /** Gives a block of @p size octets from `malloc`; one of 1 octet for 0. */
-PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_heap_allocate(size_t size, void *context) {
+PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_heap_allocate(size_t size, void *context) {
   (void)context;
   return malloc(size != 0 ? size : 1);
 }
@@ -168,7 +168,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *b
 
 /** Gives @p size octets, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
  *  too small. The context is the pool. */
-PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
+PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
   pavo_zorv_pool *pool = PAVO_ZORV_CAST_(pavo_zorv_pool *, context);
   /* The rest may end in part of a unit, which nothing can be placed in. */
   const size_t rest = (pool->size - pool->used) & ~PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ALIGNMENT - 1);
@@ -218,7 +218,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(
 
 /** Gives a block, or null when the limit would be passed or the callback beneath gives none. The context is the budget.
  */
-PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(size_t size, void *context) {
+PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(size_t size, void *context) {
   pavo_zorv_budget *budget = PAVO_ZORV_CAST_(pavo_zorv_budget *, context);
   const size_t left = budget->spent < budget->limit ? budget->limit - budget->spent : 0;
   pavo_zorv_alignment *block;
@@ -277,7 +277,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(
 
 /** Gives a block, or null when this request is to fail or the callback beneath gives none. The context is the counter.
  */
-PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(size_t size, void *context) {
+PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(size_t size, void *context) {
   pavo_zorv_counter *counter = PAVO_ZORV_CAST_(pavo_zorv_counter *, context);
   const size_t request = counter->requests++;
   void *block;

@@ -41,8 +41,8 @@ def _header():
 def declarations(header):
     """What a header declares, without comments and all that only a compiler wants."""
     text = _COMMENT.sub(" ", header)
-    found = [match.group().replace("PAVO_ZORV_API", "") for match in _DECLARATION.finditer(text)]
-    return "\n".join(found)
+    found = "\n".join(match.group() for match in _DECLARATION.finditer(text))
+    return re.sub(r"\bPAVO_ZORV_(API|NOEXCEPT)\b", "", found)
 
 
 ffi = cffi.FFI()

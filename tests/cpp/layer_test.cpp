@@ -23,6 +23,27 @@ static_assert(std::is_convertible_v<std::string_view, zorv::octets>);
 static_assert(std::is_convertible_v<std::array<std::byte, 3>, zorv::octets>);
 static_assert(!std::is_convertible_v<std::vector<int>, zorv::octets>);
 
+// The C functions promise not to throw.
+template <class Function>
+constexpr bool never_throws(Function) {
+  return false;
+}
+template <class Result, class... Arguments>
+constexpr bool never_throws(Result (*)(Arguments...) noexcept) {
+  return true;
+}
+template <class Record>
+constexpr bool functions_never_throw() {
+  using functions = zorv::functions<Record>;
+  return never_throws(functions::decode) && never_throws(functions::encode) && never_throws(functions::duplicate) &&
+         never_throws(functions::free) && never_throws(functions::compare);
+}
+#define NEVER_THROW(message) static_assert(functions_never_throw<message>(), #message);
+PAVO_ZORV_MESSAGES(NEVER_THROW)
+#undef NEVER_THROW
+static_assert(!never_throws(pavo_zorv_allocate{}) && !never_throws(pavo_zorv_release{}),
+              "callbacks are plain pointers");
+
 // Interface 7, "eth0".
 const octets interface_octets = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
 // A micro-SID's prefix: three octets, and 64.

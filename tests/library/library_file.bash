@@ -22,7 +22,7 @@ case $what in
     exported > "$work/exported"
     grep -oE '\bpavo_zorv_[a-z0-9_]+\(' "$source/include/pavo_zorv.h" | grep -oE 'pavo_zorv_[a-z0-9_]+_(decode_ext|encode_ext|duplicate|free_ext|compare)\(' | tr -d '(' | sort -u > "$work/declared"
     # Every declaration, not only those that look like operations.
-    grep -cE '^PAVO_ZORV_API ' "$source/include/pavo_zorv.h" > "$work/declarations"
+    grep -cE '^(PAVO_ZORV_NODISCARD )?PAVO_ZORV_API ' "$source/include/pavo_zorv.h" > "$work/declarations"
     [ "$(cat "$work/declarations")" = "$(wc -l < "$work/declared")" ] || fail "the header declares something else as well"
     same "$work/exported" "$work/declared" "the library exports (<) something else than the header declares (>)"
     # Nothing but functions and the version node.
