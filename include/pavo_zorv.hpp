@@ -7,7 +7,7 @@
  *
  *  @code{.cpp}
  *  zorv::owned<api_msg> message;
- *  message.set<&api_msg::p2p_auto_policy_sweep, &api_msg_p2p_auto_policy_sweep::field1>(7);
+ *  message.set<&api_msg::p2p_auto_policy_sweep, &api_msg_p2p_auto_policy_sweep::field1>(7u);
  *  const std::vector<unsigned char> octets = zorv::encode(*message);
  *
  *  const auto received = zorv::decode<api_msg>(octets);
@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <limits>
 #include <memory_resource>
 #include <string_view>
 #include <type_traits>
@@ -299,6 +300,24 @@ struct member_types<Member Record::*> {
 template <auto Member, class Record>
 inline constexpr bool belongs = std::is_same_v<typename member_types<decltype(Member)>::record, Record>;
 
+// A member of one byte is a flag, but for these.
+template <auto Member>
+inline constexpr bool is_number_of_8_bits = false;
+template <>
+inline constexpr bool is_number_of_8_bits<&api_prefix::field2> = true;
+template <>
+inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field3> = true;
+template <>
+inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field4> = true;
+template <>
+inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field5> = true;
+template <>
+inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field6> = true;
+template <>
+inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field7> = true;
+template <>
+inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field8> = true;
+
 // All about the member that a pointer leads to.
 template <auto Member>
 struct member_traits {
@@ -311,6 +330,10 @@ struct member_traits {
   static constexpr bool is_bytes = is_array && takes<record, position + 1, wide_number>;
   static constexpr bool is_count = !is_array && position != 0 && is_array_at<record, position - (position != 0)>;
   static_assert(!is_presence && !is_count, "a count, a length or the presence flags: they have no presence bit");
+  static constexpr bool is_flag = std::is_same_v<type, std::uint8_t> && !is_number_of_8_bits<Member>;
+  static constexpr bool is_number = std::is_arithmetic_v<type>;
+  // What a flag or a number is in C++.
+  using value_type = std::conditional_t<is_flag, bool, type>;
   using presence_type = decltype(record::presence);
   // Fields are numbered by their members, but a count is no field.
   static constexpr std::size_t field = position - arrays_among<record>(std::make_index_sequence<position>{});
@@ -330,13 +353,116 @@ struct member_traits {
 }  // namespace detail
 /** @endcond */
 
+// --- Numbers that fit ---
+
+/** @cond */
+namespace detail {
+
+template <class Number>
+constexpr bool is_negative(Number number) noexcept {
+  if constexpr (std::is_signed_v<Number>) {
+    return number < 0;
+  } else {
+    return false;
+  }
+}
+
+template <class Number, class Value>
+constexpr bool fits(Value value) noexcept {
+  const auto number = static_cast<Number>(value);
+  return static_cast<Value>(number) == value && is_negative(number) == is_negative(value);
+}
+
+// Whether all values of a type fit. A flag takes nothing but `bool`.
+template <class Number, class Value>
+constexpr bool always_fits() noexcept {
+  if constexpr (std::is_same_v<Number, bool> || !std::is_integral_v<Value>) {
+    return std::is_same_v<Number, Value>;
+  } else {
+    return fits<Number>(std::numeric_limits<Value>::min()) && fits<Number>(std::numeric_limits<Value>::max());
+  }
+}
+
+// Called where a constant does not fit, which makes it no constant.
+inline void the_value_does_not_fit() noexcept {}
+
+}  // namespace detail
+/** @endcond */
+
+/** A constant as a value: `zorv::constant<7>` goes where a number is expected that can hold 7. */
+template <auto Value>
+inline constexpr std::integral_constant<decltype(Value), Value> constant{};
+
+/** What a number or a flag is set to: any of these converts to it.
+ *  - a value of a type all of whose values fit: `7u` for an unsigned member of 32 or 64 bits; for a flag, `bool` alone;
+ *  - a `zorv::constant` that fits;
+ *  - in C++20, where the compiler has `consteval`, any other constant that fits, such as 7.
+ *
+ *  Anything else does not compile: `try_set` is for values that may or may not fit. */
+template <class Number>
+class fitting {
+ public:
+  /** A value of a type that always fits. */
+  template <class Value, std::enable_if_t<detail::always_fits<Number, Value>(), int> = 0>
+  constexpr fitting(Value value) noexcept : number_(static_cast<Number>(value)) {}
+
+  /** A constant. */
+  template <class Value, Value Constant>
+  constexpr fitting(std::integral_constant<Value, Constant>) noexcept : number_(static_cast<Number>(Constant)) {
+    if constexpr (std::is_same_v<Number, bool>) {
+      static_assert(std::is_same_v<Value, bool>, "a flag takes bool");
+    } else {
+      static_assert(detail::fits<Number>(Constant), "the constant does not fit into the member");
+    }
+  }
+
+  /** Another value: refused, or in C++20 a constant. */
+  template <class Value, std::enable_if_t<!detail::always_fits<Number, Value>() && !std::is_class_v<Value>, int> = 0>
+#if defined(__cpp_consteval)
+  consteval fitting(Value value) noexcept : number_(static_cast<Number>(value)) {
+    check<Value>();
+    if (!detail::fits<Number>(value)) detail::the_value_does_not_fit();
+  }
+#else
+  constexpr fitting(Value value) noexcept : number_(static_cast<Number>(value)) {
+    check<Value>();
+    static_assert(
+        detail::always_fits<Number, Value>(),
+        "the type has values that do not fit into the member: see zorv::constant, and try_set");
+  }
+#endif
+
+  /** The number. */
+  [[nodiscard]] constexpr Number get() const noexcept { return number_; }
+
+ private:
+  template <class Value>
+  static constexpr void check() noexcept {
+    static_assert(!std::is_same_v<Number, bool>, "a flag takes bool");
+    static_assert(std::is_integral_v<Value>, "a whole number");
+  }
+
+  Number number_;
+};
+
+/** A result of `set` and `try_set`, beside those of the library, which never returns it: the member cannot hold the
+ *  value, and is as before. */
+inline constexpr int does_not_fit = 1;
+
+/** As `pavo_zorv_result_text`, which does not know `zorv::does_not_fit`. */
+[[nodiscard]] inline const char *result_text(int result) noexcept {
+  return result == does_not_fit ? "the member cannot hold the value" : pavo_zorv_result_text(result);
+}
+
+// --- Presence and values ---
+
 /** The presence bit of a member, for example of `&api_msg::oam_req`. */
 template <auto Member>
 inline constexpr auto presence_bit = detail::member_traits<Member>::bit;
 
 /** Whether a member is present. A path of members leads into nested messages: all along it must be present. */
 template <auto Member, auto... Inside, class Record>
-constexpr bool has(const Record &record) noexcept {
+[[nodiscard]] constexpr bool has(const Record &record) noexcept {
   static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
   if ((record.presence & presence_bit<Member>) == 0) return false;
   if constexpr (sizeof...(Inside) != 0) {
@@ -366,11 +492,55 @@ constexpr void clear(Record &record) noexcept {
   }
 }
 
+/** @cond */
+namespace detail {
+
+template <auto Member, auto... Inside>
+struct end_of_path : end_of_path<Inside...> {};
+template <auto Member>
+struct end_of_path<Member> : member_traits<Member> {};
+
+// Whether a path leads to a number or a flag. No path is none.
+template <auto... Path>
+inline constexpr bool leads_to_number = false;
+template <auto Member, auto... Inside>
+inline constexpr bool leads_to_number<Member, Inside...> = end_of_path<Member, Inside...>::is_number;
+
+template <auto... Path>
+using value_at = typename end_of_path<Path...>::value_type;
+
+template <auto Member, auto... Inside, class Record, class Number>
+constexpr void store_number(Record &record, Number number) noexcept {
+  if constexpr (sizeof...(Inside) != 0) {
+    store_number<Inside...>(record.*Member, number);
+  } else {
+    record.*Member = number;
+  }
+  set<Member>(record);
+}
+
+}  // namespace detail
+/** @endcond */
+
+/** Returns a number, or a flag as `bool`. A path of members leads into nested messages. What is not present is mostly 0
+ *  or false: see zorv::has. */
+template <auto Member, auto... Inside, class Record>
+[[nodiscard]] constexpr auto get(const Record &record) noexcept {
+  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
+  if constexpr (sizeof...(Inside) != 0) {
+    return get<Inside...>(record.*Member);
+  } else {
+    using traits = detail::member_traits<Member>;
+    static_assert(traits::is_number, "a number or a flag");
+    return static_cast<typename traits::value_type>(record.*Member);
+  }
+}
+
 // --- Encoding and comparing plain records ---
 
 /** Returns the length of a record's encoding. */
 template <class Record>
-std::size_t encoded_size(const Record &record, std::uint32_t options = 0) noexcept {
+[[nodiscard]] std::size_t encoded_size(const Record &record, std::uint32_t options = 0) noexcept {
   return detail::call<Record>(
       functions<Record>::encode, options, &record, static_cast<unsigned char *>(nullptr), std::size_t{0},
       static_cast<pavo_zorv_segment *>(nullptr), static_cast<std::uint32_t *>(nullptr));
@@ -394,7 +564,7 @@ void encode_into(Container &container, const Record &record, std::uint32_t optio
 
 /** Returns the encoding. */
 template <class Record>
-std::vector<unsigned char> encode(const Record &record, std::uint32_t options = 0) {
+[[nodiscard]] std::vector<unsigned char> encode(const Record &record, std::uint32_t options = 0) {
   std::vector<unsigned char> result;
   encode_into(result, record, options);
   return result;
@@ -409,7 +579,7 @@ struct segmented {
 
 /** Returns the encoding with its segment table. */
 template <class Record>
-segmented encode_segmented(const Record &record, std::uint32_t options = 0) {
+[[nodiscard]] segmented encode_segmented(const Record &record, std::uint32_t options = 0) {
   const auto run = [&](unsigned char *buffer, std::size_t size, pavo_zorv_segment *segments, std::uint32_t *count) {
     return detail::call<Record>(functions<Record>::encode, options, &record, buffer, size, segments, count);
   };
@@ -423,7 +593,7 @@ segmented encode_segmented(const Record &record, std::uint32_t options = 0) {
 
 /** Orders two records as the library's `compare` does: negative, 0 or positive. */
 template <class Record>
-int compare(const Record &a, const Record &b) noexcept {
+[[nodiscard]] int compare(const Record &a, const Record &b) noexcept {
   return functions<Record>::compare(&a, &b);
 }
 
@@ -435,11 +605,11 @@ class owned;
 /** Returns a record decoded from octets; `result()` says how that went. With `PAVO_ZORV_REFERENCE` its bytes members
  *  point into @p input, which must outlive it. */
 template <class Record>
-owned<Record> decode(octets input, memory from = {}, std::uint32_t options = 0) noexcept;
+[[nodiscard]] owned<Record> decode(octets input, memory from = {}, std::uint32_t options = 0) noexcept;
 
 /** Returns a copy that owns all its memory; `result()` says whether there was enough. */
 template <class Record>
-owned<Record> duplicate(const Record &record, memory from = {}) noexcept;
+[[nodiscard]] owned<Record> duplicate(const Record &record, memory from = {}) noexcept;
 
 /** A record that releases what it owns when it goes. It can be moved but not copied: see `duplicate`. */
 template <class Record>
@@ -471,13 +641,14 @@ class owned {
   Record &operator*() noexcept { return record_; } /**< The record. */
   const Record &operator*() const noexcept { return record_; } /**< The record. */
 
-  int result() const noexcept { return result_; } /**< Of the decoding or copying; else `CODEC_OK`. */
-  bool ok() const noexcept { return result_ == CODEC_OK; } /**< Whether that went well. */
-  std::uint32_t options() const noexcept { return options_; } /**< The options that the record was made with. */
-  const zorv::memory &source() const noexcept { return memory_; } /**< Where its memory comes from. */
+  [[nodiscard]] int result() const noexcept { return result_; } /**< Of the decoding or copying; else `CODEC_OK`. */
+  [[nodiscard]] bool ok() const noexcept { return result_ == CODEC_OK; } /**< Whether that went well. */
+  /** The options that the record was made with. */
+  [[nodiscard]] std::uint32_t options() const noexcept { return options_; }
+  [[nodiscard]] const zorv::memory &source() const noexcept { return memory_; } /**< Where its memory comes from. */
 
   /** Releases what the record holds and decodes another into it; returns the result. */
-  int decode(octets input, std::uint32_t options = 0) noexcept {
+  [[nodiscard]] int decode(octets input, std::uint32_t options = 0) noexcept {
     free();
     return read(input, options);
   }
@@ -494,8 +665,13 @@ class owned {
 
   /** Whether a member is present: see zorv::has. */
   template <auto... Path>
-  bool has() const noexcept {
+  [[nodiscard]] bool has() const noexcept {
     return zorv::has<Path...>(record_);
+  }
+  /** Returns a number or a flag: see zorv::get. */
+  template <auto... Path>
+  [[nodiscard]] auto get() const noexcept {
+    return zorv::get<Path...>(record_);
   }
   /** Marks a member as present: see zorv::set. */
   template <auto... Path>
@@ -508,42 +684,72 @@ class owned {
     zorv::clear<Path...>(record_);
   }
 
-  /** Gives a member a value, and marks it and the path to it as present. Numbers are stored. A string takes a
-   *  `std::string_view`, a list of numbers or bytes any contiguous container of elements; they are copied into memory
-   *  of the record's source, what was there before is released, and the result is `CODEC_OK` or `CODEC_ERR_NO_MEMORY`,
-   *  after which the member is as before. In reference mode bytes are not copied, and must outlive the record. */
+  /** Gives a number or a flag a value, and marks it and the path to it as present. What does not fit does not compile:
+   *  see zorv::fitting. */
+  template <auto... Path, std::enable_if_t<detail::leads_to_number<Path...>, int> = 0>
+  void set(fitting<detail::value_at<Path...>> value) noexcept {
+    detail::store_number<Path...>(record_, value.get());
+  }
+
+  /** The same with a value of any type of whole numbers. Returns `CODEC_OK`, or zorv::does_not_fit. */
   template <auto... Path, class Value>
-  auto set(const Value &value) noexcept {
+  [[nodiscard]] int try_set(Value value) noexcept {
+    return try_set_in<Path...>(record_, value);
+  }
+
+  /** Gives another member a value, and marks it and the path to it as present. A string takes a `std::string_view`
+   *  without a NUL, a list of numbers or bytes any contiguous container of elements; they are copied into memory of the
+   *  record's source, and what was there before is released. Returns `CODEC_OK`, or `CODEC_ERR_NO_MEMORY` or
+   *  zorv::does_not_fit, after which the member is as before. In reference mode bytes are not copied, and must outlive
+   *  the record. */
+  template <auto... Path, class Value, std::enable_if_t<!detail::leads_to_number<Path...>, int> = 0>
+  [[nodiscard]] int set(const Value &value) noexcept {
     return set_in<Path...>(record_, value);
   }
 
-  /** The same for a member of a record inside this one, such as an element of a list. */
-  template <auto Member, auto... Inside, class Inner, class Value>
-  auto set_in(Inner &inner, const Value &value) noexcept {
+  /** @name The same for a member of a record inside this one, such as an element of a list
+   *  @{ */
+  /** A number or a flag. */
+  template <auto... Path, class Inner, std::enable_if_t<detail::leads_to_number<Path...>, int> = 0>
+  void set_in(Inner &inner, fitting<detail::value_at<Path...>> value) noexcept {
+    detail::store_number<Path...>(inner, value.get());
+  }
+  /** A number that may not fit. */
+  template <auto... Path, class Inner, class Value>
+  [[nodiscard]] int try_set_in(Inner &inner, Value value) noexcept {
+    static_assert(detail::leads_to_number<Path...>, "a number");
+    using number = detail::value_at<Path...>;
+    static_assert(!std::is_same_v<number, bool>, "a flag takes bool, which always fits: see set");
+    static_assert(std::is_integral_v<Value>, "a whole number");
+    if (!detail::fits<number>(value)) return does_not_fit;
+    detail::store_number<Path...>(inner, static_cast<number>(value));
+    return CODEC_OK;
+  }
+  /** Any other member. */
+  template <
+      auto Member, auto... Inside, class Inner, class Value,
+      std::enable_if_t<!detail::leads_to_number<Member, Inside...>, int> = 0>
+  [[nodiscard]] int set_in(Inner &inner, const Value &value) noexcept {
     if constexpr (sizeof...(Inside) != 0) {
-      if constexpr (std::is_void_v<decltype(set_in<Inside...>(inner.*Member, value))>) {
-        set_in<Inside...>(inner.*Member, value);
-        zorv::set<Member>(inner);
-      } else {
-        const int result = set_in<Inside...>(inner.*Member, value);
-        if (result == CODEC_OK) zorv::set<Member>(inner);
-        return result;
-      }
+      const int result = set_in<Inside...>(inner.*Member, value);
+      if (result == CODEC_OK) zorv::set<Member>(inner);
+      return result;
     } else {
       return store<Member>(inner, value);
     }
   }
+  /** @} */
 
   /** Gives a list of messages @p count empty elements, and marks it and the path to it as present. Returns the first,
-   *  or null when there is no memory for them; the list is as before then. */
+   *  or null when there is no memory for them or they are more than a list can have; the list is as before then. */
   template <auto... Path>
-  auto *resize(std::uint32_t count) noexcept {
+  [[nodiscard]] auto *resize(std::size_t count) noexcept {
     return resize_in<Path...>(record_, count);
   }
 
   /** The same for a member of a record inside this one. */
   template <auto Member, auto... Inside, class Inner>
-  auto *resize_in(Inner &inner, std::uint32_t count) noexcept {
+  [[nodiscard]] auto *resize_in(Inner &inner, std::size_t count) noexcept {
     if constexpr (sizeof...(Inside) != 0) {
       auto *const first = resize_in<Inside...>(inner.*Member, count);
       if (first != nullptr) zorv::set<Member>(inner);
@@ -552,7 +758,8 @@ class owned {
       using traits = detail::member_traits<Member>;
       using element = std::remove_pointer_t<typename traits::type>;
       static_assert(std::is_class_v<element>, "a list of messages");
-      auto *const block = static_cast<element *>(array(count, sizeof(element)));
+      const bool countable = detail::fits<typename traits::count_type>(count);
+      auto *const block = static_cast<element *>(countable ? array(count, sizeof(element)) : nullptr);
       if (block == nullptr) return block;
       std::memset(static_cast<void *>(block), 0, count * sizeof(element));
       if (inner.*Member != nullptr) {
@@ -606,21 +813,17 @@ class owned {
   }
 
   template <auto Member, class Inner, class Value>
-  auto store(Inner &inner, const Value &value) noexcept {
+  int store(Inner &inner, const Value &value) noexcept {
     using traits = detail::member_traits<Member>;
-    using type = typename traits::type;
-    if constexpr (std::is_arithmetic_v<type>) {
-      static_assert(std::is_arithmetic_v<Value>, "a number");
-      inner.*Member = static_cast<type>(value);
-      zorv::set<Member>(inner);
-    } else if constexpr (std::is_same_v<type, char *>) {
+    if constexpr (std::is_same_v<typename traits::type, char *>) {
       const std::string_view text(value);
+      if (text.find('\0') != text.npos) return does_not_fit;
       auto *const block = static_cast<char *>(memory_.allocate(text.size() + 1, memory_.context));
-      if (block == nullptr) return static_cast<int>(CODEC_ERR_NO_MEMORY);
+      if (block == nullptr) return CODEC_ERR_NO_MEMORY;
       if (!text.empty()) std::memcpy(block, text.data(), text.size());
       block[text.size()] = '\0';
       replace<Member>(inner, block, 0);
-      return static_cast<int>(CODEC_OK);
+      return CODEC_OK;
     } else {
       static_assert(traits::is_array, "a nested message has no value of its own: go on to a member of it");
       return store_elements<Member>(inner, value);
@@ -638,7 +841,7 @@ class owned {
         "a contiguous container of the list's elements");
     const auto *const data = reinterpret_cast<const element *>(std::data(value));
     const std::size_t count = std::size(value);
-    if (count > static_cast<typename traits::count_type>(-1)) return CODEC_ERR_NO_MEMORY;
+    if (!detail::fits<typename traits::count_type>(count)) return does_not_fit;
     if (traits::is_bytes && references()) {
       replace<Member>(inner, const_cast<element *>(data), count);
       return CODEC_OK;

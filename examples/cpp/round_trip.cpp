@@ -7,7 +7,7 @@
 int main() {
   //! [record]
   zorv::owned<api_msg> message;
-  message.set<&api_msg::field1>(1);
+  message.set<&api_msg::field1>(1u);
   using request = api_msg_p2p_auto_policy_request;
   using policy = api_msg_p2p_auto_policy;
   if (message.set<&api_msg::p2p_auto_policy_request, &request::policy, &policy::field1>("to-node-51") != CODEC_OK ||

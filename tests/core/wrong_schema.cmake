@@ -1,12 +1,12 @@
 # Compiles one schema and checks what its first line says of it: "// compiles", or "// error: <regular expression>" for
 # one that must be refused with such a message.
-#   cmake -DCOMPILER=<c++> -DFLAGS=<flags> -DINCLUDES=<list> -DSOURCE=<file> -P wrong_schema.cmake
+#   cmake -DCOMPILER=<c++> -DFLAGS=<flags> -DSTANDARD=<17 or 20> -DINCLUDES=<list> -DSOURCE=<file> -P wrong_schema.cmake
 file(STRINGS ${SOURCE} first_line LIMIT_COUNT 1)
 set(ENV{LC_ALL} C)
 separate_arguments(flags UNIX_COMMAND "${FLAGS}")
 list(TRANSFORM INCLUDES PREPEND -I OUTPUT_VARIABLE includes)
 
-execute_process(COMMAND ${COMPILER} ${flags} -std=c++20 ${includes} -fsyntax-only ${SOURCE}
+execute_process(COMMAND ${COMPILER} ${flags} -std=c++${STANDARD} ${includes} -fsyntax-only ${SOURCE}
   RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
 
 if(first_line STREQUAL "// compiles")

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
 #include <memory_resource>
 #include <string>
 #include <string_view>
@@ -23,7 +24,7 @@ static_assert(std::is_convertible_v<std::string_view, zorv::octets>);
 static_assert(std::is_convertible_v<std::array<std::byte, 3>, zorv::octets>);
 static_assert(!std::is_convertible_v<std::vector<int>, zorv::octets>);
 
-// The C functions promise not to throw.
+// The C functions and the layer promise not to throw.
 template <class Function>
 constexpr bool never_throws(Function) {
   return false;
@@ -43,6 +44,15 @@ PAVO_ZORV_MESSAGES(NEVER_THROW)
 #undef NEVER_THROW
 static_assert(!never_throws(pavo_zorv_allocate{}) && !never_throws(pavo_zorv_release{}),
               "callbacks are plain pointers");
+static_assert(noexcept(std::declval<owned<api_addr> &>().set<&api_addr::address>(7u)));
+static_assert(noexcept(std::declval<owned<api_addr> &>().try_set<&api_addr::address>(7)));
+static_assert(noexcept(std::declval<owned<api_intf> &>().set<&api_intf::field2>("eth0")));
+
+// Only where a value may not fit is there a result to look at. Flags are read as what they are set to.
+static_assert(std::is_void_v<decltype(std::declval<owned<api_addr> &>().set<&api_addr::address>(7u))>);
+static_assert(std::is_same_v<decltype(zorv::get<&api_msg::field15>(api_msg{})), bool>);
+static_assert(std::is_same_v<decltype(zorv::get<&srv6_sid_struct::field3>(srv6_sid_struct{})), std::uint8_t>);
+static_assert(std::is_same_v<decltype(zorv::get<&api_policy::field9>(api_policy{})), std::int32_t>);
 
 // Interface 7, "eth0".
 const octets interface_octets = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
@@ -144,7 +154,7 @@ TEST(owned, is_empty_after_a_reset) {
   account memory;
   auto intf = zorv::decode<api_intf>(octets{0x12}, memory);
   EXPECT_EQ(intf.result(), CODEC_ERR_TRUNCATED);
-  intf.decode(interface_octets);
+  EXPECT_EQ(intf.decode(interface_octets), CODEC_OK);
   intf.reset();
   EXPECT_EQ(memory->live, 0u);
   EXPECT_EQ(zorv::encoded_size(*intf), 0u);
@@ -201,8 +211,8 @@ TEST(duplicate, says_that_there_was_no_memory) {
 
 TEST(comparing, orders_records_owned_or_plain) {
   owned<api_addr> low, high;
-  low.set<&api_addr::address>(1);
-  high.set<&api_addr::address>(2);
+  low.set<&api_addr::address>(1u);
+  high.set<&api_addr::address>(2u);
   EXPECT_TRUE(low == low && low != high && low < high && low <= high && high > low && high >= low);
   EXPECT_FALSE(low == high || low > high || low >= high || high < low || high <= low || low != low);
   EXPECT_TRUE(low == *low && *low == low && low < *high && *low<high && * high> low && high >= *high);
@@ -236,7 +246,7 @@ TEST(encoding, comes_with_its_segment_table) {
   owned<srv6_prefix> prefix({}, PAVO_ZORV_REFERENCE);
   const octets address = {0x20, 0x01, 0x0d};
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(address), CODEC_OK);
-  prefix.set<&srv6_prefix::field2>(64);
+  prefix.set<&srv6_prefix::field2>(64u);
   EXPECT_EQ(prefix->field1, address.data()) << "not copied";
   const auto encoding = zorv::encode_segmented(*prefix, prefix.options());
   EXPECT_EQ(encoding.octets, (octets{0x0a, 0x03, 0x10, 0x40}));
@@ -297,7 +307,7 @@ TEST(values, are_set_with_their_presence_and_released_when_set_again) {
   EXPECT_EQ(memory->live, 2u);
   ASSERT_EQ((policy.set<&api_msg_p2p_auto_policy::field11>(std::array<std::uint8_t, 2>{1, 2})), CODEC_OK);
   EXPECT_EQ(policy->field11_count, 2u);
-  policy.set<&api_msg_p2p_auto_policy::field22>(9);
+  policy.set<&api_msg_p2p_auto_policy::field22>(9u);
   EXPECT_EQ(policy->presence, API_MSG_P2P_AUTO_POLICY_HAS_FIELD1 | API_MSG_P2P_AUTO_POLICY_HAS_LABEL_STACK |
                                   API_MSG_P2P_AUTO_POLICY_HAS_FIELD11 | API_MSG_P2P_AUTO_POLICY_HAS_FIELD22);
   EXPECT_EQ(zorv::decode<api_msg_p2p_auto_policy>(zorv::encode(*policy)), policy);
@@ -344,6 +354,179 @@ TEST(values, of_bytes_that_take_the_place_of_referenced_ones_do_not_release_them
   EXPECT_EQ(prefix->field1_length, 1u);
   EXPECT_EQ(memory->requests, 0u);
   EXPECT_EQ(memory->live, 0u) << "nothing came back that was not given";
+}
+
+// Tries numbers for a member, and sees that one that does not fit changes nothing.
+template <auto Member, class Record>
+class numbers_of {
+ public:
+  template <class Value>
+  void are_refused(Value number) {
+    const auto before = record_.template get<Member>();
+    const bool present = record_.template has<Member>();
+    EXPECT_EQ(record_.template try_set<Member>(number), zorv::does_not_fit) << number;
+    EXPECT_EQ(record_.template get<Member>(), before) << number;
+    EXPECT_EQ(record_.template has<Member>(), present) << number;
+  }
+  template <class Value>
+  void are_taken(Value number) {
+    record_.reset();
+    EXPECT_EQ(record_.template try_set<Member>(number), CODEC_OK) << number;
+    EXPECT_EQ(record_.template get<Member>(), number);
+    EXPECT_TRUE(record_.template has<Member>());
+  }
+
+ private:
+  owned<Record> record_;
+};
+
+TEST(numbers, of_8_bits_are_refused_beyond_their_limits) {
+  numbers_of<&srv6_sid_struct::field3, srv6_sid_struct> numbers;
+  numbers.are_refused(-1);
+  numbers.are_taken(0);
+  numbers.are_refused(-1);
+  numbers.are_taken(255);
+  numbers.are_refused(256);
+  numbers.are_refused(INT64_MIN);
+  numbers.are_refused(UINT64_MAX);
+  numbers.are_refused(std::int8_t{-1});
+  numbers.are_taken(std::int8_t{127});
+  numbers.are_taken(true);
+}
+
+TEST(numbers, of_32_bits_without_a_sign_are_refused_beyond_their_limits) {
+  numbers_of<&api_addr::address, api_addr> numbers;
+  numbers.are_refused(-1);
+  numbers.are_taken(0);
+  numbers.are_taken(2147483648u);
+  numbers.are_taken(std::int64_t{4294967295});
+  numbers.are_refused(std::int64_t{4294967296});
+  numbers.are_refused(std::int64_t{4294967297});
+  numbers.are_refused(std::int64_t{-4294967295});
+  numbers.are_refused(INT32_MIN);
+  numbers.are_refused(INT64_MIN);
+  numbers.are_taken(std::uint64_t{4294967295u});
+  numbers.are_refused(std::uint64_t{4294967296u});
+  numbers.are_refused(UINT64_MAX);
+}
+
+TEST(numbers, of_32_bits_with_a_sign_are_refused_beyond_their_limits) {
+  numbers_of<&api_policy::field9, api_policy> numbers;
+  numbers.are_refused(std::int64_t{-2147483649});
+  numbers.are_taken(std::int64_t{-2147483647} - 1);
+  numbers.are_taken(-1);
+  numbers.are_taken(std::int64_t{2147483647});
+  numbers.are_refused(std::int64_t{2147483648});
+  numbers.are_refused(2147483648u);
+  numbers.are_refused(4294967295u);
+  numbers.are_refused(std::int64_t{4294967295});
+  numbers.are_refused(UINT64_MAX);
+}
+
+TEST(numbers, of_64_bits_without_a_sign_are_refused_below_0) {
+  numbers_of<&api_msg::field1, api_msg> numbers;
+  numbers.are_refused(-1);
+  numbers.are_refused(INT64_MIN);
+  numbers.are_taken(0);
+  numbers.are_taken(INT64_MAX);
+  numbers.are_taken(UINT64_MAX);
+}
+
+TEST(numbers, of_64_bits_with_a_sign_are_refused_above_their_limit) {
+  numbers_of<&api_msg_p2p_auto_policy_notif::field27, api_msg_p2p_auto_policy_notif> numbers;
+  numbers.are_taken(INT64_MIN);
+  numbers.are_taken(-1);
+  numbers.are_taken(INT64_MAX);
+  numbers.are_taken(std::uint64_t{9223372036854775807u});
+  numbers.are_refused(std::uint64_t{9223372036854775808u});
+  numbers.are_refused(UINT64_MAX);
+}
+
+TEST(numbers, that_do_not_fit_leave_the_way_to_the_member_as_it_was) {
+  owned<api_msg> message;
+  EXPECT_EQ((message.try_set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(-1)), zorv::does_not_fit);
+  EXPECT_TRUE(zorv::encode(*message).empty());
+  EXPECT_EQ((message.try_set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(7)), CODEC_OK);
+  EXPECT_EQ(zorv::encode(*message), (octets{0x62, 0x04, 0x12, 0x02, 0x08, 0x07}));
+  EXPECT_EQ((message.get<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>()), 7u);
+}
+
+TEST(numbers, that_are_certain_to_fit_are_set_without_a_result) {
+  owned<srv6_sid_struct> sid;
+  sid.set<&srv6_sid_struct::field3>(zorv::constant<255>);
+  sid.set<&srv6_sid_struct::field4>(std::uint8_t{2});
+  EXPECT_EQ(zorv::encode(*sid), (octets{0x18, 0xff, 0x01, 0x20, 0x02}));
+  owned<api_policy> policy;
+  policy.set<&api_policy::field9>(-1);
+  policy.set<&api_policy::field8>(std::uint16_t{65535});
+  EXPECT_EQ(policy->field9, -1);
+  EXPECT_EQ(policy->field8, 65535u);
+#ifdef __cpp_consteval
+  policy.set<&api_policy::field8>(7);
+  EXPECT_EQ(policy->field8, 7u);
+#endif
+}
+
+TEST(numbers, in_elements_of_lists_are_set_and_refused_alike) {
+  owned<api_aa_list> list;
+  api_policy *const policy = list.resize<&api_aa_list::policies>(1);
+  ASSERT_NE(policy, nullptr);
+  list.set_in<&api_policy::field9>(*policy, 5);
+  list.set_in<&api_policy::field10>(*policy, true);
+  EXPECT_EQ(list.try_set_in<&api_policy::field9>(*policy, 2147483648u), zorv::does_not_fit);
+  EXPECT_EQ(list.try_set_in<&api_policy::field8>(*policy, 6), CODEC_OK);
+  EXPECT_EQ(zorv::encode(*list), (octets{0x1a, 0x06, 0x40, 0x06, 0x48, 0x05, 0x50, 0x01}));
+}
+
+TEST(flags, are_bool) {
+  owned<api_msg> message;
+  EXPECT_FALSE(message.get<&api_msg::field15>());
+  message.set<&api_msg::field15>(true);
+  EXPECT_TRUE(message.get<&api_msg::field15>());
+  EXPECT_EQ(zorv::encode(*message), (octets{0x78, 0x01}));
+  message.set<&api_msg::field15>(zorv::constant<false>);
+  EXPECT_FALSE(message.get<&api_msg::field15>());
+  EXPECT_EQ(zorv::encode(*message), (octets{0x78, 0x00}));
+  message->field15 = 2;
+  EXPECT_TRUE(zorv::get<&api_msg::field15>(*message)) << "what is not 0 is true";
+}
+
+TEST(values, of_strings_with_a_NUL_are_refused) {
+  account memory;
+  owned<api_intf> intf{memory};
+  ASSERT_EQ(intf.set<&api_intf::field2>("eth0"), CODEC_OK);
+  EXPECT_EQ(intf.set<&api_intf::field2>(std::string_view("eth\0", 4)), zorv::does_not_fit);
+  EXPECT_EQ(intf.set<&api_intf::field2>(std::string("\0", 1)), zorv::does_not_fit);
+  EXPECT_STREQ(intf->field2, "eth0");
+  EXPECT_EQ(memory->requests, 1u);
+}
+
+// Says that it has more elements than there are.
+struct immense {
+  const std::uint32_t *data() const { return &element; }
+  std::size_t size() const { return count; }
+  std::size_t count;
+  std::uint32_t element = 16;
+};
+
+TEST(lists, of_more_elements_than_a_count_holds_are_refused) {
+  if (sizeof(std::size_t) == 4) GTEST_SKIP() << "no list can have so many";
+  account memory;
+  owned<api_lbl_stack> stack{memory};
+  ASSERT_EQ(stack.set<&api_lbl_stack::labels>(immense{1}), CODEC_OK);
+  EXPECT_EQ(stack.set<&api_lbl_stack::labels>(immense{std::size_t{UINT32_MAX} + 1}), zorv::does_not_fit);
+  EXPECT_EQ(stack.set<&api_lbl_stack::labels>(immense{SIZE_MAX}), zorv::does_not_fit);
+  EXPECT_EQ(stack->label_count, 1u);
+  owned<api_aa_list> list{memory};
+  EXPECT_EQ(list.resize<&api_aa_list::policies>(std::size_t{UINT32_MAX} + 2), nullptr);
+  EXPECT_EQ(zorv::encoded_size(*list), 0u);
+  EXPECT_EQ(memory->requests, 1u);
+}
+
+TEST(results, are_told_in_words) {
+  EXPECT_STREQ(zorv::result_text(zorv::does_not_fit), "the member cannot hold the value");
+  EXPECT_STREQ(zorv::result_text(CODEC_OK), "success");
+  EXPECT_STREQ(zorv::result_text(CODEC_ERR_NO_MEMORY), pavo_zorv_result_text(CODEC_ERR_NO_MEMORY));
 }
 
 TEST(lists, of_messages_are_made_filled_and_released) {

@@ -25,6 +25,8 @@ void check_row() {
   static_assert(std::is_same_v<decltype(zorv::presence_bit<member>), const pavo_zorv::presence_of<Record>>);
   static_assert(traits::is_array == (std::tuple_size_v<decltype(members)> == 2));
   static_assert(traits::is_bytes == (row_type::type == pavo_zorv::kind::bytes));
+  static_assert(traits::is_flag == (row_type::type == pavo_zorv::kind::flag));
+  static_assert(traits::is_number == (traits::is_flag || row_type::type == pavo_zorv::kind::integer));
   if constexpr (traits::is_array) {
     Record record{};
     EXPECT_EQ(static_cast<void *>(traits::count(record)), static_cast<void *>(&(record.*std::get<1>(members))))

@@ -1,0 +1,5 @@
+// error: .*ignoring return value
+// What was decoded would be released at once.
+#include "pavo_zorv.hpp"
+
+void read(zorv::octets input) { zorv::decode<api_intf>(input); }
