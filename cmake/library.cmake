@@ -1,5 +1,36 @@
 # How the library is compiled and linked: once for the processor that the flags name, once more for x86-64-v3.
 
+# The flags with which the compiler touches every page of a frame in order, so that the stack is never left by stepping
+# over the page that guards its end; none where it cannot. The code keeps its frames smaller than a page then.
+function(pavo_zorv_find_stack_probes result)
+  include(CheckCXXSourceCompiles)
+  set(flags -fstack-clash-protection)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Pages have 4 KB: on some processors GCC takes the guard to be larger.
+    list(APPEND flags --param=stack-clash-protection-guard-size=12)
+  endif()
+  list(JOIN flags " " CMAKE_REQUIRED_FLAGS)
+  # A compiler that takes the flag and does nothing says so; elsewhere GCC takes it for frames of variable size only.
+  check_cxx_source_compiles("
+    #if !defined(__x86_64__) && !defined(__i386__) && !defined(__aarch64__) && \
+      !defined(__s390x__) && !defined(__powerpc__)
+    #error the frames are not touched
+    #endif
+    int main() { return 0; }" pavo_zorv_compiler_touches_frames FAIL_REGEX "argument unused|not supported")
+  if(NOT pavo_zorv_compiler_touches_frames)
+    set(flags)
+  endif()
+  set(${result} ${flags} PARENT_SCOPE)
+endfunction()
+
+# For all that is compiled from the core.
+pavo_zorv_find_stack_probes(stack_probes)
+add_library(pavo_zorv_stack_probes INTERFACE)
+if(stack_probes)
+  target_compile_options(pavo_zorv_stack_probes INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:${stack_probes}>")
+  target_compile_definitions(pavo_zorv_stack_probes INTERFACE PAVO_ZORV_STACK_PROBES)
+endif()
+
 # One set of objects, which serves shared and static library. They are compiled as one unit: every message is
 # instantiated once.
 function(pavo_zorv_objects objects)
@@ -8,6 +39,7 @@ function(pavo_zorv_objects objects)
   target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include)
   target_compile_options(${objects} PRIVATE
     ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
+  target_link_libraries(${objects} PRIVATE pavo_zorv_stack_probes)
   set_target_properties(${objects} PROPERTIES
     POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON CXX_EXTENSIONS OFF
     UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)

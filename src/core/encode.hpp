@@ -284,13 +284,21 @@ consteval std::size_t octets_unasked() {
   return own + inner;
 }
 
-// Encodings up to this length are written aside: nearly half of what encoding them takes is measuring.
+// Encodings up to this length are written aside: nearly half of what encoding them takes is measuring. A frame larger
+// than a page could step over the one that guards the end of a stack, unless the compiler touches each page in order.
+#if defined(PAVO_ZORV_STACK_PROBES)
 inline constexpr std::size_t most_aside = 8192;
+#else
+inline constexpr std::size_t most_aside = 3072;
+#endif
 
 template <class Record>
 PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, octet *buffer, std::size_t length,
                                            std::uint32_t options) {
   octet space[octets_unasked<Record>() + 1 + most_aside];
+#if !defined(PAVO_ZORV_STACK_PROBES)
+  static_assert(sizeof space <= 4096 - 256, "with what else stands in the frame, it would not stay below a page");
+#endif
   octet *const end = space + sizeof space;
   const quick_sink sink{space, nullptr, end - most_aside};
   const octet *const start = write_message(record, sink, end, (options & PAVO_ZORV_REFERENCE) != 0);

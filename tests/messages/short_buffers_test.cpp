@@ -1,5 +1,5 @@
-// Buffers around 8,192 octets, up to which an encoding is written aside: whatever it holds, and however much that is,
-// the buffer gets what belongs in it and nothing else.
+// Buffers around 8,192 octets, or 3,072 in builds that use less stack, up to which an encoding is written aside: whatever
+// it holds, and however much that is, the buffer gets what belongs in it and nothing else.
 #include "message_checks.hpp"
 
 using namespace test;
@@ -13,14 +13,14 @@ struct block {
   std::size_t place = 0, length = 0;
 };
 
-// Encodes into buffers of lengths on both sides of the encoding's and of 8,192.
+// Encodes into buffers of lengths on both sides of the encoding's, of 3,072 and of 8,192.
 template <class Record>
 void is_written(const Record &record, const octets &encoding, const block &block = {}, std::uint32_t options = 0) {
   ASSERT_EQ(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options), encoding.size());
   const std::size_t size = encoding.size();
-  for (const std::size_t length :
-       {std::size_t{0}, std::size_t{1}, std::size_t{100}, std::size_t{8191}, std::size_t{8192}, std::size_t{8193},
-        size - 1, size, size + 1, block.place + block.length}) {
+  for (const std::size_t length : {std::size_t{0}, std::size_t{1}, std::size_t{100}, std::size_t{3071},
+                                   std::size_t{3072}, std::size_t{3073}, std::size_t{8191}, std::size_t{8192},
+                                   std::size_t{8193}, size - 1, size, size + 1, block.place + block.length}) {
     const fenced_block buffer(length);
     octets expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(std::min(length, size)));
     if (block.place + block.length > length)
