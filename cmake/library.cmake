@@ -52,14 +52,15 @@ function(pavo_zorv_interface library)
   set_target_properties(${library} PROPERTIES OUTPUT_NAME pavo_zorv LINKER_LANGUAGE C)
 endfunction()
 
-# The export list, and no start-up objects: the library has nothing to set up, so it has no data section either.
+# The export list, and no start-up objects: the library has nothing to set up, so it has no data section either. The
+# loader finds all functions at once: nothing can be written afterwards, and no first call takes more stack.
 function(pavo_zorv_shared_library library objects)
   add_library(${library} SHARED $<TARGET_OBJECTS:${objects}>)
   pavo_zorv_interface(${library})
   set(export_list ${PROJECT_SOURCE_DIR}/src/pavo_zorv.map)
   set_target_properties(${library} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${pavo_zorv_abi} LINK_DEPENDS ${export_list})
-  target_link_options(${library} PRIVATE LINKER:--version-script=${export_list})
+  target_link_options(${library} PRIVATE LINKER:--version-script=${export_list} LINKER:-z,relro LINKER:-z,now)
   if(NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
     target_link_options(${library} PRIVATE -nostartfiles LINKER:-z,defs LINKER:--as-needed)
   endif()

@@ -109,7 +109,7 @@
  *    table work; a null @p segments counts as capacity 0.
  *  - **Ownership:** nothing changes hands; the record is only read. The entries of the table point into @p buffer, and
  *    in reference mode to the record's bytes members.
- *  - **Memory:** none is asked for. Less than 12 KB of stack. The work is linear in the length of the encoding.
+ *  - **Memory:** none is asked for. Less than 10 KB of stack. The work is linear in the length of the encoding.
  *  - **Errors:** none. The length is exact as long as `size_t` can hold it. One that it cannot hold, as bytes without a
  *    block or lists that share an array can make, is returned as `SIZE_MAX`: neither buffer nor table is touched then,
  *    but the count is received. More entries than 2^32 - 1 are counted as 2^32 - 1.

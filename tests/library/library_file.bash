@@ -80,6 +80,17 @@ case $what in
       fail "sections that should not be there"
     fi
     ;;
+  has_nothing_writable_once_it_is_loaded)
+    readelf -dW "$shared" | grep -q 'FLAGS.*BIND_NOW' || fail "functions are found when they are called first"
+    # Every section that the loader writes lies in what it protects afterwards, which ends with a page.
+    read -r first size <<< "$(readelf -lW "$shared" | awk '$1 == "GNU_RELRO" { print $3, $6 }')"
+    [ -n "${size-}" ] && (((first + size) % 4096 == 0)) || fail "what is protected: ${first-} ${size-}"
+    readelf -SW "$shared" | sed -n 's/^ *\[ *[0-9]*\] //p' | awk '$7 ~ /W/ { print $1, "0x" $3, "0x" $5 }' > "$work/writable"
+    [ -s "$work/writable" ] || fail "no section is writable: readelf said something else"
+    while read -r name place length; do
+      ((place >= first && place + length <= first + size)) || fail "$name stays writable"
+    done < "$work/writable"
+    ;;
   static_archive_has_no_writable_data_and_no_initialisers)
     size -A "$static" > "$work/sizes"
     grep -q '^\.text' "$work/sizes" || fail "no text section: size said nothing"
