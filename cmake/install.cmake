@@ -2,10 +2,17 @@
 install(TARGETS pavo_zorv pavo_zorv_static EXPORT pavo_zorv
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development)
+# Here the dynamic loader looks first, on processors that run it.
+set(second_folder ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3)
 if(PAVO_ZORV_X86_64_V3)
-  # Here the dynamic loader looks first, on processors that run it.
   install(TARGETS pavo_zorv_x86_64_v3
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3 COMPONENT runtime NAMELINK_SKIP)
+    LIBRARY DESTINATION ${second_folder} COMPONENT runtime NAMELINK_SKIP)
+else()
+  install(CODE "
+    cmake_path(APPEND CMAKE_INSTALL_PREFIX [[${second_folder}]] OUTPUT_VARIABLE FOLDER)
+    set(FOLDER \"\$ENV{DESTDIR}\${FOLDER}\")
+    set(SONAME [[libpavo_zorv.so.${pavo_zorv_abi}]])
+    include([[${CMAKE_CURRENT_SOURCE_DIR}/cmake/remove_second_library.cmake]])" COMPONENT runtime)
 endif()
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h*")
 
@@ -32,3 +39,9 @@ install(CODE "
   configure_file([[${CMAKE_CURRENT_SOURCE_DIR}/cmake/pavo_zorv.pc.in]] [[${pc_file}]] @ONLY)"
   COMPONENT development)
 install(FILES ${pc_file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# All of that again.
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D BUILD_FOLDER=${CMAKE_BINARY_DIR}
+    -P ${CMAKE_CURRENT_SOURCE_DIR}/cmake/uninstall.cmake VERBATIM)
+endif()
