@@ -145,4 +145,73 @@ TEST(memory_asked_for, is_36_times_the_input_for_a_list_of_empty_policies) {
   for (const message_type *const type : subjects()) EXPECT_LE(memory_per_octet(*type), 36u) << type->name;
 }
 
+// What is written aside without asking for room, the numbers of a message and of those in it, after something that asks
+// for it: that is written first, and may leave room for the numbers, for some of them or for none.
+class numbers_before_a_block : public law {
+ protected:
+  // Numbers as large as they get, and nothing else; notes what could be there besides.
+  void fill(view record) {
+    std::memset(record.data(), 0, record.type().size);
+    for (const field &field : record.type().fields) {
+      if (field.is_number()) {
+        record.set_number(field, field.kind == kind::flag ? 1 : UINT64_MAX);
+      } else if (field.kind == kind::message) {
+        fill(record.nested(field));
+      } else {
+        blocks.push_back({record, &field});
+        continue;
+      }
+      record.set_has(field, true);
+    }
+  }
+
+  std::vector<std::pair<view, const field *>> blocks;
+};
+INSTANTIATE_TEST_SUITE_P(every, numbers_before_a_block, testing::ValuesIn(subjects()), name_of_subject);
+
+TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not) {
+  const message_type &type = *GetParam();
+  arena storage;
+  const view record(type, storage.block(type.size));
+  fill(record);
+  const std::size_t numbers = measured(record), aside = pavo_zorv::most_aside;
+  const std::vector<unsigned char> text(aside + 1000, 'x');
+  const std::vector<std::uint32_t> labels(aside, 24001);
+  const fence room(aside + 2000);
+  for (const auto &[holder, block] : blocks) {
+    SCOPED_TRACE(block->name);
+    holder.set_has(*block, true);
+    // From where all of it just finds room to where only the block does.
+    std::size_t each = 1;
+    std::vector<unsigned char> elements;
+    if (block->kind == kind::integers) {
+      each = (block->number < 16 ? 1 : 2) + (block->width == 4 ? 3u : 1u);
+    } else if (block->kind == kind::messages) {
+      each = (block->number < 16 ? 2 : 3);
+      elements.resize((aside / each + 1000) * block->nested->size);
+    }
+    const std::size_t step = std::max<std::size_t>(each, 5) / each;
+    for (std::size_t count = (aside - numbers - 16) / each; count <= aside / each + 16; count += step) {
+      std::vector<char> string;
+      if (block->kind == kind::string) {
+        string.assign(count + 1, 'x');
+        string.back() = '\0';
+        holder.set_pointer(*block, string.data());
+      } else {
+        holder.set_pointer(*block, block->kind == kind::messages ? elements.data()
+                                   : block->width == 4           ? const_cast<std::uint32_t *>(labels.data())
+                                                       : static_cast<void *>(const_cast<unsigned char *>(text.data())));
+        holder.set_count(*block, count);
+      }
+      const encoding_model model = model_encode(record, false);
+      for (const std::size_t length : {model.bytes.size(), aside}) {
+        ASSERT_NO_FATAL_FAILURE(check_written(record, model, room, length, 0)) << count;
+      }
+    }
+    holder.set_has(*block, false);
+    holder.set_pointer(*block, nullptr);
+    if (block->kind != kind::string) holder.set_count(*block, 0);
+  }
+}
+
 }  // namespace test

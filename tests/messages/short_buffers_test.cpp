@@ -1,6 +1,7 @@
 // Buffers around 8,192 octets, or 3,072 in builds that use less stack, up to which an encoding is written aside: whatever
 // it holds, and however much that is, the buffer gets what belongs in it and nothing else.
 #include "message_checks.hpp"
+#include "messages/all.hpp"
 
 using namespace test;
 
@@ -141,6 +142,110 @@ TEST(short_buffers, get_messages_of_a_list_with_lists_inside) {
   }
 }
 
+// --- Every length from just below what is written aside to well above: where the room for it ends is a sum. ---
+
+// Beyond the longest encoding that is written aside lies the room for what asks for none, at most as much as an envelope
+// takes: the lengths end beyond that.
+constexpr std::size_t first_length = pavo_zorv::most_aside - 12,
+                      last_length = pavo_zorv::most_aside + pavo_zorv::octets_unasked<api_msg>() + 72;
+
+// Encodes into a buffer of exactly the size, and into the longest for which an encoding is written aside.
+template <class Record>
+void is_written_near(const Record &record, const octets &encoding, const block &block = {}) {
+  for (const std::size_t length : {encoding.size(), pavo_zorv::most_aside}) {
+    const fenced_block buffer(length);
+    const std::size_t written = std::min(length, encoding.size());
+    octets expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(written));
+    expected.resize(length, rubbish);
+    if (block.length != 0 && block.place + block.length > length)
+      std::fill(expected.begin() + static_cast<std::ptrdiff_t>(std::min(block.place, length)), expected.end(), rubbish);
+    ASSERT_EQ(operations<Record>::encode(&record, buffer.data(), length, nullptr, nullptr, 0), encoding.size());
+    ASSERT_TRUE(buffer.content() == expected) << encoding.size() << " bytes, a buffer of " << length;
+  }
+}
+
+octets varint_of(std::size_t value) {
+  octets result;
+  for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
+  result.push_back(static_cast<unsigned char>(value));
+  return result;
+}
+
+// Labels of three bytes, and one of another size, first or last: so that every length comes up.
+TEST(lengths_near_what_is_written_aside, of_labels) {
+  static constexpr std::uint32_t others[] = {0x0fffffff, 0xffffffff, 300, 24002};
+  const octets other_bytes[] = {hex("08 ff ff ff 7f"), hex("08 ff ff ff ff 0f"), hex("08 ac 02"), hex("08 c2 bb 01")};
+  for (std::size_t length = first_length; length <= last_length; ++length) {
+    // 5, 6, 3 or 4 bytes, and the rest in fours.
+    std::size_t which = 0;
+    while ((length - other_bytes[which].size()) % 4 != 0) ++which;
+    const std::size_t count = (length - other_bytes[which].size()) / 4;
+    std::vector<std::uint32_t> labels(count + 1, 24001);
+    const octets most = count * hex("08 c1 bb 01");
+    labels.front() = others[which];
+    ASSERT_NO_FATAL_FAILURE(is_written_near(stack_of(labels), other_bytes[which] + most));
+    labels.front() = 24001;
+    labels.back() = others[which];
+    ASSERT_NO_FATAL_FAILURE(is_written_near(stack_of(labels), most + other_bytes[which]));
+  }
+}
+
+TEST(lengths_near_what_is_written_aside, of_a_list_of_bytes) {
+  for (std::size_t length = first_length; length <= last_length; ++length) {
+    // One of three bytes where the length is odd.
+    std::vector<std::uint8_t> elements(length / 2, 5);
+    octets expected = (length / 2) * hex("10 05");
+    if (length % 2 != 0) {
+      elements.front() = 200;
+      expected = hex("10 c8 01") + (length / 2 - 1) * hex("10 05");
+    }
+    const prefix_sid_type short_ones{0, elements.data(), static_cast<std::uint32_t>(elements.size()),
+                                     PREFIX_SID_TYPE_HAS_FIELD2};
+    ASSERT_NO_FATAL_FAILURE(is_written_near(short_ones, expected));
+    // All but one or two of three.
+    const std::size_t others = length % 3 == 0 ? 0 : length % 3 == 2 ? 1 : 2;
+    const std::size_t longer = (length - 2 * others) / 3;
+    std::vector<std::uint8_t> greater(longer + others, 255);
+    std::fill(greater.begin() + static_cast<std::ptrdiff_t>(longer), greater.end(), 127);
+    const prefix_sid_type long_ones{0, greater.data(), static_cast<std::uint32_t>(greater.size()),
+                                    PREFIX_SID_TYPE_HAS_FIELD2};
+    ASSERT_NO_FATAL_FAILURE(is_written_near(long_ones, longer * hex("10 ff 01") + others * hex("10 7f")));
+  }
+}
+
+// A key of two bytes, and numbers of ten after the list, which are written before it.
+TEST(lengths_near_what_is_written_aside, of_a_list_with_a_long_key) {
+  for (std::size_t length = first_length; length <= last_length; ++length) {
+    api_msg_p2p_auto_policy_notif record{};
+    const octets number = hex("d8 01 ff ff ff ff ff ff ff ff ff 01");  // field 27
+    record.field27 = -1;
+    const std::size_t list = length - number.size(), longer = list % 3, shorter = (list - 4 * longer) / 3;
+    std::vector<std::uint8_t> elements(shorter + longer, 1);
+    std::fill(elements.begin() + static_cast<std::ptrdiff_t>(shorter), elements.end(), 128);
+    record.field22 = elements.data();
+    record.field22_count = static_cast<std::uint32_t>(elements.size());
+    record.presence = API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD22 | API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD27;
+    ASSERT_NO_FATAL_FAILURE(is_written_near(record, shorter * hex("b0 01 01") + longer * hex("b0 01 80 01") + number));
+  }
+}
+
+TEST(lengths_near_what_is_written_aside, of_strings_and_bytes) {
+  for (std::size_t length = first_length; length <= last_length; ++length) {
+    const std::size_t inner = length - 3;  // a key, and a length of two bytes
+    std::string text(inner, 'x');
+    api_msg_internal record{};
+    record.field2 = text.data();
+    record.presence = API_MSG_INTERNAL_HAS_FIELD2;
+    ASSERT_NO_FATAL_FAILURE(is_written_near(record, hex("12") + varint_of(inner) + inner * octets{'x'}, {3, inner}));
+    octets data(inner, 0xdd);
+    oam_req request{};
+    request.field6 = data.data();
+    request.field6_length = inner;
+    request.presence = OAM_REQ_HAS_FIELD6;
+    ASSERT_NO_FATAL_FAILURE(is_written_near(request, hex("32") + varint_of(inner) + data, {3, inner}));
+  }
+}
+
 // Behind the list, in a payload of its own, stands a string: the two are written in the other order.
 TEST(short_buffers, get_payloads_of_an_envelope) {
   char text[] = "behind";
@@ -154,14 +259,8 @@ TEST(short_buffers, get_payloads_of_an_envelope) {
     record.p2p_auto_policy_notif = notification;
     record.oam_req.field3 = text;
     record.oam_req.presence = OAM_REQ_HAS_FIELD3;
-    const auto varint = [](std::size_t value) {
-      octets result;
-      for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
-      result.push_back(static_cast<unsigned char>(value));
-      return result;
-    };
-    const octets list = count * hex("08 c1 bb 01"), stack = hex("52") + varint(list.size()) + list;
-    const octets front = hex("08 01 2a") + varint(stack.size()) + stack + hex("6a 08 1a 06");
+    const octets list = count * hex("08 c1 bb 01"), stack = hex("52") + varint_of(list.size()) + list;
+    const octets front = hex("08 01 2a") + varint_of(stack.size()) + stack + hex("6a 08 1a 06");
     is_written(record, front + hex("62 65 68 69 6e 64"), {front.size(), 6});
   }
 }

@@ -51,8 +51,9 @@ inline octets operator+(octets left, const octets &right) {
 }
 
 inline octets operator*(std::size_t times, const octets &what) {
-  octets result;
-  for (std::size_t i = 0; i < times; ++i) result.insert(result.end(), what.begin(), what.end());
+  octets result(times * what.size());
+  for (std::size_t at = 0; at < result.size(); at += what.size())
+    std::memcpy(result.data() + at, what.data(), what.size());
   return result;
 }
 
