@@ -159,4 +159,31 @@ TEST_P(memory_laws, without_a_release_callback_pointers_become_null_at_every_dep
   });
 }
 
+// Records of exactly their size before an inaccessible page, or after one.
+TEST_P(memory_laws, nothing_before_a_record_or_after_it_is_looked_at) {
+  const message_type &type = *GetParam();
+  const fence room(type.size), other_room(type.size);
+  for_seeds(20, [&](dice &dice) {
+    const octets bytes = model_encode(random_record(type, dice, recipes::readable), false).bytes;
+    on_trial() = bytes;
+    for (const bool at_end : {true, false}) {
+      const view record(type, at_end ? room.last(type.size) : room.first());
+      const view copy(type, at_end ? other_room.last(type.size) : other_room.first());
+      const fenced_block input(bytes);
+      accountant memory;
+      litter(record, dice);
+      ASSERT_EQ(type.decode(record.data(), nullptr, 0, nullptr, nullptr, 0), CODEC_OK);
+      ASSERT_EQ(encoding_of(record), octets{});
+      ASSERT_EQ(type.decode(record.data(), input.data(), input.size(), accountant::allocate, &memory, 0), CODEC_OK);
+      litter(copy, dice);
+      ASSERT_EQ(type.duplicate(copy.data(), record.data(), accountant::allocate, &memory), CODEC_OK);
+      ASSERT_EQ(compared(record, copy), 0);
+      ASSERT_EQ(encoding_of(record), encoding_of(copy));
+      type.free(record.data(), accountant::release, &memory, 0);
+      type.free(copy.data(), accountant::release, &memory, 0);
+      ASSERT_EQ(memory.live(), 0u);
+    }
+  });
+}
+
 }  // namespace test
