@@ -142,7 +142,7 @@ void runs_of_2_to_the_32() {
 
 // For each list of messages whose array would not fit into 32 bits with an input of up to 200 MB: the greatest run that
 // fits, and the smallest that does not. And so far as inputs go, runs that do fit.
-void runs_beyond_the_address_space() {
+[[maybe_unused]] void runs_beyond_the_address_space() {
   constexpr std::uint64_t most = 100'000'000;
   unsigned wrapping = 0;
   for (const naive::message &type : naive::messages()) {
@@ -325,6 +325,62 @@ void more_entries_than_the_count_can_say() {
   std::printf("more than 2^32 entries\n");
 }
 
+octets varint(std::uint64_t value) {
+  octets result;
+  for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
+  result.push_back(static_cast<unsigned char>(value));
+  return result;
+}
+
+// A string of a length is read and written, in a message and in one inside another, so that the length of the inner one
+// is what is given.
+void a_string(std::uint64_t length) {
+  const octets prefix = octets{0x12} + varint(length);
+  {
+    const long_input input(prefix, octets{'x'}, length);
+    api_intf record = {};
+    refusing memory;
+    CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory) ==
+          CODEC_ERR_NO_MEMORY);
+    CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(length + 1)});
+  }
+  const long_input text({}, octets{'x'}, length, octets{0});
+  unsigned char buffer[16] = {};
+  {
+    api_intf record = {};
+    record.field2 = reinterpret_cast<char *>(const_cast<unsigned char *>(text.data()));
+    record.presence = API_INTF_HAS_FIELD2;
+    CHECK(pavo_zorv_api_intf_encode_ext(&record, nullptr, 0, nullptr, nullptr) == prefix.size() + length);
+    CHECK(pavo_zorv_api_intf_encode_ext(&record, buffer, sizeof buffer, nullptr, nullptr) == prefix.size() + length);
+    CHECK(std::memcmp(buffer, prefix.data(), prefix.size()) == 0 && buffer[prefix.size()] == 0);
+  }
+  // Its key and its own prefix are part of what the outer one says.
+  api_to_zorv outer = {};
+  const std::uint64_t shorter = prefix.size();
+  outer.intf.field2 = reinterpret_cast<char *>(const_cast<unsigned char *>(text.data())) + shorter;
+  outer.intf.presence = API_INTF_HAS_FIELD2;
+  const std::uint64_t own = length - shorter, inner = 1 + varint(own).size() + own;
+  const octets outer_prefix = octets{0x12} + varint(inner) + octets{0x12} + varint(own);
+  CHECK(pavo_zorv_api_to_zorv_encode_ext(&outer, nullptr, 0, nullptr, nullptr) == outer_prefix.size() + own);
+  CHECK(pavo_zorv_api_to_zorv_encode_ext(&outer, buffer, sizeof buffer, nullptr, nullptr) == outer_prefix.size() + own);
+  CHECK(std::memcmp(buffer, outer_prefix.data(), outer_prefix.size()) == 0);
+}
+
+// Counts and lengths of every power of two that is too great for every day, with one less and one more.
+void every_greater_power_of_two() {
+  for (unsigned power = 22; power <= (wide ? 31 : 26); ++power) {
+    const std::uint64_t number = std::uint64_t{1} << power;
+    for (const std::uint64_t each : {number - 1, number, number + 1}) {
+      a_string(each);
+      a_run(named("api_lbl_stack"), 1, each);
+      if (power > 26) continue;
+      a_run(named("prefix_sid_type"), 2, each);
+      a_run(named("api_exp_path"), 1, each);
+    }
+  }
+  std::printf("powers of two\n");
+}
+
 }  // namespace
 
 int main() {
@@ -333,6 +389,7 @@ int main() {
   long_encodings();
   lists_beyond_32_bits();
   more_entries_than_the_count_can_say();
+  every_greater_power_of_two();
   if constexpr (wide) {
     runs_of_2_to_the_32();
     an_input_of_more_than_4_gib();
