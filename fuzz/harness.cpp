@@ -30,7 +30,6 @@ namespace fuzz {
 
 namespace {
 
-constexpr std::size_t longest_input = 1 << 16;
 constexpr std::size_t guard_size = 16;
 constexpr unsigned char guard_octet = 0xb6;
 constexpr unsigned char returned_octet = 0xdd;
@@ -93,8 +92,13 @@ void *ledger::take(std::size_t size) {
 }
 
 const ledger::entry *ledger::find(const void *block) const {
+  if (likely_ < entries_.size() && entries_[likely_].block == block && entries_[likely_].out) {
+    return &entries_[likely_++];
+  }
   for (std::size_t i = entries_.size(); i-- != 0;) {
-    if (entries_[i].block == block && entries_[i].out) return &entries_[i];
+    if (entries_[i].block != block || !entries_[i].out) continue;
+    likely_ = i + 1;
+    return &entries_[i];
   }
   return nullptr;
 }
@@ -180,7 +184,7 @@ const fence &output_room() {
   return room;
 }
 const fence &table_room() {
-  static const fence room(longest_input * sizeof(pavo_zorv_segment));
+  static const fence room(4 * longest_input * sizeof(pavo_zorv_segment));
   return room;
 }
 

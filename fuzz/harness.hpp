@@ -19,6 +19,9 @@ using naive::sort;
 
 // --- The input ---
 
+// Longer ones are not tried. An encoding of 64 KB is not the longest.
+inline constexpr std::size_t longest_input = 72 << 10;
+
 // Six octets say what is to be done; the rest is a message.
 struct trial {
   static constexpr std::size_t header = 6;
@@ -143,6 +146,7 @@ class ledger {
 
   const trial &trial_;
   std::vector<entry> entries_;
+  mutable std::size_t likely_ = 0;  // blocks are mostly looked for in the order in which they were given
   std::size_t live_ = 0;
   std::size_t used_ = 0;
 };
