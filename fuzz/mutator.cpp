@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "dice.hpp"
 #include "harness.hpp"
 
 extern "C" std::size_t LLVMFuzzerMutate(unsigned char *data, std::size_t size, std::size_t room);
@@ -13,23 +14,6 @@ namespace fuzz {
 namespace {
 
 using octets = std::vector<unsigned char>;
-
-class dice {
- public:
-  explicit dice(unsigned seed) : state_(seed * 0x9e3779b97f4a7c15 + 1) {}
-  std::uint64_t any() {
-    state_ ^= state_ << 13;
-    state_ ^= state_ >> 7;
-    state_ ^= state_ << 17;
-    return state_ * 0x2545f4914f6cdd1d;
-  }
-  std::size_t below(std::size_t limit) { return (any() >> 16) % limit; }
-  bool percent(unsigned chance) { return below(100) < chance; }
-  unsigned char octet() { return static_cast<unsigned char>(any() >> 24); }
-
- private:
-  std::uint64_t state_;
-};
 
 void put_varint(octets &out, std::uint64_t value, std::size_t extra = 0) {
   while (value >= 0x80 || extra != 0) {
@@ -106,7 +90,29 @@ std::vector<piece> pieces_of(const octets &bytes) {
 
 class mutator {
  public:
-  explicit mutator(dice &dice) : dice_(dice) {}
+  // With the number of bytes that the message takes, and that it has room for.
+  mutator(dice &dice, std::size_t size, std::size_t room) : dice_(dice), size_(size), room_(room) {}
+
+  // Makes one field, at any depth, come again and again, or a string in it longer, until the message ends near a length
+  // that matters.
+  void lengthen(const message &type, octets &bytes, unsigned depth = 0) {
+    std::vector<piece> pieces = pieces_of(bytes);
+    if (pieces.empty()) insert(pieces, any_field(type, depth));
+    const std::size_t at = dice_.below(pieces.size());
+    piece &one = pieces[at];
+    const message *const nested = nested_of(type, one);
+    const std::size_t goal = this->goal();
+    if (nested != nullptr && !one.value.empty() && dice_.percent(60)) {
+      lengthen(*nested, one.value, depth + 1);
+    } else if (goal > size_ && one.delimited && nested == nullptr && dice_.percent(70)) {
+      one.value.resize(one.value.size() + goal - size_, dice_.byte());
+    } else if (goal > size_) {
+      octets written;
+      one.write(written);
+      pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), (goal - size_) / written.size(), piece(one));
+    }
+    write(pieces, bytes);
+  }
 
   void change(const message &type, octets &bytes, unsigned depth = 0) {
     std::vector<piece> pieces = pieces_of(bytes);
@@ -115,11 +121,22 @@ class mutator {
     } else {
       change_one(type, pieces, dice_.below(pieces.size()), depth);
     }
+    write(pieces, bytes);
+  }
+
+ private:
+  static void write(const std::vector<piece> &pieces, octets &bytes) {
     bytes.clear();
     for (const piece &one : pieces) one.write(bytes);
   }
 
- private:
+  // Around the longest encoding that is written aside, around 64 KB, and between.
+  std::size_t goal() {
+    const std::size_t longest = std::min<std::size_t>(room_, 20000);
+    if (room_ > 65600 && dice_.percent(10)) return 65536 + dice_.below(64) - 40;
+    return longest > 8300 && dice_.percent(60) ? 8192 + dice_.below(64) - 40 : dice_.below(longest);
+  }
+
   void change_one(const message &type, std::vector<piece> &pieces, std::size_t at, unsigned depth) {
     piece &one = pieces[at];
     const message *const nested = nested_of(type, one);
@@ -182,19 +199,12 @@ class mutator {
   void change_value(piece &one) {
     if ((one.key & 7) == 0 && dice_.percent(70)) {
       one.value.clear();
-      put_varint(one.value, number(), dice_.percent(15) ? dice_.below(12) : 0);
+      put_varint(one.value, dice_.number(), dice_.percent(15) ? dice_.below(12) : 0);
       return;
     }
     const std::size_t size = one.value.size();
     one.value.resize(size + 16);
     one.value.resize(LLVMFuzzerMutate(one.value.data(), size, size + 16));
-  }
-
-  std::uint64_t number() {
-    const std::size_t bits = dice_.below(65);
-    if (bits == 0) return 0;
-    return dice_.percent(30) ? (std::uint64_t{1} << (7 * dice_.below(10))) - dice_.below(2)
-                             : dice_.any() >> (64 - bits);
   }
 
   piece any_field(const message &type, unsigned depth) {
@@ -205,10 +215,10 @@ class mutator {
     one.key = static_cast<std::uint32_t>(index + 1) << 3 | (field.is_varint() ? 0 : 2);
     one.delimited = !field.is_varint();
     if (field.is_varint()) {
-      put_varint(one.value, number());
+      put_varint(one.value, dice_.number());
     } else if (field.nested == nullptr) {
       one.value.resize(dice_.percent(90) ? dice_.below(6) : dice_.below(140));
-      for (unsigned char &octet : one.value) octet = dice_.octet();
+      for (unsigned char &octet : one.value) octet = dice_.byte();
     } else if (depth < 5) {
       for (std::size_t count = dice_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
     }
@@ -223,11 +233,12 @@ class mutator {
     one.key = static_cast<std::uint32_t>(number) << 3 | type_bits;
     one.delimited = type_bits == 2;
     one.value.resize(type_bits == 1 ? 8 : type_bits == 5 ? 4 : type_bits == 2 ? dice_.below(6) : 0);
-    if (type_bits == 0) put_varint(one.value, this->number());
+    if (type_bits == 0) put_varint(one.value, dice_.number());
     return one;
   }
 
   dice &dice_;
+  std::size_t size_, room_;
 };
 
 }  // namespace
@@ -239,12 +250,14 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(unsigned char *data, std::size_t 
   fuzz::dice dice(seed);
   if (size < header || room <= header || dice.percent(25)) return LLVMFuzzerMutate(data, size, room);
   if (dice.percent(10)) {
-    data[dice.below(header)] = dice.octet();
+    data[dice.below(header)] = dice.byte();
     return size;
   }
   fuzz::octets bytes(data + header, data + size);
   const fuzz::trial trial = fuzz::trial_of(data, size);
-  fuzz::mutator change(dice);
+  fuzz::mutator change(dice, bytes.size(), room - header);
+  // Where there is room for it, some become long.
+  if (room > 8192 && bytes.size() < 4096 && dice.percent(10)) change.lengthen(*trial.type, bytes);
   change.change(*trial.type, bytes);
   while (dice.percent(30)) change.change(*trial.type, bytes);
   if (bytes.size() > room - header) bytes.resize(room - header);

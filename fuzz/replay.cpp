@@ -1,8 +1,13 @@
 // Runs a target on the inputs in files and folders, without a fuzzing engine: for the tests, and for a finding.
+//
+//   replay [--long] FILE_OR_FOLDER...     with --long, on those of long_inputs.hpp as well
 #include <dirent.h>
 
 #include <cstdio>
+#include <cstring>
 #include <vector>
+
+#include "long_inputs.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t size);
 
@@ -42,12 +47,18 @@ long run(const char *path) {
   return inputs;
 }
 
+long run_long_inputs() {
+  return static_cast<long>(fuzz::for_each_long_input(
+      [](const unsigned char *data, std::size_t size) { LLVMFuzzerTestOneInput(data, size); }));
+}
+
 }  // namespace
 
 int main(int count, char **arguments) {
   long inputs = 0;
   for (int i = 1; i < count; ++i) {
-    const long more = run(arguments[i]);
+    const bool is_long = std::strcmp(arguments[i], "--long") == 0;
+    const long more = is_long ? run_long_inputs() : run(arguments[i]);
     if (more < 0) {
       std::fprintf(stderr, "%s cannot be read\n", arguments[i]);
       return 1;
@@ -55,7 +66,7 @@ int main(int count, char **arguments) {
     inputs += more;
   }
   if (inputs == 0) {
-    std::fprintf(stderr, "usage: replay FILE_OR_FOLDER...   (there was no input)\n");
+    std::fprintf(stderr, "usage: replay [--long] FILE_OR_FOLDER...   (there was no input)\n");
     return 1;
   }
   std::printf("%ld inputs\n", inputs);
