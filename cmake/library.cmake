@@ -61,7 +61,8 @@ function(pavo_zorv_shared_library library objects)
   set_target_properties(${library} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${pavo_zorv_abi} LINK_DEPENDS ${export_list})
   target_link_options(${library} PRIVATE LINKER:--version-script=${export_list} LINKER:-z,relro LINKER:-z,now)
-  if(NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
+  # Instrumented code calls a runtime that only the program has.
+  if(NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE AND NOT "${CMAKE_CXX_FLAGS}" MATCHES "-fsanitize=")
     target_link_options(${library} PRIVATE -nostartfiles LINKER:-z,defs LINKER:--as-needed)
   endif()
 endfunction()
