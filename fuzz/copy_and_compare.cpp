@@ -1,5 +1,5 @@
 // Two records from one input: copies are equal to their sources and independent of them, and comparing is an order
-// that agrees with the naive one.
+// that agrees with the naive one, also where lists are empty though their bit is set.
 #include "harness.hpp"
 #include "naive/compare.hpp"
 
@@ -32,6 +32,25 @@ class copy {
   const trial &trial_;
 };
 
+// The same record with shorter lists, as a caller may leave them: it is only compared.
+record shortened(const trial &trial, const record &source) {
+  record result = source;
+  for (const member &field : trial.type->members) {
+    if (!field.is_list()) continue;
+    const std::uint64_t count = naive::count_of(field, result.data());
+    naive::store(result.data() + field.count_offset, 4, count != 0 ? trial.extra % count : 0);
+  }
+  return result;
+}
+
+void check_order(const trial &trial, const record &a, const record &b) {
+  const auto compare = trial.type->functions->compare;
+  const int order = compare(a.data(), b.data());
+  FUZZ_CHECK(trial, sign(order) == naive::compare(*trial.type, a.data(), b.data()));
+  FUZZ_CHECK(trial, sign(order) == -sign(compare(b.data(), a.data())));
+  FUZZ_CHECK(trial, compare(a.data(), a.data()) == 0);
+}
+
 }  // namespace
 
 void run(const trial &trial) {
@@ -43,9 +62,9 @@ void run(const trial &trial) {
   decoded b(trial, right, trial.length - split, trial.referenced);
 
   const int order = compare(a.record.data(), b.record.data());
-  FUZZ_CHECK(trial, sign(order) == naive::compare(*trial.type, a.record.data(), b.record.data()));
-  FUZZ_CHECK(trial, sign(order) == -sign(compare(b.record.data(), a.record.data())));
-  FUZZ_CHECK(trial, compare(a.record.data(), a.record.data()) == 0);
+  check_order(trial, a.record, b.record);
+  check_order(trial, shortened(trial, a.record), b.record);
+  check_order(trial, shortened(trial, a.record), a.record);
 
   const std::vector<unsigned char> written = encoding_of(trial, a.record.data(), 0);
   {

@@ -1,5 +1,6 @@
 // Whatever the allocator refuses: decoding leaves what the naive decoder leaves, a copy holds what it got memory for,
-// and all of it comes back.
+// and all of it comes back. No allocator is one that gives nothing; without a function that takes blocks back, they are
+// forgotten.
 #include <array>
 
 #include "harness.hpp"
@@ -52,6 +53,18 @@ void check_copying(const trial &trial, const schedule &failing, const record &so
   FUZZ_CHECK(trial, memory.live() == 0);
 }
 
+void check_copying_without_allocator(const trial &trial, const record &source) {
+  record copy(*trial.type, trial.fill), other(*trial.type, trial.fill);
+  ledger nothing(trial);
+  nothing.failing = {schedule::all_from, 0, 0};
+  const auto duplicate = trial.type->functions->duplicate;
+  const int result = duplicate(copy.data(), source.data(), nullptr, nullptr);
+  FUZZ_CHECK(trial, result == duplicate(other.data(), source.data(), ledger::allocate, &nothing));
+  FUZZ_CHECK(trial, (result == CODEC_OK) == nothing.sizes.empty());
+  FUZZ_CHECK(trial, naive::blocks_owned(*trial.type, copy.data(), false) == 0);
+  FUZZ_CHECK(trial, encoding_of(trial, copy.data(), 0) == encoding_of(trial, other.data(), 0));
+}
+
 }  // namespace
 
 void run(const trial &trial) {
@@ -59,10 +72,13 @@ void run(const trial &trial) {
   ledger memory(trial);
   check_decoding(trial, schedule_of(trial.choice, trial.number), seen, memory);
   check_copying(trial, schedule_of(trial.choice >> 2, trial.number ^ trial.extra), seen);
+  check_copying_without_allocator(trial, seen);
   const std::size_t owned = naive::blocks_owned(*trial.type, seen.data(), trial.referenced);
   const std::size_t dropped = memory.live() - owned;
-  trial.type->functions->free(seen.data(), ledger::release, &memory, trial.options());
-  FUZZ_CHECK(trial, memory.live() == dropped);
+  const bool forgets = trial.choice == 14;
+  trial.type->functions->free(seen.data(), forgets ? nullptr : ledger::release, &memory, trial.options());
+  FUZZ_CHECK(trial, memory.live() == dropped + (forgets ? owned : 0));
+  FUZZ_CHECK(trial, naive::blocks_owned(*trial.type, seen.data(), trial.referenced) == 0);
 }
 
 }  // namespace fuzz
