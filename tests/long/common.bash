@@ -3,6 +3,9 @@ set -euo pipefail
 export PAVO_ZORV_LOG=build/long-${0##*/}.log  # one for each tier
 mkdir -p build
 
+# Those that need no other library.
+fuzz_targets=(decode encode round_trip copy_and_compare short_buffers failing_memory)
+
 # Runs a command quietly; shows what it said when it fails.
 quietly() {
   if ! "$@" > "$PAVO_ZORV_LOG" 2>&1; then
@@ -25,6 +28,9 @@ build() {
   shift
   quietly cmake --build "build/$folder" --target "$@"
 }
+
+# Whether the processor runs what is compiled for x86-64-v3. Where it does not, says so.
+runs_x86_64_v3() { tests/x86_64_v3/run "$(type -P true)"; }
 
 # configure_for MACHINE CMAKE-ARGUMENTS...: for another machine, with GoogleTest built for it, of which the distribution
 # has the sources.
