@@ -1,7 +1,10 @@
 #!/usr/bin/env python3
-"""The lines and branches of src/ that no test takes, from the counters of a build with GCC.
+"""The lines and branches of src/ that nothing takes, from the counters of builds with GCC.
 
-  coverage.py BUILD_FOLDER
+  coverage.py [--but FILE] BUILD_FOLDER...
+
+In each build all must be taken, but for what the file lists: a line "path: text as it stands in the source", and after
+it, indented, the reason. What stands there and is taken in every build is wrong as well.
 
 A line is taken when it is in any instantiation of a template.
 
@@ -14,6 +17,7 @@ its ways out come in pairs.
 
 A line is left out of the branches where the one before it says so, and why:  // No branches: reason
 """
+import argparse
 import collections
 import json
 import pathlib
@@ -65,29 +69,76 @@ def ways_out(instances):
     return groups
 
 
-def main():
-    taken, branches = counters(pathlib.Path(sys.argv[1]))
+def listed(path):
+    """The places that a file lists: pairs of a path and a text."""
+    places = []
+    for line in path.read_text().splitlines():
+        if line.startswith("  ") and line.strip():
+            if not places:
+                sys.exit(f"{path}: a reason for nothing: {line}")
+            places[-1][1] = True
+        elif line and not line.startswith("#"):
+            places.append([tuple(line.split(": ", 1)), False])
+    for place, has_reason in places:
+        if not has_reason:
+            sys.exit(f"{path}: no reason for {': '.join(place)}")
+    return {place for place, _ in places}
+
+
+def report(folder, but):
+    """Prints what is not taken in a build and not listed, and the sums. What is not taken: lines in all, those listed."""
+    taken, branches = counters(folder)
     if not taken or not branches:
-        sys.exit("coverage.py: no counters in src/")
+        sys.exit(f"coverage.py: no counters of src/ in {folder}")
     texts = {path: [""] + (ROOT / path).read_text().splitlines() for path, _ in taken}
+    unlisted, found = 0, set()
+
+    def missing(path, number, what):
+        nonlocal unlisted
+        text = texts[path][number].strip()
+        if (str(path), text) in but:
+            found.add((str(path), text))
+        else:
+            unlisted += 1
+            print(f"{path}:{number}: {what}: {text}")
+
     lines_missing = sorted(place for place, count in taken.items() if count == 0)
     for path, number in lines_missing:
-        print(f"{path}:{number}: not taken: {texts[path][number].strip()}")
-    missing, total, left_out = 0, 0, 0
+        missing(path, number, "not taken")
+    branches_missing, total, left_out = 0, 0, 0
     for (path, number), functions in sorted(branches.items()):
         if LEFT_OUT.search(texts[path][number - 1]):
             left_out += 1
             continue
         for size, sums in ways_out(functions).items():
             total += size
-            missing += sums.count(0)
+            branches_missing += sums.count(0)
             if 0 in sums:
-                print(f"{path}:{number}: taken {sums}: {texts[path][number].strip()}")
+                missing(path, number, f"taken {sums}")
     copies = sum(len(counts) for functions in branches.values() for counts in functions.values())
     print(f"lines of src/: {len(taken) - len(lines_missing)} of {len(taken)} are taken")
-    print(f"branches: {total - missing} of {total} on {len(branches)} lines are taken, {copies} counting every"
+    print(f"branches: {total - branches_missing} of {total} on {len(branches)} lines are taken, {copies} counting every"
           f" instantiation; lines left out: {left_out}")
-    sys.exit(bool(missing or lines_missing))
+    return unlisted, found
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--but", type=pathlib.Path, metavar="FILE")
+    parser.add_argument("folders", type=pathlib.Path, nargs="+", metavar="BUILD_FOLDER")
+    arguments = parser.parse_args()
+    but = listed(arguments.but) if arguments.but else set()
+    failed, found = False, set()
+    for folder in arguments.folders:
+        unlisted, found_here = report(folder, but)
+        failed |= unlisted != 0
+        found |= found_here
+    for path, text in sorted(but - found):
+        failed = True
+        print(f"{arguments.but}: is taken, or not there: {path}: {text}")
+    if but:
+        print(f"not taken and listed with their reasons: {len(found)} lines")
+    sys.exit(failed)
 
 
 main()
