@@ -48,6 +48,11 @@ if(PAVO_ZORV_TESTS OR PAVO_ZORV_FUZZING)
   enable_testing()
   pavo_zorv_part(fuzz)
 endif()
+# Of what is released, on the machine that it is for.
+if(PAVO_ZORV_TESTS AND CMAKE_BUILD_TYPE STREQUAL Release AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE AND
+    NOT CMAKE_CROSSCOMPILING)
+  add_subdirectory(tests/memcheck)
+endif()
 if(PAVO_ZORV_BENCHMARKS)
   pavo_zorv_part(benchmarks benchmark Protobuf)
 endif()
