@@ -94,11 +94,11 @@ class alteration {
     for (std::uint64_t i = 0; i < count; ++i) alter(*field.nested, array + i * field.nested->size);
   }
 
-  // Where a varint grows, where 32 bits end, and what no memory has. Even some thousands of them are no more than half
-  // the numbers there are.
+  // Where a varint grows, where 32 bits end, where the numbers end, and between.
   std::uint64_t length_of_gap() {
     if (dice_.percent(60)) return dice_.below(20000);
-    return dice_.percent(50) ? std::uint64_t{1} << dice_.below(45) : dice_.any() >> (64 - dice_.below(45) - 1);
+    const std::uint64_t power = std::uint64_t{1} << dice_.below(64);
+    return dice_.percent(50) ? power - dice_.below(3) : dice_.any() >> dice_.below(64);
   }
 
   // Around the longest encoding that is written aside, around 64 KB, and between.
