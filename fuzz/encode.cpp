@@ -1,7 +1,8 @@
 // Encoding agrees with the naive encoder, whatever a caller may put into a record: the length, every byte of a buffer
 // that is too short, long enough or not there, and every entry of a table. The record is what the naive decoder makes
 // of the input, then altered: bits without members and members without bits, numbers and flags of any value, bytes with
-// a length and no block, and one string, list or block made so long that the encoding ends near a size that matters.
+// a length and no block; or all numbers there are and nothing else; and one string, list or block made so long that the
+// encoding ends near a size that matters.
 #include <algorithm>
 
 #include "dice.hpp"
@@ -71,11 +72,25 @@ class alteration {
     naive::set_presence(type, record, bits ^ (static_cast<std::uint32_t>(dice_.any()) & ~type.mask()));
   }
 
+  // Every number, as large as it gets, and nothing else: the most that is written where nothing asks for room.
+  void fill(const message &type, unsigned char *record) {
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < type.members.size(); ++i) {
+      const member &field = type.members[i];
+      unsigned char *const at = record + field.offset;
+      if (field.what == sort::message) fill(*field.nested, at);
+      if (field.is_scalar()) naive::store(at, field.width, UINT64_MAX);
+      if (field.is_scalar() || field.what == sort::message) bits |= std::uint32_t{1} << i;
+    }
+    naive::set_presence(type, record, bits);
+  }
+
+  // The last member that can grow is written first, before all the others.
   void lengthen(const message &type, unsigned char *record) {
     std::vector<growing> places;
     find(type, record, places);
     if (places.empty()) return;
-    const growing &place = places[dice_.below(places.size())];
+    const growing &place = dice_.percent(40) ? places.back() : places[dice_.below(places.size())];
     // A list without its bit may have a count and no array.
     if (place.field().is_list() && naive::pointer_at(place.at()) == nullptr) {
       naive::store(place.record + place.field().count_offset, 4, 0);
@@ -84,7 +99,9 @@ class alteration {
     naive::set_presence(*place.type, place.record, bits | std::uint32_t{1} << place.index);
     const std::uint64_t now = naive::encoding::of(type, record, trial_.referenced).length();
     const std::size_t goal = this->goal();
-    if (now < goal) lengthen(place, goal - static_cast<std::size_t>(now));
+    // The whole is to be so long, or this member alone.
+    const std::size_t besides = dice_.percent(60) ? static_cast<std::size_t>(std::min<std::uint64_t>(now, goal)) : 0;
+    lengthen(place, goal - besides);
   }
 
  private:
@@ -213,6 +230,7 @@ void run(const trial &trial) {
   unsigned char *const record = source.record.data();
   blocks().reset();
   alteration alteration(trial);
+  if ((trial.choice & 2) != 0) alteration.fill(*trial.type, record);
   if ((trial.choice & 1) != 0) alteration.alter(*trial.type, record);
   if (trial.choice >= 12) alteration.lengthen(*trial.type, record);
   const fuzz::record before = source.record;
