@@ -186,7 +186,7 @@ class changing_input : public law {
 INSTANTIATE_TEST_SUITE_P(every, changing_input, testing::ValuesIn(subjects()), name_of_subject);
 
 TEST_P(changing_input, writes_only_into_the_blocks_that_were_asked_for) {
-  for_seeds(150, [&](dice &dice) {
+  for_seeds(60, [&](dice &dice) {
     octets bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
     if (dice.percent(30)) bytes = octets_maker(dice).message(*GetParam());
     if (bytes.empty()) return;

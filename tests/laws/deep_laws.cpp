@@ -190,7 +190,8 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
       each = (block->number < 16 ? 2 : 3);
       elements.resize((aside / each + 1000) * block->nested->size);
     }
-    const std::size_t step = std::max<std::size_t>(each, 5) / each;
+    // Some fifty places in between.
+    const std::size_t step = std::max(each, (numbers + 32) / 48) / each;
     for (std::size_t count = (aside - numbers - 16) / each; count <= aside / each + 16; count += step) {
       std::vector<char> string;
       if (block->kind == kind::string) {
