@@ -114,8 +114,8 @@ class alteration {
   // Where a varint grows, where 32 bits end, where the numbers end, and between.
   std::uint64_t length_of_gap() {
     if (dice_.percent(60)) return dice_.below(20000);
-    const std::uint64_t power = std::uint64_t{1} << dice_.below(64);
-    return dice_.percent(50) ? power - dice_.below(3) : dice_.any() >> dice_.below(64);
+    const std::uint64_t power = std::uint64_t{2} << dice_.below(64);
+    return dice_.percent(50) ? power - dice_.below(12) : dice_.any() >> dice_.below(64);
   }
 
   // Around the longest encoding that is written aside, around 64 KB, and between.

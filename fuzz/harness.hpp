@@ -66,7 +66,9 @@ void run(const trial &trial);
   std::fprintf(stderr, "%s:%d: %s does not hold for %s%s\n", file, line, condition, trial.type->name,
                trial.referenced ? " in reference mode" : "");
   if (!more.empty()) std::fprintf(stderr, "%s\n", more.c_str());
-  for (std::size_t i = 0; i < trial.length; ++i) std::fprintf(stderr, "%02x ", trial.bytes[i]);
+  const std::size_t shown = trial.length < 1000 ? trial.length : 1000;
+  for (std::size_t i = 0; i < shown; ++i) std::fprintf(stderr, "%02x ", trial.bytes[i]);
+  if (shown < trial.length) std::fprintf(stderr, "... %zu bytes", trial.length);
   std::fprintf(stderr, "\n");
   std::abort();
 }

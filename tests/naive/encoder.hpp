@@ -89,7 +89,7 @@ class encoding {
   }
 
   // Whether a size can say how long it is.
-  bool has_size() const { return !wrapped_ && length_ <= SIZE_MAX; }
+  bool has_size() const { return !is_beyond_ && length_ <= SIZE_MAX; }
   std::uint64_t length() const { return length_; }
   const std::vector<part> &parts() const { return parts_; }
   std::size_t entries() const { return entries_.size(); }
@@ -154,20 +154,21 @@ class encoding {
       entries_.push_back(one);
     }
     bytes_.insert(bytes_.end(), inner.bytes_.begin(), inner.bytes_.end());
-    wrapped_ |= inner.wrapped_;
+    is_beyond_ |= inner.is_beyond_;
     add(inner.length_);
   }
 
+  // What 64 bits cannot count stays at the most that they can: it is not empty.
   void add(std::uint64_t length) {
-    wrapped_ |= length > UINT64_MAX - length_;
-    length_ += length;
+    if (length > UINT64_MAX - length_) is_beyond_ = true;
+    length_ = is_beyond_ ? UINT64_MAX : length_ + length;
   }
 
   std::vector<unsigned char> bytes_;
   std::vector<part> parts_;
   std::vector<entry> entries_;
   std::uint64_t length_ = 0;
-  bool wrapped_ = false;
+  bool is_beyond_ = false;
 };
 
 }  // namespace naive
