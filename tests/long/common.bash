@@ -4,7 +4,8 @@ export PAVO_ZORV_LOG=build/long-${0##*/}.log  # one for each tier
 mkdir -p build
 
 # Those that need no other library.
-fuzz_targets=(decode encode round_trip copy_and_compare short_buffers failing_memory unwritten)
+fuzz_targets=(decode encode round_trip copy_and_compare short_buffers failing_memory unwritten
+  changing_input)
 
 # Runs a command quietly; shows what it said when it fails.
 quietly() {
