@@ -168,8 +168,9 @@
  *
  *  Input that is given to `decode_ext` may hold anything. It should not change during the call: what is read of bytes
  *  that another thread or process changes meanwhile is anyone's guess, an error as likely as wrong values, though the
- *  bounds of the input and of every block are still kept. Copy it out of shared memory first. The rest is taken on trust:
- *  nothing of the following is checked, and what comes of it is undefined.
+ *  bounds of the input and of every block are still kept. Copy it out of shared memory first.
+ *
+ *  The rest is taken on trust: nothing of the following is checked, and what comes of it is undefined.
  *  - **A record with members that nobody wrote,** because it was neither zeroed nor the output of `decode_ext` or
  *    `duplicate`: see @ref records.
  *  - **Memory that overlaps.** The output buffer, the table and the count share nothing with each other, nor with the

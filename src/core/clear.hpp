@@ -37,9 +37,9 @@ inline constexpr auto spare_bits = [] {
 }();
 
 // Overwrites a record with zero, or with the octets of another one: a piece of it, as large as a word or a vector, at a
-// time, in which the spare bits are merged. Nothing branches on those, which nobody may ever have written. Straight
-// stores: what the compiler makes of memset and memcpy for some 1,000 octets is a string instruction that takes twice as
-// long.
+// time, in which the spare bits are merged. Nothing branches on those, which nobody may ever have written. These are
+// straight stores: what the compiler makes of memset and memcpy for some 1,000 octets is a string instruction that
+// takes twice as long.
 template <class Record>
 class overwriting {
  public:

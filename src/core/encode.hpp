@@ -241,8 +241,8 @@ PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::si
   return octets;
 }
 
-// Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the octets: with 64 bits only bytes members make so many,
-// with 32 any long list does.
+// Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the octets: with 64 bits only bytes members make so
+// many, with 32 any long list does.
 template <class Record>
 PAVO_ZORV_INLINE std::size_t measured_size(const Record &record, survey &found) {
   const std::uint64_t octets = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);

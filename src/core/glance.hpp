@@ -8,8 +8,8 @@
 
 namespace pavo_zorv {
 
-// Whether no presence bit of a field is set in a message and those inside it: then its encoding is empty. The other bits
-// are masked out first: nobody may ever have written them.
+// Whether no presence bit of a field is set in a message and those inside it: then its encoding is empty. The other
+// bits are masked out first: nobody may ever have written them.
 template <class Record>
 PAVO_ZORV_INLINE bool is_blank(const Record &record) {
   bool blank = (record.presence & presence_mask<Record>) == 0;

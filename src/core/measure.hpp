@@ -14,8 +14,8 @@ struct measuring {
   std::uint64_t blocks = 0;      // the octets of bytes members, and of messages that hold such
   std::uint64_t last_piece = 0;  // where the octets of the message's last table entry begin
 
-  // Only what holds a bytes member can be longer than memory, and make a sum of 64 bits overflow: it is summed apart from
-  // all else, which is added without a look.
+  // Only what holds a bytes member can be longer than memory, and make a sum of 64 bits overflow: it is summed apart
+  // from all else, which is added without a look.
   PAVO_ZORV_INLINE void add_block(std::uint64_t length) { blocks = saturating_sum(blocks, length); }
 
   // A nested message after its key and length.

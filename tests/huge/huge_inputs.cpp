@@ -261,8 +261,8 @@ void long_encodings() {
   std::printf("an encoding of %llu octets\n", static_cast<unsigned long long>(std::uint64_t{2} * count));
 }
 
-// Lists of 8-bit integers whose encoding is longer than 2^32 octets: exact, or SIZE_MAX where size_t has 32 bits, and then
-// neither the buffer nor the table is touched. The first is 400 octets too long, the second two.
+// Lists of 8-bit integers whose encoding is longer than 2^32 octets: exact, or SIZE_MAX where size_t has 32 bits, and
+// then neither the buffer nor the table is touched. The first is 400 octets too long, the second two.
 void lists_beyond_32_bits() {
   const auto has_total = [](auto encode, const auto &record, std::uint64_t total, const char *start) {
     unsigned char buffer[400];

@@ -1,5 +1,5 @@
-// Laws of encodings longer than memory: records with random bytes members of any 64-bit length, held against a model that
-// counts and never copies.
+// Laws of encodings longer than memory: records with random bytes members of any 64-bit length, held against a model
+// that counts and never copies.
 #include <algorithm>
 
 #include "laws.hpp"
@@ -147,7 +147,7 @@ std::uint64_t any_length(dice &dice) {
     case 2:
       return halves[dice.below(std::size(halves))] + few;
     case 3:
-      return SIZE_MAX - few;
+      return SIZE_MAX - dice.below(16);
     default:
       return few % 12;
   }

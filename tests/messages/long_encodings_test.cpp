@@ -60,8 +60,8 @@ class long_encodings_of_shared_strings : public testing::Test {
     list_.presence = API_AA_LIST_HAS_POLICIES;
   }
 
-  // A policy with a string of 8 MiB takes 8,388,618 bytes: a key and a length of four bytes, twice, and the string. 511 of
-  // them take 4,286,583,798. The string of the last one is as long as it takes to come to a total.
+  // A policy with a string of 8 MiB takes 8,388,618 bytes: a key and a length of four bytes, twice, and the string. 511
+  // of them take 4,286,583,798. The string of the last one is as long as it takes to come to a total.
   attempt with_total(std::uint64_t total) {
     policies_.back().field1 = text_.data() + greatest - static_cast<std::size_t>(total - 4286583798 - 10);
     return attempt(list_);

@@ -1,5 +1,5 @@
-// Buffers around 8,192 octets, or 3,072 in builds that use less stack, up to which an encoding is written aside: whatever
-// it holds, and however much that is, the buffer gets what belongs in it and nothing else.
+// Buffers around 8,192 octets, or 3,072 in builds that use less stack, up to which an encoding is written aside:
+// whatever it holds, and however much that is, the buffer gets what belongs in it and nothing else.
 #include "message_checks.hpp"
 #include "messages/all.hpp"
 
@@ -144,8 +144,8 @@ TEST(short_buffers, get_messages_of_a_list_with_lists_inside) {
 
 // --- Every length from just below what is written aside to well above: where the room for it ends is a sum. ---
 
-// Beyond the longest encoding that is written aside lies the room for what asks for none, at most as much as an envelope
-// takes: the lengths end beyond that.
+// Beyond the longest encoding that is written aside lies the room for what asks for none, at most as much as an
+// envelope takes: the lengths end beyond that.
 constexpr std::size_t first_length = pavo_zorv::most_aside - 12,
                       last_length = pavo_zorv::most_aside + pavo_zorv::octets_unasked<api_msg>() + 72;
 

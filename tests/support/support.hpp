@@ -229,8 +229,8 @@ octets encoded(const Record &record, std::uint32_t options = 0) {
   return buffer.content();
 }
 
-// A record decoded from octets in a block of exactly their size. It lives as long as the input, and is released at the end;
-// every block must have come back by then.
+// A record decoded from octets in a block of exactly their size. It lives as long as the input, and is released at the
+// end; every block must have come back by then.
 template <class Record>
 class decoded {
  public:

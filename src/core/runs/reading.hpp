@@ -44,8 +44,8 @@ struct run_window {
   std::uint64_t values_below(unsigned place) const { return values & ((std::uint64_t{1} << place) - 1); }
 };
 
-// Where a walk along a run stands after a stretch of it: at the next value or, if the run has ended, after its last value;
-// null when a value, or the key after one, is cut off.
+// Where a walk along a run stands after a stretch of it: at the next value or, if the run has ended, after its last
+// value; null when a value, or the key after one, is cut off.
 template <class Visit>
 struct stretch {
   const octet *at;
@@ -53,8 +53,8 @@ struct stretch {
   Visit visit;
 };
 
-// Takes elements one by one, from a value on, until some keys in a row have been in their shortest form: a window for each
-// odd key takes fifteen times as long. What visits is handed back, so that it stays in registers elsewhere.
+// Takes elements one by one, from a value on, until some keys in a row have been in their shortest form: a window for
+// each odd key takes fifteen times as long. What visits is handed back, so that it stays in registers elsewhere.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const octet *at, const octet *end, Visit visit) {
   for (unsigned regular = 0; regular < 16;) {
@@ -71,8 +71,8 @@ PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const octet
   return {at, false, visit};
 }
 
-// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Returns the
-// place after the last value; null when a value, or the key after one, is cut off.
+// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Returns
+// the place after the last value; null when a value, or the key after one, is cut off.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const octet *end, const octet *limit,
                                        Visit &visit) {
