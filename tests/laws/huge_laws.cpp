@@ -153,14 +153,15 @@ std::uint64_t any_length(dice &dice) {
   }
 }
 
-// Gives every bytes member a length, and a block of it only where it is short.
+// Gives every bytes member a length, and a block as long only where memory may hold it.
 void make_huge(view record, dice &dice, arena &arena) {
   for (const field &field : record.type().fields) {
     if (field.kind == kind::bytes) {
       const std::uint64_t length = any_length(dice);
-      const bool is_short = length < 80;
-      auto *const block = arena.array<unsigned char>(is_short ? static_cast<std::size_t>(length) : 1);
-      for (std::size_t i = 0; is_short && i < length; ++i) block[i] = dice.octet();
+      // What may fit into the scratch buffer is read, whatever becomes of it.
+      const std::size_t size = length < 20000 ? static_cast<std::size_t>(length) : 1;
+      auto *const block = arena.array<unsigned char>(size);
+      for (std::size_t i = 0; i < size; ++i) block[i] = dice.octet();
       record.set_has(field, dice.percent(90));
       record.set_count(field, length);
       record.set_pointer(field, dice.percent(40) ? nullptr : block);
