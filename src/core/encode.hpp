@@ -46,7 +46,7 @@ octets_before::place octets_before::prepend_varint(place at, Value value) {
 // The same where eight octets can be stored at once: those before the varint are not yet written. One of three or four
 // octets needs no room but its own.
 template <class Value>
-PAVO_ZORV_NOINLINE octet *prepend_word(const octet *first, octet *at, Value value) {
+PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
   if (value < 0x200000) {
     at[-1] = static_cast<octet>(value >> 14);
     at[-2] = static_cast<octet>(value >> 7 | 0x80);
