@@ -75,6 +75,40 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     agree_on<std::uint32_t>(message, before, behind);
   }
 
+  // A run that changes after it has been counted: its elements are those that are there by now, as many as were
+  // counted; where there are fewer, or the run is cut off, it is refused. Nothing is written beside them.
+  template <class Element>
+  void agree_on_changed(const octets &counted, const octets &changed, std::size_t before, std::size_t behind) {
+    const unsigned number = GetParam();
+    octet *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - counted.size();
+    const buffer whole{at - before, limit};
+    std::memcpy(at, counted.data(), counted.size());
+    const pavo_zorv::counted_run run = pavo_zorv::count_integers<Element>(number, at, end, whole);
+    const std::size_t count = run.count();
+    if (count == 0) return;
+    std::memcpy(at, changed.data(), changed.size());
+    octet *const first = elements_.data() + elements_.size() - count * sizeof(Element);
+    std::memset(elements_.data(), 0xc7, elements_.size());
+    const octet *const next = pavo_zorv::read_integers(reinterpret_cast<Element *>(first), run, number, at, end, whole);
+    const std::string what = describe(changed, before, behind) + ", counted as " + show(counted);
+    ASSERT_EQ(std::count(elements_.data(), first, 0xc7), first - elements_.data()) << what;
+    if (run.next != nullptr) {
+      // Its values are taken for where they were.
+      ASSERT_EQ(next, run.next) << what;
+      return;
+    }
+    // In a buffer that is shorter than one load, keys are where they were when they were counted, whichever they are.
+    const bool is_short = whole.size() < pavo_zorv::native_piece::size;
+    const bool is_gone = pavo_zorv::plain::count_integers(number, at, end) < count;
+    ASSERT_TRUE(next == nullptr ? is_gone : is_short || !is_gone) << what;
+    if (next == nullptr) return;
+    ASSERT_TRUE(next > at && next <= end) << what;
+    std::vector<Element> plain(count), fast(count);
+    std::memcpy(fast.data(), first, count * sizeof(Element));
+    pavo_zorv::plain::read_integers(plain.data(), count, at, end);
+    ASSERT_EQ(fast, plain) << what;
+  }
+
   static std::string describe(const octets &message, std::size_t before, std::size_t behind) {
     return "field " + std::to_string(GetParam()) + ", " + std::to_string(before) + " octets before, " +
            std::to_string(behind) + " behind: " + show(message);
@@ -103,7 +137,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
   }
 
  private:
-  fenced_block page_{512};
+  fenced_block page_{512}, elements_{4 * 512};
 };
 
 TEST_P(both_readers, agree_on_every_short_message_at_the_end_of_the_buffer_and_before_it) {
@@ -215,7 +249,72 @@ TEST_P(both_readers, agree_on_random_octets) {
   }
 }
 
+// Runs in which values of one size, or of all, and keys in another form than the shortest are rare or frequent.
+octets any_run(unsigned number, std::size_t length, std::mt19937 &random) {
+  const std::size_t sizes[] = {1, 2, 3, 5, 9, 40}, size = random() % 9;
+  const unsigned odd_keys[] = {1, 2, 5, 30, 1000}, odd = odd_keys[random() % 5];
+  octets run;
+  while (run.size() < length) {
+    const std::size_t value = sizes[size < 5 ? size : random() % (size < 8 ? 4 : 6)];
+    for (std::size_t i = 1; i < value; ++i) run.push_back(static_cast<unsigned char>(random() | 0x80));
+    run.push_back(static_cast<unsigned char>(random() & 0x7f));
+    const unsigned key = number << 3, is_odd = random() % odd == 0;
+    run.push_back(static_cast<unsigned char>(key | (is_odd || number >= 16 ? 0x80 : 0)));
+    if (is_odd || number >= 16) run.push_back(static_cast<unsigned char>(key >> 7 | (is_odd ? 0x80 : 0)));
+    if (is_odd) run.push_back(0x00);
+  }
+  run.resize(length);
+  // Mostly not cut off.
+  if (length != 0 && random() % 5 != 0) run.back() &= 0x7f;
+  return run;
+}
+
+TEST_P(both_readers, agree_on_random_runs) {
+  std::mt19937 random(GetParam());
+  for (int round = 0; round < 4000 && !HasFatalFailure(); ++round) {
+    const octets run = any_run(GetParam(), random() % 400, random);
+    agree(run, 0, random() % 70);
+    agree(run + hex("fa 01 00"), 0, random() % 70);
+  }
+}
+
+TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
+  std::mt19937 random(GetParam());
+  for (int round = 0; round < 20000 && !HasFatalFailure(); ++round) {
+    const std::size_t length = 1 + random() % (random() % 2 == 0 ? 64 : 400), from = random() % length;
+    const std::size_t to = random() % 2 == 0 ? length : from + random() % (length - from);
+    octets counted = any_run(GetParam(), length, random), changed = counted;
+    const octets other = any_run(GetParam(), length, random);
+    for (std::size_t at = from; at < to; ++at) changed[at] = other[at];
+    // What ends the run, in one of them or in both.
+    if (length > 10 && random() % 3 == 0) std::fill(counted.end() - (random() % 2 == 0 ? 8 : 9), counted.end(), 0x01);
+    if (length > 10 && random() % 3 == 0) std::fill(changed.end() - (random() % 2 == 0 ? 8 : 9), changed.end(), 0x01);
+    const std::size_t before = random() % 40, behind = random() % 2 == 0 ? 0 : random() % 70;
+    agree_on_changed<std::uint8_t>(counted, changed, before, behind);
+    agree_on_changed<std::uint32_t>(counted, changed, before, behind);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(fields, both_readers, ::testing::Values(1u, 2u, 15u, 16u, 22u, 27u));
+
+// Three elements of field 1 were there when they were counted.
+TEST(plain_reader, refuses_a_run_that_is_cut_off_by_now) {
+  std::vector<std::uint8_t> elements;
+  const auto refuses = [&](const char *text) {
+    const fenced_block input(hex(text));
+    elements.assign(3, 0xc7);
+    return pavo_zorv::plain::read_integers(elements.data(), 3, input.data(), input.data() + input.size()) == nullptr;
+  };
+  EXPECT_FALSE(refuses("05 08 86 02 08 07")) << "cut to eight bits";
+  EXPECT_EQ(elements, hex("05 06 07"));
+  EXPECT_TRUE(refuses("85")) << "the first value";
+  EXPECT_EQ(elements, hex("c7 c7 c7"));
+  EXPECT_TRUE(refuses("05 88")) << "a key";
+  EXPECT_TRUE(refuses("05 08 86")) << "a value";
+  EXPECT_TRUE(refuses("05 08 06")) << "a key that is not there";
+  EXPECT_TRUE(refuses("05 08 06 08")) << "a value that is not there";
+  EXPECT_EQ(elements, hex("05 06 c7"));
+}
 
 // --- Windows ---
 
