@@ -236,6 +236,53 @@ TEST(integer_list, takes_any_wire_type_inside_a_run_but_not_at_its_start) {
   EXPECT_EQ(start.result, CODEC_ERR_WRONG_WIRE_TYPE);
 }
 
+// An input that becomes another one of the same length when memory is asked for, so after a list has been counted.
+struct changing_input {
+  changing_input(const octets &before, const octets &after) : input(before), later(after) {
+    std::memset(static_cast<void *>(&record), 0, sizeof record);
+    result = pavo_zorv::decode(record, input.data(), input.size(), allocate, this);
+  }
+  ~changing_input() { pavo_zorv::release(record, accountant::release, &memory); }
+
+  static void *allocate(std::size_t size, void *context) {
+    auto &self = *static_cast<changing_input *>(context);
+    std::memcpy(self.input.data(), self.later.data(), self.input.size());
+    return accountant::allocate(size, &self.memory);
+  }
+
+  fenced_block input;
+  octets later;
+  accountant memory;
+  everything record;
+  int result;
+};
+
+TEST(integer_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_zeros) {
+  for (const std::size_t more : {0u, 1u, 60u}) {
+    const octets elements = more * hex("40 05");
+    const changing_input octet_list(elements + hex("40 06 40 07"), elements + hex("40 06 40 87"));
+    EXPECT_EQ(octet_list.result, CODEC_ERR_TRUNCATED);
+    ASSERT_EQ(octet_list.record.octets_count, more + 2);
+    EXPECT_EQ(octets(octet_list.record.octets, octet_list.record.octets + more + 2), octets(more + 2, 0x00));
+    EXPECT_EQ(fields_of(octet_list.record), 0u);
+
+    const octets words = more * hex("48 c1 bb 01");
+    const changing_input word_list(words + hex("48 06 48 07"), words + hex("48 06 c8 87"));
+    EXPECT_EQ(word_list.result, CODEC_ERR_TRUNCATED);
+    ASSERT_EQ(word_list.record.words_count, more + 2);
+    for (std::size_t i = 0; i < more + 2; ++i) EXPECT_EQ(word_list.record.words[i], 0u) << i;
+    EXPECT_EQ(fields_of(word_list.record), 0u);
+  }
+}
+
+TEST(integer_list, that_ends_earlier_than_it_was_counted_is_refused_and_holds_zeros) {
+  const changing_input list(70 * hex("48 05"), 69 * hex("48 05") + hex("18 05"));
+  EXPECT_EQ(list.result, CODEC_ERR_TRUNCATED);
+  ASSERT_EQ(list.record.words_count, 70u);
+  for (std::size_t i = 0; i < 70; ++i) EXPECT_EQ(list.record.words[i], 0u) << i;
+  EXPECT_EQ(fields_of(list.record), 0u);
+}
+
 TEST(nested_message, is_written_for_its_bit_or_for_its_content) {
   everything record = with_fields({10, 25});
   EXPECT_EQ(encoded(record), hex("52 00 ca 01 00"));
@@ -285,6 +332,19 @@ TEST(message_list, with_a_length_cut_off_behind_its_fifth_octet_is_refused_befor
     decoded<everything> record(bytes);
     EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << show(bytes);
     EXPECT_EQ(record.memory.requests(), 0u) << show(bytes);
+  }
+}
+
+TEST(message_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_what_was_read) {
+  for (const octets &after : {hex("5a 02 08 05 5a 01 08"), hex("5a 02 08 05 5a 02 08"), hex("5a 02 08 05 5a 80 80"),
+                              hex("5a 02 08 05 da 80 80")}) {
+    const changing_input list(hex("5a 02 08 05 5a 01 08"), after);
+    EXPECT_EQ(list.result, CODEC_ERR_TRUNCATED) << show(after);
+    ASSERT_EQ(list.record.list_count, 2u);
+    EXPECT_EQ(list.record.list[0].number, 5u);
+    EXPECT_EQ(fields_of(list.record.list[0]), 1u);
+    EXPECT_EQ(fields_of(list.record.list[1]), 0u);
+    EXPECT_EQ(fields_of(list.record), 0u);
   }
 }
 
