@@ -297,6 +297,33 @@ TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
 
 INSTANTIATE_TEST_SUITE_P(fields, both_readers, ::testing::Values(1u, 2u, 15u, 16u, 22u, 27u));
 
+// After an odd key, elements are taken one by one until sixteen keys in a row have been in their shortest form. The run
+// begins with a value; the place is that of the next one.
+template <unsigned KeySize>
+void are_taken_one_by_one(const octets &run, std::size_t elements, std::size_t place) {
+  const fenced_block input(run);
+  const octet *const at = input.data(), *const end = at + input.size();
+  const auto taken = pavo_zorv::take_one_by_one<KeySize>(KeySize == 1 ? 0x08 : 0x80, at, end,
+                                                         pavo_zorv::element_counter<std::uint32_t>{});
+  EXPECT_FALSE(taken.ended) << show(run);
+  EXPECT_EQ(taken.visit.count, elements) << show(run);
+  EXPECT_EQ(taken.at - at, static_cast<std::ptrdiff_t>(place)) << show(run);
+}
+
+TEST(elements, are_taken_one_by_one_until_sixteen_keys_in_a_row_are_in_their_shortest_form) {
+  const octets shortest = 40 * hex("05 08"), end = hex("05");
+  are_taken_one_by_one<1>(shortest + end, 16, 32);
+  are_taken_one_by_one<1>(hex("05 88 00") + shortest + end, 1 + 16, 3 + 32);
+  are_taken_one_by_one<1>(hex("05 0a") + shortest + end, 1 + 16, 2 + 32);  // another wire type
+  are_taken_one_by_one<1>(15 * hex("05 08") + hex("05 88 00") + shortest + end, 15 + 1 + 16, 30 + 3 + 32);
+  are_taken_one_by_one<1>(15 * hex("05 08") + hex("05 0a") + shortest + end, 15 + 1 + 16, 30 + 2 + 32);
+
+  const octets longer = 40 * hex("05 80 01");
+  are_taken_one_by_one<2>(longer + end, 16, 48);
+  are_taken_one_by_one<2>(15 * hex("05 80 01") + hex("05 80 81 00") + longer + end, 15 + 1 + 16, 45 + 4 + 48);
+  are_taken_one_by_one<2>(15 * hex("05 80 01") + hex("05 82 01") + longer + end, 15 + 1 + 16, 45 + 3 + 48);
+}
+
 // Three elements of field 1 were there when they were counted.
 TEST(plain_reader, refuses_a_run_that_is_cut_off_by_now) {
   std::vector<std::uint8_t> elements;
