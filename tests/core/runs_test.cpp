@@ -203,6 +203,26 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   }
 }
 
+// Elements of one octet or two before labels and after them: as many octets as a label takes, or nearly.
+TEST_P(both_readers, agree_on_labels_between_short_elements) {
+  const octets key = key_of_run(), labels = 20 * (hex("81 82 03") + key), values[] = {hex("05"), hex("86 07"), {}};
+  for (const std::size_t count : {7u, 8u, 9u, 15u, 16u}) {
+    for (unsigned number = 0; number < 3 * 3 * 3 * 3; ++number) {
+      octets before, after;
+      for (const unsigned digit : {number % 3, number / 3 % 3}) {
+        if (!values[digit].empty()) before = before + values[digit] + key;
+      }
+      for (const unsigned digit : {number / 9 % 3, number / 27}) {
+        if (!values[digit].empty()) after = after + values[digit] + key;
+      }
+      const auto some = static_cast<std::ptrdiff_t>(count * (3 + key.size()));
+      const octets run = before + octets(labels.begin(), labels.begin() + some) + after + hex("04");
+      agree(run, 0, 0);
+      agree(run, 64, 40);
+    }
+  }
+}
+
 // Words that are not blocks of labels, though they look like some: with other keys behind the values, or none; where
 // the run begins, and behind as many labels as a window holds.
 TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
