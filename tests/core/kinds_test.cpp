@@ -257,8 +257,9 @@ struct changing_input {
   int result;
 };
 
+// So short that it is read plainly, or so long that it is walked along: what one look shows is not looked at again.
 TEST(integer_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_zeros) {
-  for (const std::size_t more : {0u, 1u, 60u}) {
+  for (const std::size_t more : {0u, 60u}) {
     const octets elements = more * hex("40 05");
     const changing_input octet_list(elements + hex("40 06 40 07"), elements + hex("40 06 40 87"));
     EXPECT_EQ(octet_list.result, CODEC_ERR_TRUNCATED);
