@@ -242,12 +242,12 @@ PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::si
 }
 
 // Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the octets: with 64 bits only bytes members make so
-// many, with 32 any long list does.
+// many, and their sum says so itself; with 32 any long list does.
 template <class Record>
 PAVO_ZORV_INLINE std::size_t measured_size(const Record &record, survey &found) {
   const std::uint64_t octets = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);
   const auto size = static_cast<std::size_t>(octets);
-  if constexpr (sizeof size == sizeof octets && !holds_bytes<Record>) return size;
+  if constexpr (sizeof size == sizeof octets) return size;
   found.overflowed |= size != octets;
   return found.overflowed ? SIZE_MAX : size;
 }

@@ -33,8 +33,8 @@ inline std::size_t count_integers(unsigned number, const octet *at, const octet 
   return count_run(number, at, end, skip_varint);
 }
 
-// Reads integers that have been counted, cut to the width of the elements; returns the place after the last. Null where
-// the input has changed since it was counted, and fewer are there now; of more, only so many are read.
+// Reads integers that have been counted, cut to the width of the elements; returns the place after the last. Keys are
+// not looked at again; null where the input has changed since it was counted, and is cut off before the last element.
 template <class Element>
 const octet *read_integers(Element *elements, std::size_t count, const octet *at, const octet *end) {
   for (std::size_t index = 0; index < count; ++index) {
