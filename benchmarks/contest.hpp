@@ -13,7 +13,7 @@
 
 namespace contest {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 using repeat = std::function<void(std::size_t times)>;
 
 // What a reader of the results has to know about a contestant to compare it.

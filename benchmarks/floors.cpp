@@ -1,4 +1,4 @@
-// The floors: what remains when nothing is understood. The octets are moved, and memory of the same sizes as ours is
+// The floors: what remains when nothing is understood. The bytes are moved, and memory of the same sizes as ours is
 // taken; no codec that owns its memory can be faster.
 #include <cstring>
 
@@ -10,10 +10,10 @@
 namespace contest {
 namespace {
 
-constexpr const char *octets_only = "floor_memcpy";
-constexpr const char *octets_and_pool = "floor_memcpy_clear_pool";
-constexpr const char *octets_and_heap = "floor_memcpy_clear_malloc";
-constexpr const char *octets_compared = "floor_memcmp";
+constexpr const char *bytes_only = "floor_memcpy";
+constexpr const char *bytes_and_pool = "floor_memcpy_clear_pool";
+constexpr const char *bytes_and_heap = "floor_memcpy_clear_malloc";
+constexpr const char *bytes_compared = "floor_memcmp";
 constexpr const char *record_overwritten = "floor_record";
 constexpr const char *presence_read = "floor_presence";
 
@@ -32,7 +32,7 @@ struct surveyor {
 template <class Record>
 struct bench {
   explicit bench(const workload<Record> &what) : work(what), memory(roomy(what.longest())), output(what.longest()) {
-    for (const octets &message : what.wire) {
+    for (const byte_string &message : what.wire) {
       surveyor notes{{}, pool(roomy(message.size()))};
       operations<Record>::decode(&record, message, surveyor::allocate, &notes, what.options);
       blocks.push_back(std::move(notes.sizes));
@@ -46,15 +46,15 @@ struct bench {
   std::size_t most = 0;
   std::vector<void *> taken;
   pool memory;
-  octets output;
+  byte_string output;
   Record record{};
 };
 
 template <class Record>
-repeat move_octets(const workload<Record> &work) {
+repeat move_bytes(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   return repeated([on] {
-    for (const octets &message : on->work.wire) {
+    for (const byte_string &message : on->work.wire) {
       std::memcpy(on->output.data(), message.data(), message.size());
       keep(on->output.data());
     }
@@ -62,7 +62,7 @@ repeat move_octets(const workload<Record> &work) {
 }
 
 template <class Record>
-repeat move_octets_and_take_from_pool(const workload<Record> &work) {
+repeat move_bytes_and_take_from_pool(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   // Through a pointer, as the library calls it.
   const auto allocate = std::make_shared<pavo_zorv_allocate>(pool::allocate);
@@ -79,7 +79,7 @@ repeat move_octets_and_take_from_pool(const workload<Record> &work) {
 }
 
 template <class Record>
-repeat move_octets_and_take_from_heap(const workload<Record> &work) {
+repeat move_bytes_and_take_from_heap(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   const auto allocate = std::make_shared<pavo_zorv_allocate>(allocate_from_heap);
   return repeated([on, allocate] {
@@ -96,9 +96,9 @@ repeat move_octets_and_take_from_heap(const workload<Record> &work) {
 }
 
 template <class Record>
-repeat compare_octets(const workload<Record> &work) {
+repeat compare_bytes(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
-  auto others = std::make_shared<std::vector<octets>>(work.wire);
+  auto others = std::make_shared<std::vector<byte_string>>(work.wire);
   return repeated([on, others] {
     int sum = 0;
     for (std::size_t i = 0; i < others->size(); ++i)
@@ -153,26 +153,26 @@ repeat read_presence(const workload<Record> &work, unsigned calls) {
 }  // namespace
 
 void enter_floors(roll &all) {
-  all.introduce({octets_only, "none", "the encoding is copied by memcpy, nothing is read", "none"});
-  all.introduce({octets_and_pool, "the record cleared, and our block sizes from a pool", "as above", "none"});
-  all.introduce({octets_and_heap, "the record cleared, and our block sizes from malloc, freed", "as above", "none"});
-  all.introduce({octets_compared, "none", "two encodings are compared by memcmp", "none"});
+  all.introduce({bytes_only, "none", "the encoding is copied by memcpy, nothing is read", "none"});
+  all.introduce({bytes_and_pool, "the record cleared, and our block sizes from a pool", "as above", "none"});
+  all.introduce({bytes_and_heap, "the record cleared, and our block sizes from malloc, freed", "as above", "none"});
+  all.introduce({bytes_compared, "none", "two encodings are compared by memcmp", "none"});
   all.introduce({record_overwritten, "none", "the record alone is cleared or copied", "none"});
   all.introduce({presence_read, "none", "the presence flags are read: once to measure, twice to encode", "none"});
   all_workloads().each([&](const auto &work) {
     const bool copyable = work.options == 0;
     for (const char *operation : {"decode", "copy"}) {
       if (!copyable && std::strcmp(operation, "copy") == 0) continue;
-      all.enter(operation, work.name, octets_only, [&] { return move_octets(work); });
-      all.enter(operation, work.name, octets_and_pool, [&] { return move_octets_and_take_from_pool(work); });
-      all.enter(operation, work.name, octets_and_heap, [&] { return move_octets_and_take_from_heap(work); });
+      all.enter(operation, work.name, bytes_only, [&] { return move_bytes(work); });
+      all.enter(operation, work.name, bytes_and_pool, [&] { return move_bytes_and_take_from_pool(work); });
+      all.enter(operation, work.name, bytes_and_heap, [&] { return move_bytes_and_take_from_heap(work); });
     }
-    all.enter("encode", work.name, octets_only, [&] { return move_octets(work); });
+    all.enter("encode", work.name, bytes_only, [&] { return move_bytes(work); });
     all.enter("decode", work.name, record_overwritten, [&] { return clear_record(work); });
     if (copyable) all.enter("copy", work.name, record_overwritten, [&] { return copy_record(work); });
     all.enter("measure", work.name, presence_read, [&] { return read_presence(work, 1); });
     all.enter("encode", work.name, presence_read, [&] { return read_presence(work, 2); });
-    if (copyable) all.enter("compare", work.name, octets_compared, [&] { return compare_octets(work); });
+    if (copyable) all.enter("compare", work.name, bytes_compared, [&] { return compare_bytes(work); });
   });
 }
 

@@ -32,7 +32,7 @@ struct bench {
   const workload<Record> &work;
   std::vector<Record> sources;
   pool memory;
-  octets output;
+  byte_string output;
   std::vector<pavo_zorv_segment> pieces;
   Record record{};
 };
@@ -48,7 +48,7 @@ constexpr callbacks heap_callbacks{allocate_from_heap, release_to_heap};
 template <class Record>
 std::shared_ptr<bench<Record>> checked_for_decoding(const workload<Record> &work, const callbacks &with) {
   auto on = std::make_shared<bench<Record>>(work);
-  for (const octets &message : work.wire) {
+  for (const byte_string &message : work.wire) {
     on->memory.reset();
     const int result = operations<Record>::decode(&on->record, message, with.allocate, &on->memory, work.options);
     require(result == CODEC_OK && encoding(on->record) == message, "pavo_zorv decodes", work.name);
@@ -60,7 +60,7 @@ std::shared_ptr<bench<Record>> checked_for_decoding(const workload<Record> &work
 template <class Record>
 repeat decode_into_pool(const workload<Record> &work) {
   return repeated([on = checked_for_decoding(work, pool_callbacks)] {
-    for (const octets &message : on->work.wire) {
+    for (const byte_string &message : on->work.wire) {
       on->memory.reset();
       operations<Record>::decode(&on->record, message, pool::allocate, &on->memory, on->work.options);
       keep(&on->record);
@@ -71,7 +71,7 @@ repeat decode_into_pool(const workload<Record> &work) {
 template <class Record>
 repeat decode_into_pool_and_release(const workload<Record> &work) {
   return repeated([on = checked_for_decoding(work, pool_callbacks)] {
-    for (const octets &message : on->work.wire) {
+    for (const byte_string &message : on->work.wire) {
       on->memory.reset();
       operations<Record>::decode(&on->record, message, pool::allocate, &on->memory, on->work.options);
       keep(&on->record);
@@ -83,7 +83,7 @@ repeat decode_into_pool_and_release(const workload<Record> &work) {
 template <class Record>
 repeat decode_with_malloc(const workload<Record> &work) {
   return repeated([on = checked_for_decoding(work, heap_callbacks)] {
-    for (const octets &message : on->work.wire) {
+    for (const byte_string &message : on->work.wire) {
       operations<Record>::decode(&on->record, message, allocate_from_heap, nullptr, on->work.options);
       keep(&on->record);
       operations<Record>::free(&on->record, release_to_heap, nullptr, on->work.options);
@@ -122,7 +122,7 @@ repeat encode_by_reference(const workload<Record> &work) {
   const std::size_t length = operations<Record>::encode(&on->sources[0], nullptr, 0, nullptr, &needed, work.options);
   std::vector<pavo_zorv_segment> &pieces = on->pieces;
   pieces.resize(needed);
-  octets written(length);
+  byte_string written(length);
   operations<Record>::encode(&on->sources[0], written.data(), length, pieces.data(), &needed, work.options);
   std::uint64_t referenced = 0;
   for (const pavo_zorv_segment &piece : pieces)

@@ -1,6 +1,6 @@
 // nanopb: one callback for strings, bytes and lists, which collects them in a pool. Its own pointer fields take a
 // realloc for every element of a list, and its encoder packs them; so callbacks are the faster setup, and the only one
-// that writes these octets.
+// that writes these bytes.
 #include <pb_decode.h>
 #include <pb_encode.h>
 
@@ -136,7 +136,7 @@ struct bench {
     }
   }
 
-  bool decode(message &object, const octets &wire) {
+  bool decode(message &object, const byte_string &wire) {
     std::memset(static_cast<void *>(&object), 0, sizeof object);
     pb_istream_t in = pb_istream_from_buffer(wire.data(), wire.size());
     return pb_decode_ex(&in, counterpart<Record>::fields(), &object, PB_DECODE_NOINIT);
@@ -154,7 +154,7 @@ struct bench {
 
   const workload<Record> &work;
   pool memory, source_memory;
-  octets output;
+  byte_string output;
   std::vector<message> sources;
   message one{};
 };
@@ -164,7 +164,7 @@ repeat decode(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   return repeated([on] {
     memory_in_use = &on->memory;
-    for (const octets &wire : on->work.wire) {
+    for (const byte_string &wire : on->work.wire) {
       on->memory.reset();
       on->decode(on->one, wire);
       keep(&on->one);

@@ -43,13 +43,13 @@ struct counterpart<srv6_prefix> {
 };
 
 template <class Message>
-bool parse(Message &object, const octets &message) {
+bool parse(Message &object, const byte_string &message) {
   return object.ParseFromArray(message.data(), static_cast<int>(message.size()));
 }
 
 template <class Message>
-octets serialized(const Message &object) {
-  octets result(object.ByteSizeLong());
+byte_string serialized(const Message &object) {
+  byte_string result(object.ByteSizeLong());
   object.SerializeWithCachedSizesToArray(result.data());
   return result;
 }
@@ -67,7 +67,7 @@ struct bench {
 
   explicit bench(const workload<Record> &what)
       : work(what), arena(roomy(what.longest())), source_arena(roomy(what.size())), output(what.longest()) {
-    for (const octets &wire : what.wire) {
+    for (const byte_string &wire : what.wire) {
       heap_sources.push_back(std::make_unique<message>());
       arena_sources.push_back(Arena::CreateMessage<message>(&source_arena.arena));
       require(parse(*heap_sources.back(), wire) && parse(*arena_sources.back(), wire) &&
@@ -81,14 +81,14 @@ struct bench {
   std::vector<message *> arena_sources;
   message one;
   spacious_arena arena, source_arena;
-  octets output;
+  byte_string output;
 };
 
 template <class Record>
 repeat decode_on_heap(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   return repeated([on] {
-    for (const octets &wire : on->work.wire) {
+    for (const byte_string &wire : on->work.wire) {
       auto object = std::make_unique<typename bench<Record>::message>();
       parse(*object, wire);
       keep(object.get());
@@ -100,7 +100,7 @@ template <class Record>
 repeat decode_on_arena(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   return repeated([on] {
-    for (const octets &wire : on->work.wire) {
+    for (const byte_string &wire : on->work.wire) {
       on->arena.arena.Reset();
       auto *const object = Arena::CreateMessage<typename bench<Record>::message>(&on->arena.arena);
       parse(*object, wire);
@@ -112,10 +112,10 @@ repeat decode_on_arena(const workload<Record> &work) {
 template <class Record>
 repeat decode_reused(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
-  for (const octets &wire : work.wire)
+  for (const byte_string &wire : work.wire)
     require(parse(on->one, wire) && serialized(on->one) == wire, "protobuf decodes into a used object", work.name);
   return repeated([on] {
-    for (const octets &wire : on->work.wire) {
+    for (const byte_string &wire : on->work.wire) {
       parse(on->one, wire);
       keep(&on->one);
     }

@@ -33,7 +33,7 @@ struct bench {
         memory(roomy(what.longest())),
         allocator{take_from_pool, give_to_pool, &memory},
         output(what.longest()) {
-    for (const octets &message : wire) {
+    for (const byte_string &message : wire) {
       sources.emplace_back(protobuf_c_message_unpack(&descriptor, nullptr, message.size(), message.data()));
       require(sources.back() != nullptr, "protobuf-c decodes", what.name);
       require(protobuf_c_message_get_packed_size(sources.back().get()) == message.size() &&
@@ -49,16 +49,16 @@ struct bench {
   }
 
   const ProtobufCMessageDescriptor &descriptor;
-  const std::vector<octets> &wire;
+  const std::vector<byte_string> &wire;
   pool memory;
   ProtobufCAllocator allocator;
-  octets output;
+  byte_string output;
   std::vector<std::unique_ptr<ProtobufCMessage, release_message>> sources;
 };
 
 repeat decode_into_pool(std::shared_ptr<bench> on) {
   return repeated([on] {
-    for (const octets &message : on->wire) {
+    for (const byte_string &message : on->wire) {
       on->memory.reset();
       keep(protobuf_c_message_unpack(&on->descriptor, &on->allocator, message.size(), message.data()));
     }
@@ -67,7 +67,7 @@ repeat decode_into_pool(std::shared_ptr<bench> on) {
 
 repeat decode_with_malloc(std::shared_ptr<bench> on) {
   return repeated([on] {
-    for (const octets &message : on->wire) {
+    for (const byte_string &message : on->wire) {
       auto *const object = protobuf_c_message_unpack(&on->descriptor, nullptr, message.size(), message.data());
       keep(object);
       protobuf_c_message_free_unpacked(object, nullptr);

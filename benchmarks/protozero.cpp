@@ -34,7 +34,7 @@ struct reading {
 template <class Record>
 void read(pbf_reader in, Record &record, const reading &how);
 
-// Whether the next field has this key; it becomes the current one. A key of one octet is looked at where it lies.
+// Whether the next field has this key; it becomes the current one. A key of one byte is looked at where it lies.
 inline __attribute__((always_inline)) bool next_is(pbf_reader &in, std::uint32_t key) {
   if (key < 0x80) {
     const auto rest = in.data();
@@ -46,7 +46,7 @@ inline __attribute__((always_inline)) bool next_is(pbf_reader &in, std::uint32_t
   return true;
 }
 
-// A list of integers: its elements take at least two octets each, and what is not needed is given back.
+// A list of integers: its elements take at least two bytes each, and what is not needed is given back.
 template <class Element>
 inline __attribute__((always_inline)) std::uint32_t read_integers(pbf_reader &in, Element *&elements, std::uint32_t key,
                                                                   const reading &how) {
@@ -108,9 +108,9 @@ inline __attribute__((always_inline)) void read_field(pbf_reader &in, Record &re
 template <class Record, std::size_t Index>
 inline __attribute__((always_inline)) void read_row(pbf_reader &in, Record &record, const reading &how) {
   constexpr auto &row = pavo_zorv::row_at<Record, Index>;
-  if constexpr (row.type == kind::integers) {
+  if constexpr (row.type == kind::integer_list) {
     record.*row.count = read_integers(in, record.*row.elements, key_of(row), how);
-  } else if constexpr (row.type == kind::messages) {
+  } else if constexpr (row.type == kind::message_list) {
     record.*row.count = read_messages(in, record.*row.elements, key_of(row), how);
   } else {
     read_field<Record, Index>(in, record, how);
@@ -152,9 +152,9 @@ void write(pbf_writer &out, const Record &record) {
       out.add_string(number, record.*row.value);
     } else if constexpr (row.type == kind::bytes) {
       out.add_bytes(number, reinterpret_cast<const char *>(record.*row.value), record.*row.length);
-    } else if constexpr (row.type == kind::integers) {
+    } else if constexpr (row.type == kind::integer_list) {
       for (std::uint32_t i = 0; i < record.*row.count; ++i) out.add_uint32(number, (record.*row.elements)[i]);
-    } else if constexpr (row.type == kind::messages) {
+    } else if constexpr (row.type == kind::message_list) {
       for (std::uint32_t i = 0; i < record.*row.count; ++i) {
         pbf_writer nested(out, number);
         write(nested, (record.*row.elements)[i]);
@@ -168,7 +168,7 @@ void write(pbf_writer &out, const Record &record) {
 
 template <class Record>
 struct bench {
-  // The lengths of nested messages are first given five octets each, then moved together.
+  // The lengths of nested messages are first given five bytes each, then moved together.
   static constexpr std::size_t slack = 64;
 
   explicit bench(const workload<Record> &what)
@@ -183,7 +183,7 @@ struct bench {
     }
   }
 
-  void decode(const octets &wire) {
+  void decode(const byte_string &wire) {
     std::memset(static_cast<void *>(&record), 0, sizeof record);
     read(pbf_reader(reinterpret_cast<const char *>(wire.data()), wire.size()), record,
          {memory, (work.options & PAVO_ZORV_REFERENCE) != 0});
@@ -198,7 +198,7 @@ struct bench {
 
   const workload<Record> &work;
   pool memory;
-  octets output;
+  byte_string output;
   Record record{};
 };
 
@@ -206,7 +206,7 @@ template <class Record>
 repeat decode(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
   return repeated([on] {
-    for (const octets &wire : on->work.wire) {
+    for (const byte_string &wire : on->work.wire) {
       on->memory.reset();
       on->decode(wire);
       keep(&on->record);

@@ -33,7 +33,7 @@ FLOORS = [
 ]
 OPERATIONS = ["decode", "encode", "copy", "measure", "compare"]
 
-# What we want to reach: the ratio to the fastest peer, or for plain octets to the floor.
+# What we want to reach: the ratio to the fastest peer, or for plain bytes to the floor.
 GOALS = {
     "decode": {
         "colour": 0.45, "notification": 0.38, "request": 0.41, "1000_policies": 0.45, "10_labels": 0.35,
@@ -127,7 +127,7 @@ def print_table(build):
         variants = operation in ("decode", "copy")
         print(f"\n{operation}: ours is {'with a pool' if variants else 'the only way'}; ratios are ours to each, "
               "below 1 is faster")
-        line = f"{'workload':24}{'octets':>7} {'ours ns':>8} {'fastest':>15} {'ns':>8} {'ratio':>6} {'runs':>11} "
+        line = f"{'workload':24}{'bytes':>7} {'ours ns':>8} {'fastest':>15} {'ns':>8} {'ratio':>6} {'runs':>11} "
         line += f"{'goal':>5}  |"
         line += "".join(f"{head:>10}" for head in heads) + " |" + "".join(f"{head:>8}" for head in floor_heads)
         if variants:
@@ -183,7 +183,7 @@ def print_goals(builds):
 
 
 def print_contestants(builds):
-    print("What each contestant does. All of them reproduced the library's octets before they were timed.")
+    print("What each contestant does. All of them reproduced the library's bytes before they were timed.")
     table = [("name", "memory", "strings", "checks"), *builds[0].contestants]
     widths = [max(map(len, column)) + 2 for column in zip(*table)]
     for row in table:
@@ -195,7 +195,7 @@ def print_contestants(builds):
 def write_csv(path, builds):
     with open(path, "w", newline="", encoding="utf-8") as text:
         out = csv.writer(text)
-        out.writerow("build operation workload contestant octets nanoseconds ours_to_it lowest highest runs".split())
+        out.writerow("build operation workload contestant bytes nanoseconds ours_to_it lowest highest runs".split())
         for build in builds:
             for operation, workload, contestant in build.runs:
                 case = (operation, workload, contestant)
@@ -207,7 +207,7 @@ def write_csv(path, builds):
 
 def write_markdown(path, builds):
     """The table of docs/performance.md."""
-    heads = ["work", "octets"]
+    heads = ["work", "bytes"]
     for build in builds:
         heads += [f"{build.name}, ns", "to the fastest peer"]
     lines = [heads + ["goal"], ["---", "--:"] + ["--:", "---"] * len(builds) + ["--:"]]

@@ -17,17 +17,17 @@ template <class Record>
 struct workload {
   std::string name;
   std::vector<Record> records;
-  std::vector<octets> wire;   // the library's encoding of each record: what every contestant must reproduce
-  std::uint32_t options = 0;  // PAVO_ZORV_REFERENCE: bytes members are referenced by those who can
+  std::vector<byte_string> wire;  // the library's encoding of each record: what every contestant must reproduce
+  std::uint32_t options = 0;      // PAVO_ZORV_REFERENCE: bytes members are referenced by those who can
 
   std::size_t size() const {
     std::size_t sum = 0;
-    for (const octets &message : wire) sum += message.size();
+    for (const byte_string &message : wire) sum += message.size();
     return sum;
   }
   std::size_t longest() const {
     std::size_t most = 0;
-    for (const octets &message : wire) most = std::max(most, message.size());
+    for (const byte_string &message : wire) most = std::max(most, message.size());
     return most;
   }
 };
@@ -63,7 +63,7 @@ struct operations;
 #define PAVO_ZORV_BENCHMARK_OPERATIONS(message, comma_options)                                                        \
   template <>                                                                                                         \
   struct operations<message> {                                                                                        \
-    static int decode(message *out, const octets &in, pavo_zorv_allocate allocate, void *context,                     \
+    static int decode(message *out, const byte_string &in, pavo_zorv_allocate allocate, void *context,                \
                       [[maybe_unused]] std::uint32_t options) {                                                       \
       return pavo_zorv_##message##_decode_ext(out, in.data(), in.size(), allocate, context comma_options);            \
     }                                                                                                                 \
@@ -92,8 +92,8 @@ PAVO_ZORV_BENCHMARK_OPERATIONS(srv6_prefix, PAVO_ZORV_BENCHMARK_OPTIONS)
 
 // The library's encoding of a record: what the contestants' work is compared with.
 template <class Record>
-octets encoding(const Record &record, std::uint32_t options = 0) {
-  octets result(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options));
+byte_string encoding(const Record &record, std::uint32_t options = 0) {
+  byte_string result(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options));
   operations<Record>::encode(&record, result.data(), result.size(), nullptr, nullptr, options);
   return result;
 }

@@ -31,19 +31,19 @@ namespace fuzz {
 namespace {
 
 constexpr std::size_t guard_size = 16;
-constexpr unsigned char guard_octet = 0xb6;
-constexpr unsigned char returned_octet = 0xdd;
+constexpr unsigned char guard_byte = 0xb6;
+constexpr unsigned char returned_byte = 0xdd;
 
-// Blocks of one trial. The greatest input asks for 36 times its length, in at most one block for each two octets.
+// Blocks of one trial. The greatest input asks for 36 times its length, in at most one block for each two bytes.
 constexpr std::size_t pool_size = longest_input * 36 + longest_input / 2 * (3 * guard_size);
 [[maybe_unused]] alignas(16) unsigned char pool[FUZZ_SANITIZED != 0 ? 1 : 2 * pool_size];
 
 // The part of the pool that is in use: ledgers are nested like scopes.
 [[maybe_unused]] std::size_t pool_used = 0;
 
-[[maybe_unused]] bool is_filled(const unsigned char *start, std::size_t size, unsigned char octet) {
+[[maybe_unused]] bool is_filled(const unsigned char *start, std::size_t size, unsigned char byte) {
   for (std::size_t i = 0; i < size; ++i) {
-    if (start[i] != octet) return false;
+    if (start[i] != byte) return false;
   }
   return true;
 }
@@ -80,7 +80,7 @@ void *ledger::take(std::size_t size) {
   } else {
     const std::size_t room = (size + 2 * guard_size + 15) / 16 * 16;
     FUZZ_CHECK(trial_, room <= sizeof pool - pool_used);
-    std::memset(pool + pool_used, guard_octet, room);
+    std::memset(pool + pool_used, guard_byte, room);
     block = pool + pool_used + guard_size;
     pool_used += room;
     used_ += room;
@@ -122,7 +122,7 @@ void ledger::give(void *block) {
   if constexpr (FUZZ_SANITIZED != 0) {
     std::free(block);
   } else {
-    std::memset(block, returned_octet, found->size);
+    std::memset(block, returned_byte, found->size);
   }
 }
 
@@ -131,9 +131,9 @@ ledger::~ledger() {
     if constexpr (FUZZ_SANITIZED != 0) {
       if (one.out) std::free(one.block);
     } else {
-      FUZZ_CHECK(trial_, is_filled(one.block - guard_size, guard_size, guard_octet) && "before a block");
-      FUZZ_CHECK(trial_, is_filled(one.block + one.size, guard_size, guard_octet) && "behind a block");
-      FUZZ_CHECK(trial_, one.out || is_filled(one.block, one.size, returned_octet));
+      FUZZ_CHECK(trial_, is_filled(one.block - guard_size, guard_size, guard_byte) && "before a block");
+      FUZZ_CHECK(trial_, is_filled(one.block + one.size, guard_size, guard_byte) && "after a block");
+      FUZZ_CHECK(trial_, one.out || is_filled(one.block, one.size, returned_byte));
     }
   }
   pool_used -= used_;

@@ -22,13 +22,13 @@ using naive::sort;
 // Longer ones are not tried. An encoding of 64 KB is not the longest.
 inline constexpr std::size_t longest_input = 72 << 10;
 
-// Six octets say what is to be done; the rest is a message.
+// Six bytes say what is to be done; the rest is a message.
 struct trial {
   static constexpr std::size_t header = 6;
 
   const message *type;
   bool referenced;
-  bool at_start;        // the input lies behind an inaccessible page, not before one
+  bool at_start;        // the input lies after an inaccessible page, not before one
   unsigned choice;      // four bits for the target
   unsigned char fill;   // what memory holds before it is written
   unsigned char extra;  // for the target
@@ -84,7 +84,7 @@ void run(const trial &trial);
 
 // --- Memory ---
 
-// Readable memory between two inaccessible pages: what is asked for are its last octets, or its first.
+// Readable memory between two inaccessible pages: what is asked for are its last bytes, or its first.
 class fence {
  public:
   explicit fence(std::size_t room);
@@ -93,7 +93,7 @@ class fence {
 
   unsigned char *last(std::size_t size) const;
   unsigned char *first() const { return first_; }
-  // A copy of octets of a trial, as the trial wants it placed.
+  // A copy of bytes of a trial, as the trial wants it placed.
   const unsigned char *holding(const trial &trial, const unsigned char *bytes, std::size_t length) const;
 
  private:
@@ -155,7 +155,7 @@ class ledger {
 
 // --- Records ---
 
-// Large enough for any record, aligned for it, and filled with rubbish, with guards directly before and behind it.
+// Large enough for any record, aligned for it, and filled with rubbish, with guards directly before and after it.
 class record {
  public:
   record(const message &type, unsigned char fill) : type_(&type) {
@@ -181,13 +181,13 @@ class record {
   alignas(16) unsigned char storage_[before + room + behind];
 };
 
-// A record decoded from octets. It is released at the end, and then what it owned must be back.
+// A record decoded from bytes. It is released at the end, and then what it owned must be back.
 class decoded {
  public:
   decoded(const trial &trial, const unsigned char *input, std::size_t length, bool referenced)
       : record(*trial.type, trial.fill), memory(trial), trial_(trial), referenced_(referenced) {
     result = trial.type->functions->decode(record.data(), input, length, ledger::allocate, &memory, options());
-    // At most 36 octets of memory for each of input where pointers have 64 bits, and less elsewhere.
+    // At most 36 bytes of memory for each of input where pointers have 64 bits, and less elsewhere.
     FUZZ_CHECK(trial, memory.asked() <= 36 * length);
     dropped_ = memory.live() - naive::blocks_owned(*trial.type, record.data(), referenced);
   }
@@ -215,7 +215,7 @@ class decoded {
   std::size_t dropped_;
 };
 
-// What the naive decoder makes of octets. One at a time: they share memory.
+// What the naive decoder makes of bytes. One at a time: they share memory.
 class expected {
  public:
   expected(const trial &trial, const unsigned char *input, std::size_t length, const schedule *failing = nullptr,

@@ -13,9 +13,9 @@ namespace fuzz {
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 
-void put_varint(octets &out, std::uint64_t value, std::size_t extra = 0) {
+void put_varint(byte_string &out, std::uint64_t value, std::size_t extra = 0) {
   while (value >= 0x80 || extra != 0) {
     if (value < 0x80) --extra;
     out.push_back(static_cast<unsigned char>(value | 0x80));
@@ -28,23 +28,24 @@ void put_varint(octets &out, std::uint64_t value, std::size_t extra = 0) {
 struct piece {
   std::uint32_t key = 0;
   std::size_t longer_key = 0;
-  octets value;  // a varint's octets, fixed octets, or what stands behind a length
+  byte_string value;  // a varint's bytes, fixed bytes, or what stands after a length
   bool delimited = false;
   bool tail = false;
   std::int64_t wrong_length = 0;  // added to the length
 
-  void write(octets &out) const {
+  void write(byte_string &out) const {
     if (!tail) put_varint(out, key, longer_key);
     if (delimited) put_varint(out, static_cast<std::uint32_t>(static_cast<std::int64_t>(value.size()) + wrong_length));
     out.insert(out.end(), value.begin(), value.end());
   }
 };
 
-octets slice(const octets &bytes, std::size_t first, std::size_t last) {
-  return octets(bytes.begin() + static_cast<std::ptrdiff_t>(first), bytes.begin() + static_cast<std::ptrdiff_t>(last));
+byte_string slice(const byte_string &bytes, std::size_t first, std::size_t last) {
+  return byte_string(bytes.begin() + static_cast<std::ptrdiff_t>(first),
+                     bytes.begin() + static_cast<std::ptrdiff_t>(last));
 }
 
-std::vector<piece> pieces_of(const octets &bytes) {
+std::vector<piece> pieces_of(const byte_string &bytes) {
   std::vector<piece> result;
   std::size_t position = 0;
   while (position < bytes.size()) {
@@ -95,7 +96,7 @@ class mutator {
 
   // Makes one field, at any depth, come again and again, or a string in it longer, until the message ends near a length
   // that matters.
-  void lengthen(const message &type, octets &bytes, unsigned depth = 0) {
+  void lengthen(const message &type, byte_string &bytes, unsigned depth = 0) {
     std::vector<piece> pieces = pieces_of(bytes);
     if (pieces.empty()) insert(pieces, any_field(type, depth));
     const std::size_t at = dice_.below(pieces.size());
@@ -107,14 +108,14 @@ class mutator {
     } else if (goal > size_ && one.delimited && nested == nullptr && dice_.percent(70)) {
       one.value.resize(one.value.size() + goal - size_, dice_.byte());
     } else if (goal > size_) {
-      octets written;
+      byte_string written;
       one.write(written);
       pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), (goal - size_) / written.size(), piece(one));
     }
     write(pieces, bytes);
   }
 
-  void change(const message &type, octets &bytes, unsigned depth = 0) {
+  void change(const message &type, byte_string &bytes, unsigned depth = 0) {
     std::vector<piece> pieces = pieces_of(bytes);
     if (pieces.empty() || dice_.percent(15)) {
       insert(pieces, any_field(type, depth));
@@ -125,7 +126,7 @@ class mutator {
   }
 
  private:
-  static void write(const std::vector<piece> &pieces, octets &bytes) {
+  static void write(const std::vector<piece> &pieces, byte_string &bytes) {
     bytes.clear();
     for (const piece &one : pieces) one.write(bytes);
   }
@@ -181,7 +182,7 @@ class mutator {
     pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(dice_.below(pieces.size() + 1)), std::move(one));
   }
 
-  // The field again, several times, directly behind itself.
+  // The field again, several times, directly after itself.
   void lengthen_run(std::vector<piece> &pieces, std::size_t at) {
     const std::size_t times = dice_.percent(70) ? 1 + dice_.below(4) : 1 + dice_.below(40);
     const piece copy = pieces[at];
@@ -218,7 +219,7 @@ class mutator {
       put_varint(one.value, dice_.number());
     } else if (field.nested == nullptr) {
       one.value.resize(dice_.percent(90) ? dice_.below(6) : dice_.below(140));
-      for (unsigned char &octet : one.value) octet = dice_.byte();
+      for (unsigned char &byte : one.value) byte = dice_.byte();
     } else if (depth < 5) {
       for (std::size_t count = dice_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
     }
@@ -253,7 +254,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(unsigned char *data, std::size_t 
     data[dice.below(header)] = dice.byte();
     return size;
   }
-  fuzz::octets bytes(data + header, data + size);
+  fuzz::byte_string bytes(data + header, data + size);
   const fuzz::trial trial = fuzz::trial_of(data, size);
   fuzz::mutator change(dice, bytes.size(), room - header);
   // Where there is room for it, some become long.

@@ -1,4 +1,4 @@
-// What was read is written so that it reads as the same record and writes as the same octets.
+// What was read is written so that it reads as the same record and writes as the same bytes.
 #include "harness.hpp"
 
 namespace fuzz {

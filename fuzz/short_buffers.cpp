@@ -8,7 +8,7 @@ namespace fuzz {
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 using segments = std::vector<pavo_zorv_segment>;
 
 // The part of an encoding that is one string, or one block of bytes: written whole or not at all.
@@ -17,7 +17,7 @@ struct whole {
 };
 
 // Takes an encoding apart. Referenced bytes are not in it.
-void add_wholes(const message &type, const octets &bytes, std::size_t first, std::size_t last, bool referenced,
+void add_wholes(const message &type, const byte_string &bytes, std::size_t first, std::size_t last, bool referenced,
                 std::vector<whole> &out) {
   const auto number = [&](std::size_t &at) {
     std::uint32_t value = 0;
@@ -36,7 +36,7 @@ void add_wholes(const message &type, const octets &bytes, std::size_t first, std
   }
 }
 
-// Members without their bit, bits without a member, flags of any value that one octet can hold as a varint: what a
+// Members without their bit, bits without a member, flags of any value that one byte can hold as a varint: what a
 // caller may ask to be written beside what comes from a decoder.
 void make_odd(const trial &trial, unsigned char *record) {
   std::uint32_t bits = naive::presence_of(*trial.type, record);
@@ -52,14 +52,14 @@ void make_odd(const trial &trial, unsigned char *record) {
 struct outcome {
   std::size_t size;
   std::uint32_t count;
-  octets written;
+  byte_string written;
   segments entries;
   const unsigned char *buffer;
 };
 
 constexpr unsigned char untouched = 0xc7;
 
-// A buffer of a length, filled together with some octets before it; calls `encode` with it, and looks at these.
+// A buffer of a length, filled together with some bytes before it; calls `encode` with it, and looks at these.
 template <class Encode>
 unsigned char *in_buffer(const trial &trial, std::size_t length, unsigned char fill, Encode encode) {
   unsigned char *const buffer = output_room().last(length);
@@ -87,7 +87,7 @@ outcome encode(const trial &trial, const unsigned char *record, std::size_t leng
   return result;
 }
 
-// Without a table, the same octets are written in another way.
+// Without a table, the same bytes are written in another way.
 void check_without_table(const trial &trial, const unsigned char *record, const outcome &with, unsigned char fill) {
   const std::size_t length = with.written.size();
   std::size_t size = 0;
@@ -101,7 +101,7 @@ void check_without_table(const trial &trial, const unsigned char *record, const 
 void check_written(const trial &trial, const outcome &full, const outcome &cut, unsigned char fill) {
   std::vector<whole> wholes;
   add_wholes(*trial.type, full.written, 0, full.size, trial.referenced, wholes);
-  octets expected(cut.written.size(), fill);
+  byte_string expected(cut.written.size(), fill);
   const std::size_t fitting = std::min(cut.written.size(), full.size);
   std::copy_n(full.written.begin(), fitting, expected.begin());
   for (const whole &part : wholes) {
@@ -112,8 +112,8 @@ void check_written(const trial &trial, const outcome &full, const outcome &cut, 
   FUZZ_CHECK(trial, cut.written == expected);
 }
 
-// Where an entry of the whole encoding must start in a shorter buffer. Behind its end there is no buffer to start in:
-// entries there start nowhere and, in reference mode, those behind referenced bytes at their place as a number.
+// Where an entry of the whole encoding must start in a shorter buffer. After its end there is no buffer to start in:
+// entries there start nowhere and, in reference mode, those after referenced bytes at their place as a number.
 bool starts_right(const trial &trial, const outcome &full, const outcome &cut, const unsigned char *right,
                   const unsigned char *seen) {
   if (right < full.buffer || right > full.buffer + full.size) return seen == right;
@@ -145,9 +145,9 @@ void run(const trial &trial) {
   check_without_table(trial, odd.data(), full, trial.fill);
   check_without_table(trial, odd.data(), cut, fill);
   for (std::uint32_t i = 0; i < capacity; ++i) {
-    const auto *const octet = reinterpret_cast<const unsigned char *>(&cut.entries[i]);
+    const auto *const byte = reinterpret_cast<const unsigned char *>(&cut.entries[i]);
     if (i >= needed) {
-      FUZZ_CHECK(trial, std::count(octet, octet + sizeof cut.entries[i], untouched) == sizeof cut.entries[i]);
+      FUZZ_CHECK(trial, std::count(byte, byte + sizeof cut.entries[i], untouched) == sizeof cut.entries[i]);
       continue;
     }
     FUZZ_CHECK(trial, cut.entries[i].length == full.entries[i].length);

@@ -49,8 +49,8 @@
  *  |---|---|---|
  *  | flag | one byte, 0 or 1 | varint; read as 0 or 1, written as the stored byte, whatever it is |
  *  | unsigned 8-bit, 32-bit, 64-bit | the integer | varint; wider values are cut when read |
- *  | signed 32-bit | the integer | varint of its 32-bit pattern: at most 5 octets, also when negative |
- *  | signed 64-bit | the integer | varint of its 64-bit pattern: 10 octets when negative |
+ *  | signed 32-bit | the integer | varint of its 32-bit pattern: at most 5 bytes, also when negative |
+ *  | signed 64-bit | the integer | varint of its 64-bit pattern: 10 bytes when negative |
  *  | string | pointer to NUL-terminated characters | length-delimited, without the NUL |
  *  | bytes | pointer and 64-bit length | length-delimited |
  *  | list of integers | array and 32-bit count | one varint field per element, never packed |
@@ -63,11 +63,11 @@
  *  @section decoding Decoding
  *
  *  `int decode_ext(out, buffer, length, allocate, context[, options])` clears @p out, whatever it held, then reads
- *  fields until @p length octets are used up. Fields may come in any order. A number or a nested message that comes
+ *  fields until @p length bytes are used up. Fields may come in any order. A number or a nested message that comes
  *  again replaces the earlier one; what an earlier nested message owned is not released, so callers that accept
  *  repeated ones want an allocator that frees in bulk. A string or bytes that comes again, and a list whose elements do
  *  not stand together, fail. Keys and lengths are read as 32-bit numbers: what is above is dropped, like the upper bits
- *  of a value that is wider than its member. Strings are copied with a NUL behind them; a NUL inside shortens them for
+ *  of a value that is wider than its member. Strings are copied with a NUL after them; a NUL inside shortens them for
  *  every later use.
  *
  *  Unknown fields are skipped. One of wire type 1, 2 or 5 that runs past the end of the input ends the decoding with
@@ -78,7 +78,7 @@
  *    memory then fails. @p context is only handed on.
  *  - **Ownership:** the record owns all blocks that @p allocate gave, until `free_ext`. The input stays the caller's
  *    and is no longer needed afterwards, but in reference mode. What @p out held before is overwritten, not released.
- *  - **Memory:** at most 36 octets for each octet of input, in at most one call of @p allocate for each two octets of
+ *  - **Memory:** at most 36 bytes for each byte of input, in at most one call of @p allocate for each two bytes of
  *    input; an array or a string is asked for once, in its final size. Less than 4 KB of stack. The work is linear in
  *    @p length.
  *  - **Errors:** `CODEC_OK` or the first failure, a `pavo_zorv_result`. In either case the record is defined, holds
@@ -90,7 +90,7 @@
  *
  *  `size_t encode_ext(in, buffer, length, segments, segment_count[, options])` writes the fields in ascending order and
  *  returns the length of the whole encoding, whatever fitted. Into a buffer that is too short goes what fits; a string
- *  or bytes that does not fit whole is left out. No octet behind the encoding is touched.
+ *  or bytes that does not fit whole is left out. No byte after the encoding is touched.
  *
  *  Numbers and flags are written when their presence bit is set, whatever their value, and so are bytes, whatever their
  *  pointer and length: where the pointer is null, their place in the buffer is left as it is. Strings are written when
@@ -100,7 +100,7 @@
  *
  *  @p segment_count, if not null, holds the capacity of @p segments on entry and receives the number of entries that
  *  the whole encoding needs; entries beyond the capacity are not written. There is one entry for every message, nested
- *  or outermost, whose encoding is not empty: its first octet and its length. A nested message's entries come before
+ *  or outermost, whose encoding is not empty: its first byte and its length. A nested message's entries come before
  *  those of the message that contains it. Lengths are those of the whole encoding, whatever fits into the buffer. The
  *  outermost message starts at @p buffer; the start of a nested one is null when @p buffer is, and when the message
  *  begins at or after the end of the buffer.
@@ -119,11 +119,11 @@
  *  Nine message types take an options word, as the last argument of `decode_ext`, `encode_ext` and `free_ext`; bit 0 is
  *  `PAVO_ZORV_REFERENCE`, the other bits mean nothing. In reference mode bytes members are not copied:
  *  - `decode_ext` lets them point into @p buffer, which must outlive the record, and needs no memory for them;
- *  - `encode_ext` writes key and length but not the octets, and does not count them; with a segment count, and a length
+ *  - `encode_ext` writes key and length but not the bytes, and does not count them; with a segment count, and a length
  *    that is not 0, the message's entry is replaced by: the message up to and including the length; the referenced
- *    octets; and what the message writes behind them, if anything, as the last of its entries. The `start` of that last
+ *    bytes; and what the message writes after them, if anything, as the last of its entries. The `start` of that last
  *    piece is computed as a number: the message's own start, be it null, plus the bytes that the message has written up
- *    to there. The length prefix of a containing message leaves referenced octets out;
+ *    to there. The length prefix of a containing message leaves referenced bytes out;
  *  - `free_ext` leaves them as they are. Pass it the options that `decode_ext` had.
  *
  *  @section copying Copying
@@ -243,7 +243,7 @@ enum pavo_zorv_options {
   PAVO_ZORV_REFERENCE = 1 << 0 /**< Bytes members are referenced, not copied: see @ref referencing. */
 };
 
-/** Gives a block of @p size octets, aligned for any record, or null. @p size may be 0: a block, not null, is wanted
+/** Gives a block of @p size bytes, aligned for any record, or null. @p size may be 0: a block, not null, is wanted
  *  then as well. The context is the caller's own. */
 typedef void *(*pavo_zorv_allocate)(size_t size, void *context);
 
@@ -252,8 +252,8 @@ typedef void (*pavo_zorv_release)(void *block, void *context);
 
 /** One entry of the segment table: see @ref encoding. */
 typedef struct pavo_zorv_segment {
-  const unsigned char *start; /**< First octet, or null where there is no buffer for it; see also @ref referencing. */
-  uint64_t length; /**< Octets, whatever of them fits into the buffer. */
+  const unsigned char *start; /**< First byte, or null where there is no buffer for it; see also @ref referencing. */
+  uint64_t length; /**< Bytes, whatever of them fits into the buffer. */
 } pavo_zorv_segment;
 
 /** @name Addresses and label stacks
@@ -952,7 +952,7 @@ enum api_nodeid_presence {
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_nodeid_free_ext`. */
 typedef struct api_nodeid {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `API_NODEID_HAS_FIELD1`. */
-  uint8_t *octets; /**< The octets. Field 2, list of unsigned 8-bit integers: owned array.
+  uint8_t *octets; /**< The bytes. Field 2, list of unsigned 8-bit integers: owned array.
       Presence: `API_NODEID_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint8_t presence; /**< One bit per field: see `enum api_nodeid_presence`. */
@@ -967,7 +967,7 @@ enum api_prefix_presence {
 /** A prefix.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_prefix_free_ext`. */
 typedef struct api_prefix {
-  uint8_t *octets; /**< The octets. Field 1, list of unsigned 8-bit integers: owned array.
+  uint8_t *octets; /**< The bytes. Field 1, list of unsigned 8-bit integers: owned array.
       Presence: `API_PREFIX_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint8_t field2; /**< Field 2, unsigned 8-bit. Presence: `API_PREFIX_HAS_FIELD2`. */
@@ -1174,7 +1174,7 @@ enum api_aa_list_presence {
 /** A list of policies.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_aa_list_free_ext`. */
 typedef struct api_aa_list {
-  uint8_t *octets; /**< The octets. Field 1, list of unsigned 8-bit integers: owned array.
+  uint8_t *octets; /**< The bytes. Field 1, list of unsigned 8-bit integers: owned array.
       Presence: `API_AA_LIST_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_AA_LIST_HAS_FIELD2`. */
@@ -1307,7 +1307,7 @@ enum api_msg_policy_reg_presence {
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_policy_reg_free_ext`. */
 typedef struct api_msg_policy_reg {
   uint8_t field1; /**< Field 1, flag. Presence: `API_MSG_POLICY_REG_HAS_FIELD1`. */
-  uint8_t *octets; /**< The octets. Field 2, list of unsigned 8-bit integers: owned array.
+  uint8_t *octets; /**< The bytes. Field 2, list of unsigned 8-bit integers: owned array.
       Presence: `API_MSG_POLICY_REG_HAS_OCTETS`. */
   uint32_t octets_count; /**< Elements at `octets`. */
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `API_MSG_POLICY_REG_HAS_FIELD3`. */
@@ -1349,12 +1349,12 @@ enum srv6_prefix_presence {
   SRV6_PREFIX_HAS_FIELD2 = 1 << 1
 };
 
-/** An SRv6 prefix: octets of any length and a number.
+/** An SRv6 prefix: bytes of any length and a number.
  *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_srv6_prefix_free_ext`. */
 typedef struct srv6_prefix {
   unsigned char *field1; /**< Field 1, bytes: owned, or borrowed from the input in reference mode.
       Presence: `SRV6_PREFIX_HAS_FIELD1`. */
-  uint64_t field1_length; /**< Octets at `field1`. */
+  uint64_t field1_length; /**< Bytes at `field1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `SRV6_PREFIX_HAS_FIELD2`. */
   uint8_t presence; /**< One bit per field: see `enum srv6_prefix_presence`. */
 } srv6_prefix;
@@ -1492,7 +1492,7 @@ typedef struct out_sid_list_info {
   uint32_t field3; /**< Field 3, unsigned 32-bit. Presence: `OUT_SID_LIST_INFO_HAS_FIELD3`. */
   unsigned char *field4; /**< Field 4, bytes: owned, or borrowed from the input in reference mode.
       Presence: `OUT_SID_LIST_INFO_HAS_FIELD4`. */
-  uint64_t field4_length; /**< Octets at `field4`. */
+  uint64_t field4_length; /**< Bytes at `field4`. */
   uint8_t presence; /**< One bit per field: see `enum out_sid_list_info_presence`. */
 } out_sid_list_info;
 
@@ -1584,7 +1584,7 @@ typedef struct oam_req {
   uint32_t field5; /**< Field 5, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD5`. */
   unsigned char *field6; /**< Field 6, bytes: owned, or borrowed from the input in reference mode.
       Presence: `OAM_REQ_HAS_FIELD6`. */
-  uint64_t field6_length; /**< Octets at `field6`. */
+  uint64_t field6_length; /**< Bytes at `field6`. */
   uint32_t field7; /**< Field 7, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD7`. */
   uint32_t field8; /**< Field 8, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD8`. */
   uint8_t presence; /**< One bit per field: see `enum oam_req_presence`. */
@@ -1639,7 +1639,7 @@ typedef struct oam_res {
   uint32_t sid_lists_count; /**< Elements at `sid_lists`. */
   unsigned char *field6; /**< Field 6, bytes: owned, or borrowed from the input in reference mode.
       Presence: `OAM_RES_HAS_FIELD6`. */
-  uint64_t field6_length; /**< Octets at `field6`. */
+  uint64_t field6_length; /**< Bytes at `field6`. */
   out_srv6_usid_list_info *usid_lists; /**< The outgoing micro-SID lists. Field 7, list of `out_srv6_usid_list_info`:
       owned array of records. Presence: `OAM_RES_HAS_USID_LISTS`. */
   uint32_t usid_lists_count; /**< Elements at `usid_lists`. */

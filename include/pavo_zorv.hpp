@@ -8,9 +8,9 @@
  *  @code{.cpp}
  *  zorv::owned<api_msg> message;
  *  message.set<&api_msg::p2p_auto_policy_sweep, &api_msg_p2p_auto_policy_sweep::field1>(7u);
- *  const std::vector<unsigned char> octets = zorv::encode(*message);
+ *  const std::vector<unsigned char> bytes = zorv::encode(*message);
  *
- *  const auto received = zorv::decode<api_msg>(octets);
+ *  const auto received = zorv::decode<api_msg>(bytes);
  *  if (!received.ok()) std::fputs(pavo_zorv_result_text(received.result()), stderr);
  *  if (received.has<&api_msg::p2p_auto_policy_sweep>()) use(received->p2p_auto_policy_sweep.field1);
  *  assert(received == message);
@@ -90,39 +90,39 @@ auto call(Function function, std::uint32_t options, Arguments... arguments) noex
 }
 
 template <class Element>
-inline constexpr bool is_octet = std::is_same_v<Element, unsigned char> || std::is_same_v<Element, signed char> ||
-                                 std::is_same_v<Element, char> || std::is_same_v<Element, std::byte>;
+inline constexpr bool is_byte = std::is_same_v<Element, unsigned char> || std::is_same_v<Element, signed char> ||
+                                std::is_same_v<Element, char> || std::is_same_v<Element, std::byte>;
 
 template <class Container>
 using element_of = std::remove_pointer_t<decltype(std::data(std::declval<Container &>()))>;
 
-// Any contiguous sequence of octets; not an array of characters, which is mostly a literal with a NUL behind it.
+// Any contiguous sequence of bytes; not an array of characters, which is mostly a literal with a NUL after it.
 template <class Container, class = void>
-inline constexpr bool holds_octets = false;
+inline constexpr bool holds_bytes = false;
 template <class Container>
-inline constexpr bool holds_octets<Container, std::void_t<element_of<Container>>> =
-    is_octet<std::remove_cv_t<element_of<Container>>> &&
+inline constexpr bool holds_bytes<Container, std::void_t<element_of<Container>>> =
+    is_byte<std::remove_cv_t<element_of<Container>>> &&
     !(std::is_array_v<Container> && std::is_same_v<std::remove_cv_t<element_of<Container>>, char>);
 
 }  // namespace detail
 /** @endcond */
 
-// --- Octets and memory ---
+// --- Bytes and memory ---
 
-/** Octets to read: from any contiguous container or view of `unsigned char`, `std::byte` or `char`. Does not own them.
+/** Bytes to read: from any contiguous container or view of `unsigned char`, `std::byte` or `char`. Does not own them.
  */
-class octets {
+class bytes {
  public:
-  /** No octets. */
-  constexpr octets() noexcept = default;
-  /** The @p size octets at @p data. */
-  constexpr octets(const unsigned char *data, std::size_t size) noexcept : data_(data), size_(size) {}
-  /** The octets of a container, for as long as it lives and keeps its size. */
-  template <class Container, std::enable_if_t<detail::holds_octets<const Container>, int> = 0>
-  octets(const Container &container) noexcept
+  /** No bytes. */
+  constexpr bytes() noexcept = default;
+  /** The @p size bytes at @p data. */
+  constexpr bytes(const unsigned char *data, std::size_t size) noexcept : data_(data), size_(size) {}
+  /** The bytes of a container, for as long as it lives and keeps its size. */
+  template <class Container, std::enable_if_t<detail::holds_bytes<const Container>, int> = 0>
+  bytes(const Container &container) noexcept
       : data_(reinterpret_cast<const unsigned char *>(std::data(container))), size_(std::size(container)) {}
 
-  constexpr const unsigned char *data() const noexcept { return data_; } /**< The first octet. */
+  constexpr const unsigned char *data() const noexcept { return data_; } /**< The first byte. */
   constexpr std::size_t size() const noexcept { return size_; } /**< How many there are. */
 
  private:
@@ -149,7 +149,7 @@ struct memory {
   /** A counter over other memory. */
   memory(pavo_zorv_counter &counter) noexcept
       : memory(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter) {}
-  /** A memory resource. It is told the size of what it takes back, so each block has 8 octets more, in which that
+  /** A memory resource. It is told the size of what it takes back, so each block has 8 bytes more, in which that
    *  stands. What it throws becomes `CODEC_ERR_NO_MEMORY`. */
   memory(std::pmr::memory_resource &resource) noexcept : memory(take, give_back, &resource) {}
   /** The same, as memory resources are mostly passed. Not null. */
@@ -189,7 +189,7 @@ struct anything {
   constexpr operator Member() const;
 };
 
-// An array or a block: a member that has a count or a length behind it.
+// An array or a block: a member that has a count or a length after it.
 struct array_pointer {
   template <class Member, std::enable_if_t<std::is_pointer_v<Member> && !std::is_same_v<Member, char *>, int> = 0>
   constexpr operator Member() const;
@@ -340,7 +340,7 @@ struct member_traits {
   static constexpr auto bit = static_cast<presence_type>(presence_type{1} << field);
   using count_type = std::conditional_t<is_bytes, std::uint64_t, std::uint32_t>;
 
-  // The count stands directly behind the pointer, as its own alignment allows.
+  // The count stands directly after the pointer, as its own alignment allows.
   static count_type *count(record &of) {
     auto *const base = reinterpret_cast<unsigned char *>(&of);
     const auto behind =
@@ -554,10 +554,10 @@ std::size_t encode(const Record &record, unsigned char *buffer, std::size_t size
       static_cast<std::uint32_t *>(nullptr));
 }
 
-/** Makes a container of octets, a `std::string` or a vector of any allocator, hold the encoding and nothing else. */
+/** Makes a container of bytes, a `std::string` or a vector of any allocator, hold the encoding and nothing else. */
 template <class Record, class Container, class = decltype(std::declval<Container &>().resize(std::size_t{}))>
 void encode_into(Container &container, const Record &record, std::uint32_t options = 0) {
-  static_assert(detail::holds_octets<Container>);
+  static_assert(detail::holds_bytes<Container>);
   container.resize(encoded_size(record, options));
   encode(record, reinterpret_cast<unsigned char *>(std::data(container)), std::size(container), options);
 }
@@ -570,10 +570,10 @@ template <class Record>
   return result;
 }
 
-/** An encoding with its segment table. The entries point into `octets`, which may be moved but not copied or changed.
+/** An encoding with its segment table. The entries point into `bytes`, which may be moved but not copied or changed.
  */
 struct segmented {
-  std::vector<unsigned char> octets; /**< The encoding; in reference mode without the referenced octets. */
+  std::vector<unsigned char> bytes; /**< The encoding; in reference mode without the referenced bytes. */
   std::vector<pavo_zorv_segment> segments; /**< One entry for each message in it, and the pieces of reference mode. */
 };
 
@@ -585,9 +585,9 @@ template <class Record>
   };
   segmented result;
   std::uint32_t count = 0;
-  result.octets.resize(run(nullptr, 0, nullptr, &count));
+  result.bytes.resize(run(nullptr, 0, nullptr, &count));
   result.segments.resize(count);
-  run(result.octets.data(), result.octets.size(), result.segments.data(), &count);
+  run(result.bytes.data(), result.bytes.size(), result.segments.data(), &count);
   return result;
 }
 
@@ -602,10 +602,10 @@ template <class Record>
 template <class Record>
 class owned;
 
-/** Returns a record decoded from octets; `result()` says how that went. With `PAVO_ZORV_REFERENCE` its bytes members
+/** Returns a record decoded from bytes; `result()` says how that went. With `PAVO_ZORV_REFERENCE` its bytes members
  *  point into @p input, which must outlive it. */
 template <class Record>
-[[nodiscard]] owned<Record> decode(octets input, memory from = {}, std::uint32_t options = 0) noexcept;
+[[nodiscard]] owned<Record> decode(bytes input, memory from = {}, std::uint32_t options = 0) noexcept;
 
 /** Returns a copy that owns all its memory; `result()` says whether there was enough. */
 template <class Record>
@@ -648,7 +648,7 @@ class owned {
   [[nodiscard]] const zorv::memory &source() const noexcept { return memory_; } /**< Where its memory comes from. */
 
   /** Releases what the record holds and decodes another into it; returns the result. */
-  [[nodiscard]] int decode(octets input, std::uint32_t options = 0) noexcept {
+  [[nodiscard]] int decode(bytes input, std::uint32_t options = 0) noexcept {
     free();
     return read(input, options);
   }
@@ -774,14 +774,14 @@ class owned {
   }
 
  private:
-  friend owned zorv::decode<Record>(octets, memory, std::uint32_t) noexcept;
+  friend owned zorv::decode<Record>(bytes, memory, std::uint32_t) noexcept;
   friend owned zorv::duplicate<Record>(const Record &, memory) noexcept;
 
   // Leaves the record to whoever fills it: what fills it clears it first.
   struct unfilled {};
   owned(unfilled, memory from, std::uint32_t options) noexcept : memory_(from), options_(options) {}
 
-  int read(octets input, std::uint32_t options) noexcept {
+  int read(bytes input, std::uint32_t options) noexcept {
     options_ = options;
     result_ = detail::call<Record>(
         functions<Record>::decode, options, &record_, input.data(), input.size(), memory_.allocate, memory_.context);
@@ -837,7 +837,7 @@ class owned {
     static_assert(!std::is_class_v<element>, "a list of messages: see resize");
     using given = std::remove_cv_t<detail::element_of<const Value>>;
     static_assert(
-        std::is_same_v<element, given> || (sizeof(element) == 1 && detail::holds_octets<const Value>),
+        std::is_same_v<element, given> || (sizeof(element) == 1 && detail::holds_bytes<const Value>),
         "a contiguous container of the list's elements");
     const auto *const data = reinterpret_cast<const element *>(std::data(value));
     const std::size_t count = std::size(value);
@@ -860,7 +860,7 @@ class owned {
 };
 
 template <class Record>
-owned<Record> decode(octets input, memory from, std::uint32_t options) noexcept {
+owned<Record> decode(bytes input, memory from, std::uint32_t options) noexcept {
   owned<Record> result(typename owned<Record>::unfilled{}, from, options);
   result.read(input, options);
   return result;

@@ -59,27 +59,26 @@ typedef union pavo_zorv_alignment {
 
 /** @name Bounds
  *  What any input, hostile ones included, can make `decode_ext` ask for. The worst is a list of policies that hold
- *  nothing: 72 octets of memory for 2 octets of input. Copying what was decoded with `duplicate` asks for no more than
+ *  nothing: 72 bytes of memory for 2 bytes of input. Copying what was decoded with `duplicate` asks for no more than
  *  decoding it did, or than decoding it without reference mode would have: the bounds hold for it as well.
  *  @{ */
 
-/** Octets of memory that decoding asks for, per octet of input, at most; what a pool loses to alignment included. */
-#define PAVO_ZORV_MEMORY_PER_OCTET 36
+/** Bytes of memory that decoding asks for, per byte of input, at most; what a pool loses to alignment included. */
+#define PAVO_ZORV_MEMORY_PER_BYTE 36
 
-/** The same behind a budget, which keeps 8 octets beside each block. */
-#define PAVO_ZORV_BUDGET_PER_OCTET 40
+/** The same with a budget, which keeps 8 bytes beside each block. */
+#define PAVO_ZORV_BUDGET_PER_BYTE 40
 
-/** Octets of input behind each call of the allocator, at least. */
-#define PAVO_ZORV_OCTETS_PER_REQUEST 2
+/** Bytes of input for each call of the allocator, at least. */
+#define PAVO_ZORV_BYTES_PER_REQUEST 2
 
 /** @} */
 
 /** Returns the size of a block with which a pool, aligned or not, can serve the decoding of any input of @p length
- *  octets; `SIZE_MAX` if there is no such size. */
+ *  bytes; `SIZE_MAX` if there is no such size. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION size_t pavo_zorv_pool_size_for(size_t length) {
   const size_t lost = PAVO_ZORV_ALIGNMENT - 1;
-  return length > (SIZE_MAX - lost) / PAVO_ZORV_MEMORY_PER_OCTET ? SIZE_MAX
-                                                                 : length * PAVO_ZORV_MEMORY_PER_OCTET + lost;
+  return length > (SIZE_MAX - lost) / PAVO_ZORV_MEMORY_PER_BYTE ? SIZE_MAX : length * PAVO_ZORV_MEMORY_PER_BYTE + lost;
 }
 
 /** @name Results in words
@@ -127,7 +126,7 @@ PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_text(int result) {
 /** @name The heap
  *  @{ */
 
-/** Gives a block of @p size octets from `malloc`; one of 1 octet for 0. */
+/** Gives a block of @p size bytes from `malloc`; one of 1 byte for 0. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_heap_allocate(size_t size, void *context) {
   (void)context;
   return malloc(size != 0 ? size : 1);
@@ -149,14 +148,14 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_heap_release(void *block, void *context
 
 /** A pool over a block. Made by `pavo_zorv_pool_init`; the members are for reading. */
 typedef struct pavo_zorv_pool {
-  unsigned char *start; /**< The first octet of the block that is aligned. */
-  size_t size; /**< Octets from there. */
-  size_t used; /**< Octets that are given out, those lost to alignment included. */
+  unsigned char *start; /**< The first byte of the block that is aligned. */
+  size_t size; /**< Bytes from there. */
+  size_t used; /**< Bytes that are given out, those lost to alignment included. */
 } pavo_zorv_pool;
 
 /** Makes a pool over @p block, which stays the caller's and must outlive all that is taken from it. It need not be
- *  aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 octets at its beginning are lost then. A null block counts as one of 0
- *  octets. */
+ *  aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 bytes at its beginning are lost then. A null block counts as one of 0
+ *  bytes. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
   const size_t misplaced = PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ADDRESS_(block) & (PAVO_ZORV_ALIGNMENT - 1));
   const size_t lost = misplaced != 0 ? PAVO_ZORV_ALIGNMENT - misplaced : 0;
@@ -166,7 +165,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *b
   pool->used = 0;
 }
 
-/** Gives @p size octets, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
+/** Gives @p size bytes, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
  *  too small. The context is the pool. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
   pavo_zorv_pool *pool = PAVO_ZORV_CAST_(pavo_zorv_pool *, context);
@@ -193,7 +192,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool
 
 /** @name Budget
  *  Bounds the memory that is out at any time: one number for a connection, whatever its peer sends. Each block is
- *  charged with its own size and 8 octets, in which the budget keeps that size; releasing the block gives both back.
+ *  charged with its own size and 8 bytes, in which the budget keeps that size; releasing the block gives both back.
  *  @{ */
 
 /** A budget over other callbacks. Made by `pavo_zorv_budget_init`; the limit may be changed at any time. */
@@ -201,11 +200,11 @@ typedef struct pavo_zorv_budget {
   pavo_zorv_allocate allocate; /**< Where memory comes from. */
   pavo_zorv_release release; /**< Where it goes back to; null where nothing need be released. */
   void *context; /**< The context of both. */
-  size_t limit; /**< Octets that may be out. */
-  size_t spent; /**< Octets that are out. */
+  size_t limit; /**< Bytes that may be out. */
+  size_t spent; /**< Bytes that are out. */
 } pavo_zorv_budget;
 
-/** Makes a budget of @p limit octets over the callbacks @p allocate and @p release, whose blocks must be aligned for
+/** Makes a budget of @p limit bytes over the callbacks @p allocate and @p release, whose blocks must be aligned for
  *  any record. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(
     pavo_zorv_budget *budget, size_t limit, pavo_zorv_allocate allocate, pavo_zorv_release release, void *context) {
@@ -256,7 +255,7 @@ typedef struct pavo_zorv_counter {
   pavo_zorv_release release; /**< Where it goes back to; null where nothing need be released. */
   void *context; /**< The context of both. */
   size_t requests; /**< Calls of the allocator, refused ones included. */
-  size_t octets; /**< Octets given, all in all. */
+  size_t bytes; /**< Bytes given, all in all. */
   size_t live; /**< Blocks that are out. */
   size_t fail_at; /**< This request is refused, counted from 0. */
   size_t fail_from; /**< This request and all later ones are refused. */
@@ -269,7 +268,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(
   counter->release = release;
   counter->context = context;
   counter->requests = 0;
-  counter->octets = 0;
+  counter->bytes = 0;
   counter->live = 0;
   counter->fail_at = PAVO_ZORV_NEVER;
   counter->fail_from = PAVO_ZORV_NEVER;
@@ -284,7 +283,7 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(s
   if (request == counter->fail_at || request >= counter->fail_from) return NULL;
   block = counter->allocate(size, counter->context);
   if (block == NULL) return NULL;
-  counter->octets += size;
+  counter->bytes += size;
   counter->live += 1;
   return block;
 }

@@ -3,25 +3,25 @@
 #include "wire.h"
 
 /* Reading. */
-/*@ predicate readable{L}(octet *at, octet *end) =
+/*@ predicate readable{L}(byte *at, byte *end) =
       \base_addr(at) == \base_addr(end) && at <= end && end - at <= PTRDIFF_MAX &&
       \valid_read(at + (0 .. end - at - 1));
 
-    predicate within(octet *at, octet *next, octet *end) =
+    predicate within(byte *at, byte *next, byte *end) =
       \base_addr(next) == \base_addr(at) && at <= next <= end;
 
-    // So many octets have the top bit.
-    predicate open{L}(octet *at, integer size) =
-      \forall octet *p; \base_addr(p) == \base_addr(at) && at <= p < at + size ==> *p >= 0x80;
+    // So many bytes have the top bit.
+    predicate open{L}(byte *at, integer size) =
+      \forall byte *p; \base_addr(p) == \base_addr(at) && at <= p < at + size ==> *p >= 0x80;
 
-    predicate varint_of{L}(octet *at, integer size) = 0 < size && open(at, size - 1) && at[size - 1] < 0x80;
+    predicate varint_of{L}(byte *at, integer size) = 0 < size && open(at, size - 1) && at[size - 1] < 0x80;
 
-    lemma open_joined{L}: \forall octet *at, integer size, more; 0 <= size && 0 <= more && open(at, size) ==>
+    lemma open_joined{L}: \forall byte *at, integer size, more; 0 <= size && 0 <= more && open(at, size) ==>
       (open(at, size + more) <==> open(at + size, more));
 
-    lemma varint_once{L}: \forall octet *at, integer a, b; varint_of(at, a) && varint_of(at, b) ==> a == b;
+    lemma varint_once{L}: \forall byte *at, integer a, b; varint_of(at, a) && varint_of(at, b) ==> a == b;
 
-    lemma varint_joined{L}: \forall octet *at, integer size, more;
+    lemma varint_joined{L}: \forall byte *at, integer size, more;
       0 <= size && open(at, size) && varint_of(at + size, more) ==> varint_of(at, size + more);
 */
 
@@ -47,10 +47,10 @@
         (x | (uint32_t)(y << k)) == (uint32_t)(x + y * power(k));
       axiom add_group_64: \forall integer x, y, k; sevenfold(k) && 0 <= x < power(k) && 0 <= y < 0x80 ==>
         (x | (uint64_t)(y << k)) == (uint64_t)(x + y * power(k));
-      axiom left_octet_8: \forall integer x; 0 <= x < 0x100 ==> (x << 8) == 0x100 * x;
-      axiom left_octet_16: \forall integer x; 0 <= x < 0x100 ==> (x << 16) == 0x10000 * x;
-      axiom left_octet_24: \forall integer x; 0 <= x < 0x100 ==> (x << 24) == 0x1000000 * x;
-      axiom add_octet: \forall integer x, y, k;
+      axiom left_byte_8: \forall integer x; 0 <= x < 0x100 ==> (x << 8) == 0x100 * x;
+      axiom left_byte_16: \forall integer x; 0 <= x < 0x100 ==> (x << 16) == 0x10000 * x;
+      axiom left_byte_24: \forall integer x; 0 <= x < 0x100 ==> (x << 24) == 0x1000000 * x;
+      axiom add_byte: \forall integer x, y, k;
         0 <= y < 0x100 && (k == 8 && 0 <= x < 0x100 || k == 16 && 0 <= x < 0x10000 || k == 24 && 0 <= x < 0x1000000) ==>
         (x | (y << k)) == x + (y << k);
       axiom or_one: \forall integer x; 0 <= x ==> x <= (x | 1) <= x + 1;
@@ -59,70 +59,70 @@
     }
 */
 
-/*@ logic integer group{L}(octet *at, integer size, integer i) = i < size ? (at[i] & 0x7f) : 0;
+/*@ logic integer group{L}(byte *at, integer size, integer i) = i < size ? (at[i] & 0x7f) : 0;
 
     // The groups of seven bits, the first the lowest.
-    logic integer sum_32{L}(octet *at, integer size) =
+    logic integer sum_32{L}(byte *at, integer size) =
       group(at, size, 0) + 0x80 * group(at, size, 1) + 0x4000 * group(at, size, 2) +
       0x200000 * group(at, size, 3) + 0x10000000 * group(at, size, 4);
 
-    logic integer sum_64{L}(octet *at, integer size) =
+    logic integer sum_64{L}(byte *at, integer size) =
       sum_32(at, size) + 0x800000000 * group(at, size, 5) + 0x40000000000 * group(at, size, 6) +
       0x2000000000000 * group(at, size, 7) + 0x100000000000000 * group(at, size, 8) +
       0x8000000000000000 * group(at, size, 9);
 
-    lemma group_bounds{L}: \forall octet *at, integer size, i; 0 <= group(at, size, i) < 0x80;
+    lemma group_bounds{L}: \forall byte *at, integer size, i; 0 <= group(at, size, i) < 0x80;
 
-    lemma sum_32_next_0{L}: \forall octet *at; sum_32(at, 1) == sum_32(at, 0) + (at[0] & 0x7f) * 0x1;
-    lemma sum_32_next_1{L}: \forall octet *at; sum_32(at, 2) == sum_32(at, 1) + (at[1] & 0x7f) * 0x80;
-    lemma sum_32_next_2{L}: \forall octet *at; sum_32(at, 3) == sum_32(at, 2) + (at[2] & 0x7f) * 0x4000;
-    lemma sum_32_next_3{L}: \forall octet *at; sum_32(at, 4) == sum_32(at, 3) + (at[3] & 0x7f) * 0x200000;
-    lemma sum_32_next_4{L}: \forall octet *at; sum_32(at, 5) == sum_32(at, 4) + (at[4] & 0x7f) * 0x10000000;
+    lemma sum_32_next_0{L}: \forall byte *at; sum_32(at, 1) == sum_32(at, 0) + (at[0] & 0x7f) * 0x1;
+    lemma sum_32_next_1{L}: \forall byte *at; sum_32(at, 2) == sum_32(at, 1) + (at[1] & 0x7f) * 0x80;
+    lemma sum_32_next_2{L}: \forall byte *at; sum_32(at, 3) == sum_32(at, 2) + (at[2] & 0x7f) * 0x4000;
+    lemma sum_32_next_3{L}: \forall byte *at; sum_32(at, 4) == sum_32(at, 3) + (at[3] & 0x7f) * 0x200000;
+    lemma sum_32_next_4{L}: \forall byte *at; sum_32(at, 5) == sum_32(at, 4) + (at[4] & 0x7f) * 0x10000000;
 
-    lemma sum_32_next{L}: \forall octet *at, integer size;
+    lemma sum_32_next{L}: \forall byte *at, integer size;
       size == 0 || size == 1 || size == 2 || size == 3 || size == 4 ==>
       sum_32(at, size + 1) == sum_32(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_32_bounds{L}: \forall octet *at, integer size; 0 <= size < 5 ==> 0 <= sum_32(at, size) < power(7 * size);
+    lemma sum_32_bounds{L}: \forall byte *at, integer size; 0 <= size < 5 ==> 0 <= sum_32(at, size) < power(7 * size);
 
-    lemma sum_32_whole{L}: \forall octet *at, integer size; 5 <= size ==> sum_32(at, size) == sum_32(at, 5);
+    lemma sum_32_whole{L}: \forall byte *at, integer size; 5 <= size ==> sum_32(at, size) == sum_32(at, 5);
 
-    lemma sum_64_next_0{L}: \forall octet *at; sum_64(at, 1) == sum_64(at, 0) + (at[0] & 0x7f) * 0x1;
-    lemma sum_64_next_1{L}: \forall octet *at; sum_64(at, 2) == sum_64(at, 1) + (at[1] & 0x7f) * 0x80;
-    lemma sum_64_next_2{L}: \forall octet *at; sum_64(at, 3) == sum_64(at, 2) + (at[2] & 0x7f) * 0x4000;
-    lemma sum_64_next_3{L}: \forall octet *at; sum_64(at, 4) == sum_64(at, 3) + (at[3] & 0x7f) * 0x200000;
-    lemma sum_64_next_4{L}: \forall octet *at; sum_64(at, 5) == sum_64(at, 4) + (at[4] & 0x7f) * 0x10000000;
-    lemma sum_64_next_5{L}: \forall octet *at; sum_64(at, 6) == sum_64(at, 5) + (at[5] & 0x7f) * 0x800000000;
-    lemma sum_64_next_6{L}: \forall octet *at; sum_64(at, 7) == sum_64(at, 6) + (at[6] & 0x7f) * 0x40000000000;
-    lemma sum_64_next_7{L}: \forall octet *at; sum_64(at, 8) == sum_64(at, 7) + (at[7] & 0x7f) * 0x2000000000000;
-    lemma sum_64_next_8{L}: \forall octet *at; sum_64(at, 9) == sum_64(at, 8) + (at[8] & 0x7f) * 0x100000000000000;
-    lemma sum_64_next_9{L}: \forall octet *at; sum_64(at, 10) == sum_64(at, 9) + (at[9] & 0x7f) * 0x8000000000000000;
+    lemma sum_64_next_0{L}: \forall byte *at; sum_64(at, 1) == sum_64(at, 0) + (at[0] & 0x7f) * 0x1;
+    lemma sum_64_next_1{L}: \forall byte *at; sum_64(at, 2) == sum_64(at, 1) + (at[1] & 0x7f) * 0x80;
+    lemma sum_64_next_2{L}: \forall byte *at; sum_64(at, 3) == sum_64(at, 2) + (at[2] & 0x7f) * 0x4000;
+    lemma sum_64_next_3{L}: \forall byte *at; sum_64(at, 4) == sum_64(at, 3) + (at[3] & 0x7f) * 0x200000;
+    lemma sum_64_next_4{L}: \forall byte *at; sum_64(at, 5) == sum_64(at, 4) + (at[4] & 0x7f) * 0x10000000;
+    lemma sum_64_next_5{L}: \forall byte *at; sum_64(at, 6) == sum_64(at, 5) + (at[5] & 0x7f) * 0x800000000;
+    lemma sum_64_next_6{L}: \forall byte *at; sum_64(at, 7) == sum_64(at, 6) + (at[6] & 0x7f) * 0x40000000000;
+    lemma sum_64_next_7{L}: \forall byte *at; sum_64(at, 8) == sum_64(at, 7) + (at[7] & 0x7f) * 0x2000000000000;
+    lemma sum_64_next_8{L}: \forall byte *at; sum_64(at, 9) == sum_64(at, 8) + (at[8] & 0x7f) * 0x100000000000000;
+    lemma sum_64_next_9{L}: \forall byte *at; sum_64(at, 10) == sum_64(at, 9) + (at[9] & 0x7f) * 0x8000000000000000;
 
-    lemma sum_64_next_low{L}: \forall octet *at, integer size;
+    lemma sum_64_next_low{L}: \forall byte *at, integer size;
       size == 0 || size == 1 || size == 2 || size == 3 || size == 4 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_next_at_5{L}: \forall octet *at, integer size; size == 5 ==>
+    lemma sum_64_next_at_5{L}: \forall byte *at, integer size; size == 5 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_next_at_6{L}: \forall octet *at, integer size; size == 6 ==>
+    lemma sum_64_next_at_6{L}: \forall byte *at, integer size; size == 6 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_next_at_7{L}: \forall octet *at, integer size; size == 7 ==>
+    lemma sum_64_next_at_7{L}: \forall byte *at, integer size; size == 7 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_next_at_8{L}: \forall octet *at, integer size; size == 8 ==>
+    lemma sum_64_next_at_8{L}: \forall byte *at, integer size; size == 8 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_next_at_9{L}: \forall octet *at, integer size; size == 9 ==>
+    lemma sum_64_next_at_9{L}: \forall byte *at, integer size; size == 9 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_next{L}: \forall octet *at, integer size; 0 <= size < 10 ==>
+    lemma sum_64_next{L}: \forall byte *at, integer size; 0 <= size < 10 ==>
       sum_64(at, size + 1) == sum_64(at, size) + (at[size] & 0x7f) * power(7 * size);
 
-    lemma sum_64_bounds{L}: \forall octet *at, integer size; 0 <= size < 10 ==> 0 <= sum_64(at, size) < power(7 * size);
+    lemma sum_64_bounds{L}: \forall byte *at, integer size; 0 <= size < 10 ==> 0 <= sum_64(at, size) < power(7 * size);
 
-    lemma sum_64_whole{L}: \forall octet *at, integer size; 10 <= size ==> sum_64(at, size) == sum_64(at, 10);
+    lemma sum_64_whole{L}: \forall byte *at, integer size; 10 <= size ==> sum_64(at, size) == sum_64(at, 10);
 */
 
 /*@ requires readable(at, end);
@@ -131,7 +131,7 @@
     ensures \result == \null <==> open(at, end - at);
     ensures \result != \null ==> within(at, \result, end) && varint_of(at, \result - at);
 */
-const octet *skip_varint(const octet *at, const octet *end) {
+const byte *skip_varint(const byte *at, const byte *end) {
   //@ ghost size_t passed = 0;
   /*@ loop invariant \base_addr(at) == \base_addr(end) && at == \at(at, Pre) + passed;
       loop invariant 0 <= passed <= end - \at(at, Pre);
@@ -153,7 +153,7 @@ const octet *skip_varint(const octet *at, const octet *end) {
     ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
     ensures \result.next != \null ==> \result.value == (uint32_t)sum_32(at, \result.next - at);
 */
-static struct varint_32 read_long_varint_32(const octet *at, const octet *end) {
+static struct varint_32 read_long_varint_32(const byte *at, const byte *end) {
   uint32_t value = 0;
   //@ ghost unsigned passed = 0;
   /*@ loop invariant 0 <= passed <= 5 && shift == 7 * passed;
@@ -167,7 +167,7 @@ static struct varint_32 read_long_varint_32(const octet *at, const octet *end) {
   for (unsigned shift = 0; shift < 32; shift += 7) {
     if (at == end) return (struct varint_32){NULL, 0};
     //@ ghost ++passed;
-    const octet next = *at++;
+    const byte next = *at++;
     value = value | (uint32_t)(next & 0x7f) << shift;
     if (next < 0x80) return (struct varint_32){at, value};
   }
@@ -181,7 +181,7 @@ static struct varint_32 read_long_varint_32(const octet *at, const octet *end) {
     ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
     ensures \result.next != \null ==> \result.value == (uint32_t)sum_32(at, \result.next - at);
 */
-struct varint_32 read_varint_32(const octet *at, const octet *end) {
+struct varint_32 read_varint_32(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) return (struct varint_32){at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) {
     //@ assert (at[1] & 0x7f) == at[1];
@@ -199,7 +199,7 @@ struct varint_32 read_varint_32(const octet *at, const octet *end) {
     ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
     ensures \result.next != \null ==> \result.value == (uint64_t)sum_64(at, \result.next - at);
 */
-static struct varint_64 read_long_varint_64(const octet *at, const octet *end) {
+static struct varint_64 read_long_varint_64(const byte *at, const byte *end) {
   uint64_t value = 0;
   //@ ghost unsigned passed = 0;
   /*@ loop invariant 0 <= passed <= 10 && shift == 7 * passed;
@@ -213,7 +213,7 @@ static struct varint_64 read_long_varint_64(const octet *at, const octet *end) {
   for (unsigned shift = 0; shift < 64; shift += 7) {
     if (at == end) return (struct varint_64){NULL, 0};
     //@ ghost ++passed;
-    const octet next = *at++;
+    const byte next = *at++;
     value = value | (uint64_t)(next & 0x7f) << shift;
     if (next < 0x80) return (struct varint_64){at, value};
   }
@@ -227,7 +227,7 @@ static struct varint_64 read_long_varint_64(const octet *at, const octet *end) {
     ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
     ensures \result.next != \null ==> \result.value == (uint64_t)sum_64(at, \result.next - at);
 */
-struct varint_64 read_varint_64(const octet *at, const octet *end) {
+struct varint_64 read_varint_64(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) return (struct varint_64){at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) {
     //@ assert (at[1] & 0x7f) == at[1];
@@ -245,32 +245,32 @@ struct varint_64 read_varint_64(const octet *at, const octet *end) {
     ensures shift == 16 ==> \result == low + 0x10000 * next;
     ensures shift == 24 ==> \result == low + 0x1000000 * next;
 */
-static uint32_t with_octet(uint32_t low, octet next, unsigned shift) {
+static uint32_t with_byte(uint32_t low, byte next, unsigned shift) {
   //@ assert (uint32_t)(next << shift) == next << shift;
   return low | (uint32_t)next << shift;
 }
 
-/*@ predicate octets(integer word, integer a, integer b, integer c, integer d) =
+/*@ predicate bytes(integer word, integer a, integer b, integer c, integer d) =
       0 <= a < 0x100 && 0 <= b < 0x100 && 0 <= c < 0x100 && 0 <= d < 0x100 &&
       word == a + 0x100 * b + 0x10000 * c + 0x1000000 * d;
 */
 
-/* Four octets as a number, the first the lowest: at[0] | at[1] << 8 | at[2] << 16 | at[3] << 24. The core loads them at
+/* Four bytes as a number, the first the lowest: at[0] | at[1] << 8 | at[2] << 16 | at[3] << 24. The core loads them at
    once, and swaps them where the first would be the highest. */
 /*@ requires \valid_read(at + (0 .. 3));
     terminates \true;
     assigns \result \from at[0 .. 3];
-    ensures octets(\result, at[0], at[1], at[2], at[3]);
+    ensures bytes(\result, at[0], at[1], at[2], at[3]);
 */
-static uint32_t load_half_word(const octet *at) {
-  const uint32_t two = with_octet(at[0], at[1], 8);
+static uint32_t load_half_word(const byte *at) {
+  const uint32_t two = with_byte(at[0], at[1], 8);
   //@ assert two == at[0] + 0x100 * at[1] && two < 0x10000;
-  const uint32_t three = with_octet(two, at[2], 16);
+  const uint32_t three = with_byte(two, at[2], 16);
   //@ assert three == at[0] + 0x100 * at[1] + 0x10000 * at[2] && three < 0x1000000;
-  return with_octet(three, at[3], 24);
+  return with_byte(three, at[3], 24);
 }
 
-/* A varint of up to four octets in a word: how many they are, 0 when none of the four ends it, and its value. */
+/* A varint of up to four bytes in a word: how many they are, 0 when none of the four ends it, and its value. */
 struct short_varint {
   unsigned size;
   uint32_t value;
@@ -279,16 +279,16 @@ struct short_varint {
 /* bits.mlw proves this one's contract, on vectors of 32 bits. */
 /*@ terminates \true;
     assigns \result \from word;
-    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a < 0x80 ==>
+    ensures \forall integer a, b, c, d; bytes(word, a, b, c, d) && a < 0x80 ==>
       \result.size == 1 && \result.value == (a & 0x7f);
-    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b < 0x80 ==>
+    ensures \forall integer a, b, c, d; bytes(word, a, b, c, d) && a >= 0x80 && b < 0x80 ==>
       \result.size == 2 && \result.value == (a & 0x7f) + 0x80 * (b & 0x7f);
-    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c < 0x80 ==>
+    ensures \forall integer a, b, c, d; bytes(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c < 0x80 ==>
       \result.size == 3 && \result.value == (a & 0x7f) + 0x80 * (b & 0x7f) + 0x4000 * (c & 0x7f);
-    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c >= 0x80 && d < 0x80 ==>
+    ensures \forall integer a, b, c, d; bytes(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c >= 0x80 && d < 0x80 ==>
       \result.size == 4 &&
       \result.value == (a & 0x7f) + 0x80 * (b & 0x7f) + 0x4000 * (c & 0x7f) + 0x200000 * (d & 0x7f);
-    ensures \forall integer a, b, c, d; octets(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c >= 0x80 && d >= 0x80 ==>
+    ensures \forall integer a, b, c, d; bytes(word, a, b, c, d) && a >= 0x80 && b >= 0x80 && c >= 0x80 && d >= 0x80 ==>
       \result.size == 0;
 */
 static struct short_varint up_to_four(uint32_t word);
@@ -305,10 +305,10 @@ static struct short_varint up_to_four(uint32_t word) {
 }
 #endif
 
-/*@ lemma varint_of_1{L}: \forall octet *at; at[0] < 0x80 ==> varint_of(at, 1);
-    lemma varint_of_2{L}: \forall octet *at; at[0] >= 0x80 && at[1] < 0x80 ==> varint_of(at, 2);
-    lemma varint_of_3{L}: \forall octet *at; at[0] >= 0x80 && at[1] >= 0x80 && at[2] < 0x80 ==> varint_of(at, 3);
-    lemma varint_of_4{L}: \forall octet *at;
+/*@ lemma varint_of_1{L}: \forall byte *at; at[0] < 0x80 ==> varint_of(at, 1);
+    lemma varint_of_2{L}: \forall byte *at; at[0] >= 0x80 && at[1] < 0x80 ==> varint_of(at, 2);
+    lemma varint_of_3{L}: \forall byte *at; at[0] >= 0x80 && at[1] >= 0x80 && at[2] < 0x80 ==> varint_of(at, 3);
+    lemma varint_of_4{L}: \forall byte *at;
       at[0] >= 0x80 && at[1] >= 0x80 && at[2] >= 0x80 && at[3] < 0x80 ==> varint_of(at, 4);
 */
 
@@ -319,12 +319,12 @@ static struct short_varint up_to_four(uint32_t word) {
     ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
     ensures \result.next != \null ==> \result.value == (uint32_t)sum_32(at, \result.next - at);
 */
-struct varint_32 read_number_32(const octet *at, const octet *end) {
+struct varint_32 read_number_32(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) return (struct varint_32){at + 1, *at};
   if (end - at >= 4) {
     const uint32_t word = load_half_word(at);
     const struct short_varint found = up_to_four(word);
-    //@ assert octets(word, at[0], at[1], at[2], at[3]);
+    //@ assert bytes(word, at[0], at[1], at[2], at[3]);
     //@ assert sum_32(at, 1) == (at[0] & 0x7f);
     //@ assert sum_32(at, 2) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f);
     //@ assert sum_32(at, 3) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f) + 0x4000 * (at[2] & 0x7f);
@@ -344,12 +344,12 @@ struct varint_32 read_number_32(const octet *at, const octet *end) {
     ensures \result.next != \null ==> within(at, \result.next, end) && varint_of(at, \result.next - at);
     ensures \result.next != \null ==> \result.value == (uint64_t)sum_64(at, \result.next - at);
 */
-struct varint_64 read_number_64(const octet *at, const octet *end) {
+struct varint_64 read_number_64(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) return (struct varint_64){at + 1, *at};
   if (end - at >= 4) {
     const uint32_t word = load_half_word(at);
     const struct short_varint found = up_to_four(word);
-    //@ assert octets(word, at[0], at[1], at[2], at[3]);
+    //@ assert bytes(word, at[0], at[1], at[2], at[3]);
     //@ assert sum_64(at, 1) == (at[0] & 0x7f);
     //@ assert sum_64(at, 2) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f);
     //@ assert sum_64(at, 3) == (at[0] & 0x7f) + 0x80 * (at[1] & 0x7f) + 0x4000 * (at[2] & 0x7f);
@@ -372,7 +372,7 @@ struct varint_64 read_number_64(const octet *at, const octet *end) {
       varint_of(at, \result.first - at) && \result.last - \result.first == (uint32_t)sum_32(at, \result.first - at);
     ensures \result.first == \null <==> \result.last == \null;
 */
-struct delimited read_delimited(const octet *at, const octet *end) {
+struct delimited read_delimited(const byte *at, const byte *end) {
   const struct varint_32 length = read_varint_32(at, end);
   if (length.next == NULL || length.value > (size_t)(end - length.next)) return (struct delimited){NULL, NULL};
   return (struct delimited){length.next, length.next + length.value};
@@ -386,7 +386,7 @@ struct delimited read_delimited(const octet *at, const octet *end) {
         (uint32_t)sum_32(at, size) > end - at - size;
     ensures \result != \null ==> within(at, \result, end) && at < \result;
 */
-const octet *skip_delimited(const octet *at, const octet *end) { return read_delimited(at, end).last; }
+const byte *skip_delimited(const byte *at, const byte *end) { return read_delimited(at, end).last; }
 
 /*@ requires readable(at, end);
     terminates \true;
@@ -402,7 +402,7 @@ const octet *skip_delimited(const octet *at, const octet *end) { return read_del
     ensures \result.result == OK && (key & 7) == 2 ==> \exists integer size; varint_of(at, size) && size <= end - at &&
       \result.next == ((uint32_t)sum_32(at, size) < end - at - size ? at + size + (uint32_t)sum_32(at, size) : end);
 */
-struct step skip_unknown(uint32_t key, const octet *at, const octet *end) {
+struct step skip_unknown(uint32_t key, const byte *at, const byte *end) {
   size_t size = 0;
   switch (key & 7) {
     case 0:

@@ -8,12 +8,12 @@
       value < 0x800000000 ? 5 : value < 0x40000000000 ? 6 : value < 0x2000000000000 ? 7 :
       value < 0x100000000000000 ? 8 : value < 0x8000000000000000 ? 9 : 10;
 
-    // The octet at a place of a varint: the last has no top bit.
-    logic integer octet_of(integer value, integer size, integer i) =
+    // The byte at a place of a varint: the last has no top bit.
+    logic integer byte_of(integer value, integer size, integer i) =
       i == size - 1 ? (uint8_t)(value >> 7 * i) : (uint8_t)((value >> 7 * i) | 0x80);
 
-    predicate written{L}(octet *first, integer size, integer value) =
-      \forall integer i; 0 <= i < size ==> first[i] == octet_of(value, size, i);
+    predicate written{L}(byte *first, integer size, integer value) =
+      \forall integer i; 0 <= i < size ==> first[i] == byte_of(value, size, i);
 
     axiomatic bits {
       axiom or_one: \forall integer x; 0 <= x < 0x10000000000000000 ==> 0 < (x | 1) && groups(x | 1) == groups(x);
@@ -97,7 +97,7 @@ size_t varint_size_64(uint64_t value) { return long_varint_size_64(value | 1); }
     assigns \result \from at;
     ensures \result == at - 1 && at[-1] == value;
 */
-static octet *prepend_octet(octet *at, octet value) {
+static byte *prepend_byte(byte *at, byte value) {
   *--at = value;
   return at;
 }
@@ -108,21 +108,21 @@ static octet *prepend_octet(octet *at, octet value) {
     assigns \result \from at, value;
     ensures \result == at - groups(value) && written(at - groups(value), groups(value), value);
 */
-octet *prepend_long_varint_32(octet *at, uint32_t value) {
+byte *prepend_long_varint_32(byte *at, uint32_t value) {
   unsigned shift = 7 * ((unsigned)varint_size_32(value) - 1);
   //@ ghost unsigned left = shift / 7;
-  at = prepend_octet(at, (octet)(value >> shift));
+  at = prepend_byte(at, (byte)(value >> shift));
   /*@ loop invariant 0 <= left < groups(value) && shift == 7 * left;
       loop invariant at == \at(at, Pre) - groups(value) + left;
       loop invariant \forall integer i; left <= i < groups(value) ==>
-        (\at(at, Pre) - groups(value))[i] == octet_of(value, groups(value), i);
+        (\at(at, Pre) - groups(value))[i] == byte_of(value, groups(value), i);
       loop assigns at, shift, left, (\at(at, Pre))[-groups(value) .. -1];
       loop variant left;
   */
   while (shift != 0) {
     shift -= 7;
     //@ ghost --left;
-    at = prepend_octet(at, (octet)(value >> shift | 0x80));
+    at = prepend_byte(at, (byte)(value >> shift | 0x80));
   }
   return at;
 }
@@ -133,21 +133,21 @@ octet *prepend_long_varint_32(octet *at, uint32_t value) {
     assigns \result \from at, value;
     ensures \result == at - groups(value) && written(at - groups(value), groups(value), value);
 */
-octet *prepend_long_varint_64(octet *at, uint64_t value) {
+byte *prepend_long_varint_64(byte *at, uint64_t value) {
   unsigned shift = 7 * ((unsigned)varint_size_64(value) - 1);
   //@ ghost unsigned left = shift / 7;
-  at = prepend_octet(at, (octet)(value >> shift));
+  at = prepend_byte(at, (byte)(value >> shift));
   /*@ loop invariant 0 <= left < groups(value) && shift == 7 * left;
       loop invariant at == \at(at, Pre) - groups(value) + left;
       loop invariant \forall integer i; left <= i < groups(value) ==>
-        (\at(at, Pre) - groups(value))[i] == octet_of(value, groups(value), i);
+        (\at(at, Pre) - groups(value))[i] == byte_of(value, groups(value), i);
       loop assigns at, shift, left, (\at(at, Pre))[-groups(value) .. -1];
       loop variant left;
   */
   while (shift != 0) {
     shift -= 7;
     //@ ghost --left;
-    at = prepend_octet(at, (octet)(value >> shift | 0x80));
+    at = prepend_byte(at, (byte)(value >> shift | 0x80));
   }
   return at;
 }
@@ -155,40 +155,40 @@ octet *prepend_long_varint_64(octet *at, uint64_t value) {
 /*@ requires \valid(at + (0 .. 7));
     terminates \true;
     assigns at[0 .. 7];
-    ensures \forall octet *p; \base_addr(p) == \base_addr(at) && at <= p < at + 8 ==>
+    ensures \forall byte *p; \base_addr(p) == \base_addr(at) && at <= p < at + 8 ==>
       *p == (uint8_t)(word >> 8 * (p - at));
 */
-static void store_word(octet *at, uint64_t word) {
+static void store_word(byte *at, uint64_t word) {
   /*@ loop invariant 0 <= i <= 8;
-      loop invariant \forall octet *p; \base_addr(p) == \base_addr(at) && at <= p < at + i ==>
+      loop invariant \forall byte *p; \base_addr(p) == \base_addr(at) && at <= p < at + i ==>
         *p == (uint8_t)(word >> 8 * (p - at));
       loop assigns i, at[0 .. 7];
       loop variant 8 - i;
   */
-  for (unsigned i = 0; i < 8; ++i) at[i] = (octet)(word >> 8 * i);
+  for (unsigned i = 0; i < 8; ++i) at[i] = (byte)(word >> 8 * i);
 }
 
 /*@ requires \valid(at + (0 .. 3));
     terminates \true;
     assigns at[0 .. 3];
-    ensures \forall octet *p; \base_addr(p) == \base_addr(at) && at <= p < at + 4 ==>
+    ensures \forall byte *p; \base_addr(p) == \base_addr(at) && at <= p < at + 4 ==>
       *p == (uint8_t)(word >> 8 * (p - at));
 */
-static void store_half_word(octet *at, uint32_t word) {
+static void store_half_word(byte *at, uint32_t word) {
   /*@ loop invariant 0 <= i <= 4;
-      loop invariant \forall octet *p; \base_addr(p) == \base_addr(at) && at <= p < at + i ==>
+      loop invariant \forall byte *p; \base_addr(p) == \base_addr(at) && at <= p < at + i ==>
         *p == (uint8_t)(word >> 8 * (p - at));
       loop assigns i, at[0 .. 3];
       loop variant 4 - i;
   */
-  for (unsigned i = 0; i < 4; ++i) at[i] = (octet)(word >> 8 * i);
+  for (unsigned i = 0; i < 4; ++i) at[i] = (byte)(word >> 8 * i);
 }
 
 /* bits.mlw proves this one's contract, on vectors of 64 bits. */
 /*@ requires size == groups(value) && 1 <= size <= 8;
     terminates \true;
     assigns \result \from value, size;
-    ensures \forall integer i; 0 <= i < size ==> (uint8_t)(\result >> 8 * i) == octet_of(value, size, i);
+    ensures \forall integer i; 0 <= i < size ==> (uint8_t)(\result >> 8 * i) == byte_of(value, size, i);
 */
 static uint64_t varint_word(uint64_t value, unsigned size);
 #ifndef __FRAMAC__
@@ -208,23 +208,23 @@ static uint64_t varint_word(uint64_t value, unsigned size) {
     assigns \result \from first, at, value;
     ensures \result == at - groups(value) && written(at - groups(value), groups(value), value);
 */
-static octet *prepend_word_32(octet *first, octet *at, uint32_t value) {
+static byte *prepend_word_32(byte *first, byte *at, uint32_t value) {
   if (value < 0x200000) {
-    at[-1] = (octet)(value >> 14);
-    at[-2] = (octet)(value >> 7 | 0x80);
-    at[-3] = (octet)(value | 0x80);
+    at[-1] = (byte)(value >> 14);
+    at[-2] = (byte)(value >> 7 | 0x80);
+    at[-3] = (byte)(value | 0x80);
     //@ assert groups(value) == 3;
-    //@ assert at[-3] == octet_of(value, 3, 0) && at[-2] == octet_of(value, 3, 1) && at[-1] == octet_of(value, 3, 2);
-    //@ assert \forall integer i; i == 0 || i == 1 || i == 2 ==> (at - 3)[i] == octet_of(value, 3, i);
+    //@ assert at[-3] == byte_of(value, 3, 0) && at[-2] == byte_of(value, 3, 1) && at[-1] == byte_of(value, 3, 2);
+    //@ assert \forall integer i; i == 0 || i == 1 || i == 2 ==> (at - 3)[i] == byte_of(value, 3, i);
     return at - 3;
   }
   if (value < 0x10000000) {
     const uint64_t word = varint_word(value, 4);
     store_half_word(at - 4, (uint32_t)word);
-    /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
+    /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
           *p == (uint8_t)(word >> 8 * (p - (at - 4))); */
-    /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
-          *p == octet_of(value, 4, p - (at - 4)); */
+    /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
+          *p == byte_of(value, 4, p - (at - 4)); */
     return at - 4;
   }
   const unsigned size = (unsigned)long_varint_size_32(value);
@@ -233,10 +233,10 @@ static octet *prepend_word_32(octet *first, octet *at, uint32_t value) {
   //@ assert free_bits == 64 - 8 * size && 0 <= free_bits < 64;
   const uint64_t word = varint_word(value, size), moved = word << free_bits;
   store_word(at - 8, moved);
-  /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
+  /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
         *p == (uint8_t)(word >> 8 * (p - (at - size))); */
-  /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
-        *p == octet_of(value, size, p - (at - size)); */
+  /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
+        *p == byte_of(value, size, p - (at - size)); */
   return at - size;
 }
 
@@ -247,9 +247,9 @@ static octet *prepend_word_32(octet *first, octet *at, uint32_t value) {
     assigns \result \from first, at, value;
     ensures \result == at - groups(value) && written(at - groups(value), groups(value), value);
 */
-octet *prepend_varint_32(octet *first, octet *at, uint32_t value) {
-  if (value < 0x80) return prepend_octet(at, (octet)value);
-  if (value < 0x4000) return prepend_octet(prepend_octet(at, (octet)(value >> 7)), (octet)(value | 0x80));
+byte *prepend_varint_32(byte *first, byte *at, uint32_t value) {
+  if (value < 0x80) return prepend_byte(at, (byte)value);
+  if (value < 0x4000) return prepend_byte(prepend_byte(at, (byte)(value >> 7)), (byte)(value | 0x80));
   return prepend_word_32(first, at, value);
 }
 
@@ -261,23 +261,23 @@ octet *prepend_varint_32(octet *first, octet *at, uint32_t value) {
     assigns \result \from first, at, value;
     ensures \result == at - groups(value) && written(at - groups(value), groups(value), value);
 */
-static octet *prepend_word_64(octet *first, octet *at, uint64_t value) {
+static byte *prepend_word_64(byte *first, byte *at, uint64_t value) {
   if (value < 0x200000) {
-    at[-1] = (octet)(value >> 14);
-    at[-2] = (octet)(value >> 7 | 0x80);
-    at[-3] = (octet)(value | 0x80);
+    at[-1] = (byte)(value >> 14);
+    at[-2] = (byte)(value >> 7 | 0x80);
+    at[-3] = (byte)(value | 0x80);
     //@ assert groups(value) == 3;
-    //@ assert at[-3] == octet_of(value, 3, 0) && at[-2] == octet_of(value, 3, 1) && at[-1] == octet_of(value, 3, 2);
-    //@ assert \forall integer i; i == 0 || i == 1 || i == 2 ==> (at - 3)[i] == octet_of(value, 3, i);
+    //@ assert at[-3] == byte_of(value, 3, 0) && at[-2] == byte_of(value, 3, 1) && at[-1] == byte_of(value, 3, 2);
+    //@ assert \forall integer i; i == 0 || i == 1 || i == 2 ==> (at - 3)[i] == byte_of(value, 3, i);
     return at - 3;
   }
   if (value < 0x10000000) {
     const uint64_t word = varint_word(value, 4);
     store_half_word(at - 4, (uint32_t)word);
-    /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
+    /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
           *p == (uint8_t)(word >> 8 * (p - (at - 4))); */
-    /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
-          *p == octet_of(value, 4, p - (at - 4)); */
+    /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - 4 <= p < at ==>
+          *p == byte_of(value, 4, p - (at - 4)); */
     return at - 4;
   }
   const unsigned size = (unsigned)long_varint_size_64(value);
@@ -286,10 +286,10 @@ static octet *prepend_word_64(octet *first, octet *at, uint64_t value) {
   //@ assert free_bits == 64 - 8 * size && 0 <= free_bits < 64;
   const uint64_t word = varint_word(value, size), moved = word << free_bits;
   store_word(at - 8, moved);
-  /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
+  /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
         *p == (uint8_t)(word >> 8 * (p - (at - size))); */
-  /*@ assert \forall octet *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
-        *p == octet_of(value, size, p - (at - size)); */
+  /*@ assert \forall byte *p; \base_addr(p) == \base_addr(at) && at - size <= p < at ==>
+        *p == byte_of(value, size, p - (at - size)); */
   return at - size;
 }
 
@@ -300,9 +300,9 @@ static octet *prepend_word_64(octet *first, octet *at, uint64_t value) {
     assigns \result \from first, at, value;
     ensures \result == at - groups(value) && written(at - groups(value), groups(value), value);
 */
-octet *prepend_varint_64(octet *first, octet *at, uint64_t value) {
-  if (value < 0x80) return prepend_octet(at, (octet)value);
-  if (value < 0x4000) return prepend_octet(prepend_octet(at, (octet)(value >> 7)), (octet)(value | 0x80));
+byte *prepend_varint_64(byte *first, byte *at, uint64_t value) {
+  if (value < 0x80) return prepend_byte(at, (byte)value);
+  if (value < 0x4000) return prepend_byte(prepend_byte(at, (byte)(value >> 7)), (byte)(value | 0x80));
   return prepend_word_64(first, at, value);
 }
 
@@ -313,7 +313,7 @@ octet *prepend_varint_64(octet *first, octet *at, uint64_t value) {
     ensures \result == at - 1;
     ensures at - 1 < length ==> buffer[at - 1] == value;
 */
-static size_t clipped_prepend_octet(octet *buffer, size_t length, size_t at, octet value) {
+static size_t clipped_prepend_byte(byte *buffer, size_t length, size_t at, byte value) {
   if (--at < length) buffer[at] = value;
   return at;
 }
@@ -324,16 +324,16 @@ static size_t clipped_prepend_octet(octet *buffer, size_t length, size_t at, oct
     assigns \result \from at, value;
     ensures \result == at - groups(value);
     ensures \forall integer i; at - groups(value) <= i < at && i < length ==>
-      buffer[i] == octet_of(value, groups(value), i - (at - groups(value)));
+      buffer[i] == byte_of(value, groups(value), i - (at - groups(value)));
 */
-size_t clipped_prepend_varint_32(octet *buffer, size_t length, size_t at, uint32_t value) {
+size_t clipped_prepend_varint_32(byte *buffer, size_t length, size_t at, uint32_t value) {
   unsigned shift = 7 * ((unsigned)varint_size_32(value) - 1);
   //@ ghost unsigned left = shift / 7;
-  at = clipped_prepend_octet(buffer, length, at, (octet)(value >> shift));
+  at = clipped_prepend_byte(buffer, length, at, (byte)(value >> shift));
   /*@ loop invariant 0 <= left < groups(value) && shift == 7 * left;
       loop invariant at == \at(at, Pre) - groups(value) + left;
       loop invariant \forall integer i; at <= i < \at(at, Pre) && i < length ==>
-        buffer[i] == octet_of(value, groups(value), i - (\at(at, Pre) - groups(value)));
+        buffer[i] == byte_of(value, groups(value), i - (\at(at, Pre) - groups(value)));
       loop assigns at, shift, left,
         buffer[\at(at, Pre) - groups(value) .. (\at(at, Pre) < length ? \at(at, Pre) : length) - 1];
       loop variant left;
@@ -341,7 +341,7 @@ size_t clipped_prepend_varint_32(octet *buffer, size_t length, size_t at, uint32
   while (shift != 0) {
     shift -= 7;
     //@ ghost --left;
-    at = clipped_prepend_octet(buffer, length, at, (octet)(value >> shift | 0x80));
+    at = clipped_prepend_byte(buffer, length, at, (byte)(value >> shift | 0x80));
   }
   return at;
 }
@@ -352,16 +352,16 @@ size_t clipped_prepend_varint_32(octet *buffer, size_t length, size_t at, uint32
     assigns \result \from at, value;
     ensures \result == at - groups(value);
     ensures \forall integer i; at - groups(value) <= i < at && i < length ==>
-      buffer[i] == octet_of(value, groups(value), i - (at - groups(value)));
+      buffer[i] == byte_of(value, groups(value), i - (at - groups(value)));
 */
-size_t clipped_prepend_varint_64(octet *buffer, size_t length, size_t at, uint64_t value) {
+size_t clipped_prepend_varint_64(byte *buffer, size_t length, size_t at, uint64_t value) {
   unsigned shift = 7 * ((unsigned)varint_size_64(value) - 1);
   //@ ghost unsigned left = shift / 7;
-  at = clipped_prepend_octet(buffer, length, at, (octet)(value >> shift));
+  at = clipped_prepend_byte(buffer, length, at, (byte)(value >> shift));
   /*@ loop invariant 0 <= left < groups(value) && shift == 7 * left;
       loop invariant at == \at(at, Pre) - groups(value) + left;
       loop invariant \forall integer i; at <= i < \at(at, Pre) && i < length ==>
-        buffer[i] == octet_of(value, groups(value), i - (\at(at, Pre) - groups(value)));
+        buffer[i] == byte_of(value, groups(value), i - (\at(at, Pre) - groups(value)));
       loop assigns at, shift, left,
         buffer[\at(at, Pre) - groups(value) .. (\at(at, Pre) < length ? \at(at, Pre) : length) - 1];
       loop variant left;
@@ -369,7 +369,7 @@ size_t clipped_prepend_varint_64(octet *buffer, size_t length, size_t at, uint64
   while (shift != 0) {
     shift -= 7;
     //@ ghost --left;
-    at = clipped_prepend_octet(buffer, length, at, (octet)(value >> shift | 0x80));
+    at = clipped_prepend_byte(buffer, length, at, (byte)(value >> shift | 0x80));
   }
   return at;
 }

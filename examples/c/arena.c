@@ -12,14 +12,14 @@ static const unsigned char node[] = {0x0a, 0x07, 0x08, 0x01, 0x10, 0xc6, 0x01, 0
 static const unsigned char twice[] = {0x12, 0x06, 0x12, 0x04, 'e', 't', 'h', '0',
                                       0x12, 0x06, 0x12, 0x04, 'e', 't', 'h', '1'};
 
-static void show(const unsigned char *octets, size_t length, pavo_zorv_pool *pool) {
+static void show(const unsigned char *bytes, size_t length, pavo_zorv_pool *pool) {
   api_to_zorv message;
-  int result = pavo_zorv_api_to_zorv_decode_ext(&message, octets, length, pavo_zorv_pool_allocate, pool);
+  int result = pavo_zorv_api_to_zorv_decode_ext(&message, bytes, length, pavo_zorv_pool_allocate, pool);
   printf("%s", pavo_zorv_result_name(result));
   if ((message.presence & API_TO_ZORV_HAS_INTF) != 0) printf(", interface %s", message.intf.field2);
   if ((message.presence & API_TO_ZORV_HAS_NODEID) != 0)
-    printf(", node of %u octets", (unsigned)message.nodeid.octets_count);
-  printf(", %zu octets of memory\n", pool->used);
+    printf(", node of %u bytes", (unsigned)message.nodeid.octets_count);
+  printf(", %zu bytes of memory\n", pool->used);
 }
 
 int main(void) {

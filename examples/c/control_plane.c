@@ -83,7 +83,7 @@ static int run_engine(connection *client) {
     release_message(client, &message);
     if (status < 0) break;
   }
-  printf("engine: done, %zu octets of memory out\n", client->memory.spent);
+  printf("engine: done, %zu bytes of memory out\n", client->memory.spent);
   return client->memory.spent == 0 ? 0 : 1;
 }
 

@@ -6,19 +6,19 @@
 #include "pavo_zorv_memory.h"
 
 //! [decode]
-static void try_to_decode(const char *what, const unsigned char *octets, size_t length, size_t memory) {
+static void try_to_decode(const char *what, const unsigned char *bytes, size_t length, size_t memory) {
   pavo_zorv_budget budget;
   pavo_zorv_budget_init(&budget, memory, pavo_zorv_heap_allocate, pavo_zorv_heap_release, NULL);
 
   api_intf intf;
-  int result = pavo_zorv_api_intf_decode_ext(&intf, octets, length, pavo_zorv_budget_allocate, &budget);
+  int result = pavo_zorv_api_intf_decode_ext(&intf, bytes, length, pavo_zorv_budget_allocate, &budget);
   printf("%s: %s", what, pavo_zorv_result_name(result));
   if (result != CODEC_OK) printf(" (%s)", pavo_zorv_result_text(result));
   // After a failure the record holds what was read before it.
   if ((intf.presence & API_INTF_HAS_FIELD1) != 0) printf(", number %u", (unsigned)intf.field1);
   if ((intf.presence & API_INTF_HAS_FIELD2) != 0) printf(", name %s", intf.field2);
   pavo_zorv_api_intf_free_ext(&intf, pavo_zorv_budget_release, &budget);
-  printf(", %zu octets still out\n", budget.spent);
+  printf(", %zu bytes still out\n", budget.spent);
 }
 //! [decode]
 
@@ -34,14 +34,14 @@ int main(void) {
   try_to_decode("a string that comes twice", twice, sizeof twice, plenty);
   try_to_decode("an unknown group", group, sizeof group, plenty);
   try_to_decode("a name as a fixed-width number", wrong, sizeof wrong, plenty);
-  try_to_decode("with 12 octets of memory", whole, sizeof whole, 12);
+  try_to_decode("with 12 bytes of memory", whole, sizeof whole, 12);
 
   //! [short]
   // Encoding does not fail: it returns the length of the whole, and writes what fits.
   api_intf intf = {.field1 = 7, .field2 = "eth0", .presence = API_INTF_HAS_FIELD1 | API_INTF_HAS_FIELD2};
   unsigned char buffer[5];
   size_t length = pavo_zorv_api_intf_encode_ext(&intf, buffer, sizeof buffer, NULL, NULL);
-  if (length > sizeof buffer) printf("%zu octets wanted, %zu there\n", length, sizeof buffer);
+  if (length > sizeof buffer) printf("%zu bytes wanted, %zu there\n", length, sizeof buffer);
   //! [short]
 
   //! [copy]

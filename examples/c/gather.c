@@ -14,7 +14,7 @@ enum { most_pieces = 3, most_entries = 8 };
 
 //! [pieces]
 // How many entries at the end of the table are the outermost message itself. In reference mode a message is in pieces:
-// its octets up to the block, the block, and what stands behind it, if anything. Entries of nested messages come
+// its bytes up to the block, the block, and what stands after it, if anything. Entries of nested messages come
 // before.
 static uint32_t pieces_of_message(const pavo_zorv_segment *table, uint32_t count, const unsigned char *buffer,
                                   size_t length) {
@@ -42,7 +42,7 @@ static int send_request(int socket, const oam_req *request) {
     vector[i].iov_len = (size_t)piece->length;
     total += vector[i].iov_len;
   }
-  printf("%zu octets encoded, %u pieces, %zu octets sent\n", length, (unsigned)pieces, total);
+  printf("%zu bytes encoded, %u pieces, %zu bytes sent\n", length, (unsigned)pieces, total);
   return writev(socket, vector, (int)pieces) == (ssize_t)total ? 0 : -1;
 }
 //! [send]
@@ -62,7 +62,7 @@ static int receive_request(int socket) {
                                             PAVO_ZORV_REFERENCE);
   if (result != CODEC_OK || (request.presence & OAM_REQ_HAS_FIELD3) == 0) return -1;
   int inside = request.field6 >= input && request.field6 + request.field6_length <= input + length;
-  printf("%s: a probe of %llu octets %s, %zu octets of memory\n", request.field3,
+  printf("%s: a probe of %llu bytes %s, %zu bytes of memory\n", request.field3,
          (unsigned long long)request.field6_length, inside ? "in the input" : "elsewhere", pool.used);
   return inside ? 0 : -1;
 }

@@ -11,7 +11,7 @@ int main(void) {
 
   api_lbl_stack received;
   int result = pavo_zorv_api_lbl_stack_decode_ext(&received, buffer, length, pavo_zorv_heap_allocate, NULL);
-  printf("%zu octets, %s, %u labels\n", length, pavo_zorv_result_name(result), (unsigned)received.label_count);
+  printf("%zu bytes, %s, %u labels\n", length, pavo_zorv_result_name(result), (unsigned)received.label_count);
   pavo_zorv_api_lbl_stack_free_ext(&received, pavo_zorv_heap_release, NULL);  // also after a failure
   return result == CODEC_OK ? 0 : 1;
 }

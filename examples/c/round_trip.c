@@ -23,18 +23,18 @@ int main(void) {
 
   //! [encode]
   size_t length = pavo_zorv_api_msg_encode_ext(&message, NULL, 0, NULL, NULL, 0);
-  unsigned char *octets = malloc(length);
-  if (octets == NULL) return 1;
-  pavo_zorv_api_msg_encode_ext(&message, octets, length, NULL, NULL, 0);
+  unsigned char *bytes = malloc(length);
+  if (bytes == NULL) return 1;
+  pavo_zorv_api_msg_encode_ext(&message, bytes, length, NULL, NULL, 0);
   //! [encode]
 
-  printf("%zu octets:", length);
-  for (size_t i = 0; i < length; ++i) printf(" %02x", octets[i]);
+  printf("%zu bytes:", length);
+  for (size_t i = 0; i < length; ++i) printf(" %02x", bytes[i]);
   printf("\n");
 
   //! [decode]
   api_msg received;
-  int result = pavo_zorv_api_msg_decode_ext(&received, octets, length, pavo_zorv_heap_allocate, NULL, 0);
+  int result = pavo_zorv_api_msg_decode_ext(&received, bytes, length, pavo_zorv_heap_allocate, NULL, 0);
   if (result == CODEC_OK && (received.presence & API_MSG_HAS_P2P_AUTO_POLICY_REQUEST) != 0) {
     const api_msg_p2p_auto_policy *wanted = &received.p2p_auto_policy_request.policy;
     if ((wanted->presence & API_MSG_P2P_AUTO_POLICY_HAS_FIELD1) != 0) printf("policy %s", wanted->field1);
@@ -50,6 +50,6 @@ int main(void) {
   //! [release]
   pavo_zorv_api_msg_free_ext(&received, pavo_zorv_heap_release, NULL, 0);
   //! [release]
-  free(octets);
+  free(bytes);
   return same ? 0 : 1;
 }

@@ -8,28 +8,28 @@
 
 //! [table]
 static int show(const char *what, const oam_req *request, uint32_t options) {
-  // Measure octets and entries, then write both.
+  // Measure bytes and entries, then write both.
   uint32_t count = 0;
   size_t length = pavo_zorv_oam_req_encode_ext(request, NULL, 0, NULL, &count, options);
-  unsigned char *octets = malloc(length);
+  unsigned char *bytes = malloc(length);
   pavo_zorv_segment *table = calloc(count, sizeof *table);
-  if (octets == NULL || table == NULL) return -1;
-  pavo_zorv_oam_req_encode_ext(request, octets, length, table, &count, options);
+  if (bytes == NULL || table == NULL) return -1;
+  pavo_zorv_oam_req_encode_ext(request, bytes, length, table, &count, options);
 
-  printf("%s: %zu octets, %u entries\n", what, length, (unsigned)count);
+  printf("%s: %zu bytes, %u entries\n", what, length, (unsigned)count);
   for (uint32_t i = 0; i < count; ++i) {
     const pavo_zorv_segment *entry = &table[i];
     if (entry->start == request->field6) {
       printf("  the member's own block");
     } else {
-      printf("  from %td", entry->start - octets);
+      printf("  from %td", entry->start - bytes);
     }
-    printf(", %llu octets:", (unsigned long long)entry->length);
+    printf(", %llu bytes:", (unsigned long long)entry->length);
     for (uint64_t at = 0; at < entry->length; ++at) printf(" %02x", entry->start[at]);
     printf("\n");
   }
   free(table);
-  free(octets);
+  free(bytes);
   return 0;
 }
 //! [table]
@@ -49,7 +49,7 @@ int main(void) {
 
   if (show("copied", &request, 0) != 0) return 1;
   if (show("referenced", &request, PAVO_ZORV_REFERENCE) != 0) return 1;
-  // Without the field behind the block there is no last piece.
+  // Without the field after the block there is no last piece.
   request.presence = OAM_REQ_HAS_FIELD1 | OAM_REQ_HAS_FIELD6;
   request.prefix_sid.presence = 0;
   return show("referenced, block last", &request, PAVO_ZORV_REFERENCE) == 0 ? 0 : 1;

@@ -29,7 +29,7 @@ int main() {
   //! [budget]
   pavo_zorv_budget budget;
   pavo_zorv_budget_init(&budget, 12, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr);
-  show("budget of 12 octets", zorv::decode<api_intf>(input, budget));
+  show("budget of 12 bytes", zorv::decode<api_intf>(input, budget));
   //! [budget]
 
   //! [reference]

@@ -18,14 +18,14 @@ int main() {
   //! [record]
 
   //! [encode]
-  const std::vector<unsigned char> octets = zorv::encode(*message);
+  const std::vector<unsigned char> bytes = zorv::encode(*message);
   //! [encode]
-  std::printf("%zu octets:", octets.size());
-  for (const unsigned char octet : octets) std::printf(" %02x", octet);
+  std::printf("%zu bytes:", bytes.size());
+  for (const unsigned char byte : bytes) std::printf(" %02x", byte);
   std::printf("\n");
 
   //! [decode]
-  const auto received = zorv::decode<api_msg>(octets);
+  const auto received = zorv::decode<api_msg>(bytes);
   if (!received.ok()) {
     std::printf("%s\n", pavo_zorv_result_text(received.result()));
     return 1;

@@ -1,16 +1,16 @@
-"""What can go wrong in Python: octets that are no message, and one that asks for more memory than it may have."""
+"""What can go wrong in Python: bytes that are no message, and one that asks for more memory than it may have."""
 
 import pavo_zorv
 
 #! [decode]
-for octets in (b"\x08\x07\x12\x04eth0", b"\x08\x07\x12\x04et", b"\x08\x07\x1b"):
+for data in (b"\x08\x07\x12\x04eth0", b"\x08\x07\x12\x04et", b"\x08\x07\x1b"):
     try:
-        print(pavo_zorv.api_intf.from_bytes(octets, limit=64).to_dict())
+        print(pavo_zorv.api_intf.from_bytes(data, limit=64).to_dict())
     except pavo_zorv.DecodeError as error:
         print(error.name, "after", error.partial.to_dict())
 #! [decode]
 
-# Two octets for each policy of 72 octets: what an attacker would send.
+# Two bytes for each policy of 72 bytes: what an attacker would send.
 try:
     pavo_zorv.api_aa_list.from_bytes(b"\x1a\x00" * 1000, limit=4096)
 except pavo_zorv.DecodeError as error:

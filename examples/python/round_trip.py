@@ -10,12 +10,12 @@ policy.label_stack.labels = [16, 24001]
 #! [record]
 
 #! [encode]
-octets = message.to_bytes()
+data = message.to_bytes()
 #! [encode]
-print(f"{len(octets)} octets: {octets.hex(' ')}")
+print(f"{len(data)} bytes: {data.hex(' ')}")
 
 #! [decode]
-received = pavo_zorv.api_msg.from_bytes(octets)
+received = pavo_zorv.api_msg.from_bytes(data)
 if received.has("p2p_auto_policy_request"):
     print(received.to_dict())
 #! [decode]

@@ -68,7 +68,7 @@ void run(const trial &trial) {
   if (here.result != CODEC_OK) return;
   protobuf::Message &there = peer_of(*trial.type);
   if (!there.ParseFromArray(input, static_cast<int>(trial.length))) return;
-  // Behind an element of a list, a key of another wire type is taken for one more element here.
+  // After an element of a list, a key of another wire type is taken for one more element here.
   const expected expected(trial, input, trial.length);
   if (expected.decoder.run_of_other_types || is_taken_differently(*trial.type, input, trial.length)) return;
 

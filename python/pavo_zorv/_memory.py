@@ -8,7 +8,7 @@ class Arena:
 
     def __init__(self, limit=None):
         self.limit = limit
-        self.octets = 0
+        self.bytes = 0
         self.requests = 0
         self.blocks = []
         self.handle = ffi.new_handle(self)
@@ -16,10 +16,10 @@ class Arena:
     def take(self, size):
         """A block of zeroes, or null beyond the limit."""
         self.requests += 1
-        if self.limit is not None and self.octets + size > self.limit:
+        if self.limit is not None and self.bytes + size > self.limit:
             return ffi.NULL
         block = ffi.new("unsigned char[]", max(size, 1))
-        self.octets += size
+        self.bytes += size
         self.blocks.append(block)
         return block
 

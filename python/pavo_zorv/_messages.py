@@ -13,7 +13,7 @@ _RESULTS = ffi.typeof("enum pavo_zorv_result").elements
 
 
 class DecodeError(ValueError):
-    """Octets that are no message. `result` is the library's code, `name` its name, `partial` what was read before."""
+    """Bytes that are no message. `result` is the library's code, `name` its name, `partial` what was read before."""
 
     def __init__(self, message, result):
         self.partial = message
@@ -49,7 +49,7 @@ class _Flag(_Number):
 
 
 class _String:
-    """Octets that need not be UTF-8: what is not becomes a surrogate, and the same octet again."""
+    """Bytes that need not be UTF-8: what is not becomes a surrogate, and the same byte again."""
 
     def __init__(self, member):
         self.member = member
@@ -59,11 +59,11 @@ class _String:
         return None if pointer == ffi.NULL else ffi.string(pointer).decode("utf-8", "surrogateescape")
 
     def put(self, message, value):
-        octets = value.encode("utf-8", "surrogateescape") if isinstance(value, str) else bytes(value)
-        if 0 in octets:
+        data = value.encode("utf-8", "surrogateescape") if isinstance(value, str) else bytes(value)
+        if 0 in data:
             raise ValueError(f"{self.member}: a string ends at its first NUL")
-        block = message._arena.array("char", len(octets) + 1)
-        ffi.memmove(block, octets, len(octets))
+        block = message._arena.array("char", len(data) + 1)
+        ffi.memmove(block, data, len(data))
         setattr(message._record, self.member, block)
 
     plain = staticmethod(lambda value: value)
@@ -226,13 +226,13 @@ class Message:
         return function(*arguments, options) if cls._takes_options else function(*arguments)
 
     @classmethod
-    def from_bytes(cls, octets, *, reference=False, limit=None):
-        """The message that `octets` encode, or a DecodeError. With `reference`, bytes members stay in `octets`, which
-        the message keeps alive. `limit` bounds the memory, in octets, that the library may ask for."""
+    def from_bytes(cls, data, *, reference=False, limit=None):
+        """The message that `data` encodes, or a DecodeError. With `reference`, bytes members stay in `data`, which
+        the message keeps alive. `limit` bounds the memory, in bytes, that the library may ask for."""
         self = cls.__new__(cls)
         self._own(Arena(limit))
         self._options = REFERENCE if reference else 0
-        data = ffi.from_buffer(octets)
+        data = ffi.from_buffer(data)
         if reference:
             self._input = data
         result = cls._call(
@@ -318,8 +318,8 @@ def _tell_flags(cls):
     for number, (name, field) in enumerate(cls.fields.items(), start=1):
         if type(field.kind) is _Number and ffi.sizeof(dict(ffi.typeof(cls.__name__).fields)[name].type) == 1:
             key = number << 3
-            octets = bytes([key, 2] if key < 0x80 else [key & 0x7F | 0x80, key >> 7, 2])
-            if getattr(cls.from_bytes(octets), name) == 1:
+            data = bytes([key, 2] if key < 0x80 else [key & 0x7F | 0x80, key >> 7, 2])
+            if getattr(cls.from_bytes(data), name) == 1:
                 field.kind = _Flag(name)
 
 

@@ -1,4 +1,4 @@
-"""Laws that hold for every message, on whatever Hypothesis comes up with: hostile octets, and any content."""
+"""Laws that hold for every message, on whatever Hypothesis comes up with: hostile bytes, and any content."""
 
 import pytest
 from hypothesis import given, strategies as st
@@ -9,7 +9,7 @@ from pavo_zorv._library import ffi, library
 
 every_message = pytest.mark.parametrize("cls", pavo_zorv.CLASSES.values(), ids=lambda cls: cls.__name__)
 
-# Octets of memory that decoding may ask for, per octet of input.
+# Bytes of memory that decoding may ask for, per byte of input.
 MOST_MEMORY = 36
 
 
@@ -52,7 +52,7 @@ def contents(cls, depth=0):
 
 
 def fields(cls):
-    """Octets that look like fields of a message, mostly with the right wire type, and some that do not."""
+    """Bytes that look like fields of a message, mostly with the right wire type, and some that do not."""
     keys = st.builds(lambda number, wire: varint(number << 3 | wire), st.integers(0, len(cls.fields) + 1),
                      st.sampled_from([0, 0, 0, 2, 2, 2, 1, 5, 3, 7]))
     payloads = st.one_of(
@@ -101,12 +101,12 @@ def decode(cls, data, **options):
 
 @every_message
 @given(data=st.data())
-def test_any_octets_give_a_result_and_a_record_that_is_whole(cls, data):
-    octets = data.draw(fields(cls) | st.binary(max_size=60))
-    message, result = decode(cls, octets)
+def test_any_bytes_give_a_result_and_a_record_that_is_whole(cls, data):
+    raw = data.draw(fields(cls) | st.binary(max_size=60))
+    message, result = decode(cls, raw)
     assert result in (0, -1, -2, -3)
-    assert message._arena.octets <= len(octets) * MOST_MEMORY
-    assert message._arena.requests * 2 <= len(octets)
+    assert message._arena.bytes <= len(raw) * MOST_MEMORY
+    assert message._arena.requests * 2 <= len(raw)
     # What was read can be shown, written, read again, copied and compared.
     message.to_dict()
     again = cls.from_bytes(message.to_bytes())
@@ -121,13 +121,13 @@ def test_any_octets_give_a_result_and_a_record_that_is_whole(cls, data):
 @every_message
 @given(data=st.data())
 def test_a_decoding_that_runs_out_of_memory_is_whole_up_to_there(cls, data):
-    octets = cls(**data.draw(contents(cls))).to_bytes()
-    whole = cls.from_bytes(octets)
-    limit = data.draw(st.integers(0, whole._arena.octets + 1))
-    message, result = decode(cls, octets, limit=limit)
-    assert (result == 0) == (limit >= whole._arena.octets)
+    raw = cls(**data.draw(contents(cls))).to_bytes()
+    whole = cls.from_bytes(raw)
+    limit = data.draw(st.integers(0, whole._arena.bytes + 1))
+    message, result = decode(cls, raw, limit=limit)
+    assert (result == 0) == (limit >= whole._arena.bytes)
     assert result in (0, -4)
-    assert message._arena.octets <= limit
+    assert message._arena.bytes <= limit
     assert cls.from_bytes(message.to_bytes()).to_bytes() == message.to_bytes()
     assert still_out(message) == 0
 
@@ -151,9 +151,9 @@ def test_what_is_written_is_read_as_it_was(cls, data):
 @every_message
 @given(data=st.data())
 def test_every_beginning_of_a_message_is_refused_or_a_shorter_message(cls, data):
-    octets = cls(**data.draw(contents(cls))).to_bytes()
-    cut = data.draw(st.integers(0, len(octets)))
-    message, result = decode(cls, octets[:cut])
+    raw = cls(**data.draw(contents(cls))).to_bytes()
+    cut = data.draw(st.integers(0, len(raw)))
+    message, result = decode(cls, raw[:cut])
     assert result in (0, -1)
     if result == 0:
         assert len(message.to_bytes()) <= cut
@@ -161,15 +161,15 @@ def test_every_beginning_of_a_message_is_refused_or_a_shorter_message(cls, data)
 
 @every_message
 @given(data=st.data())
-def test_damaged_octets_are_read_or_refused(cls, data):
-    octets = bytearray(cls(**data.draw(contents(cls))).to_bytes())
+def test_damaged_bytes_are_read_or_refused(cls, data):
+    raw = bytearray(cls(**data.draw(contents(cls))).to_bytes())
     for position, value in data.draw(st.lists(st.tuples(st.integers(0, 2**16), st.integers(0, 255)), max_size=4)):
-        if octets:
-            octets[position % len(octets)] = value
-    message, result = decode(cls, bytes(octets))
+        if raw:
+            raw[position % len(raw)] = value
+    message, result = decode(cls, bytes(raw))
     assert result in (0, -1, -2, -3)
     assert message.copy() == message
-    referenced, same_result = decode(cls, bytes(octets), reference=True)
+    referenced, same_result = decode(cls, bytes(raw), reference=True)
     assert same_result == result
     assert referenced == message
 

@@ -1,4 +1,4 @@
-"""The binding by example: values, presence, octets written out."""
+"""The binding by example: values, presence, bytes written out."""
 
 import copy
 import doctest
@@ -14,7 +14,7 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 SAMPLES = sorted((SOURCE / "samples").glob("*.bin"))
 
 
-def octets(text):
+def raw(text):
     return bytes.fromhex(text)
 
 
@@ -52,7 +52,7 @@ def test_samples_are_read_and_written_again(path):
     data = path.read_bytes()
     message = cls.from_bytes(data)
     again = message.to_bytes()
-    # Another encoder writes a negative number in ten octets, this library in five.
+    # Another encoder writes a negative number in ten bytes, this library in five.
     if path.stem != "api_policy.negative" and path.stem != "oam_res":
         assert again == data
     assert cls.from_bytes(again) == message
@@ -70,11 +70,11 @@ def test_values_of_every_kind():
     assert request.field3 == "né"
     assert request.field6 == b"\x00\xff"
     assert request.prefix_sid.field2 == (1, 255)
-    assert request.to_bytes() == octets("08 ff ff ff ff 0f 1a 03 6e c3 a9 22 05 10 01 10 ff 01 32 02 00 ff")
-    assert pavo_zorv.api_policy(field9=-1).to_bytes() == octets("48 ff ff ff ff 0f")
+    assert request.to_bytes() == raw("08 ff ff ff ff 0f 1a 03 6e c3 a9 22 05 10 01 10 ff 01 32 02 00 ff")
+    assert pavo_zorv.api_policy(field9=-1).to_bytes() == raw("48 ff ff ff ff 0f")
     path = pavo_zorv.api_exp_path(hops=[pavo_zorv.api_exp_hop(field1=1), {"field2": 2}])
     assert [hop.to_dict() for hop in path.hops] == [{"field1": 1}, {"field2": 2}]
-    assert path.to_bytes() == octets("0a 02 08 01 0a 02 10 02")
+    assert path.to_bytes() == raw("0a 02 08 01 0a 02 10 02")
 
 
 def test_flags_are_told_from_8_bit_numbers():
@@ -87,14 +87,14 @@ def test_flags_are_told_from_8_bit_numbers():
     assert flags(pavo_zorv.srv6_sid_struct) == ["field1", "field2"]
     assert flags(pavo_zorv.api_prefix) == []
     assert flags(pavo_zorv.api_msg_p2p_auto_policy) == ["field5", "field6", "field10", "field19"]
-    assert pavo_zorv.api_to_zorv.from_bytes(octets("18 05")).to_dict() == {"field3": True}
-    assert pavo_zorv.api_to_zorv(field3=True).to_bytes() == octets("18 01")
+    assert pavo_zorv.api_to_zorv.from_bytes(raw("18 05")).to_dict() == {"field3": True}
+    assert pavo_zorv.api_to_zorv(field3=True).to_bytes() == raw("18 01")
 
 
 def test_a_string_need_not_be_utf_8():
-    message = pavo_zorv.api_intf.from_bytes(octets("12 03 61 ff 62"))
+    message = pavo_zorv.api_intf.from_bytes(raw("12 03 61 ff 62"))
     assert message.field2 == "a\udcffb"
-    assert pavo_zorv.api_intf(field2=message.field2).to_bytes() == octets("12 03 61 ff 62")
+    assert pavo_zorv.api_intf(field2=message.field2).to_bytes() == raw("12 03 61 ff 62")
     with pytest.raises(ValueError, match="NUL"):
         message.field2 = "a\0b"
 
@@ -103,7 +103,7 @@ def test_absent_fields_are_none():
     message = pavo_zorv.api_intf(field1=0)
     assert message.field1 == 0 and message.field2 is None
     assert message.has("field1") and not message.has("field2")
-    assert message.to_bytes() == octets("08 00")
+    assert message.to_bytes() == raw("08 00")
     message.field1 = None
     assert message.field1 is None
     assert message.to_bytes() == b""
@@ -114,7 +114,7 @@ def test_nested_messages_are_marked_on_the_way():
     assert not message.has("to_zorv")
     message.to_zorv.nodeid.octets = [198, 51]
     assert message.has("to_zorv") and message.to_zorv.has("nodeid")
-    assert message.to_bytes() == octets("62 07 0a 05 10 c6 01 10 33")
+    assert message.to_bytes() == raw("62 07 0a 05 10 c6 01 10 33")
     nodeid = message.to_zorv.nodeid
     message.to_zorv.nodeid = nodeid
     assert message.to_zorv.nodeid == nodeid, "assigned to itself"
@@ -159,14 +159,14 @@ def test_comparison_and_copies():
 
 def test_errors_say_what_is_wrong_and_what_was_read():
     with pytest.raises(pavo_zorv.DecodeError) as caught:
-        pavo_zorv.api_intf.from_bytes(octets("08 07 12 04 65"))
+        pavo_zorv.api_intf.from_bytes(raw("08 07 12 04 65"))
     assert caught.value.result == -1
     assert caught.value.name == "CODEC_ERR_TRUNCATED"
     assert caught.value.partial.to_dict() == {"field1": 7}
 
 
 def test_a_limit_bounds_the_memory():
-    data = octets("12 04 65 74 68 30")
+    data = raw("12 04 65 74 68 30")
     assert pavo_zorv.api_intf.from_bytes(data, limit=5).field2 == "eth0"
     with pytest.raises(pavo_zorv.DecodeError) as caught:
         pavo_zorv.api_intf.from_bytes(data, limit=4)
@@ -174,13 +174,13 @@ def test_a_limit_bounds_the_memory():
 
 
 def test_reference_mode_leaves_bytes_where_they_are():
-    data = bytearray(octets("0a 03 20 01 0d"))
+    data = bytearray(raw("0a 03 20 01 0d"))
     message = pavo_zorv.srv6_prefix.from_bytes(data, reference=True, limit=0)
     owned = message.copy()
     data[2] = 0x21
-    assert message.field1 == octets("21 01 0d")
-    assert owned.field1 == octets("20 01 0d")
-    assert message.to_bytes() == octets("0a 03 21 01 0d")
+    assert message.field1 == raw("21 01 0d")
+    assert owned.field1 == raw("20 01 0d")
+    assert message.to_bytes() == raw("0a 03 21 01 0d")
 
 
 def test_representation_can_be_read_again():

@@ -9,7 +9,7 @@ import pytest
 import pavo_zorv
 
 PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "wire_format.md"
-READING = ["Message", "Octets", "Read as"]
+READING = ["Message", "Bytes", "Read as"]
 WRITING = ["Message", "Content", "Written as"]
 READING_AND_WRITING = [*READING, "Written again as"]
 
@@ -64,13 +64,13 @@ def test_every_row_is_true(heading, cells):
         return
     assert heading in (READING, READING_AND_WRITING)
     failure = re.fullmatch(r"(CODEC_\w+)(?: after (.*))?", cells[2])
-    octets = bytes.fromhex(cells[1])
+    raw = bytes.fromhex(cells[1])
     if failure is None:
-        message = cls.from_bytes(octets)
+        message = cls.from_bytes(raw)
         assert shown(message.to_dict()) == json.loads(cells[2])
     else:
         with pytest.raises(pavo_zorv.DecodeError) as caught:
-            cls.from_bytes(octets)
+            cls.from_bytes(raw)
         assert caught.value.name == failure[1]
         message = caught.value.partial
         assert shown(message.to_dict()) == json.loads(failure[2] or "{}")

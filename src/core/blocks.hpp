@@ -12,9 +12,9 @@ namespace pavo_zorv {
 
 using block_vector [[gnu::vector_size(vector_size)]] = unsigned char;
 
-// Copies two overlapping words, or one octet by octet, exactly: strings and lists are mostly short.
+// Copies two overlapping words, or one byte by byte, exactly: strings and lists are mostly short.
 template <class Word>
-PAVO_ZORV_INLINE void copy_overlapping(octet *to, const octet *from, std::size_t size) {
+PAVO_ZORV_INLINE void copy_overlapping(byte *to, const byte *from, std::size_t size) {
   Word first, last;
   std::memcpy(&first, from, sizeof first);
   std::memcpy(&last, from + size - sizeof last, sizeof last);
@@ -22,14 +22,14 @@ PAVO_ZORV_INLINE void copy_overlapping(octet *to, const octet *from, std::size_t
   std::memcpy(to + size - sizeof last, &last, sizeof last);
 }
 
-// Those of up to `Short` octets are copied in place.
+// Those of up to `Short` bytes are copied in place.
 template <std::size_t Short = 32>
-PAVO_ZORV_INLINE void copy_octets(void *to, const void *from, std::size_t size) {
+PAVO_ZORV_INLINE void copy_bytes(void *to, const void *from, std::size_t size) {
   struct sixteen {
     std::uint64_t words[2];
   };
-  auto *const target = static_cast<octet *>(to);
-  auto *const source = static_cast<const octet *>(from);
+  auto *const target = static_cast<byte *>(to);
+  auto *const source = static_cast<const byte *>(from);
   struct thirty_two {
     std::uint64_t words[4];
   };

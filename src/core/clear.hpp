@@ -17,10 +17,10 @@
 
 namespace pavo_zorv {
 
-// A record's octets with a one for each presence bit of no field. Members stand in row order, the presence flags last.
+// A record's bytes with a one for each presence bit of no field. Members stand in row order, the presence flags last.
 template <class Record>
 inline constexpr auto spare_bits = [] {
-  std::array<octet, sizeof(Record)> bits{};
+  std::array<byte, sizeof(Record)> bits{};
   std::size_t offset = 0;
   const auto step_over = [&](auto member) {
     using Member = std::remove_reference_t<decltype(std::declval<Record &>().*member)>;
@@ -31,20 +31,20 @@ inline constexpr auto spare_bits = [] {
   };
   std::apply([&](auto... members) { (step_over(members), ...); }, checks::members_with_rows<Record>);
   constexpr auto own = static_cast<presence_of<Record>>(~presence_mask<Record>);
-  const auto octets = std::bit_cast<std::array<octet, sizeof own>>(own);
-  std::copy(octets.begin(), octets.end(), bits.begin() + offsetof(Record, presence));
+  const auto bytes = std::bit_cast<std::array<byte, sizeof own>>(own);
+  std::copy(bytes.begin(), bytes.end(), bits.begin() + offsetof(Record, presence));
   return bits;
 }();
 
-// Overwrites a record with zero, or with the octets of another one: a piece of it, as large as a word or a vector, at a
+// Overwrites a record with zero, or with the bytes of another one: a piece of it, as large as a word or a vector, at a
 // time, in which the spare bits are merged. Nothing branches on those, which nobody may ever have written. These are
-// straight stores: what the compiler makes of memset and memcpy for some 1,000 octets is a string instruction that
+// straight stores: what the compiler makes of memset and memcpy for some 1,000 bytes is a string instruction that
 // takes twice as long.
 template <class Record>
 class overwriting {
  public:
   PAVO_ZORV_INLINE overwriting(Record &record, const Record *source)
-      : target_(reinterpret_cast<octet *>(&record)), source_(reinterpret_cast<const octet *>(source)) {}
+      : target_(reinterpret_cast<byte *>(&record)), source_(reinterpret_cast<const byte *>(source)) {}
 
   PAVO_ZORV_INLINE void whole() const { pieces<block_vector, 0>(); }
 
@@ -71,20 +71,20 @@ class overwriting {
 
   template <class Piece, std::size_t Offset>
   PAVO_ZORV_INLINE void piece() const {
-    Piece octets = {};
-    if (source_ != nullptr) std::memcpy(&octets, source_ + Offset, sizeof octets);
+    Piece bytes = {};
+    if (source_ != nullptr) std::memcpy(&bytes, source_ + Offset, sizeof bytes);
     constexpr auto *spare = spare_bits<Record>.data() + Offset;
-    if constexpr (std::any_of(spare, spare + sizeof(Piece), [](octet bits) { return bits != 0; })) {
+    if constexpr (std::any_of(spare, spare + sizeof(Piece), [](byte bits) { return bits != 0; })) {
       Piece mask, kept;
       std::memcpy(&mask, spare, sizeof mask);
       std::memcpy(&kept, target_ + Offset, sizeof kept);
-      octets = static_cast<Piece>((octets & ~mask) | (kept & mask));
+      bytes = static_cast<Piece>((bytes & ~mask) | (kept & mask));
     }
-    std::memcpy(target_ + Offset, &octets, sizeof octets);
+    std::memcpy(target_ + Offset, &bytes, sizeof bytes);
   }
 
-  octet *target_;
-  const octet *source_;
+  byte *target_;
+  const byte *source_;
 };
 
 template <class Record>

@@ -10,7 +10,7 @@
 namespace pavo_zorv {
 
 // Steps over the value of an unknown field. One of known size that runs past the end ends the message in good order.
-PAVO_ZORV_NOINLINE inline step skip_unknown(std::uint32_t key, const octet *at, const octet *end) {
+PAVO_ZORV_NOINLINE inline step skip_unknown(std::uint32_t key, const byte *at, const byte *end) {
   std::size_t size = 0;
   switch (static_cast<wire_type>(key & 7)) {
     case wire_type::varint:
@@ -41,7 +41,7 @@ class decoder {
   PAVO_ZORV_INLINE decoder(Record &record, const decoding &input) : record_(record), input_(input) {}
 
   // Reads fields until the end or the first failure.
-  PAVO_ZORV_INLINE int read(const octet *at, const octet *end) {
+  PAVO_ZORV_INLINE int read(const byte *at, const byte *end) {
     while (at != end) {
       const auto [next, key] = read_varint<std::uint32_t>(at, end);
       if (next == nullptr) return CODEC_ERR_TRUNCATED;
@@ -66,10 +66,10 @@ class decoder {
     return key;
   }
 
-  // Reads the field of a key, and those behind it as long as they stand in order, as they mostly do: the key of the
+  // Reads the field of a key, and those after it as long as they stand in order, as they mostly do: the key of the
   // next field is tried before the keys are searched again. A case for each field that a message may have; the last
   // ones are unreachable in most messages, and gone.
-  PAVO_ZORV_INLINE step read_fields(std::uint64_t key, const octet *at, const octet *end) {
+  PAVO_ZORV_INLINE step read_fields(std::uint64_t key, const byte *at, const byte *end) {
     step done{at, CODEC_OK};
     // clang-format off
 #define PAVO_ZORV_FIELD(index)                                            \
@@ -77,7 +77,7 @@ class decoder {
     if constexpr (index < fields) {                                       \
       done = read_value<index>(done.next, end);                           \
       if (index + 1 == fields || done.result != CODEC_OK) return done;    \
-      const octet *const next = step_over_key<index + 1>(done.next, end); \
+      const byte *const next = step_over_key<index + 1>(done.next, end); \
       if (next == nullptr) return done;                                   \
       done.next = next;                                                   \
     }                                                                     \
@@ -101,7 +101,7 @@ class decoder {
   }
 
   template <std::size_t Index>
-  PAVO_ZORV_INLINE step read_value(const octet *at, const octet *end) {
+  PAVO_ZORV_INLINE step read_value(const byte *at, const byte *end) {
     constexpr auto bit = presence_bit<Record, Index>;
     const step done = row_at<Record, Index>.decode(record_, at, end, input_, (seen_ & bit) != 0);
     if (done.result == CODEC_OK) seen_ = static_cast<presence_of<Record>>(seen_ | bit);
@@ -110,13 +110,13 @@ class decoder {
 
   // Where the value of a field begins if its key stands here in its shortest form, else null.
   template <std::size_t Index>
-  PAVO_ZORV_INLINE const octet *step_over_key(const octet *at, const octet *end) {
+  PAVO_ZORV_INLINE const byte *step_over_key(const byte *at, const byte *end) {
     if constexpr (Index >= fields) {
       return nullptr;
     } else if constexpr (key_at(Index) < 0x80) {
       return at != end && *at == key_at(Index) ? at + 1 : nullptr;
     } else {
-      constexpr octet first = (key_at(Index) & 0x7f) | 0x80, second = key_at(Index) >> 7;
+      constexpr byte first = (key_at(Index) & 0x7f) | 0x80, second = key_at(Index) >> 7;
       return end - at >= 2 && at[0] == first && at[1] == second ? at + 2 : nullptr;
     }
   }
@@ -128,7 +128,7 @@ class decoder {
 
 // What was read before a failure stays, with its presence bits.
 template <class Record>
-int decode_message(Record &record, const octet *at, const octet *end, const decoding &input) {
+int decode_message(Record &record, const byte *at, const byte *end, const decoding &input) {
   decoder<Record> decoder(record, input);
   const int result = decoder.read(at, end);
   record.presence = static_cast<presence_of<Record>>(record.presence | decoder.seen());
@@ -136,7 +136,7 @@ int decode_message(Record &record, const octet *at, const octet *end, const deco
 }
 
 template <class Record>
-int decode(Record &record, const octet *buffer, std::size_t length, pavo_zorv_allocate allocate, void *context,
+int decode(Record &record, const byte *buffer, std::size_t length, pavo_zorv_allocate allocate, void *context,
            std::uint32_t options = 0) {
   clear_message(record);
   if (length == 0) return CODEC_OK;

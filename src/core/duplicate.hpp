@@ -1,4 +1,4 @@
-// Copying: the record octet by octet, then a block of its own for every pointer.
+// Copying: the record byte by byte, then a block of its own for every pointer.
 #pragma once
 
 #include <cstring>

@@ -14,10 +14,10 @@
 
 namespace pavo_zorv {
 
-// Where octets are written one by one, and nothing before them is touched.
-struct octets_before {
-  using place = octet *;
-  PAVO_ZORV_INLINE static place prepend_octet(place at, octet value) {
+// Where bytes are written one by one, and nothing before them is touched.
+struct bytes_before {
+  using place = byte *;
+  PAVO_ZORV_INLINE static place prepend_byte(place at, byte value) {
     *--at = value;
     return at;
   }
@@ -26,31 +26,31 @@ struct octets_before {
   PAVO_ZORV_INLINE static place prepend_varint(place at, Value value);
 };
 
-// A varint, last octet first.
+// A varint, last byte first.
 template <class Sink, class Value>
 PAVO_ZORV_NOINLINE typename Sink::place prepend_long_varint(const Sink &sink, typename Sink::place at, Value value) {
   unsigned shift = 7 * (static_cast<unsigned>(varint_size(value)) - 1);
-  at = sink.prepend_octet(at, static_cast<octet>(value >> shift));
+  at = sink.prepend_byte(at, static_cast<byte>(value >> shift));
   while (shift != 0) {
     shift -= 7;
-    at = sink.prepend_octet(at, static_cast<octet>(value >> shift | 0x80));
+    at = sink.prepend_byte(at, static_cast<byte>(value >> shift | 0x80));
   }
   return at;
 }
 
 template <class Value>
-octets_before::place octets_before::prepend_varint(place at, Value value) {
-  return value < 0x80 ? prepend_octet(at, static_cast<octet>(value)) : prepend_long_varint(octets_before{}, at, value);
+bytes_before::place bytes_before::prepend_varint(place at, Value value) {
+  return value < 0x80 ? prepend_byte(at, static_cast<byte>(value)) : prepend_long_varint(bytes_before{}, at, value);
 }
 
-// The same where eight octets can be stored at once: those before the varint are not yet written. One of three or four
-// octets needs no room but its own.
+// The same where eight bytes can be stored at once: those before the varint are not yet written. One of three or four
+// bytes needs no room but its own.
 template <class Value>
-PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
+PAVO_ZORV_NOINLINE byte *prepend_word(byte *first, byte *at, Value value) {
   if (value < 0x200000) {
-    at[-1] = static_cast<octet>(value >> 14);
-    at[-2] = static_cast<octet>(value >> 7 | 0x80);
-    at[-3] = static_cast<octet>(value | 0x80);
+    at[-1] = static_cast<byte>(value >> 14);
+    at[-2] = static_cast<byte>(value >> 7 | 0x80);
+    at[-3] = static_cast<byte>(value | 0x80);
     return at - 3;
   }
   if (value < 0x10000000) {
@@ -58,39 +58,39 @@ PAVO_ZORV_NOINLINE octet *prepend_word(octet *first, octet *at, Value value) {
     return at - 4;
   }
   const auto size = static_cast<unsigned>(long_varint_size(value));
-  if (size > 8 || at - first < 8) return prepend_long_varint(octets_before{}, at, value);
+  if (size > 8 || at - first < 8) return prepend_long_varint(bytes_before{}, at, value);
   store_word(at - 8, varint_word(value, size) << 8 * (8 - size));
   return at - size;
 }
 
-// Writes without a look at each octet: the whole encoding is known to fit. Aside, where that is not known, what has no
+// Writes without a look at each byte: the whole encoding is known to fit. Aside, where that is not known, what has no
 // bound asks for room above the floor, below which there is room for the rest; what finds none goes on below the floor,
 // and all that was written is worth nothing.
 struct quick_sink {
-  using place = octet *;
-  octet *first;
+  using place = byte *;
+  byte *first;
   segment_table *table;
-  octet *floor = nullptr;
+  byte *floor = nullptr;
 
-  bool is_full(const octet *at) const { return at < floor; }
+  bool is_full(const byte *at) const { return at < floor; }
   place full() const { return floor - 1; }
 
-  PAVO_ZORV_INLINE bool has_room(const octet *at, std::uint64_t size) const {
+  PAVO_ZORV_INLINE bool has_room(const byte *at, std::uint64_t size) const {
     return floor == nullptr || (!is_full(at) && static_cast<std::uint64_t>(at - floor) >= size);
   }
 
-  octet *start_of(place message) const { return message; }
+  byte *start_of(place message) const { return message; }
 
-  PAVO_ZORV_INLINE place prepend_octet(place at, octet value) const {
+  PAVO_ZORV_INLINE place prepend_byte(place at, byte value) const {
     *--at = value;
     return at;
   }
 
   template <class Value>
   PAVO_ZORV_INLINE place prepend_varint(place at, Value value) const {
-    if (value < 0x80) return prepend_octet(at, static_cast<octet>(value));
+    if (value < 0x80) return prepend_byte(at, static_cast<byte>(value));
     if (value < 0x4000)
-      return prepend_octet(prepend_octet(at, static_cast<octet>(value >> 7)), static_cast<octet>(value | 0x80));
+      return prepend_byte(prepend_byte(at, static_cast<byte>(value >> 7)), static_cast<byte>(value | 0x80));
     return prepend_word(first, at, value);
   }
 
@@ -99,25 +99,25 @@ struct quick_sink {
     if (floor != nullptr && (!has_room(at, length) || (block == nullptr && length != 0))) return full();
     const auto size = static_cast<std::size_t>(length);
     at -= size;
-    copy_octets(at, block, size);
+    copy_bytes(at, block, size);
     return at;
   }
 };
 
-// Writes what lies below the length of a short buffer, octet by octet; a block that does not fit whole is left out.
+// Writes what lies below the length of a short buffer, byte by byte; a block that does not fit whole is left out.
 // Nothing is inlined: what is written in vain need not be fast.
 struct clipped_sink {
   using place = std::size_t;
-  octet *buffer;
+  byte *buffer;
   std::size_t length;
   segment_table *table;
 
   static constexpr bool is_full(place) { return false; }
 
-  // A message behind the end of the buffer has none; the outermost keeps the one it was given.
-  octet *start_of(place message) const { return message == 0 || message < length ? buffer + message : nullptr; }
+  // A message after the end of the buffer has none; the outermost keeps the one it was given.
+  byte *start_of(place message) const { return message == 0 || message < length ? buffer + message : nullptr; }
 
-  place prepend_octet(place at, octet value) const {
+  place prepend_byte(place at, byte value) const {
     if (--at < length) buffer[at] = value;
     return at;
   }
@@ -127,8 +127,8 @@ struct clipped_sink {
     return prepend_long_varint(*this, at, value);
   }
 
-  PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::uint64_t octets) const {
-    const auto size = static_cast<std::size_t>(octets);
+  PAVO_ZORV_NOINLINE place prepend_block(place at, const void *block, std::uint64_t bytes) const {
+    const auto size = static_cast<std::size_t>(bytes);
     at -= size;
     if (block != nullptr && at < length && size <= length - at) std::memcpy(buffer + at, block, size);
     return at;
@@ -142,7 +142,7 @@ PAVO_ZORV_INLINE typename Sink::place prepend_key(const Sink &sink, typename Sin
 }
 
 // The table's entries for one message: one that covers it or, where a bytes member is referenced, the piece before the
-// referenced octets, these octets, and the rest behind them. A message's own entry, or its rest, comes behind those of
+// referenced bytes, these bytes, and the rest after them. A message's own entry, or its rest, comes after those of
 // the messages it contains, so it is taken first.
 template <class Sink>
 class message_entries {
@@ -155,8 +155,8 @@ class message_entries {
 
   bool wanted() const { return sink_.table != nullptr; }
 
-  // Splits the message at a place, between a length prefix and what follows the octets it announces.
-  void split(place at, const octet *block, std::uint64_t length) {
+  // Splits the message at a place, between a length prefix and what follows the bytes it announces.
+  void split(place at, const byte *block, std::uint64_t length) {
     if (at == end_) {
       sink_.table->put_back();
       rest_ = false;
@@ -169,7 +169,7 @@ class message_entries {
 
   void finish(place start) const {
     if (sink_.table == nullptr) return;
-    octet *const base = sink_.start_of(start);
+    byte *const base = sink_.start_of(start);
     if (is_split_) {
       sink_.table->set(first_, base, static_cast<std::size_t>(split_ - start));
       if (rest_) sink_.table->set(last_, behind(base, split_ - start), static_cast<std::size_t>(end_ - split_));
@@ -181,10 +181,10 @@ class message_entries {
   }
 
  private:
-  // As numbers, because a message behind the end of the buffer has no base.
+  // As numbers, because a message after the end of the buffer has no base.
   template <class Distance>
-  static octet *behind(octet *base, Distance distance) {
-    return reinterpret_cast<octet *>(reinterpret_cast<std::uintptr_t>(base) + static_cast<std::uintptr_t>(distance));
+  static byte *behind(byte *base, Distance distance) {
+    return reinterpret_cast<byte *>(reinterpret_cast<std::uintptr_t>(base) + static_cast<std::uintptr_t>(distance));
   }
 
   const Sink &sink_;
@@ -229,31 +229,31 @@ template <class Record>
 }
 
 // Writes an encoding of known size into a buffer or a table, or both; returns the size. What the quick way stores at
-// once reaches before the octets that it is about, so it has no place for gaps, where the buffer stays as it is.
+// once reaches before the bytes that it is about, so it has no place for gaps, where the buffer stays as it is.
 template <class Record>
-PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::size_t octets, octet *buffer,
+PAVO_ZORV_NOINLINE std::size_t write(const Record &record, manner found, std::size_t bytes, byte *buffer,
                                      std::size_t length, segment_table *table) {
-  if (buffer != nullptr && octets <= length && !found.gaps) {
-    write_message(record, quick_sink{buffer, table}, buffer + octets, found.referenced);
+  if (buffer != nullptr && bytes <= length && !found.gaps) {
+    write_message(record, quick_sink{buffer, table}, buffer + bytes, found.referenced);
   } else if (length != 0 || table != nullptr) {
-    write_message(record, clipped_sink{buffer, length, table}, octets, found.referenced);
+    write_message(record, clipped_sink{buffer, length, table}, bytes, found.referenced);
   }
-  return octets;
+  return bytes;
 }
 
-// Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the octets: with 64 bits only bytes members make so
+// Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the bytes: with 64 bits only bytes members make so
 // many, and their sum says so itself; with 32 any long list does.
 template <class Record>
 PAVO_ZORV_INLINE std::size_t measured_size(const Record &record, survey &found) {
-  const std::uint64_t octets = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);
-  const auto size = static_cast<std::size_t>(octets);
-  if constexpr (sizeof size == sizeof octets) return size;
-  found.overflowed |= size != octets;
+  const std::uint64_t bytes = is_small<Record> ? measure_fields(record, found) : measure_message(record, found);
+  const auto size = static_cast<std::size_t>(bytes);
+  if constexpr (sizeof size == sizeof bytes) return size;
+  found.overflowed |= size != bytes;
   return found.overflowed ? SIZE_MAX : size;
 }
 
 template <class Record>
-PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, octet *buffer, std::size_t length,
+PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, byte *buffer, std::size_t length,
                                                pavo_zorv_segment *segments, std::uint32_t *segment_count,
                                                std::uint32_t options) {
   survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
@@ -265,19 +265,19 @@ PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, octet *buff
   return write(record, found, size, buffer, buffer != nullptr ? length : 0, table.capacity != 0 ? &table : nullptr);
 }
 
-// The octets that a message writes without asking for room: a field has no more than twelve besides what asks. Only
+// The bytes that a message writes without asking for room: a field has no more than twelve besides what asks. Only
 // small messages inside it do not ask either.
 template <class Record>
-consteval std::size_t octets_unasked() {
+consteval std::size_t bytes_unasked() {
   std::size_t own = 12 * field_count<Record>, inner = 0;
   for_each_row<Record>([&](auto index) {
     using this_row = std::remove_cvref_t<decltype(row_at<Record, index>)>;
-    if constexpr (this_row::type == kind::message || this_row::type == kind::messages) {
+    if constexpr (this_row::type == kind::nested || this_row::type == kind::message_list) {
       using nested = typename this_row::nested;
-      if constexpr (this_row::type == kind::message && is_small<nested>) {
-        own += octets_unasked<nested>();
+      if constexpr (this_row::type == kind::nested && is_small<nested>) {
+        own += bytes_unasked<nested>();
       } else {
-        inner = std::max(inner, octets_unasked<nested>());
+        inner = std::max(inner, bytes_unasked<nested>());
       }
     }
   });
@@ -293,15 +293,15 @@ inline constexpr std::size_t most_aside = 3072;
 #endif
 
 template <class Record>
-PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, octet *buffer, std::size_t length,
+PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, byte *buffer, std::size_t length,
                                            std::uint32_t options) {
-  octet space[octets_unasked<Record>() + 1 + most_aside];
+  byte space[bytes_unasked<Record>() + 1 + most_aside];
 #if !defined(PAVO_ZORV_STACK_PROBES)
   static_assert(sizeof space <= 4096 - 256, "with what else stands in the frame, it would not stay below a page");
 #endif
-  octet *const end = space + sizeof space;
+  byte *const end = space + sizeof space;
   const quick_sink sink{space, nullptr, end - most_aside};
-  const octet *const start = write_message(record, sink, end, (options & PAVO_ZORV_REFERENCE) != 0);
+  const byte *const start = write_message(record, sink, end, (options & PAVO_ZORV_REFERENCE) != 0);
   const auto size = static_cast<std::size_t>(end - start);
   if (size > length) return encode_measured(record, buffer, length, nullptr, nullptr, options);
   std::memcpy(buffer, start, size);
@@ -309,9 +309,9 @@ PAVO_ZORV_NOINLINE std::size_t write_aside(const Record &record, octet *buffer, 
 }
 
 // To measure a small message takes less than a copy. It is written in the same function, which then takes little more
-// than its octets.
+// than its bytes.
 template <class Record>
-PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, octet *buffer, std::size_t length,
+PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, byte *buffer, std::size_t length,
                                            std::uint32_t options) {
   survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};
   const std::size_t size = measured_size(record, found);
@@ -322,7 +322,7 @@ PAVO_ZORV_NOINLINE std::size_t write_small(const Record &record, octet *buffer, 
 }
 
 template <class Record>
-std::size_t encode(const Record &record, octet *buffer, std::size_t length, pavo_zorv_segment *segments,
+std::size_t encode(const Record &record, byte *buffer, std::size_t length, pavo_zorv_segment *segments,
                    std::uint32_t *segment_count, std::uint32_t options = 0) {
   if (segment_count == nullptr && buffer == nullptr) {
     survey found{{(options & PAVO_ZORV_REFERENCE) != 0}};

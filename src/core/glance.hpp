@@ -15,7 +15,7 @@ PAVO_ZORV_INLINE bool is_blank(const Record &record) {
   bool blank = (record.presence & presence_mask<Record>) == 0;
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     constexpr auto &row = row_at<Record, index>;
-    if constexpr (row.type == kind::message) blank = blank && is_blank(record.*row.value);
+    if constexpr (row.type == kind::nested) blank = blank && is_blank(record.*row.value);
   });
   return blank;
 }
@@ -25,7 +25,7 @@ PAVO_ZORV_INLINE bool is_blank(const Record &record) {
 struct possessions {
   std::uintptr_t blocks = 0;
   std::uint32_t elements = 0;
-  std::uint64_t octets = 0;
+  std::uint64_t bytes = 0;
 };
 
 template <class Record>
@@ -49,7 +49,7 @@ template <class Record>
 PAVO_ZORV_INLINE constexpr bool owns_and_counts_nothing(const Record &record) {
   possessions all;
   collect_owned(record, all);
-  return (all.blocks | all.elements | all.octets) == 0;
+  return (all.blocks | all.elements | all.bytes) == 0;
 }
 
 }  // namespace pavo_zorv

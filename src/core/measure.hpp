@@ -1,4 +1,4 @@
-// Measuring: the octets of an encoding, summed from the innermost messages outwards in one pass.
+// Measuring: the bytes of an encoding, summed from the innermost messages outwards in one pass.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,12 @@
 
 namespace pavo_zorv {
 
-// The octets of one message while its fields are added up.
+// The bytes of one message while its fields are added up.
 struct measuring {
   survey &found;
-  std::uint64_t octets = 0;
-  std::uint64_t blocks = 0;      // the octets of bytes members, and of messages that hold such
-  std::uint64_t last_piece = 0;  // where the octets of the message's last table entry begin
+  std::uint64_t bytes = 0;
+  std::uint64_t blocks = 0;      // the bytes of bytes members, and of messages that hold such
+  std::uint64_t last_piece = 0;  // where the bytes of the message's last table entry begin
 
   // Only what holds a bytes member can be longer than memory, and make a sum of 64 bits overflow: it is summed apart
   // from all else, which is added without a look.
@@ -21,18 +21,18 @@ struct measuring {
   // A nested message after its key and length.
   template <class Nested>
   PAVO_ZORV_INLINE void add_message(unsigned number, std::uint64_t inner) {
-    octets += varint_size(key_of(number, wire_type::delimited)) + length_size(inner);
+    bytes += varint_size(key_of(number, wire_type::delimited)) + length_size(inner);
     if constexpr (holds_bytes<Nested>) {
       add_block(inner);
     } else {
-      octets += inner;
+      bytes += inner;
     }
   }
 
   template <class Record>
   PAVO_ZORV_INLINE std::uint64_t sum() {
-    if constexpr (!holds_bytes<Record>) return octets;
-    return saturating_sum(octets, blocks);
+    if constexpr (!holds_bytes<Record>) return bytes;
+    return saturating_sum(bytes, blocks);
   }
 
   PAVO_ZORV_INLINE std::uint64_t saturating_sum(std::uint64_t a, std::uint64_t b) {
@@ -49,7 +49,7 @@ struct measuring {
   }
 };
 
-// The rows of flags and integers whose keys take as many octets.
+// The rows of flags and integers whose keys take as many bytes.
 template <class Record>
 consteval presence_of<Record> scalars_with_keys_of(std::size_t size) {
   presence_of<Record> rows = 0;
@@ -61,37 +61,37 @@ consteval presence_of<Record> scalars_with_keys_of(std::size_t size) {
   return rows;
 }
 
-// Keys and first octets of the flags and integers that are present, counted together: then a row adds only what its
-// value takes beyond one octet, which is mostly nothing.
+// Keys and first bytes of the flags and integers that are present, counted together: then a row adds only what its
+// value takes beyond one byte, which is mostly nothing.
 template <class Record>
 PAVO_ZORV_INLINE std::uint64_t measure_scalars(std::uint64_t presence) {
   constexpr auto one = scalars_with_keys_of<Record>(1), two = scalars_with_keys_of<Record>(2);
-  std::uint64_t octets = 0;
-  if constexpr (one != 0) octets += count_bits<one>(presence) * 2;
-  if constexpr (two != 0) octets += count_bits<two>(presence) * 3;
-  return octets;
+  std::uint64_t bytes = 0;
+  if constexpr (one != 0) bytes += count_bits<one>(presence) * 2;
+  if constexpr (two != 0) bytes += count_bits<two>(presence) * 3;
+  return bytes;
 }
 
-// The second octets of integers of eight bits: one test for all, since hardly any has one.
+// The second bytes of integers of eight bits: one test for all, since hardly any has one.
 template <class Record>
-PAVO_ZORV_INLINE std::uint64_t measure_second_octets(const Record &record, std::uint64_t presence) {
+PAVO_ZORV_INLINE std::uint64_t measure_second_bytes(const Record &record, std::uint64_t presence) {
   unsigned all = 0;
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     constexpr auto &row = row_at<Record, index>;
     if constexpr (row.in_eight_bits()) all |= record.*row.value;
   });
-  std::uint64_t octets = 0;
-  if (all < 0x80) return octets;
+  std::uint64_t bytes = 0;
+  if (all < 0x80) return bytes;
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     constexpr auto &row = row_at<Record, index>;
-    if constexpr (row.in_eight_bits()) octets += presence >> index & record.*row.value >> 7;
+    if constexpr (row.in_eight_bits()) bytes += presence >> index & record.*row.value >> 7;
   });
-  return octets;
+  return bytes;
 }
 
-// The rows behind the bytes member: what they add belongs to the last piece of the message.
+// The rows after the bytes member: what they add belongs to the last piece of the message.
 template <class Record>
-consteval presence_of<Record> rows_behind_bytes() {
+consteval presence_of<Record> rows_after_bytes() {
   presence_of<Record> rows = 0;
   bool behind = false;
   for_each_row<Record>([&](auto index) {
@@ -109,16 +109,16 @@ PAVO_ZORV_INLINE std::uint64_t measure_fields(const Record &record, survey &foun
     if (count_bits<presence_mask<Record>>(presence) == 0) [[unlikely]]
       return 0;
   }
-  constexpr auto behind = rows_behind_bytes<Record>();
+  constexpr auto behind = rows_after_bytes<Record>();
   measuring total{found,
-                  measure_scalars<Record>(presence & ~std::uint64_t{behind}) + measure_second_octets(record, presence)};
+                  measure_scalars<Record>(presence & ~std::uint64_t{behind}) + measure_second_bytes(record, presence)};
   for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
     row_at<Record, index>.measure(total, record, (presence & presence_bit<Record, index>) != 0);
   });
-  if constexpr (behind != 0) total.octets += measure_scalars<Record>(presence & behind);
-  const std::uint64_t octets = total.template sum<Record>();
-  if (octets != total.last_piece) ++found.segments;
-  return octets;
+  if constexpr (behind != 0) total.bytes += measure_scalars<Record>(presence & behind);
+  const std::uint64_t bytes = total.template sum<Record>();
+  if (bytes != total.last_piece) ++found.segments;
+  return bytes;
 }
 
 template <class Record>

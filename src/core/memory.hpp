@@ -26,7 +26,7 @@ struct memory {
     return static_cast<Element *>(block(count * sizeof(Element)));
   }
 
-  // A block for `length` characters and the NUL behind them.
+  // A block for `length` characters and the NUL after them.
   char *text(std::size_t length) const { return length == SIZE_MAX ? nullptr : static_cast<char *>(block(length + 1)); }
 };
 

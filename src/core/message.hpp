@@ -12,7 +12,7 @@ namespace pavo_zorv {
 
 struct clipped_sink;
 
-// What decoding is given besides the octets.
+// What decoding is given besides the bytes.
 struct decoding {
   pavo_zorv::memory memory;
   std::uint32_t options;
@@ -21,9 +21,9 @@ struct decoding {
   bool referenced() const { return (options & PAVO_ZORV_REFERENCE) != 0; }
 };
 
-// What reading a field came to: the place behind it, or null and the failure.
+// What reading a field came to: the place after it, or null and the failure.
 struct step {
-  const octet *next;
+  const byte *next;
   int result;
 };
 
@@ -35,21 +35,21 @@ void clear_message(Record &record);
 
 // Reads fields into a clear record.
 template <class Record>
-int decode_message(Record &record, const octet *at, const octet *end, const decoding &input);
+int decode_message(Record &record, const byte *at, const byte *end, const decoding &input);
 
 // How a message is to be written.
 struct manner {
   bool referenced;
-  bool gaps = false;  // bytes members without octets, of which only the place is left
+  bool gaps = false;  // bytes members without bytes, of which only the place is left
 };
 
-// What measuring finds besides the octets, in a message and all inside it.
+// What measuring finds besides the bytes, in a message and all inside it.
 struct survey : manner {
   std::uint64_t segments = 0;  // entries that the table needs
-  bool overflowed = false;     // the octets are more than their number can say
+  bool overflowed = false;     // the bytes are more than their number can say
 };
 
-// The octets that a message takes: with a bytes member in it, perhaps more than memory has.
+// The bytes that a message takes: with a bytes member in it, perhaps more than memory has.
 template <class Record>
 std::uint64_t measure_message(const Record &record, survey &found);
 
@@ -65,7 +65,7 @@ struct copying {
   bool complete = true;
 };
 
-// Makes a record that was copied octet by octet own its memory: every pointer is replaced by one to a copy.
+// Makes a record that was copied byte by byte own its memory: every pointer is replaced by one to a copy.
 template <class Record>
 void own_message(Record &record, const Record &source, copying &copy);
 

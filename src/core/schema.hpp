@@ -15,14 +15,14 @@ namespace pavo_zorv {
 template <class Record>
 inline constexpr auto schema = nullptr;
 
-enum class kind { flag, integer, string, bytes, integers, messages, message };
+enum class kind { flag, integer, string, bytes, integer_list, message_list, nested };
 
 // What the rows of every kind begin with.
 struct row {
   unsigned number;
   const char *name;
 
-  // Whether the value is an integer of eight bits, which takes one octet or two.
+  // Whether the value is an integer of eight bits, which takes one byte or two.
   static constexpr bool in_eight_bits() { return false; }
 };
 
@@ -80,7 +80,7 @@ inline constexpr bool holds_bytes = any_row<Record>([](const auto &row) { return
 template <class Record>
 inline constexpr bool is_small =
     field_count<Record> <= 8 && !any_row<Record>([](const auto &row) {
-      return row.type == kind::integers || row.type == kind::messages || row.type == kind::message;
+      return row.type == kind::integer_list || row.type == kind::message_list || row.type == kind::nested;
     });
 
 // --- The checks: a schema that does not fit its record does not compile. ---

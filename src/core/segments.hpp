@@ -16,7 +16,7 @@ struct segment_table {
   std::uint64_t take() { return --next; }
   void put_back() { ++next; }
 
-  void set(std::uint64_t index, const octet *start, std::uint64_t length) const {
+  void set(std::uint64_t index, const byte *start, std::uint64_t length) const {
     if (index < capacity) entries[index] = {start, length};
   }
 };

@@ -1,4 +1,4 @@
-// Windows: sixty-four octets of the input at once, as masks with one bit for each octet. The only file with
+// Windows: sixty-four bytes of the input at once, as masks with one bit for each byte. The only file with
 // instructions of particular processors; they only do what portable code does, which stands here or in runs/.
 #pragma once
 
@@ -17,67 +17,67 @@ namespace pavo_zorv {
 
 inline constexpr std::size_t window_size = 64;
 
-// The octets of a window that end a varint, and those at which a key begins.
+// The bytes of a window that end a varint, and those at which a key begins.
 struct window {
   std::uint64_t ends;
   std::uint64_t keys;
 };
 
-// A key in its shortest form, as the octets that stand on the wire: one, or two for numbers from 16 on.
+// A key in its shortest form, as the bytes that stand on the wire: one, or two for numbers from 16 on.
 template <unsigned Size>
-struct key_octets {
-  octet first;
-  octet second;
+struct key_bytes {
+  byte first;
+  byte second;
 
-  explicit key_octets(std::uint32_t key)
-      : first(static_cast<octet>(Size == 1 ? key : key | 0x80)), second(static_cast<octet>(key >> 7)) {}
+  explicit key_bytes(std::uint32_t key)
+      : first(static_cast<byte>(Size == 1 ? key : key | 0x80)), second(static_cast<byte>(key >> 7)) {}
 };
 
-// As many octets as one load takes, and the masks of those that end a varint and those that equal a value.
+// As many bytes as one load takes, and the masks of those that end a varint and those that equal a value.
 class portable_piece {
  public:
   static constexpr std::size_t size = 8;
-  explicit portable_piece(const octet *at) : octets_(load_word(at)) {}
-  std::uint64_t ends() const { return gather(~octets_); }
-  std::uint64_t equal(octet value) const {
-    const std::uint64_t difference = octets_ ^ lowest * value;
+  explicit portable_piece(const byte *at) : bytes_(load_word(at)) {}
+  std::uint64_t ends() const { return gather(~bytes_); }
+  std::uint64_t equal(byte value) const {
+    const std::uint64_t difference = bytes_ ^ lowest * value;
     return gather(~(((difference & ~highest) + ~highest) | difference));
   }
 
  private:
   static constexpr std::uint64_t lowest = 0x0101010101010101, highest = lowest << 7;
-  // The highest bit of each octet, side by side.
+  // The highest bit of each byte, side by side.
   static std::uint64_t gather(std::uint64_t word) { return ((word & highest) >> 7) * 0x0102040810204080 >> 56; }
-  std::uint64_t octets_;
+  std::uint64_t bytes_;
 };
 
 #if defined(__AVX2__)
 class native_piece {
  public:
   static constexpr std::size_t size = 32;
-  explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
-  std::uint64_t ends() const { return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(octets_)); }
-  std::uint64_t equal(octet value) const {
-    const __m256i same = _mm256_cmpeq_epi8(octets_, _mm256_set1_epi8(static_cast<char>(value)));
+  explicit native_piece(const byte *at) { std::memcpy(&bytes_, at, size); }
+  std::uint64_t ends() const { return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes_)); }
+  std::uint64_t equal(byte value) const {
+    const __m256i same = _mm256_cmpeq_epi8(bytes_, _mm256_set1_epi8(static_cast<char>(value)));
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(same));
   }
 
  private:
-  __m256i octets_;
+  __m256i bytes_;
 };
 #elif defined(__SSE2__)
 class native_piece {
  public:
   static constexpr std::size_t size = 16;
-  explicit native_piece(const octet *at) { std::memcpy(&octets_, at, size); }
-  std::uint64_t ends() const { return 0xffff ^ static_cast<std::uint32_t>(_mm_movemask_epi8(octets_)); }
-  std::uint64_t equal(octet value) const {
-    const __m128i same = _mm_cmpeq_epi8(octets_, _mm_set1_epi8(static_cast<char>(value)));
+  explicit native_piece(const byte *at) { std::memcpy(&bytes_, at, size); }
+  std::uint64_t ends() const { return 0xffff ^ static_cast<std::uint32_t>(_mm_movemask_epi8(bytes_)); }
+  std::uint64_t equal(byte value) const {
+    const __m128i same = _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(static_cast<char>(value)));
     return static_cast<std::uint32_t>(_mm_movemask_epi8(same));
   }
 
  private:
-  __m128i octets_;
+  __m128i bytes_;
 };
 #else
 using native_piece = portable_piece;
@@ -108,11 +108,11 @@ PAVO_ZORV_INLINE bool none(const Vector &bits) {
   return all == 0;
 }
 
-// The octets from `at` on, as many as a window has or the buffer still holds, a load at a time: calls `add` with the
-// octets, the place of the first of them in the window, and how many before it are to be left out. The last load is
+// The bytes from `at` on, as many as a window has or the buffer still holds, a load at a time: calls `add` with the
+// bytes, the place of the first of them in the window, and how many before it are to be left out. The last load is
 // moved back to where the buffer ends, so the buffer must be as long as one load.
 template <class Piece, class Add>
-PAVO_ZORV_INLINE void for_each_piece(const octet *at, const octet *limit, Add add) {
+PAVO_ZORV_INLINE void for_each_piece(const byte *at, const byte *limit, Add add) {
   const auto left = static_cast<std::size_t>(limit - at);
   if (left >= window_size) [[likely]] {
     for (std::size_t offset = 0; offset < window_size; offset += Piece::size) add(Piece(at + offset), offset, 0);
@@ -125,24 +125,24 @@ PAVO_ZORV_INLINE void for_each_piece(const octet *at, const octet *limit, Add ad
 
 // Bits beyond the end of the buffer are 0.
 template <class Piece = native_piece, unsigned KeySize>
-PAVO_ZORV_INLINE window look(const octet *at, const octet *limit, key_octets<KeySize> key) {
+PAVO_ZORV_INLINE window look(const byte *at, const byte *limit, key_bytes<KeySize> key) {
   std::uint64_t ends = 0, first = 0, second = 0;
   for_each_piece<Piece>(
-      at, limit, [&](Piece octets, std::size_t offset, std::size_t before) __attribute__((always_inline)) {
-        ends |= octets.ends() >> before << offset;
-        first |= octets.equal(key.first) >> before << offset;
-        if constexpr (KeySize == 2) second |= octets.equal(key.second) >> before << offset;
+      at, limit, [&](Piece bytes, std::size_t offset, std::size_t before) __attribute__((always_inline)) {
+        ends |= bytes.ends() >> before << offset;
+        first |= bytes.equal(key.first) >> before << offset;
+        if constexpr (KeySize == 2) second |= bytes.equal(key.second) >> before << offset;
       });
   return {ends, KeySize == 1 ? first : first & second >> 1};
 }
 
 // Where a value stands in a window.
 template <class Piece = native_piece>
-PAVO_ZORV_INLINE std::uint64_t look_for(const octet *at, const octet *limit, octet value) {
+PAVO_ZORV_INLINE std::uint64_t look_for(const byte *at, const byte *limit, byte value) {
   std::uint64_t found = 0;
   for_each_piece<Piece>(
-      at, limit, [&](Piece octets, std::size_t offset, std::size_t before) __attribute__((always_inline)) {
-        found |= octets.equal(value) >> before << offset;
+      at, limit, [&](Piece bytes, std::size_t offset, std::size_t before) __attribute__((always_inline)) {
+        found |= bytes.equal(value) >> before << offset;
       });
   return found;
 }
@@ -154,42 +154,42 @@ constexpr std::uint64_t parity_up_to(std::uint64_t bits) {
 }
 
 #if defined(__SSSE3__)
-// Four 8-bit elements as varints with their keys, put together by one shuffle: which octets of the source go where
-// follows from which elements take a second octet, which is always 1.
+// Four 8-bit elements as varints with their keys, put together by one shuffle: which bytes of the source go where
+// follows from which elements take a second byte, which is always 1.
 template <unsigned KeySize>
 class four_elements {
  public:
   static constexpr bool usable = true;
-  static constexpr std::size_t room = 16;  // octets that a store covers, of which the last are the elements
+  static constexpr std::size_t room = 16;  // bytes that a store covers, of which the last are the elements
 
-  explicit four_elements(key_octets<KeySize> key)
+  explicit four_elements(key_bytes<KeySize> key)
       : others_(_mm_set_epi32(0, 0, 1 << 16 | key.second << 8 | key.first, 0)) {}
 
-  PAVO_ZORV_INLINE octet *prepend(octet *at, const octet *elements) const {
+  PAVO_ZORV_INLINE byte *prepend(byte *at, const byte *elements) const {
     int four;
     std::memcpy(&four, elements, sizeof four);
     const __m128i values = _mm_cvtsi32_si128(four);
     const auto longer = static_cast<unsigned>(_mm_movemask_epi8(values));
     __m128i places;
     std::memcpy(&places, orders.of[longer], sizeof places);
-    const __m128i octets = _mm_shuffle_epi8(_mm_or_si128(values, others_), places);
-    std::memcpy(at - room, &octets, room);
+    const __m128i bytes = _mm_shuffle_epi8(_mm_or_si128(values, others_), places);
+    std::memcpy(at - room, &bytes, room);
     return at - 4 * (KeySize + 1) - count_bits(longer);
   }
 
  private:
   struct orders_of_all {
-    octet of[16][16];
+    byte of[16][16];
   };
 
-  // In the source stand four elements, the key, and the octet 1.
+  // In the source stand four elements, the key, and the byte 1.
   static constexpr orders_of_all make_orders() {
     orders_of_all result{};
     for (unsigned longer = 0; longer < 16; ++longer) {
       unsigned at = 16;
       for (unsigned element = 4; element-- != 0;) {
         if ((longer >> element & 1) != 0) result.of[longer][--at] = 6;
-        result.of[longer][--at] = static_cast<octet>(element);
+        result.of[longer][--at] = static_cast<byte>(element);
         if (KeySize == 2) result.of[longer][--at] = 5;
         result.of[longer][--at] = 4;
       }

@@ -12,7 +12,7 @@
 
 namespace pavo_zorv {
 
-using octet = unsigned char;
+using byte = unsigned char;
 
 enum class wire_type : unsigned { varint = 0, fixed64 = 1, delimited = 2, fixed32 = 5 };
 
@@ -24,36 +24,36 @@ constexpr std::uint32_t number_of(std::uint32_t key) { return key >> 3; }
 
 // The caller's whole buffer. A load may pass the end of a message, but never that of the buffer that it lies in.
 struct buffer {
-  const octet *first;
-  const octet *limit;
+  const byte *first;
+  const byte *limit;
   std::size_t size() const { return static_cast<std::size_t>(limit - first); }
 };
 
-// The octets of a vector for which the processor surely has a register: larger ones would be taken apart.
+// The bytes of a vector for which the processor surely has a register: larger ones would be taken apart.
 #if defined(__AVX2__)
 inline constexpr std::size_t vector_size = 32;
 #else
 inline constexpr std::size_t vector_size = 16;
 #endif
 
-// Eight octets as a number, the first the lowest.
-PAVO_ZORV_INLINE std::uint64_t load_word(const octet *at) {
+// Eight bytes as a number, the first the lowest.
+PAVO_ZORV_INLINE std::uint64_t load_word(const byte *at) {
   std::uint64_t word;
   std::memcpy(&word, at, sizeof word);
   if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
   return word;
 }
 
-// Four octets, in the same way.
-PAVO_ZORV_INLINE std::uint32_t load_half_word(const octet *at) {
+// Four bytes, in the same way.
+PAVO_ZORV_INLINE std::uint32_t load_half_word(const byte *at) {
   std::uint32_t word;
   std::memcpy(&word, at, sizeof word);
   if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap32(word);
   return word;
 }
 
-// One to eight octets as a number, the first the lowest, put together from loads that overlap.
-PAVO_ZORV_INLINE std::uint64_t load_short(const octet *at, std::size_t size) {
+// One to eight bytes as a number, the first the lowest, put together from loads that overlap.
+PAVO_ZORV_INLINE std::uint64_t load_short(const byte *at, std::size_t size) {
   if (size >= 4) {
     return load_half_word(at) | std::uint64_t{load_half_word(at + size - 4)} << 8 * (size - 4);
   }
@@ -61,7 +61,7 @@ PAVO_ZORV_INLINE std::uint64_t load_short(const octet *at, std::size_t size) {
 }
 
 template <class Word>
-PAVO_ZORV_INLINE void store_word(octet *at, Word word) {
+PAVO_ZORV_INLINE void store_word(byte *at, Word word) {
   if constexpr (std::endian::native == std::endian::big) {
     word = sizeof word == 8 ? static_cast<Word>(__builtin_bswap64(word))
                             : static_cast<Word>(__builtin_bswap32(static_cast<std::uint32_t>(word)));
@@ -87,7 +87,7 @@ PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
 #endif
 }
 
-// Octets of a value that is not 0 as a varint: one for every seven bits that are begun. The quotient is that of a
+// Bytes of a value that is not 0 as a varint: one for every seven bits that are begun. The quotient is that of a
 // division by seven, of the place of the highest bit. The zeros before it are taken away by `^`, which cancels out on
 // processors that search for the place itself.
 template <class Value>
@@ -101,7 +101,7 @@ requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t varint_
   return long_varint_size(static_cast<Value>(value | 1));
 }
 
-// A varint of a size up to eight octets, as the low ones of a word. The seven-bit groups are spread by halves.
+// A varint of a size up to eight bytes, as the low ones of a word. The seven-bit groups are spread by halves.
 constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
   value = (value & 0xfffffff) | (value & 0xfffffff0000000) << 4;
   value = (value & 0x3fff00003fff) | (value & 0xfffc0000fffc000) << 2;
@@ -112,50 +112,50 @@ constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
 // Where reading goes on, and what was read; `next` is null when the input ended inside the varint.
 template <class Value>
 struct varint {
-  const octet *next;
+  const byte *next;
   Value value;
 };
 
 // Steps over a varint; null when the input ends inside it.
-PAVO_ZORV_INLINE const octet *skip_varint(const octet *at, const octet *end) {
+PAVO_ZORV_INLINE const byte *skip_varint(const byte *at, const byte *end) {
   while (at != end) {
     if (*at++ < 0x80) return at;
   }
   return nullptr;
 }
 
-// The general case: any number of octets, of which those beyond the value's width add nothing.
+// The general case: any number of bytes, of which those beyond the value's width add nothing.
 template <class Value>
-PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const octet *at, const octet *end) {
+PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const byte *at, const byte *end) {
   Value value = 0;
 #pragma GCC unroll 10
   for (unsigned shift = 0; shift < sizeof(Value) * CHAR_BIT; shift += 7) {
     if (at == end) return {nullptr, 0};
-    const octet next = *at++;
+    const byte next = *at++;
     value = static_cast<Value>(value | static_cast<Value>(next & 0x7f) << shift);
     if (next < 0x80) return {at, value};
   }
   return {skip_varint(at, end), value};
 }
 
-// Keys, lengths and elements mostly take one octet, or two.
+// Keys, lengths and elements mostly take one byte, or two.
 template <class Value>
-PAVO_ZORV_INLINE varint<Value> read_varint(const octet *at, const octet *end) {
+PAVO_ZORV_INLINE varint<Value> read_varint(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) [[likely]]
     return {at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) return {at + 2, static_cast<Value>((at[0] & 0x7f) | at[1] << 7)};
   return read_long_varint<Value>(at, end);
 }
 
-// Seven bits of each of four octets, put together.
+// Seven bits of each of four bytes, put together.
 constexpr std::uint32_t seven_of_each(std::uint32_t word) {
   word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
   return (word & 0x3fff) | (word & 0x3fff0000) >> 2;
 }
 
-// The same for numbers of any size: up to four octets are taken as one word, without a branch on how many they are.
+// The same for numbers of any size: up to four bytes are taken as one word, without a branch on how many they are.
 template <class Value>
-PAVO_ZORV_INLINE varint<Value> read_number(const octet *at, const octet *end) {
+PAVO_ZORV_INLINE varint<Value> read_number(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) [[likely]]
     return {at + 1, *at};
   if (end - at >= 4) {
@@ -168,20 +168,20 @@ PAVO_ZORV_INLINE varint<Value> read_number(const octet *at, const octet *end) {
   return read_long_varint<Value>(at, end);
 }
 
-// A length and the octets behind it; `first` is null when either runs past the end.
+// A length and the bytes after it; `first` is null when either runs past the end.
 struct delimited {
-  const octet *first;
-  const octet *last;
+  const byte *first;
+  const byte *last;
   std::size_t length() const { return static_cast<std::size_t>(last - first); }
 };
 
-PAVO_ZORV_INLINE delimited read_delimited(const octet *at, const octet *end) {
+PAVO_ZORV_INLINE delimited read_delimited(const byte *at, const byte *end) {
   const auto [first, length] = read_varint<std::uint32_t>(at, end);
   if (first == nullptr || length > static_cast<std::size_t>(end - first)) return {nullptr, nullptr};
   return {first, first + length};
 }
 
-// Steps over a length and the octets behind it; null when either runs past the end.
-PAVO_ZORV_INLINE const octet *skip_delimited(const octet *at, const octet *end) { return read_delimited(at, end).last; }
+// Steps over a length and the bytes after it; null when either runs past the end.
+PAVO_ZORV_INLINE const byte *skip_delimited(const byte *at, const byte *end) { return read_delimited(at, end).last; }
 
 }  // namespace pavo_zorv

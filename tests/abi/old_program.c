@@ -18,7 +18,7 @@ struct label_stack {
 /* The envelope, of which it uses one label stack, one flag and their presence bits. */
 enum { envelope_size = 1248, label_stack_at = 80, policy_presence_at = 204, flag_at = 1192, presence_at = 1240 };
 union envelope {
-  unsigned char octets[envelope_size];
+  unsigned char bytes[envelope_size];
   uint64_t aligned;
 };
 
@@ -46,21 +46,21 @@ static void give(void *block, void *context) {
 
 int main(void) {
   /* field3 { label_stack { labels: 16, 24001 } }, field15: 1 */
-  static const unsigned char octets[] = {0x1a, 0x08, 0x3a, 0x06, 0x08, 0x10, 0x08, 0xc1, 0xbb, 0x01, 0x78, 0x01};
+  static const unsigned char bytes[] = {0x1a, 0x08, 0x3a, 0x06, 0x08, 0x10, 0x08, 0xc1, 0xbb, 0x01, 0x78, 0x01};
   static union envelope envelope, copy;
   memset(&envelope, 0xff, sizeof envelope);
-  memset(envelope.octets + presence_at, 0, 2);
-  if (pavo_zorv_api_msg_decode_ext(&envelope, octets, sizeof octets, take, &taken, 0) != 0) return 1;
+  memset(envelope.bytes + presence_at, 0, 2);
+  if (pavo_zorv_api_msg_decode_ext(&envelope, bytes, sizeof bytes, take, &taken, 0) != 0) return 1;
 
   struct label_stack stack;
   uint16_t presence;
   uint32_t policy_presence;
-  memcpy(&stack, envelope.octets + label_stack_at, sizeof stack);
-  memcpy(&presence, envelope.octets + presence_at, sizeof presence);
-  memcpy(&policy_presence, envelope.octets + policy_presence_at, sizeof policy_presence);
+  memcpy(&stack, envelope.bytes + label_stack_at, sizeof stack);
+  memcpy(&presence, envelope.bytes + presence_at, sizeof presence);
+  memcpy(&policy_presence, envelope.bytes + policy_presence_at, sizeof policy_presence);
   if (stack.label_count != 2 || stack.labels[0] != 16 || stack.labels[1] != 24001 || (stack.presence & 1) == 0)
     return 2;
-  if (presence != 0x4004 || (policy_presence & 0x40) == 0 || envelope.octets[flag_at] != 1) return 3;
+  if (presence != 0x4004 || (policy_presence & 0x40) == 0 || envelope.bytes[flag_at] != 1) return 3;
 
   if (pavo_zorv_api_msg_duplicate(&copy, &envelope, take, &taken) != 0 || taken != 2) return 4;
   if (pavo_zorv_api_msg_compare(&envelope, &copy) != 0) return 5;
@@ -68,11 +68,11 @@ int main(void) {
   struct label_stack greater = {other, 2, 1};
   if (pavo_zorv_api_lbl_stack_compare(&stack, &greater) >= 0) return 6;
 
-  unsigned char again[sizeof octets];
+  unsigned char again[sizeof bytes];
   struct segment segments[3];
   uint32_t count = 3;
   if (pavo_zorv_api_msg_encode_ext(&copy, again, sizeof again, segments, &count, 0) != sizeof again) return 7;
-  if (memcmp(again, octets, sizeof octets) != 0 || count != 3) return 8;
+  if (memcmp(again, bytes, sizeof bytes) != 0 || count != 3) return 8;
   if (segments[0].start != again + 4 || segments[0].length != 6 || segments[1].start != again + 2 ||
       segments[1].length != 8 || segments[2].start != again || segments[2].length != sizeof again)
     return 9;

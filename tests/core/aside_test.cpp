@@ -28,7 +28,7 @@ class filling {
       using this_row = std::remove_cvref_t<decltype(row)>;
       if constexpr (row.type == core::kind::flag || row.type == core::kind::integer) {
         std::memset(&(record.*row.value), 0xff, sizeof(record.*row.value));
-      } else if constexpr (row.type == core::kind::message) {
+      } else if constexpr (row.type == core::kind::nested) {
         fill(record.*row.value);
       } else {
         if (!is_wanted()) return;
@@ -37,7 +37,7 @@ class filling {
         } else if constexpr (row.type == core::kind::bytes) {
           record.*row.value = reinterpret_cast<unsigned char *>(text());
           record.*row.length = std::strlen(text());
-        } else if constexpr (row.type == core::kind::integers) {
+        } else if constexpr (row.type == core::kind::integer_list) {
           using element = typename this_row::element;
           static element five[5];
           std::ranges::fill(five, std::numeric_limits<element>::max());
@@ -76,11 +76,11 @@ template <class Record>
 void stays_in_its_room(const Record &record, const std::string &name) {
   core::survey found{{false}};
   const auto size = static_cast<std::size_t>(core::measured_size(record, found));
-  constexpr std::size_t below = core::octets_unasked<Record>() + 1;
+  constexpr std::size_t below = core::bytes_unasked<Record>() + 1;
   const fence room(below + size + 1);
-  core::octet *const first = room.first();
+  core::byte *const first = room.first();
   for (std::size_t above = 0; above <= size; ++above) {
-    core::octet *const end = first + below + above;
+    core::byte *const end = first + below + above;
     const core::quick_sink sink{first, nullptr, first + below};
     const auto *const start = core::write_message(record, sink, end, false);
     ASSERT_GE(start, first) << name << ", " << above << " bytes above the floor";
@@ -117,9 +117,9 @@ TEST(writing_aside, the_room_below_the_floor_is_enough_for_every_message) {
 
 // Lists of every length that ends near the floor, above it or below, in the room that a whole encoding has.
 TEST(writing_aside, a_list_of_any_length_finds_its_room_or_none) {
-  constexpr std::size_t below = core::octets_unasked<api_lbl_stack>() + 1, size = below + core::most_aside;
+  constexpr std::size_t below = core::bytes_unasked<api_lbl_stack>() + 1, size = below + core::most_aside;
   const fence room(size);
-  core::octet *const end = room.first() + size;
+  core::byte *const end = room.first() + size;
   const core::quick_sink sink{room.first(), nullptr, end - core::most_aside};
   std::vector<std::uint32_t> labels(core::most_aside, 24001);
   std::vector<std::uint8_t> elements(core::most_aside, 200);

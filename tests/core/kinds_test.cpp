@@ -1,4 +1,4 @@
-// What each kind of member is on the wire and in a record, octet by octet: once with keys of one octet, once with keys
+// What each kind of member is on the wire and in a record, byte by byte: once with keys of one byte, once with keys
 // of two, and all kinds together.
 #include <cstring>
 
@@ -20,8 +20,8 @@ std::uint32_t fields_of(const Record &record) {
   return record.presence & pavo_zorv::presence_mask<Record>;
 }
 
-// What is read from octets must be written as the same octets.
-void expect_the_same_again(const octets &bytes) {
+// What is read from bytes must be written as the same bytes.
+void expect_the_same_again(const byte_string &bytes) {
   decoded<everything> back(bytes);
   ASSERT_EQ(back.result, CODEC_OK) << show(bytes);
   EXPECT_EQ(encoded(back.record), bytes);
@@ -35,7 +35,7 @@ TEST(presence_flags, are_8_16_or_32_bits_wide) {
 }
 
 TEST(presence_flags, of_no_field_stay_in_a_record_and_in_those_inside) {
-  const octets bytes = hex("52 00 6a 00 ca 01 00 da 01 00");  // fields 10, 13, 25 and 27, all empty
+  const byte_string bytes = hex("52 00 6a 00 ca 01 00 da 01 00");  // fields 10, 13, 25 and 27, all empty
   const fenced_block input(bytes);
   everything record;
   std::memset(static_cast<void *>(&record), 0xff, sizeof record);
@@ -57,14 +57,14 @@ TEST(presence_flags, of_no_field_stay_in_a_record_and_in_those_inside) {
 }
 
 TEST(presence_flags, may_all_belong_to_fields) {
-  const octets bytes = hex("08 01 80 01 02 f0 01 01 fa 01 01 61 82 02 00");  // fields 1, 16, 30, 31 and 32
+  const byte_string bytes = hex("08 01 80 01 02 f0 01 01 fa 01 01 61 82 02 00");  // fields 1, 16, 30, 31 and 32
   decoded<widest> record(bytes);
   ASSERT_EQ(record.result, CODEC_OK);
   EXPECT_EQ(record->presence, 1u | 1u << 15 | 1u << 29 | 1u << 30 | 1u << 31);
   EXPECT_EQ(encoded(record.record), bytes);
 }
 
-// Behind field 15 the key of field 16 is tried first: 80 01.
+// After field 15 the key of field 16 is tried first: 80 01.
 TEST(key, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
   struct outcome {
     const char *bytes;
@@ -72,7 +72,7 @@ TEST(key, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
   };
   for (const auto &[bytes, result] : {
            outcome{"78 05 80 02 06", CODEC_OK},  // field 32, which is unknown
-           outcome{"78 05 80 05 01", CODEC_OK},  // field 80, with 01 behind the key
+           outcome{"78 05 80 05 01", CODEC_OK},  // field 80, with 01 after the key
            outcome{"78 05 80 00 06", CODEC_OK},  // number 0
            outcome{"78 05 00 01", CODEC_OK}, outcome{"78 05 7f 01 06", CODEC_ERR_WRONG_WIRE_TYPE},  // field 15
            outcome{"78 05 81 01 06", CODEC_ERR_WRONG_WIRE_TYPE},
@@ -86,7 +86,7 @@ TEST(key, that_is_almost_that_of_the_next_field_is_not_taken_for_it) {
   }
 }
 
-TEST(flag_member, is_one_octet_as_it_is_stored) {
+TEST(flag_member, is_one_byte_as_it_is_stored) {
   everything record = with_fields({1, 17});
   record.flag = 1;
   record.flag_17 = 2;
@@ -104,35 +104,35 @@ TEST(flag_member, is_read_as_0_or_1) {
   EXPECT_EQ(fields_of(record.record), 1u | 1u << 16);
 }
 
-TEST(integer_member, of_8_bits_takes_one_or_two_octets_and_is_cut_when_read) {
+TEST(integer_member, of_8_bits_takes_one_or_two_bytes_and_is_cut_when_read) {
   everything record = with_fields({2, 18});
-  record.octet = 127;
-  record.octet_18 = 200;
+  record.byte = 127;
+  record.byte_18 = 200;
   EXPECT_EQ(encoded(record), hex("10 7f 90 01 c8 01"));
   decoded<everything> cut(hex("10 ac 02 90 01 ff ff ff ff 0f"));
   ASSERT_EQ(cut.result, CODEC_OK);
-  EXPECT_EQ(cut->octet, 44);
-  EXPECT_EQ(cut->octet_18, 255);
+  EXPECT_EQ(cut->byte, 44);
+  EXPECT_EQ(cut->byte_18, 255);
 }
 
-TEST(integer_member, of_32_bits_takes_one_to_five_octets) {
+TEST(integer_member, of_32_bits_takes_one_to_five_bytes) {
   everything record = with_fields({3, 15, 16, 29});
   record.word = 0;
   record.word_15 = 300;
   record.word_16 = 0x0fffffff;
   record.word_29 = 0xffffffff;
-  const octets bytes = hex("18 00 78 ac 02 80 01 ff ff ff 7f e8 01 ff ff ff ff 0f");
+  const byte_string bytes = hex("18 00 78 ac 02 80 01 ff ff ff 7f e8 01 ff ff ff ff 0f");
   EXPECT_EQ(encoded(record), bytes);
   expect_the_same_again(bytes);
 }
 
-TEST(integer_member, with_a_sign_takes_five_octets_when_negative_and_ten_with_64_bits) {
+TEST(integer_member, with_a_sign_takes_five_bytes_when_negative_and_ten_with_64_bits) {
   everything record = with_fields({4, 6, 19, 21});
   record.signed_word = -1;
   record.signed_long_word = -1;
   record.signed_word_19 = INT32_MIN;
   record.signed_long_word_21 = INT64_MIN;
-  const octets bytes =
+  const byte_string bytes =
       hex("20 ff ff ff ff 0f 30 ff ff ff ff ff ff ff ff ff 01"
           "98 01 80 80 80 80 08 a8 01 80 80 80 80 80 80 80 80 80 01");
   EXPECT_EQ(encoded(record), bytes);
@@ -143,18 +143,18 @@ TEST(integer_member, with_a_sign_takes_five_octets_when_negative_and_ten_with_64
   EXPECT_EQ(back->signed_long_word_21, INT64_MIN);
 }
 
-TEST(integer_member, with_a_sign_is_read_from_ten_octets_too) {
+TEST(integer_member, with_a_sign_is_read_from_ten_bytes_too) {
   decoded<everything> record(hex("20 fe ff ff ff ff ff ff ff ff 01 98 01 fe ff ff ff ff ff ff ff ff 01"));
   ASSERT_EQ(record.result, CODEC_OK);
   EXPECT_EQ(record->signed_word, -2);
   EXPECT_EQ(record->signed_word_19, -2);
 }
 
-TEST(integer_member, of_64_bits_takes_one_to_ten_octets) {
+TEST(integer_member, of_64_bits_takes_one_to_ten_bytes) {
   everything record = with_fields({5, 20});
   record.long_word = UINT64_MAX;
   record.long_word_20 = std::uint64_t{1} << 35;
-  const octets bytes = hex("28 ff ff ff ff ff ff ff ff ff 01 a0 01 80 80 80 80 80 01");
+  const byte_string bytes = hex("28 ff ff ff ff ff ff ff ff ff 01 a0 01 80 80 80 80 80 01");
   EXPECT_EQ(encoded(record), bytes);
   expect_the_same_again(bytes);
 }
@@ -181,7 +181,7 @@ TEST(string_member, is_its_characters_without_the_nul) {
   everything record = with_fields({7, 22});
   record.text = empty;
   record.text_22 = text;
-  const octets bytes = hex("3a 00 b2 01 04 7a 6f 72 76");
+  const byte_string bytes = hex("3a 00 b2 01 04 7a 6f 72 76");
   EXPECT_EQ(encoded(record), bytes);
   decoded<everything> back(bytes);
   EXPECT_STREQ(back->text, "");
@@ -189,7 +189,7 @@ TEST(string_member, is_its_characters_without_the_nul) {
   EXPECT_EQ(back.memory.sizes, (std::vector<std::size_t>{1, 5}));
 }
 
-TEST(string_member, that_is_null_is_not_written) { EXPECT_EQ(encoded(with_fields({7, 22})), octets{}); }
+TEST(string_member, that_is_null_is_not_written) { EXPECT_EQ(encoded(with_fields({7, 22})), byte_string{}); }
 
 TEST(integer_list, has_a_key_for_every_element) {
   std::uint8_t small[] = {0, 127, 128, 255};
@@ -199,7 +199,7 @@ TEST(integer_list, has_a_key_for_every_element) {
   record.octets_count = record.octets_23_count = 4;
   record.words = record.words_24 = large;
   record.words_count = record.words_24_count = 2;
-  const octets bytes =
+  const byte_string bytes =
       hex("40 00 40 7f 40 80 01 40 ff 01"
           "48 c1 bb 01 48 ff ff ff ff 0f"
           "b8 01 00 b8 01 7f b8 01 80 01 b8 01 ff 01"
@@ -238,7 +238,7 @@ TEST(integer_list, takes_any_wire_type_inside_a_run_but_not_at_its_start) {
 
 // An input that becomes another one of the same length when memory is asked for, so after a list has been counted.
 struct changing_input {
-  changing_input(const octets &before, const octets &after) : input(before), later(after) {
+  changing_input(const byte_string &before, const byte_string &after) : input(before), later(after) {
     std::memset(static_cast<void *>(&record), 0, sizeof record);
     result = pavo_zorv::decode(record, input.data(), input.size(), allocate, this);
   }
@@ -251,7 +251,7 @@ struct changing_input {
   }
 
   fenced_block input;
-  octets later;
+  byte_string later;
   accountant memory;
   everything record;
   int result;
@@ -260,14 +260,14 @@ struct changing_input {
 // So short that it is read plainly, or so long that it is walked along: what one look shows is not looked at again.
 TEST(integer_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_zeros) {
   for (const std::size_t more : {0u, 60u}) {
-    const octets elements = more * hex("40 05");
-    const changing_input octet_list(elements + hex("40 06 40 07"), elements + hex("40 06 40 87"));
-    EXPECT_EQ(octet_list.result, CODEC_ERR_TRUNCATED);
-    ASSERT_EQ(octet_list.record.octets_count, more + 2);
-    EXPECT_EQ(octets(octet_list.record.octets, octet_list.record.octets + more + 2), octets(more + 2, 0x00));
-    EXPECT_EQ(fields_of(octet_list.record), 0u);
+    const byte_string elements = more * hex("40 05");
+    const changing_input byte_list(elements + hex("40 06 40 07"), elements + hex("40 06 40 87"));
+    EXPECT_EQ(byte_list.result, CODEC_ERR_TRUNCATED);
+    ASSERT_EQ(byte_list.record.octets_count, more + 2);
+    EXPECT_EQ(byte_string(byte_list.record.octets, byte_list.record.octets + more + 2), byte_string(more + 2, 0x00));
+    EXPECT_EQ(fields_of(byte_list.record), 0u);
 
-    const octets words = more * hex("48 c1 bb 01");
+    const byte_string words = more * hex("48 c1 bb 01");
     const changing_input word_list(words + hex("48 06 48 07"), words + hex("48 06 c8 87"));
     EXPECT_EQ(word_list.result, CODEC_ERR_TRUNCATED);
     ASSERT_EQ(word_list.record.words_count, more + 2);
@@ -288,7 +288,7 @@ TEST(nested_message, is_written_for_its_bit_or_for_its_content) {
   everything record = with_fields({10, 25});
   EXPECT_EQ(encoded(record), hex("52 00 ca 01 00"));
   record.presence = 0;
-  EXPECT_EQ(encoded(record), octets{});
+  EXPECT_EQ(encoded(record), byte_string{});
   record.nested_25.presence = 1;
   record.nested_25.number = 5;
   EXPECT_EQ(encoded(record), hex("ca 01 02 08 05"));
@@ -311,7 +311,7 @@ TEST(message_list, has_a_key_and_a_length_for_every_element) {
   everything record = with_fields({11, 26});
   record.list = record.list_26 = leaves;
   record.list_count = record.list_26_count = 2;
-  const octets bytes = hex("5a 00 5a 03 08 ac 02 d2 01 00 d2 01 03 08 ac 02");
+  const byte_string bytes = hex("5a 00 5a 03 08 ac 02 d2 01 00 d2 01 03 08 ac 02");
   EXPECT_EQ(encoded(record), bytes);
   decoded<everything> back(bytes);
   ASSERT_EQ(back.result, CODEC_OK);
@@ -326,9 +326,9 @@ TEST(message_list, whose_last_element_is_cut_off_is_refused_before_memory_is_ask
   EXPECT_EQ(record->list_26, nullptr);
 }
 
-// The octets behind the fifth add nothing to the length, but one of them must be the last.
-TEST(message_list, with_a_length_cut_off_behind_its_fifth_octet_is_refused_before_memory_is_asked_for) {
-  for (const octets &bytes :
+// The bytes after the fifth add nothing to the length, but one of them must be the last.
+TEST(message_list, with_a_length_cut_off_after_its_fifth_byte_is_refused_before_memory_is_asked_for) {
+  for (const byte_string &bytes :
        {hex("5a ff ff ff ff ff ff"), hex("5a 00 5a ff ff ff ff ff"), hex("d2 01 81 80 80 80 80")}) {
     decoded<everything> record(bytes);
     EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << show(bytes);
@@ -337,8 +337,8 @@ TEST(message_list, with_a_length_cut_off_behind_its_fifth_octet_is_refused_befor
 }
 
 TEST(message_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_what_was_read) {
-  for (const octets &after : {hex("5a 02 08 05 5a 01 08"), hex("5a 02 08 05 5a 02 08"), hex("5a 02 08 05 5a 80 80"),
-                              hex("5a 02 08 05 da 80 80")}) {
+  for (const byte_string &after : {hex("5a 02 08 05 5a 01 08"), hex("5a 02 08 05 5a 02 08"),
+                                   hex("5a 02 08 05 5a 80 80"), hex("5a 02 08 05 da 80 80")}) {
     const changing_input list(hex("5a 02 08 05 5a 01 08"), after);
     EXPECT_EQ(list.result, CODEC_ERR_TRUNCATED) << show(after);
     ASSERT_EQ(list.record.list_count, 2u);
@@ -368,7 +368,7 @@ TEST(message_list, with_an_element_that_fails_stays_with_its_count_and_without_i
   EXPECT_EQ(fields_of(record.record), 0u);
 }
 
-TEST(bytes_member, is_a_block_of_any_octets) {
+TEST(bytes_member, is_a_block_of_any_bytes) {
   unsigned char block[] = {0, 1, 0};
   everything record = with_fields({12});
   record.content = block;
@@ -381,7 +381,7 @@ TEST(bytes_member, is_a_block_of_any_octets) {
   EXPECT_EQ(back.memory.sizes, std::vector<std::size_t>{3});
 }
 
-TEST(bytes_member, with_a_key_of_two_octets_is_the_same) {
+TEST(bytes_member, with_a_key_of_two_bytes_is_the_same) {
   unsigned char block[] = {9};
   widest record;
   std::memset(static_cast<void *>(&record), 0, sizeof record);
@@ -397,8 +397,8 @@ TEST(bytes_member, with_a_key_of_two_octets_is_the_same) {
   EXPECT_EQ(entries.pieces(), (std::vector<piece>{{buffer.data(), 3}, {block, 1}}));
 }
 
-// Its octets lie elsewhere, but a copy would have to hold them.
-TEST(bytes_member, with_a_length_and_no_octets_inside_a_message_is_not_copied_without_memory) {
+// Its bytes lie elsewhere, but a copy would have to hold them.
+TEST(bytes_member, with_a_length_and_no_bytes_inside_a_message_is_not_copied_without_memory) {
   for (const std::uint64_t length : {1u, 2u, 100u}) {
     everything record = with_fields({27});
     record.nested_27.content_length = length;
@@ -411,9 +411,9 @@ TEST(bytes_member, with_a_length_and_no_octets_inside_a_message_is_not_copied_wi
   }
 }
 
-// A message with bytes between nested messages and lists, which have bytes themselves: the octets in the buffer, and
+// A message with bytes between nested messages and lists, which have bytes themselves: the bytes in the buffer, and
 // the entries from the innermost outwards.
-TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_behind_it) {
+TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_after_it) {
   unsigned char outer[] = {1, 2, 3, 4};
   unsigned char inner[] = {5, 6};
   leaf leaves[1];
@@ -435,7 +435,7 @@ TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_behind_it) {
   EXPECT_EQ(encoded(record),
             hex("52 02 08 02  5a 02 08 01  62 04 01 02 03 04  d2 01 02 08 01  da 01 04 12 02 05 06  e8 01 03"));
 
-  const octets in_buffer = hex("52 02 08 02  5a 02 08 01  62 04  d2 01 02 08 01  da 01 02 12 02  e8 01 03");
+  const byte_string in_buffer = hex("52 02 08 02  5a 02 08 01  62 04  d2 01 02 08 01  da 01 02 12 02  e8 01 03");
   table entries(8);
   const fenced_block buffer(in_buffer.size());
   ASSERT_EQ(
@@ -451,14 +451,14 @@ TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_behind_it) {
                                   {outer, 4},        // content
                                   {start + 13, 2},   // the element of list_26
                                   {start + 18, 2},   // nested_27 up to the length of its content
-                                  {inner, 2},        // that content, nothing behind it
+                                  {inner, 2},        // that content, nothing after it
                                   {start + 10, 13},  // the rest
                               }));
 }
 
 // One message with every field, in the order of the fields.
 TEST(all_kinds, stand_together_in_field_order) {
-  const octets bytes = hex(
+  const byte_string bytes = hex(
       "08 01  10 02  18 03  20 04  28 05  30 06  3a 01 37  40 08 40 09  48 09  52 02 08 0a  5a 03 12 01 62  62 01 0c"
       "6a 0c 08 01 12 02 08 01 1a 00 20 02 28 03  72 02 08 01  78 0f"
       "80 01 10  88 01 01  90 01 12  98 01 13  a0 01 14  a8 01 15  b2 01 01 56  b8 01 17  c0 01 18"

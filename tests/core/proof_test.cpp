@@ -60,17 +60,17 @@ class readers {
 
  private:
   static void expect(bool same, const char *what, const unsigned char *at, const unsigned char *end) {
-    if (!same) ADD_FAILURE() << what << " and its twin differ: " << test::show(test::octets(at, end));
+    if (!same) ADD_FAILURE() << what << " and its twin differ: " << test::show(test::byte_string(at, end));
   }
 
   std::size_t inputs_ = 0;
 };
 
-// Octets around all that is compared with: beside 0x80, and lengths near those of the inputs.
+// Bytes around all that is compared with: beside 0x80, and lengths near those of the inputs.
 constexpr unsigned char letters[] = {0x00, 0x01, 0x02, 0x03, 0x04, 0x07, 0x08, 0x0f, 0x10, 0x40,
                                      0x7f, 0x80, 0x81, 0x82, 0x84, 0x8f, 0x90, 0xc0, 0xfe, 0xff};
 
-TEST(proved_twin, reads_every_input_of_up_to_two_octets_as_the_core_does) {
+TEST(proved_twin, reads_every_input_of_up_to_two_bytes_as_the_core_does) {
   readers both;
   const fenced_block block(2);
   unsigned char *const end = block.data() + 2;
@@ -87,8 +87,8 @@ TEST(proved_twin, reads_every_input_of_up_to_two_octets_as_the_core_does) {
   EXPECT_EQ(both.inputs(), 1u + 256u + 65536u);
 }
 
-// All of them in the tier `proof` of ./test --long; of every day, those with every thirteenth first octet.
-TEST(proved_twin, reads_inputs_of_three_octets_as_the_core_does) {
+// All of them in the tier `proof` of ./test --long; of every day, those with every thirteenth first byte.
+TEST(proved_twin, reads_inputs_of_three_bytes_as_the_core_does) {
   readers both;
   const unsigned step = std::getenv("PAVO_ZORV_EVERY_INPUT") != nullptr ? 1 : 13;
   const fenced_block block(3);
@@ -102,10 +102,10 @@ TEST(proved_twin, reads_inputs_of_three_octets_as_the_core_does) {
     }
   }
   EXPECT_EQ(both.inputs(), std::size_t{step == 1 ? 256u : 20u} << 16);
-  std::printf("%zu inputs of three octets\n", both.inputs());
+  std::printf("%zu inputs of three bytes\n", both.inputs());
 }
 
-TEST(proved_twin, reads_inputs_of_four_octets_around_all_boundaries_as_the_core_does) {
+TEST(proved_twin, reads_inputs_of_four_bytes_around_all_boundaries_as_the_core_does) {
   readers both;
   constexpr std::size_t count = sizeof letters;
   const fenced_block block(4);
@@ -145,7 +145,7 @@ TEST(proved_twin, skips_and_delimits_at_the_end_of_the_input_as_the_core_does) {
   EXPECT_EQ(both.inputs(), 13u * 303u);
 }
 
-// Sizes and writers, for a number, with `before` octets that may be written before it.
+// Sizes and writers, for a number, with `before` bytes that may be written before it.
 template <class Value, class Size, class Long, class Exact, class Clipped>
 void agree_on_number(Value value, std::size_t before, Size size_of, Long prepend_long, Exact prepend, Clipped clipped) {
   const std::size_t size = core::varint_size(value);
@@ -157,9 +157,9 @@ void agree_on_number(Value value, std::size_t before, Size size_of, Long prepend
     ASSERT_EQ(std::memcmp(ours, twins, sizeof ours), 0) << what << ", " << value << ", room for " << room;
   };
   clear();
-  ASSERT_EQ(core::octets_before{}.prepend_varint(ours + room, value) - ours, static_cast<std::ptrdiff_t>(before));
+  ASSERT_EQ(core::bytes_before{}.prepend_varint(ours + room, value) - ours, static_cast<std::ptrdiff_t>(before));
   ASSERT_EQ(prepend_long(twins + room, value) - twins, static_cast<std::ptrdiff_t>(before));
-  same("octet by octet");
+  same("byte by byte");
   clear();
   ASSERT_EQ((core::quick_sink{ours, nullptr}.prepend_varint(ours + room, value)) - ours,
             static_cast<std::ptrdiff_t>(before));
@@ -215,7 +215,7 @@ void *note(std::size_t size, void *context) {
 template <std::size_t Size>
 void agree_on_array(std::size_t count) {
   struct element {
-    unsigned char octets[Size];
+    unsigned char bytes[Size];
   };
   std::size_t asked = 0, twin = 0;
   const bool granted = core::memory{note, &asked}.array<element>(count) != nullptr;

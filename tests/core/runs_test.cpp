@@ -11,11 +11,11 @@ namespace {
 
 using namespace test;
 using pavo_zorv::buffer;
-using pavo_zorv::octet;
+using pavo_zorv::byte;
 
-// Octets that matter to a run of field `number`: its key, that key with another wire type and in an over-long form,
-// another key, small and large values, and both kinds of octet inside a varint.
-octets alphabet(unsigned number) {
+// Bytes that matter to a run of field `number`: its key, that key with another wire type and in an over-long form,
+// another key, small and large values, and both kinds of byte inside a varint.
+byte_string alphabet(unsigned number) {
   if (number < 16) {
     const auto key = static_cast<unsigned char>(number << 3);
     return {key, static_cast<unsigned char>(key | 2), static_cast<unsigned char>(key | 0x80), 0x00, 0x7e, 0x80, 0xff};
@@ -28,9 +28,9 @@ octets alphabet(unsigned number) {
           0xff};
 }
 
-// Elements of a run in their usual form, key behind value, to fill windows with.
-octets filler(unsigned number, std::size_t elements) {
-  octets result;
+// Elements of a run in their usual form, key after value, to fill windows with.
+byte_string filler(unsigned number, std::size_t elements) {
+  byte_string result;
   for (std::size_t i = 0; i < elements; ++i) {
     if (i % 3 == 1) result.push_back(0xb1);
     if (i % 7 == 2) result.insert(result.end(), {0x80, 0x81});
@@ -44,18 +44,18 @@ octets filler(unsigned number, std::size_t elements) {
 class both_readers : public ::testing::TestWithParam<unsigned> {
  protected:
   // The key in its shortest form.
-  static octets key_of_run() {
+  static byte_string key_of_run() {
     const auto low = static_cast<unsigned char>(GetParam() << 3);
     return GetParam() < 16
-               ? octets{low}
-               : octets{static_cast<unsigned char>(low | 0x80), static_cast<unsigned char>(GetParam() >> 4)};
+               ? byte_string{low}
+               : byte_string{static_cast<unsigned char>(low | 0x80), static_cast<unsigned char>(GetParam() >> 4)};
   }
 
-  // A message that ends where the buffer does, or `behind` octets before; the buffer ends at an inaccessible page.
+  // A message that ends where the buffer does, or `after` bytes before; the buffer ends at an inaccessible page.
   template <class Element>
-  void agree_on(const octets &message, std::size_t before, std::size_t behind) {
+  void agree_on(const byte_string &message, std::size_t before, std::size_t behind) {
     const unsigned number = GetParam();
-    octet *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - message.size();
+    byte *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - message.size();
     if (!message.empty()) std::memcpy(at, message.data(), message.size());
     const buffer whole{at - before, limit};
     const std::size_t expected = pavo_zorv::plain::count_integers(number, at, end);
@@ -64,13 +64,13 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     ASSERT_EQ(count, expected) << describe(message, before, behind);
     if (count == 0) return;
     std::vector<Element> plain(count), fast(count);
-    const octet *const plain_end = pavo_zorv::plain::read_integers(plain.data(), count, at, end);
-    const octet *const fast_end = pavo_zorv::read_integers(fast.data(), run, number, at, end, whole);
+    const byte *const plain_end = pavo_zorv::plain::read_integers(plain.data(), count, at, end);
+    const byte *const fast_end = pavo_zorv::read_integers(fast.data(), run, number, at, end, whole);
     ASSERT_EQ(fast_end - at, plain_end - at) << describe(message, before, behind);
     ASSERT_EQ(fast, plain) << describe(message, before, behind);
   }
 
-  void agree(const octets &message, std::size_t before, std::size_t behind) {
+  void agree(const byte_string &message, std::size_t before, std::size_t behind) {
     agree_on<std::uint8_t>(message, before, behind);
     agree_on<std::uint32_t>(message, before, behind);
   }
@@ -78,18 +78,19 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
   // A run that changes after it has been counted: its elements are those that are there by now, as many as were
   // counted; where there are fewer, or the run is cut off, it is refused. Nothing is written beside them.
   template <class Element>
-  void agree_on_changed(const octets &counted, const octets &changed, std::size_t before, std::size_t behind) {
+  void agree_on_changed(const byte_string &counted, const byte_string &changed, std::size_t before,
+                        std::size_t behind) {
     const unsigned number = GetParam();
-    octet *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - counted.size();
+    byte *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - counted.size();
     const buffer whole{at - before, limit};
     std::memcpy(at, counted.data(), counted.size());
     const pavo_zorv::counted_run run = pavo_zorv::count_integers<Element>(number, at, end, whole);
     const std::size_t count = run.count();
     if (count == 0) return;
     std::memcpy(at, changed.data(), changed.size());
-    octet *const first = elements_.data() + elements_.size() - count * sizeof(Element);
+    byte *const first = elements_.data() + elements_.size() - count * sizeof(Element);
     std::memset(elements_.data(), 0xc7, elements_.size());
-    const octet *const next = pavo_zorv::read_integers(reinterpret_cast<Element *>(first), run, number, at, end, whole);
+    const byte *const next = pavo_zorv::read_integers(reinterpret_cast<Element *>(first), run, number, at, end, whole);
     const std::string what = describe(changed, before, behind) + ", counted as " + show(counted);
     ASSERT_EQ(std::count(elements_.data(), first, 0xc7), first - elements_.data()) << what;
     if (run.next != nullptr) {
@@ -109,19 +110,19 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     ASSERT_EQ(fast, plain) << what;
   }
 
-  static std::string describe(const octets &message, std::size_t before, std::size_t behind) {
-    return "field " + std::to_string(GetParam()) + ", " + std::to_string(before) + " octets before, " +
-           std::to_string(behind) + " behind: " + show(message);
+  static std::string describe(const byte_string &message, std::size_t before, std::size_t behind) {
+    return "field " + std::to_string(GetParam()) + ", " + std::to_string(before) + " bytes before, " +
+           std::to_string(behind) + " after: " + show(message);
   }
 
   // Every string over the alphabet up to a length.
   template <class Visit>
   void for_each_string(std::size_t longest, Visit visit) {
-    const octets letters = alphabet(GetParam());
+    const byte_string letters = alphabet(GetParam());
     for (std::size_t length = 0; length <= longest; ++length) {
       std::vector<std::size_t> digits(length, 0);
       for (bool more = true; more && !HasFatalFailure();) {
-        octets string;
+        byte_string string;
         for (const std::size_t digit : digits) string.push_back(letters[digit]);
         visit(string);
         more = false;
@@ -141,27 +142,27 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
 };
 
 TEST_P(both_readers, agree_on_every_short_message_at_the_end_of_the_buffer_and_before_it) {
-  for_each_string(5, [&](const octets &string) {
+  for_each_string(5, [&](const byte_string &string) {
     for (const std::size_t before : {0u, 64u}) {
       for (const std::size_t behind : {0u, 1u, 7u, 64u}) agree(string, before, behind);
     }
   });
 }
 
-TEST_P(both_readers, agree_on_every_short_string_behind_a_part_of_a_window) {
+TEST_P(both_readers, agree_on_every_short_string_after_a_part_of_a_window) {
   for (const std::size_t elements : {9u, 21u, 22u, 30u, 31u, 32u}) {
-    const octets run = filler(GetParam(), elements);
-    for_each_string(3, [&](const octets &string) {
+    const byte_string run = filler(GetParam(), elements);
+    for_each_string(3, [&](const byte_string &string) {
       for (const std::size_t behind : {0u, 3u, 40u}) agree(run + string, 0, behind);
     });
   }
 }
 
 TEST_P(both_readers, agree_on_a_run_cut_at_every_place_at_every_distance_to_the_end) {
-  const octets run = filler(GetParam(), 60);
+  const byte_string run = filler(GetParam(), 60);
   for (std::size_t length = 0; length <= run.size(); ++length) {
     for (std::size_t behind = 0; behind <= 70; behind += length % 3 + 1) {
-      agree(octets(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(length)), 0, behind);
+      agree(byte_string(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(length)), 0, behind);
       if (HasFatalFailure()) return;
     }
   }
@@ -170,30 +171,30 @@ TEST_P(both_readers, agree_on_a_run_cut_at_every_place_at_every_distance_to_the_
 TEST_P(both_readers, agree_on_values_that_are_longer_than_a_window) {
   for (std::size_t length = 1; length <= 140; ++length) {
     for (const std::size_t elements : {0u, 1u, 5u, 30u}) {
-      const octets value = length * octets{0x93} + octets{0x05};
-      const octets tail = filler(GetParam(), 2);
+      const byte_string value = length * byte_string{0x93} + byte_string{0x05};
+      const byte_string tail = filler(GetParam(), 2);
       agree(filler(GetParam(), elements) + value, 0, 0);
-      agree(filler(GetParam(), elements) + value + octets(tail.begin(), tail.end()), 0, 5);
-      agree(filler(GetParam(), elements) + length * octets{0x93}, 0, 5);
+      agree(filler(GetParam(), elements) + value + byte_string(tail.begin(), tail.end()), 0, 5);
+      agree(filler(GetParam(), elements) + length * byte_string{0x93}, 0, 5);
     }
   }
 }
 
 // Labels of twenty bits go eight at a time: every number of them, with something else at every place.
 TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
-  const octets key = key_of_run();
+  const byte_string key = key_of_run();
   std::mt19937 random(5);
   for (std::size_t labels = 1; labels <= 36; ++labels) {
     for (std::size_t other = 0; other <= labels; ++other) {
-      for (const octets &value : {hex("05"), hex("85 03"), hex("ff ff ff 01"), hex("ff ff ff ff 7f"),
-                                  hex("80 80 80 80 80 00"), hex("81 82 00")}) {
-        octets run;
+      for (const byte_string &value : {hex("05"), hex("85 03"), hex("ff ff ff 01"), hex("ff ff ff ff 7f"),
+                                       hex("80 80 80 80 80 00"), hex("81 82 00")}) {
+        byte_string run;
         for (std::size_t i = 0; i < labels; ++i) {
           if (i != 0) run = run + key;
           run = run + (i == other ? value
-                                  : octets{static_cast<unsigned char>(random() | 0x80),
-                                           static_cast<unsigned char>(random() | 0x80),
-                                           static_cast<unsigned char>(random() & 0x7f)});
+                                  : byte_string{static_cast<unsigned char>(random() | 0x80),
+                                                static_cast<unsigned char>(random() | 0x80),
+                                                static_cast<unsigned char>(random() & 0x7f)});
         }
         agree(run, 0, 0);
         agree(run + hex("fa 01 00"), 0, 0);
@@ -203,12 +204,12 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   }
 }
 
-// Elements of one octet or two before labels and after them: as many octets as a label takes, or nearly.
+// Elements of one byte or two before labels and after them: as many bytes as a label takes, or nearly.
 TEST_P(both_readers, agree_on_labels_between_short_elements) {
-  const octets key = key_of_run(), labels = 20 * (hex("81 82 03") + key), values[] = {hex("05"), hex("86 07"), {}};
+  const byte_string key = key_of_run(), labels = 20 * (hex("81 82 03") + key), values[] = {hex("05"), hex("86 07"), {}};
   for (const std::size_t count : {7u, 8u, 9u, 15u, 16u}) {
     for (unsigned number = 0; number < 3 * 3 * 3 * 3; ++number) {
-      octets before, after;
+      byte_string before, after;
       for (const unsigned digit : {number % 3, number / 3 % 3}) {
         if (!values[digit].empty()) before = before + values[digit] + key;
       }
@@ -216,35 +217,36 @@ TEST_P(both_readers, agree_on_labels_between_short_elements) {
         if (!values[digit].empty()) after = after + values[digit] + key;
       }
       const auto some = static_cast<std::ptrdiff_t>(count * (3 + key.size()));
-      const octets run = before + octets(labels.begin(), labels.begin() + some) + after + hex("04");
+      const byte_string run = before + byte_string(labels.begin(), labels.begin() + some) + after + hex("04");
       agree(run, 0, 0);
       agree(run, 64, 40);
     }
   }
 }
 
-// Words that are not blocks of labels, though they look like some: with other keys behind the values, or none; where
-// the run begins, and behind as many labels as a window holds.
-TEST_P(both_readers, agree_on_every_four_octets_again_and_again) {
+// Words that are not blocks of labels, though they look like some: with other keys after the values, or none; where
+// the run begins, and after as many labels as a window holds.
+TEST_P(both_readers, agree_on_every_four_bytes_again_and_again) {
   const auto key = static_cast<unsigned char>(GetParam() << 3);
-  const octets letters = {
+  const byte_string letters = {
       0x85, 0x05, 0x00, key, static_cast<unsigned char>(key << 1), static_cast<unsigned char>(key >> 1)};
-  const octets label = octets{0x81, 0x82, 0x03} + key_of_run();
-  const octets window = GetParam() < 16 ? 16 * label : 12 * label + hex("85 03") + key_of_run();
+  const byte_string label = byte_string{0x81, 0x82, 0x03} + key_of_run();
+  const byte_string window = GetParam() < 16 ? 16 * label : 12 * label + hex("85 03") + key_of_run();
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
-    const octets word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6], letters[number / 216]};
-    agree(20 * word + octets{0x01}, 0, 0);
-    agree(window + 20 * word + octets{0x01}, 0, 0);
-    agree(window + word + 16 * octets{0x81, 0x82, 0x03, key} + octets{0x01}, 0, 0);
+    const byte_string word = {letters[number % 6], letters[number / 6 % 6], letters[number / 36 % 6],
+                              letters[number / 216]};
+    agree(20 * word + byte_string{0x01}, 0, 0);
+    agree(window + 20 * word + byte_string{0x01}, 0, 0);
+    agree(window + word + 16 * byte_string{0x81, 0x82, 0x03, key} + byte_string{0x01}, 0, 0);
   }
 }
 
-// Lists of octets are read at once where all second octets are 1: first octets, and keys, may be 1 as well.
-TEST_P(both_readers, agree_on_lists_of_small_octets) {
-  const octets key = key_of_run();
-  const octets values[] = {hex("01"), hex("00"), hex("02"), hex("81 01"), hex("ff 01"), hex("81 00")};
+// Lists of bytes are read at once where all second bytes are 1: first bytes, and keys, may be 1 as well.
+TEST_P(both_readers, agree_on_lists_of_small_bytes) {
+  const byte_string key = key_of_run();
+  const byte_string values[] = {hex("01"), hex("00"), hex("02"), hex("81 01"), hex("ff 01"), hex("81 00")};
   for (std::size_t number = 0; number < 6 * 6 * 6 * 6 * 6 && !HasFatalFailure(); ++number) {
-    octets run = values[number % 6];
+    byte_string run = values[number % 6];
     for (const std::size_t digit : {number / 6 % 6, number / 36 % 6, number / 216 % 6, number / 1296})
       run = run + key + values[digit];
     agree(run, 64, 0);
@@ -252,15 +254,15 @@ TEST_P(both_readers, agree_on_lists_of_small_octets) {
   }
   // As many as a window holds, and more.
   for (std::size_t ones = 0; ones <= 40; ++ones) {
-    for (const octets &value : values) agree(ones * (hex("01") + key) + value, 0, 64);
+    for (const byte_string &value : values) agree(ones * (hex("01") + key) + value, 0, 64);
   }
 }
 
-TEST_P(both_readers, agree_on_random_octets) {
+TEST_P(both_readers, agree_on_random_bytes) {
   std::mt19937 random(GetParam());
-  const octets letters = alphabet(GetParam());
+  const byte_string letters = alphabet(GetParam());
   for (int round = 0; round < 20000 && !HasFatalFailure(); ++round) {
-    octets message = filler(GetParam(), random() % 40);
+    byte_string message = filler(GetParam(), random() % 40);
     for (int change = 0; change < 3 && !message.empty(); ++change) {
       message[random() % message.size()] =
           random() % 2 == 0 ? letters[random() % letters.size()] : static_cast<unsigned char>(random());
@@ -270,10 +272,10 @@ TEST_P(both_readers, agree_on_random_octets) {
 }
 
 // Runs in which values of one size, or of all, and keys in another form than the shortest are rare or frequent.
-octets any_run(unsigned number, std::size_t length, std::mt19937 &random) {
+byte_string any_run(unsigned number, std::size_t length, std::mt19937 &random) {
   const std::size_t sizes[] = {1, 2, 3, 5, 9, 40}, size = random() % 9;
   const unsigned odd_keys[] = {1, 2, 5, 30, 1000}, odd = odd_keys[random() % 5];
-  octets run;
+  byte_string run;
   while (run.size() < length) {
     const std::size_t value = sizes[size < 5 ? size : random() % (size < 8 ? 4 : 6)];
     for (std::size_t i = 1; i < value; ++i) run.push_back(static_cast<unsigned char>(random() | 0x80));
@@ -292,7 +294,7 @@ octets any_run(unsigned number, std::size_t length, std::mt19937 &random) {
 TEST_P(both_readers, agree_on_random_runs) {
   std::mt19937 random(GetParam());
   for (int round = 0; round < 4000 && !HasFatalFailure(); ++round) {
-    const octets run = any_run(GetParam(), random() % 400, random);
+    const byte_string run = any_run(GetParam(), random() % 400, random);
     agree(run, 0, random() % 70);
     agree(run + hex("fa 01 00"), 0, random() % 70);
   }
@@ -303,8 +305,8 @@ TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
   for (int round = 0; round < 20000 && !HasFatalFailure(); ++round) {
     const std::size_t length = 1 + random() % (random() % 2 == 0 ? 64 : 400), from = random() % length;
     const std::size_t to = random() % 2 == 0 ? length : from + random() % (length - from);
-    octets counted = any_run(GetParam(), length, random), changed = counted;
-    const octets other = any_run(GetParam(), length, random);
+    byte_string counted = any_run(GetParam(), length, random), changed = counted;
+    const byte_string other = any_run(GetParam(), length, random);
     for (std::size_t at = from; at < to; ++at) changed[at] = other[at];
     // What ends the run, in one of them or in both.
     if (length > 10 && random() % 3 == 0) std::fill(counted.end() - (random() % 2 == 0 ? 8 : 9), counted.end(), 0x01);
@@ -320,9 +322,9 @@ INSTANTIATE_TEST_SUITE_P(fields, both_readers, ::testing::Values(1u, 2u, 15u, 16
 // After an odd key, elements are taken one by one until sixteen keys in a row have been in their shortest form. The run
 // begins with a value; the place is that of the next one.
 template <unsigned KeySize>
-void are_taken_one_by_one(const octets &run, std::size_t elements, std::size_t place) {
+void are_taken_one_by_one(const byte_string &run, std::size_t elements, std::size_t place) {
   const fenced_block input(run);
-  const octet *const at = input.data(), *const end = at + input.size();
+  const byte *const at = input.data(), *const end = at + input.size();
   const auto taken = pavo_zorv::take_one_by_one<KeySize>(KeySize == 1 ? 0x08 : 0x80, at, end,
                                                          pavo_zorv::element_counter<std::uint32_t>{});
   EXPECT_FALSE(taken.ended) << show(run);
@@ -331,14 +333,14 @@ void are_taken_one_by_one(const octets &run, std::size_t elements, std::size_t p
 }
 
 TEST(elements, are_taken_one_by_one_until_sixteen_keys_in_a_row_are_in_their_shortest_form) {
-  const octets shortest = 40 * hex("05 08"), end = hex("05");
+  const byte_string shortest = 40 * hex("05 08"), end = hex("05");
   are_taken_one_by_one<1>(shortest + end, 16, 32);
   are_taken_one_by_one<1>(hex("05 88 00") + shortest + end, 1 + 16, 3 + 32);
   are_taken_one_by_one<1>(hex("05 0a") + shortest + end, 1 + 16, 2 + 32);  // another wire type
   are_taken_one_by_one<1>(15 * hex("05 08") + hex("05 88 00") + shortest + end, 15 + 1 + 16, 30 + 3 + 32);
   are_taken_one_by_one<1>(15 * hex("05 08") + hex("05 0a") + shortest + end, 15 + 1 + 16, 30 + 2 + 32);
 
-  const octets longer = 40 * hex("05 80 01");
+  const byte_string longer = 40 * hex("05 80 01");
   are_taken_one_by_one<2>(longer + end, 16, 48);
   are_taken_one_by_one<2>(15 * hex("05 80 01") + hex("05 80 81 00") + longer + end, 15 + 1 + 16, 45 + 4 + 48);
   are_taken_one_by_one<2>(15 * hex("05 80 01") + hex("05 82 01") + longer + end, 15 + 1 + 16, 45 + 3 + 48);
@@ -371,11 +373,11 @@ TEST(windows, are_the_same_with_every_size_of_load) {
   for (int round = 0; round < 3000; ++round) {
     for (std::size_t i = 0; i < page.size(); ++i) page.data()[i] = static_cast<unsigned char>(random() >> random() % 8);
     const auto key = static_cast<std::uint32_t>(random() % 27 + 1) << 3;
-    const octet *const limit = page.data() + page.size();
+    const byte *const limit = page.data() + page.size();
     for (const std::size_t left :
          {std::size_t{0}, std::size_t{1}, random() % 64, std::size_t{63}, std::size_t{64}, random() % 200}) {
       std::uint64_t ends = 0, keys = 0, ones = 0;
-      const octet *const at = limit - left;
+      const byte *const at = limit - left;
       for (std::size_t i = 0; i < left && i < 64; ++i) {
         if (at[i] < 0x80) ends |= std::uint64_t{1} << i;
         if (at[i] == 1) ones |= std::uint64_t{1} << i;
@@ -391,11 +393,11 @@ TEST(windows, are_the_same_with_every_size_of_load) {
       ASSERT_EQ(pavo_zorv::look_for<pavo_zorv::portable_piece>(at, limit, 1), ones) << left;
       ASSERT_EQ(pavo_zorv::look_for<pavo_zorv::native_piece>(at, limit, 1), ones) << left;
       if (key < 0x80) {
-        check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_octets<1>(key)));
-        check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_octets<1>(key)));
+        check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_bytes<1>(key)));
+        check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_bytes<1>(key)));
       } else {
-        check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_octets<2>(key)));
-        check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_octets<2>(key)));
+        check(pavo_zorv::look<pavo_zorv::portable_piece>(at, limit, pavo_zorv::key_bytes<2>(key)));
+        check(pavo_zorv::look<pavo_zorv::native_piece>(at, limit, pavo_zorv::key_bytes<2>(key)));
       }
       if (HasFatalFailure()) return;
     }
@@ -443,35 +445,35 @@ std::vector<Element> boundaries() {
 template <class Element>
 class both_writers : public ::testing::Test {
  protected:
-  // Into a buffer in which the run begins `before` octets behind the start; what is before and behind stays as it was.
+  // Into a buffer in which the run begins `before` bytes after the start; what is before and after stays as it was.
   // The elements end at an inaccessible page.
   void agree(const std::vector<Element> &elements, unsigned number, std::size_t before) {
     const std::size_t key_size = number < 16 ? 1 : 2, size = elements.size() * sizeof(Element);
     const fenced_block large(size > page_.size() ? size : 0);
     const fenced_block &block = size > page_.size() ? large : page_;
-    octet *const start = block.data() + block.size() - size;
+    byte *const start = block.data() + block.size() - size;
     if (size != 0) std::memcpy(start, elements.data(), size);
     const auto *const data = reinterpret_cast<const Element *>(start);
     const std::size_t values = static_cast<std::size_t>(pavo_zorv::plain::measure_integers(data, elements.size()));
     ASSERT_EQ(pavo_zorv::measure_integers(data, elements.size()), values) << ::testing::PrintToString(elements);
     const std::size_t length = elements.size() * key_size + values;
-    octets plain(before + length + 16, 0xc7), fast = plain;
-    const auto write = [&](octets &into, auto prepend) {
-      octet *const first = into.data();
+    byte_string plain(before + length + 16, 0xc7), fast = plain;
+    const auto write = [&](byte_string &into, auto prepend) {
+      byte *const first = into.data();
       return prepend(pavo_zorv::quick_sink{first, nullptr}, first + before + length) - first;
     };
     ASSERT_EQ(write(plain,
-                    [&](const auto &sink, octet *at) {
+                    [&](const auto &sink, byte *at) {
                       return pavo_zorv::plain::prepend_integers(sink, at, number, data, elements.size());
                     }),
               static_cast<std::ptrdiff_t>(before));
     ASSERT_EQ(
         write(fast, [&](const auto &sink,
-                        octet *at) { return pavo_zorv::prepend_integers(sink, at, number, data, elements.size()); }),
+                        byte *at) { return pavo_zorv::prepend_integers(sink, at, number, data, elements.size()); }),
         static_cast<std::ptrdiff_t>(before));
-    // What lies before is not yet written when the run is, and may be overwritten; what lies behind is not.
-    ASSERT_EQ(octets(fast.begin() + static_cast<std::ptrdiff_t>(before), fast.end()),
-              octets(plain.begin() + static_cast<std::ptrdiff_t>(before), plain.end()))
+    // What lies before is not yet written when the run is, and may be overwritten; what lies after is not.
+    ASSERT_EQ(byte_string(fast.begin() + static_cast<std::ptrdiff_t>(before), fast.end()),
+              byte_string(plain.begin() + static_cast<std::ptrdiff_t>(before), plain.end()))
         << ::testing::PrintToString(elements);
   }
 
@@ -533,23 +535,23 @@ TYPED_TEST(both_writers, agree_on_long_arrays) {
 
 // A list of integers asks for its room before it writes: below the floor it touches no more than one store does.
 template <class Element>
-void asks_for_its_room(unsigned number, Element value, std::size_t octets_of_value) {
-  const std::size_t each = (number < 16 ? 1 : 2) + octets_of_value;
+void asks_for_its_room(unsigned number, Element value, std::size_t bytes_of_value) {
+  const std::size_t each = (number < 16 ? 1 : 2) + bytes_of_value;
   const std::vector<Element> values(700, value);
   for (const std::size_t count : {1u, 3u, 4u, 5u, 8u, 9u, 33u, 100u, 699u, 700u}) {
     for (std::size_t above = 0; above <= 1200; above += 1 + above / 100) {
       constexpr std::size_t below = 8192, of_one_store = 16;
-      octets space(below + above, 0xc7);
-      octet *const first = space.data(), *const floor = first + below, *const end = floor + above;
+      byte_string space(below + above, 0xc7);
+      byte *const first = space.data(), *const floor = first + below, *const end = floor + above;
       const pavo_zorv::quick_sink sink{first, nullptr, floor};
       const auto *const start = pavo_zorv::prepend_integers(sink, end, number, values.data(), count);
       if (each * count <= above) {
-        ASSERT_EQ(static_cast<std::size_t>(end - start), each * count) << count << " elements, " << above << " octets";
+        ASSERT_EQ(static_cast<std::size_t>(end - start), each * count) << count << " elements, " << above << " bytes";
       } else {
-        ASSERT_TRUE(sink.is_full(start)) << count << " elements, " << above << " octets";
+        ASSERT_TRUE(sink.is_full(start)) << count << " elements, " << above << " bytes";
       }
       ASSERT_EQ(std::count(first, floor - of_one_store, 0xc7), static_cast<std::ptrdiff_t>(below - of_one_store))
-          << count << " elements, " << above << " octets";
+          << count << " elements, " << above << " bytes";
     }
   }
 }
@@ -565,7 +567,7 @@ TEST(writing_aside, a_list_of_integers_asks_for_its_room) {
   }
 }
 
-TEST(comparing_integers, reads_nothing_behind_them) {
+TEST(comparing_integers, reads_nothing_after_them) {
   for (std::size_t length = 0; length <= 40; ++length) {
     const fenced_block left(4 * length), right(4 * length);
     const auto compare = [&](auto element) {

@@ -30,7 +30,7 @@ TEST(callers_memory, more_elements_than_a_count_holds_are_refused_without_asking
 
 TEST(callers_memory, arrays_that_no_address_space_holds_are_refused_without_asking) {
   struct giant {
-    unsigned char octets[std::size_t{PTRDIFF_MAX} / 4];
+    unsigned char bytes[std::size_t{PTRDIFF_MAX} / 4];
   };
   sizes asked;
   const pavo_zorv::memory memory{note_size, &asked};

@@ -1,5 +1,5 @@
 // Messages of the tests: every kind of member in one message, on both sides of a bytes member and of field 16, where
-// keys become two octets long, and presence flags of every width. The five operations are the library's templates.
+// keys become two bytes long, and presence flags of every width. The five operations are the library's templates.
 #pragma once
 
 #include "core/operations.hpp"
@@ -22,7 +22,7 @@ struct branch {
   leaf first;
   leaf *leaves;
   std::uint32_t leaves_count;
-  std::uint8_t octet;
+  std::uint8_t byte;
   std::int32_t signed_word;
   std::uint64_t long_word;
   std::int64_t signed_long_word;
@@ -50,7 +50,7 @@ struct crate {
 // Every kind, twice: 29 fields, 32 presence bits. The bytes stand between nested messages and lists.
 struct everything {
   std::uint8_t flag;
-  std::uint8_t octet;
+  std::uint8_t byte;
   std::uint32_t word;
   std::int32_t signed_word;
   std::uint64_t long_word;
@@ -71,7 +71,7 @@ struct everything {
   std::uint32_t word_15;
   std::uint32_t word_16;
   std::uint8_t flag_17;
-  std::uint8_t octet_18;
+  std::uint8_t byte_18;
   std::int32_t signed_word_19;
   std::uint64_t long_word_20;
   std::int64_t signed_long_word_21;
@@ -118,7 +118,7 @@ inline constexpr auto schema<test::branch> = message(
     flag(1, "flag", &test::branch::flag),
     nested(2, "first", &test::branch::first),
     repeated(3, "leaves", &test::branch::leaves, &test::branch::leaves_count),
-    scalar(4, "octet", &test::branch::octet),
+    scalar(4, "byte", &test::branch::byte),
     scalar(5, "signed_word", &test::branch::signed_word),
     scalar(6, "long_word", &test::branch::long_word),
     scalar(7, "signed_long_word", &test::branch::signed_long_word),
@@ -138,7 +138,7 @@ inline constexpr auto schema<test::crate> = message(
 template <>
 inline constexpr auto schema<test::everything> = message(
     flag(1, "flag", &test::everything::flag),
-    scalar(2, "octet", &test::everything::octet),
+    scalar(2, "byte", &test::everything::byte),
     scalar(3, "word", &test::everything::word),
     scalar(4, "signed_word", &test::everything::signed_word),
     scalar(5, "long_word", &test::everything::long_word),
@@ -154,7 +154,7 @@ inline constexpr auto schema<test::everything> = message(
     scalar(15, "word_15", &test::everything::word_15),
     scalar(16, "word_16", &test::everything::word_16),
     flag(17, "flag_17", &test::everything::flag_17),
-    scalar(18, "octet_18", &test::everything::octet_18),
+    scalar(18, "byte_18", &test::everything::byte_18),
     scalar(19, "signed_word_19", &test::everything::signed_word_19),
     scalar(20, "long_word_20", &test::everything::long_word_20),
     scalar(21, "signed_long_word_21", &test::everything::signed_long_word_21),

@@ -12,17 +12,17 @@
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 using zorv::owned;
 
 static_assert(!std::is_copy_constructible_v<owned<api_msg>> && !std::is_copy_assignable_v<owned<api_msg>>);
 static_assert(std::is_nothrow_move_constructible_v<owned<api_msg>>);
 static_assert(std::is_nothrow_move_assignable_v<owned<api_msg>>);
-// A literal has a NUL behind it that nobody means.
-static_assert(!std::is_convertible_v<const char (&)[3], zorv::octets>);
-static_assert(std::is_convertible_v<std::string_view, zorv::octets>);
-static_assert(std::is_convertible_v<std::array<std::byte, 3>, zorv::octets>);
-static_assert(!std::is_convertible_v<std::vector<int>, zorv::octets>);
+// A literal has a NUL after it that nobody means.
+static_assert(!std::is_convertible_v<const char (&)[3], zorv::bytes>);
+static_assert(std::is_convertible_v<std::string_view, zorv::bytes>);
+static_assert(std::is_convertible_v<std::array<std::byte, 3>, zorv::bytes>);
+static_assert(!std::is_convertible_v<std::vector<int>, zorv::bytes>);
 
 // The C functions and the layer promise not to throw.
 template <class Function>
@@ -55,9 +55,9 @@ static_assert(std::is_same_v<decltype(zorv::get<&srv6_sid_struct::field3>(srv6_s
 static_assert(std::is_same_v<decltype(zorv::get<&api_policy::field9>(api_policy{})), std::int32_t>);
 
 // Interface 7, "eth0".
-const octets interface_octets = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
-// A micro-SID's prefix: three octets, and 64.
-const octets prefix_octets = {0x0a, 0x03, 0x20, 0x01, 0x0d, 0x10, 0x40};
+const byte_string interface_bytes = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
+// A micro-SID's prefix: three bytes, and 64.
+const byte_string prefix_bytes = {0x0a, 0x03, 0x20, 0x01, 0x0d, 0x10, 0x40};
 
 // Counts what is out, so that a test can see that all of it comes back.
 class account {
@@ -97,7 +97,7 @@ class resource : public std::pmr::memory_resource {
 TEST(owned, releases_what_it_decoded) {
   account memory;
   {
-    const auto intf = zorv::decode<api_intf>(interface_octets, memory);
+    const auto intf = zorv::decode<api_intf>(interface_bytes, memory);
     ASSERT_TRUE(intf.ok());
     EXPECT_EQ(intf->field1, 7u);
     EXPECT_STREQ(intf->field2, "eth0");
@@ -108,7 +108,7 @@ TEST(owned, releases_what_it_decoded) {
 
 TEST(owned, releases_what_a_decoding_that_failed_had_read) {
   account memory;
-  octets cut_off = interface_octets;
+  byte_string cut_off = interface_bytes;
   cut_off.push_back(0x08);
   const auto intf = zorv::decode<api_intf>(cut_off, memory);
   EXPECT_EQ(intf.result(), CODEC_ERR_TRUNCATED);
@@ -119,14 +119,14 @@ TEST(owned, releases_what_a_decoding_that_failed_had_read) {
 TEST(owned, says_that_there_was_no_memory) {
   account memory;
   memory->fail_at = 0;
-  EXPECT_EQ(zorv::decode<api_intf>(interface_octets, memory).result(), CODEC_ERR_NO_MEMORY);
+  EXPECT_EQ(zorv::decode<api_intf>(interface_bytes, memory).result(), CODEC_ERR_NO_MEMORY);
 }
 
 TEST(owned, decodes_again_and_again) {
   account memory;
   owned<api_intf> intf{memory};
   for (int i = 0; i < 3; ++i) {
-    ASSERT_EQ(intf.decode(interface_octets), CODEC_OK);
+    ASSERT_EQ(intf.decode(interface_bytes), CODEC_OK);
     EXPECT_EQ(memory->live, 1u);
   }
   EXPECT_EQ(intf.decode({}), CODEC_OK);
@@ -136,12 +136,12 @@ TEST(owned, decodes_again_and_again) {
 
 TEST(owned, is_moved_with_all_that_it_owns) {
   account memory;
-  auto first = zorv::decode<api_intf>(interface_octets, memory);
+  auto first = zorv::decode<api_intf>(interface_bytes, memory);
   owned<api_intf> second = std::move(first);
   EXPECT_EQ(first->field2, nullptr);
   EXPECT_STREQ(second->field2, "eth0");
   account others;
-  auto third = zorv::decode<api_intf>(interface_octets, others);
+  auto third = zorv::decode<api_intf>(interface_bytes, others);
   third = std::move(second);
   EXPECT_EQ(others->live, 0u) << "what it held before is released";
   EXPECT_STREQ(third->field2, "eth0");
@@ -152,9 +152,9 @@ TEST(owned, is_moved_with_all_that_it_owns) {
 
 TEST(owned, is_empty_after_a_reset) {
   account memory;
-  auto intf = zorv::decode<api_intf>(octets{0x12}, memory);
+  auto intf = zorv::decode<api_intf>(byte_string{0x12}, memory);
   EXPECT_EQ(intf.result(), CODEC_ERR_TRUNCATED);
-  EXPECT_EQ(intf.decode(interface_octets), CODEC_OK);
+  EXPECT_EQ(intf.decode(interface_bytes), CODEC_OK);
   intf.reset();
   EXPECT_EQ(memory->live, 0u);
   EXPECT_EQ(zorv::encoded_size(*intf), 0u);
@@ -163,7 +163,7 @@ TEST(owned, is_empty_after_a_reset) {
 
 TEST(owned, gives_up_its_record) {
   account memory;
-  api_intf plain = zorv::decode<api_intf>(interface_octets, memory).release();
+  api_intf plain = zorv::decode<api_intf>(interface_bytes, memory).release();
   EXPECT_EQ(memory->live, 1u);
   const zorv::memory callbacks = memory;
   pavo_zorv_api_intf_free_ext(&plain, callbacks.release, callbacks.context);
@@ -172,10 +172,10 @@ TEST(owned, gives_up_its_record) {
 TEST(owned, keeps_the_options_that_it_was_decoded_with) {
   account memory;
   {
-    auto prefix = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+    auto prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
     ASSERT_TRUE(prefix.ok());
     EXPECT_EQ(prefix.options(), PAVO_ZORV_REFERENCE);
-    EXPECT_EQ(prefix->field1, prefix_octets.data() + 2) << "it points into the input";
+    EXPECT_EQ(prefix->field1, prefix_bytes.data() + 2) << "it points into the input";
     auto moved = std::move(prefix);
     EXPECT_EQ(moved.options(), PAVO_ZORV_REFERENCE);
   }
@@ -184,15 +184,15 @@ TEST(owned, keeps_the_options_that_it_was_decoded_with) {
 
 TEST(owned, takes_over_the_options_as_well_when_it_is_assigned_to) {
   account memory;
-  auto prefix = zorv::decode<srv6_prefix>(prefix_octets, memory);
-  prefix = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+  auto prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory);
+  prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
   EXPECT_EQ(prefix.options(), PAVO_ZORV_REFERENCE);
   EXPECT_EQ(memory->live, 0u);
 }
 
 TEST(duplicate, owns_all_its_memory) {
   account memory;
-  const auto referenced = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
+  const auto referenced = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
   const auto copy = zorv::duplicate(*referenced, memory);
   ASSERT_TRUE(copy.ok());
   EXPECT_EQ(memory->live, 1u);
@@ -202,7 +202,7 @@ TEST(duplicate, owns_all_its_memory) {
 
 TEST(duplicate, says_that_there_was_no_memory) {
   account memory;
-  const auto original = zorv::decode<api_intf>(interface_octets, memory);
+  const auto original = zorv::decode<api_intf>(interface_bytes, memory);
   memory->fail_at = 1;
   const auto copy = zorv::duplicate(*original, memory);
   EXPECT_EQ(copy.result(), CODEC_ERR_NO_MEMORY);
@@ -220,9 +220,9 @@ TEST(comparing, orders_records_owned_or_plain) {
 }
 
 TEST(encoding, fills_any_contiguous_container) {
-  const auto intf = zorv::decode<api_intf>(interface_octets);
+  const auto intf = zorv::decode<api_intf>(interface_bytes);
   EXPECT_EQ(zorv::encoded_size(*intf), 8u);
-  EXPECT_EQ(zorv::encode(*intf), interface_octets);
+  EXPECT_EQ(zorv::encode(*intf), interface_bytes);
   std::string text = "what was there before";
   zorv::encode_into(text, *intf);
   EXPECT_EQ(text,
@@ -236,7 +236,7 @@ TEST(encoding, fills_any_contiguous_container) {
 }
 
 TEST(encoding, writes_what_fits_into_a_short_buffer) {
-  const auto intf = zorv::decode<api_intf>(interface_octets);
+  const auto intf = zorv::decode<api_intf>(interface_bytes);
   std::array<unsigned char, 4> buffer{0xff, 0xff, 0xff, 0xff};
   EXPECT_EQ(zorv::encode(*intf, buffer.data(), 3), 8u);
   EXPECT_EQ(buffer, (std::array<unsigned char, 4>{0x08, 0x07, 0x12, 0xff}));
@@ -244,23 +244,23 @@ TEST(encoding, writes_what_fits_into_a_short_buffer) {
 
 TEST(encoding, comes_with_its_segment_table) {
   owned<srv6_prefix> prefix({}, PAVO_ZORV_REFERENCE);
-  const octets address = {0x20, 0x01, 0x0d};
+  const byte_string address = {0x20, 0x01, 0x0d};
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(address), CODEC_OK);
   prefix.set<&srv6_prefix::field2>(64u);
   EXPECT_EQ(prefix->field1, address.data()) << "not copied";
   const auto encoding = zorv::encode_segmented(*prefix, prefix.options());
-  EXPECT_EQ(encoding.octets, (octets{0x0a, 0x03, 0x10, 0x40}));
+  EXPECT_EQ(encoding.bytes, (byte_string{0x0a, 0x03, 0x10, 0x40}));
   ASSERT_EQ(encoding.segments.size(), 3u);
-  octets sent;
+  byte_string sent;
   for (const pavo_zorv_segment &piece : encoding.segments) {
     sent.insert(sent.end(), piece.start, piece.start + piece.length);
   }
-  EXPECT_EQ(sent, prefix_octets);
+  EXPECT_EQ(sent, prefix_bytes);
 }
 
 TEST(encoding, of_nothing_has_no_segments) {
   const auto encoding = zorv::encode_segmented(api_addr{});
-  EXPECT_TRUE(encoding.octets.empty());
+  EXPECT_TRUE(encoding.bytes.empty());
   EXPECT_TRUE(encoding.segments.empty());
 }
 
@@ -330,10 +330,10 @@ TEST(values, that_find_no_memory_leave_the_way_to_the_member_as_it_was) {
   EXPECT_EQ((message.resize<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>(1)), nullptr);
   EXPECT_EQ(zorv::encoded_size(*message), 0u);
   message.set<&api_msg::to_zorv, &api_to_zorv::field3>(true);
-  EXPECT_EQ(zorv::encode(*message), (octets{0x62, 0x02, 0x18, 0x01}));
+  EXPECT_EQ(zorv::encode(*message), (byte_string{0x62, 0x02, 0x18, 0x01}));
   memory->fail_from = PAVO_ZORV_NEVER;
   ASSERT_NE((message.resize<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>(1)), nullptr);
-  EXPECT_EQ(zorv::encode(*message), (octets{0x5a, 0x04, 0x12, 0x02, 0x1a, 0x00, 0x62, 0x02, 0x18, 0x01}));
+  EXPECT_EQ(zorv::encode(*message), (byte_string{0x5a, 0x04, 0x12, 0x02, 0x1a, 0x00, 0x62, 0x02, 0x18, 0x01}));
 }
 
 TEST(values, of_bytes_are_copied_unless_referenced) {
@@ -342,13 +342,13 @@ TEST(values, of_bytes_are_copied_unless_referenced) {
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(std::string_view("\x20\x01\x0d")), CODEC_OK);
   EXPECT_EQ(prefix->field1_length, 3u);
   EXPECT_EQ(memory->live, 1u);
-  EXPECT_EQ(zorv::encode(*prefix), (octets{0x0a, 0x03, 0x20, 0x01, 0x0d}));
+  EXPECT_EQ(zorv::encode(*prefix), (byte_string{0x0a, 0x03, 0x20, 0x01, 0x0d}));
 }
 
 TEST(values, of_bytes_that_take_the_place_of_referenced_ones_do_not_release_them) {
   account memory;
-  auto prefix = zorv::decode<srv6_prefix>(prefix_octets, memory, PAVO_ZORV_REFERENCE);
-  const octets other = {0xff};
+  auto prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
+  const byte_string other = {0xff};
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(other), CODEC_OK);
   EXPECT_EQ(prefix->field1, other.data());
   EXPECT_EQ(prefix->field1_length, 1u);
@@ -447,7 +447,7 @@ TEST(numbers, that_do_not_fit_leave_the_way_to_the_member_as_it_was) {
   EXPECT_EQ((message.try_set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(-1)), zorv::does_not_fit);
   EXPECT_TRUE(zorv::encode(*message).empty());
   EXPECT_EQ((message.try_set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(7)), CODEC_OK);
-  EXPECT_EQ(zorv::encode(*message), (octets{0x62, 0x04, 0x12, 0x02, 0x08, 0x07}));
+  EXPECT_EQ(zorv::encode(*message), (byte_string{0x62, 0x04, 0x12, 0x02, 0x08, 0x07}));
   EXPECT_EQ((message.get<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>()), 7u);
 }
 
@@ -455,7 +455,7 @@ TEST(numbers, that_are_certain_to_fit_are_set_without_a_result) {
   owned<srv6_sid_struct> sid;
   sid.set<&srv6_sid_struct::field3>(zorv::constant<255>);
   sid.set<&srv6_sid_struct::field4>(std::uint8_t{2});
-  EXPECT_EQ(zorv::encode(*sid), (octets{0x18, 0xff, 0x01, 0x20, 0x02}));
+  EXPECT_EQ(zorv::encode(*sid), (byte_string{0x18, 0xff, 0x01, 0x20, 0x02}));
   owned<api_policy> policy;
   policy.set<&api_policy::field9>(-1);
   policy.set<&api_policy::field8>(std::uint16_t{65535});
@@ -475,7 +475,7 @@ TEST(numbers, in_elements_of_lists_are_set_and_refused_alike) {
   list.set_in<&api_policy::field10>(*policy, true);
   EXPECT_EQ(list.try_set_in<&api_policy::field9>(*policy, 2147483648u), zorv::does_not_fit);
   EXPECT_EQ(list.try_set_in<&api_policy::field8>(*policy, 6), CODEC_OK);
-  EXPECT_EQ(zorv::encode(*list), (octets{0x1a, 0x06, 0x40, 0x06, 0x48, 0x05, 0x50, 0x01}));
+  EXPECT_EQ(zorv::encode(*list), (byte_string{0x1a, 0x06, 0x40, 0x06, 0x48, 0x05, 0x50, 0x01}));
 }
 
 TEST(flags, are_bool) {
@@ -483,10 +483,10 @@ TEST(flags, are_bool) {
   EXPECT_FALSE(message.get<&api_msg::field15>());
   message.set<&api_msg::field15>(true);
   EXPECT_TRUE(message.get<&api_msg::field15>());
-  EXPECT_EQ(zorv::encode(*message), (octets{0x78, 0x01}));
+  EXPECT_EQ(zorv::encode(*message), (byte_string{0x78, 0x01}));
   message.set<&api_msg::field15>(zorv::constant<false>);
   EXPECT_FALSE(message.get<&api_msg::field15>());
-  EXPECT_EQ(zorv::encode(*message), (octets{0x78, 0x00}));
+  EXPECT_EQ(zorv::encode(*message), (byte_string{0x78, 0x00}));
   message->field15 = 2;
   EXPECT_TRUE(zorv::get<&api_msg::field15>(*message)) << "what is not 0 is true";
 }
@@ -543,7 +543,7 @@ TEST(lists, of_messages_are_made_filled_and_released) {
     EXPECT_EQ(memory->live, 1 + count * 2) << "what the elements before owned is released";
   }
   EXPECT_EQ(zorv::encode(*list),
-            (octets{0x1a, 0x0e, 0x0a, 0x08, 'p', 'o', 'l', 'i', 'c', 'y', ' ', '0', 0x2a, 0x00, 0x2a, 0x00}));
+            (byte_string{0x1a, 0x0e, 0x0a, 0x08, 'p', 'o', 'l', 'i', 'c', 'y', ' ', '0', 0x2a, 0x00, 0x2a, 0x00}));
 }
 
 TEST(lists, that_find_no_memory_stay_as_they_were) {
@@ -558,7 +558,7 @@ TEST(lists, that_find_no_memory_stay_as_they_were) {
 TEST(memory, may_be_any_memory_resource) {
   resource from;
   {
-    auto intf = zorv::decode<api_intf>(interface_octets, from);
+    auto intf = zorv::decode<api_intf>(interface_bytes, from);
     ASSERT_TRUE(intf.ok());
     EXPECT_EQ(from.out, 5u + 8u);
     const auto copy = zorv::duplicate(*intf, &from);
@@ -572,21 +572,21 @@ TEST(memory, may_be_any_memory_resource) {
   from.refuses = false;
   const zorv::memory callbacks = from;
   for (std::size_t less = 0; less < sizeof(pavo_zorv_alignment); ++less) {
-    EXPECT_EQ(callbacks.allocate(SIZE_MAX - less, callbacks.context), nullptr) << "its own octets would wrap";
+    EXPECT_EQ(callbacks.allocate(SIZE_MAX - less, callbacks.context), nullptr) << "its own bytes would wrap";
   }
 }
 
 TEST(memory, may_be_a_monotonic_buffer_or_a_pool) {
   std::array<std::byte, 256> block;
   std::pmr::monotonic_buffer_resource arena(block.data(), block.size(), std::pmr::null_memory_resource());
-  EXPECT_TRUE(zorv::decode<api_intf>(interface_octets, arena).ok());
+  EXPECT_TRUE(zorv::decode<api_intf>(interface_bytes, arena).ok());
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, block.data(), block.size());
-  EXPECT_TRUE(zorv::decode<api_intf>(interface_octets, pool).ok());
+  EXPECT_TRUE(zorv::decode<api_intf>(interface_bytes, pool).ok());
   EXPECT_EQ(pool.used, 8u);
   pavo_zorv_budget budget;
   pavo_zorv_budget_init(&budget, 12, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr);
-  EXPECT_EQ(zorv::decode<api_intf>(interface_octets, budget).result(), CODEC_ERR_NO_MEMORY);
+  EXPECT_EQ(zorv::decode<api_intf>(interface_bytes, budget).result(), CODEC_ERR_NO_MEMORY);
 }
 
 }  // namespace

@@ -28,9 +28,9 @@ std::string kind_text() {
     return "string";
   } else if constexpr (row::type == kind::bytes) {
     return "bytes";
-  } else if constexpr (row::type == kind::integers) {
+  } else if constexpr (row::type == kind::integer_list) {
     return "list of " + integer_text<typename row::element>() + " integers";
-  } else if constexpr (row::type == kind::messages) {
+  } else if constexpr (row::type == kind::message_list) {
     return std::string("list of `") + pavo_zorv::message_name<typename row::nested> + "`";
   } else {
     return std::string("nested `") + pavo_zorv::message_name<typename row::nested> + "`";

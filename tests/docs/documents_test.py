@@ -43,8 +43,8 @@ view = re.search(r"```text\n(.*?)```", readme, re.DOTALL)
 if view is None:
     faults.append("README.md shows no message")
 elif len(sys.argv) > 2:
-    octets = "".join(line[8:44] for line in view[1].splitlines())
-    shown = subprocess.run([sys.argv[2], "hex", "api_msg"], input=octets, text=True, capture_output=True, check=False)
+    bytes = "".join(line[8:44] for line in view[1].splitlines())
+    shown = subprocess.run([sys.argv[2], "hex", "api_msg"], input=bytes, text=True, capture_output=True, check=False)
     if shown.returncode != 0 or shown.stdout != view[1]:
         faults.append(f"README.md shows another view than zorv-inspect:\n{shown.stdout}{shown.stderr}")
 

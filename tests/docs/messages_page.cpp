@@ -8,7 +8,7 @@ namespace {
 constexpr const char *introduction =
     "# The messages\n"
     "\n"
-    "Every message with its fields: the number, the member of the record, its kind, the octets of its key on the "
+    "Every message with its fields: the number, the member of the record, its kind, the bytes of its key on the "
     "wire,\n"
     "and the constant of its presence bit, which is bit 0 for field 1 and so on. What a kind means is said in\n"
     "[wire_format.md](wire_format.md). Messages that are marked so take the options word: see\n"
@@ -20,9 +20,9 @@ std::string key_text(unsigned number, pavo_zorv::wire_type wire) {
   std::string text;
   unsigned key = number << 3 | static_cast<unsigned>(wire);
   do {
-    char octet[4];
-    std::snprintf(octet, sizeof octet, "%02x", (key & 0x7f) | (key > 0x7f ? 0x80 : 0));
-    text += text.empty() ? octet : std::string(" ") + octet;
+    char byte[4];
+    std::snprintf(byte, sizeof byte, "%02x", (key & 0x7f) | (key > 0x7f ? 0x80 : 0));
+    text += text.empty() ? byte : std::string(" ") + byte;
     key >>= 7;
   } while (key != 0);
   return text;

@@ -1,6 +1,6 @@
 // Numbers through the writers and the readers, compared with a plain writer and the naive reader:
 //
-//   every_number all        every number of 32 bits there and back, every input of up to 4 octets to the 32-bit reader,
+//   every_number all        every number of 32 bits there and back, every input of up to 4 bytes to the 32-bit reader,
 //                           and the boundaries of 64 bits
 //   every_number some       every 65537th of the first two, and the boundaries of 64 bits
 #include <sys/mman.h>
@@ -16,7 +16,7 @@
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 
 unsigned char *end_of_page() {
   const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
@@ -45,7 +45,7 @@ bool same(const unsigned char *a, const unsigned char *b, std::size_t size) {
   return result;
 }
 
-// One number as the only member of a message: written in as few octets as there are, and read again.
+// One number as the only member of a message: written in as few bytes as there are, and read again.
 std::uint64_t numbers_of_32_bits(std::uint64_t step) {
   unsigned char *const end = end_of_page();
   std::uint64_t tried = 0;
@@ -84,7 +84,7 @@ std::uint64_t inputs_of_length(std::size_t length, std::uint64_t step) {
 }
 
 // An input to the 64-bit reader, as the member of a message.
-void read_64(const octets &varint) {
+void read_64(const byte_string &varint) {
   static unsigned char *const end = end_of_page();
   unsigned char *const input = end - varint.size() - 1;
   input[0] = 0x18;
@@ -94,7 +94,7 @@ void read_64(const octets &varint) {
   std::size_t position = 0;
   std::uint64_t expected = 0;
   const bool whole = naive::decoder::read_64(varint.data(), varint.size(), position, expected);
-  if (whole && position != varint.size()) naive::broken("a varint with something behind it");
+  if (whole && position != varint.size()) naive::broken("a varint with something after it");
   if (result != (whole ? CODEC_OK : CODEC_ERR_TRUNCATED)) fail("the result of 64 bits", expected);
   if (in.field3 != (whole ? expected : 0)) fail("what is read of 64 bits", expected);
   if (in.presence != (whole ? API_MSG_INTERNAL_HAS_FIELD3 : 0)) fail("the presence of 64 bits", expected);
@@ -117,9 +117,9 @@ std::uint64_t boundaries_of_64_bits() {
           std::memcmp(written, expected, size) != 0) {
         fail("what is written of 64 bits", number);
       }
-      octets varint(expected + 1, expected + size);
+      byte_string varint(expected + 1, expected + size);
       for (std::size_t cut = 0; cut < varint.size(); ++cut) {
-        read_64(octets(varint.begin(), varint.begin() + static_cast<std::ptrdiff_t>(cut)));
+        read_64(byte_string(varint.begin(), varint.begin() + static_cast<std::ptrdiff_t>(cut)));
         ++tried;
       }
       while (varint.size() <= 14) {
@@ -133,12 +133,12 @@ std::uint64_t boundaries_of_64_bits() {
   return tried;
 }
 
-// The tenth octet adds one bit, whatever it is; what follows it adds nothing.
-std::uint64_t tenth_octets() {
+// The tenth byte adds one bit, whatever it is; what follows it adds nothing.
+std::uint64_t tenth_bytes() {
   std::uint64_t tried = 0;
   for (unsigned ninth = 0x80; ninth <= 0xff; ++ninth) {
     for (unsigned tenth = 0; tenth <= 0xff; ++tenth) {
-      octets varint(8, 0xd5);
+      byte_string varint(8, 0xd5);
       varint.push_back(static_cast<unsigned char>(ninth));
       varint.push_back(static_cast<unsigned char>(tenth));
       for (; varint.back() >= 0x80 && varint.size() < 13; ++tried) {
@@ -165,8 +165,8 @@ int main(int count, char **arguments) {
   print("numbers of 32 bits written and read again", numbers_of_32_bits(step));
   std::uint64_t inputs = 0;
   for (std::size_t length = 0; length <= 4; ++length) inputs += inputs_of_length(length, length < 3 ? 1 : step);
-  print("inputs of up to 4 octets read and stepped over", inputs);
+  print("inputs of up to 4 bytes read and stepped over", inputs);
   print("boundaries of 64 bits in all forms", boundaries_of_64_bits());
-  print("ninth and tenth octets of 64 bits", tenth_octets());
+  print("ninth and tenth bytes of 64 bits", tenth_bytes());
   return 0;
 }

@@ -1,4 +1,4 @@
-// Decodes every input up to a number of octets, as each message and in each mode, and compares result, record and
+// Decodes every input up to a number of bytes, as each message and in each mode, and compares result, record and
 // memory with the naive decoder. Each input ends at an inaccessible page.
 //
 //   every_short_input LONGEST [MESSAGE...]
@@ -158,8 +158,7 @@ int main(int count, char **arguments) {
     ++swept;
   }
   if (swept == 0) naive::broken("no such message");
-  std::printf(
-      "%u messages, all inputs up to %d octets: %llu decoded as the naive decoder does, %llu of them accepted\n", swept,
-      longest, static_cast<unsigned long long>(tried), static_cast<unsigned long long>(accepted));
+  std::printf("%u messages, all inputs up to %d bytes: %llu decoded as the naive decoder does, %llu of them accepted\n",
+              swept, longest, static_cast<unsigned long long>(tried), static_cast<unsigned long long>(accepted));
   return 0;
 }

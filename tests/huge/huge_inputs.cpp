@@ -15,7 +15,7 @@
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 
 unsigned checks = 0;
 
@@ -27,10 +27,10 @@ unsigned checks = 0;
 constexpr bool wide = sizeof(std::size_t) == 8;
 constexpr std::size_t chunk = std::size_t{1} << (wide ? 26 : 20);
 
-// Octets of a pattern, over and over, between `head` and `tail`. The last octet stands before an inaccessible page.
+// Bytes of a pattern, over and over, between `head` and `tail`. The last byte stands before an inaccessible page.
 class long_input {
  public:
-  long_input(const octets &head, const octets &pattern, std::uint64_t times, const octets &tail = {})
+  long_input(const byte_string &head, const byte_string &pattern, std::uint64_t times, const byte_string &tail = {})
       : size_(head.size() + pattern.size() * times + tail.size()) {
     if (chunk % pattern.size() != 0) naive::broken("the pattern does not fit");
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
@@ -41,14 +41,14 @@ class long_input {
     mapped_ = static_cast<std::size_t>(front + chunks * chunk + back + page);
     base_ = map(nullptr, mapped_, PROT_NONE, MAP_ANONYMOUS | MAP_NORESERVE, -1);
 
-    octets beginning = head;
+    byte_string beginning = head;
     for (std::size_t at = 0; at < rest; at += pattern.size()) {
       beginning.insert(beginning.end(), pattern.begin(), pattern.end());
     }
     data_ = put(base_, front, beginning);
     map_chunks(base_ + front, chunks, pattern);
     if (!tail.empty()) {
-      // The tail stands directly behind the chunks: the input does not end at the page then.
+      // The tail stands directly after the chunks: the input does not end at the page then.
       unsigned char *const at =
           map(base_ + front + chunks * chunk, back, PROT_READ | PROT_WRITE, MAP_ANONYMOUS | MAP_FIXED, -1);
       std::memcpy(at, tail.data(), tail.size());
@@ -64,17 +64,17 @@ class long_input {
  private:
   static unsigned char *map(void *at, std::size_t size, int access, int flags, int file) {
     void *const result = mmap(at, size, access, flags | (file < 0 ? MAP_PRIVATE : MAP_SHARED), file, 0);
-    if (result == MAP_FAILED) naive::broken("no addresses for " + std::to_string(size) + " octets");
+    if (result == MAP_FAILED) naive::broken("no addresses for " + std::to_string(size) + " bytes");
     return static_cast<unsigned char *>(result);
   }
-  // Where octets that end at the end of a room begin.
-  static unsigned char *put(unsigned char *room, std::size_t size, const octets &content) {
+  // Where bytes that end at the end of a room begin.
+  static unsigned char *put(unsigned char *room, std::size_t size, const byte_string &content) {
     if (size != 0) map(room, size, PROT_READ | PROT_WRITE, MAP_ANONYMOUS | MAP_FIXED, -1);
     unsigned char *const at = room + size - content.size();
     if (!content.empty()) std::memcpy(at, content.data(), content.size());
     return at;
   }
-  static void map_chunks(unsigned char *at, std::uint64_t chunks, const octets &pattern) {
+  static void map_chunks(unsigned char *at, std::uint64_t chunks, const byte_string &pattern) {
     if (chunks == 0) return;
     const int file = memfd_create("pattern", 0);
     if (file < 0 || ftruncate(file, chunk) != 0) naive::broken("no file in memory");
@@ -99,19 +99,19 @@ struct refusing {
   }
 };
 
-octets key(unsigned number, unsigned wire_type) { return {static_cast<unsigned char>(number << 3 | wire_type)}; }
+byte_string key(unsigned number, unsigned wire_type) { return {static_cast<unsigned char>(number << 3 | wire_type)}; }
 
-octets operator+(octets left, const octets &right) {
+byte_string operator+(byte_string left, const byte_string &right) {
   left.insert(left.end(), right.begin(), right.end());
   return left;
 }
 
-// A run of elements of two octets in the list of a message: what is asked for is the whole array or, where no size or
+// A run of elements of two bytes in the list of a message: what is asked for is the whole array or, where no size or
 // count can say that, nothing.
 void a_run(const naive::message &type, unsigned number, std::uint64_t elements) {
   const naive::member &field = type.members[number - 1];
   const bool integers = field.what == naive::sort::numbers;
-  const octets element = key(number, integers ? 0 : 2) + octets{0x00};
+  const byte_string element = key(number, integers ? 0 : 2) + byte_string{0x00};
   const long_input input({}, element, elements);
   std::vector<unsigned char> record(type.size, 0x5c);
   refusing memory;
@@ -165,7 +165,7 @@ void runs_of_2_to_the_32() {
 
 // One number, again and again.
 void an_input_of_more_than_4_gib() {
-  const long_input input({}, octets{0x08, 0x2a}, std::uint64_t{1} << 31 | 5, octets{0x08, 0x2b});
+  const long_input input({}, byte_string{0x08, 0x2a}, std::uint64_t{1} << 31 | 5, byte_string{0x08, 0x2b});
   CHECK(input.size() > UINT32_MAX);
   api_addr record = {};
   CHECK(pavo_zorv_api_addr_decode_ext(&record, input.data(), input.size(), nullptr, nullptr) == CODEC_OK);
@@ -173,12 +173,12 @@ void an_input_of_more_than_4_gib() {
   std::printf("a number %llu times\n", static_cast<unsigned long long>(input.size() / 2));
 }
 
-// The greatest length there is, with all its octets: of a string, of bytes in both modes, of an unknown field, and of a
+// The greatest length there is, with all its bytes: of a string, of bytes in both modes, of an unknown field, and of a
 // nested message.
 void the_greatest_length() {
-  const octets length{0xff, 0xff, 0xff, 0xff, 0x0f};
-  const octets zeros{0x00, 0x00};
-  const std::uint64_t times = std::uint64_t{1} << 31;  // two octets each: one more than the length says
+  const byte_string length{0xff, 0xff, 0xff, 0xff, 0x0f};
+  const byte_string zeros{0x00, 0x00};
+  const std::uint64_t times = std::uint64_t{1} << 31;  // two bytes each: one more than the length says
   {
     const long_input input(key(2, 2) + length, zeros, times);
     api_intf record = {};
@@ -189,10 +189,10 @@ void the_greatest_length() {
     CHECK(record.field2 == nullptr);
   }
   {
-    const long_input input(key(1, 2) + length, octets{0x10, 0x10}, times, octets{0x10});
+    const long_input input(key(1, 2) + length, byte_string{0x10, 0x10}, times, byte_string{0x10});
     srv6_prefix record = {};
     refusing memory;
-    // Behind the bytes there is the value of a key that the bytes end in.
+    // After the bytes there is the value of a key that the bytes end in.
     CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory,
                                            PAVO_ZORV_REFERENCE) == CODEC_OK);
     CHECK(memory.sizes.empty());
@@ -203,15 +203,15 @@ void the_greatest_length() {
     CHECK(record.field1 == nullptr && record.field1_length == 0);
   }
   {
-    const long_input input(key(9, 2) + length, octets{0x08, 0x08}, times, octets{0x08});
+    const long_input input(key(9, 2) + length, byte_string{0x08, 0x08}, times, byte_string{0x08});
     api_addr record = {};
     CHECK(pavo_zorv_api_addr_decode_ext(&record, input.data(), input.size(), nullptr, nullptr) == CODEC_OK);
     CHECK(record.address == 8);
   }
   {
-    const long_input input(key(4, 2) + length, octets{0x08, 0x08}, times, octets{0x01});
+    const long_input input(key(4, 2) + length, byte_string{0x08, 0x08}, times, byte_string{0x01});
     srv6_usid record = {};
-    // An odd length: the nested message ends behind a key.
+    // An odd length: the nested message ends after a key.
     CHECK(pavo_zorv_srv6_usid_decode_ext(&record, input.data(), input.size(), nullptr, nullptr, 0) ==
           CODEC_ERR_TRUNCATED);
     CHECK(record.sid_struct.field1 == 1 && record.presence == 0);
@@ -221,19 +221,20 @@ void the_greatest_length() {
 
 // Lengths that no input of this address space has: refused, or the end where the field is unknown.
 void lengths_beyond_the_input() {
-  for (const octets &length : {octets{0xff, 0xff, 0xff, 0xff, 0x0f}, octets{0xfa, 0xff, 0xff, 0xff, 0x0f},
-                               octets{0x80, 0x80, 0x80, 0x80, 0x08}, octets{0xff, 0xff, 0xff, 0xff, 0x07}}) {
-    const long_input nested(key(4, 2) + length, octets{0x08, 0x01}, 3);
+  for (const byte_string &length :
+       {byte_string{0xff, 0xff, 0xff, 0xff, 0x0f}, byte_string{0xfa, 0xff, 0xff, 0xff, 0x0f},
+        byte_string{0x80, 0x80, 0x80, 0x80, 0x08}, byte_string{0xff, 0xff, 0xff, 0xff, 0x07}}) {
+    const long_input nested(key(4, 2) + length, byte_string{0x08, 0x01}, 3);
     srv6_usid usid = {};
     CHECK(pavo_zorv_srv6_usid_decode_ext(&usid, nested.data(), nested.size(), nullptr, nullptr, 0) ==
           CODEC_ERR_TRUNCATED);
-    const long_input text(key(2, 2) + length, octets{0x08, 0x01}, 3);
+    const long_input text(key(2, 2) + length, byte_string{0x08, 0x01}, 3);
     api_intf intf = {};
     refusing memory;
     CHECK(pavo_zorv_api_intf_decode_ext(&intf, text.data(), text.size(), refusing::allocate, &memory) ==
           CODEC_ERR_TRUNCATED);
     CHECK(memory.sizes.empty());
-    const long_input unknown(key(9, 2) + length, octets{0x08, 0x01}, 3);
+    const long_input unknown(key(9, 2) + length, byte_string{0x08, 0x01}, 3);
     api_addr addr = {};
     CHECK(pavo_zorv_api_addr_decode_ext(&addr, unknown.data(), unknown.size(), nullptr, nullptr) == CODEC_OK);
     CHECK(addr.presence == 0);
@@ -244,7 +245,7 @@ void lengths_beyond_the_input() {
 // An encoding of 200 MB and, where there is room, of more than 8 GiB: measured, and written as far as it fits.
 void long_encodings() {
   const std::uint32_t count = wide ? UINT32_MAX : 66'666'666;
-  const long_input array({}, octets{0x01}, std::uint64_t{count});
+  const long_input array({}, byte_string{0x01}, std::uint64_t{count});
   api_prefix record = {};
   record.octets = const_cast<unsigned char *>(array.data());
   record.octets_count = count;
@@ -258,11 +259,11 @@ void long_encodings() {
   CHECK(std::memcmp(buffer, "\x08\x01\x08\x01", 5) == 0);
   CHECK(entries == 1 && segment.start == buffer && segment.length == std::uint64_t{2} * count);
   CHECK(pavo_zorv_api_prefix_compare(&record, &record) == 0);
-  std::printf("an encoding of %llu octets\n", static_cast<unsigned long long>(std::uint64_t{2} * count));
+  std::printf("an encoding of %llu bytes\n", static_cast<unsigned long long>(std::uint64_t{2} * count));
 }
 
-// Lists of 8-bit integers whose encoding is longer than 2^32 octets: exact, or SIZE_MAX where size_t has 32 bits, and
-// then neither the buffer nor the table is touched. The first is 400 octets too long, the second two.
+// Lists of 8-bit integers whose encoding is longer than 2^32 bytes: exact, or SIZE_MAX where size_t has 32 bits, and
+// then neither the buffer nor the table is touched. The first is 400 bytes too long, the second two.
 void lists_beyond_32_bits() {
   const auto has_total = [](auto encode, const auto &record, std::uint64_t total, const char *start) {
     unsigned char buffer[400];
@@ -277,13 +278,13 @@ void lists_beyond_32_bits() {
       CHECK(std::memcmp(buffer, start, 8) == 0);
     } else {
       CHECK(length == SIZE_MAX && segment.length == 77);
-      for (const unsigned char octet : buffer) CHECK(octet == 0xc7);
+      for (const unsigned char byte : buffer) CHECK(byte == 0xc7);
     }
-    std::printf("an encoding of %llu octets\n", static_cast<unsigned long long>(total));
+    std::printf("an encoding of %llu bytes\n", static_cast<unsigned long long>(total));
   };
   {
     const std::uint32_t count = (std::uint32_t{1} << 30) + 100;
-    const long_input array({}, octets{0xff}, count);
+    const long_input array({}, byte_string{0xff}, count);
     api_msg_p2p_auto_policy_notif record = {};
     record.field22 = const_cast<unsigned char *>(array.data());
     record.field22_count = count;
@@ -293,7 +294,7 @@ void lists_beyond_32_bits() {
   }
   {
     const std::uint32_t count = 1'431'655'766;
-    const long_input array({}, octets{0xc8}, count);
+    const long_input array({}, byte_string{0xc8}, count);
     prefix_sid_type record = {};
     record.field2 = const_cast<unsigned char *>(array.data());
     record.field2_count = count;
@@ -302,10 +303,10 @@ void lists_beyond_32_bits() {
   }
 }
 
-// 65,537 policies that share an array of 65,536 prefixes, each with one octet: more entries than 32 bits count.
+// 65,537 policies that share an array of 65,536 prefixes, each with one byte: more entries than 32 bits count.
 void more_entries_than_the_count_can_say() {
-  unsigned char octet = 1;
-  std::vector<api_prefix> prefixes(65'536, api_prefix{&octet, 1, 0, API_PREFIX_HAS_OCTETS});
+  unsigned char byte = 1;
+  std::vector<api_prefix> prefixes(65'536, api_prefix{&byte, 1, 0, API_PREFIX_HAS_OCTETS});
   std::vector<api_policy> policies(65'537);
   for (api_policy &policy : policies) {
     policy.prefixes = prefixes.data();
@@ -316,7 +317,7 @@ void more_entries_than_the_count_can_say() {
   list.policies = policies.data();
   list.policies_count = 65'537;
   list.presence = API_AA_LIST_HAS_POLICIES;
-  // A prefix takes four octets with its key and length, a policy 262,144 and four more.
+  // A prefix takes four bytes with its key and length, a policy 262,144 and four more.
   const std::uint64_t total = std::uint64_t{65'537} * 262'148;
   std::uint32_t entries = 7;
   CHECK(pavo_zorv_api_aa_list_encode_ext(&list, nullptr, 0, nullptr, &entries) ==
@@ -325,8 +326,8 @@ void more_entries_than_the_count_can_say() {
   std::printf("more than 2^32 entries\n");
 }
 
-octets varint(std::uint64_t value) {
-  octets result;
+byte_string varint(std::uint64_t value) {
+  byte_string result;
   for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
   result.push_back(static_cast<unsigned char>(value));
   return result;
@@ -335,16 +336,16 @@ octets varint(std::uint64_t value) {
 // A string of a length is read and written, in a message and in one inside another, so that the length of the inner one
 // is what is given.
 void a_string(std::uint64_t length) {
-  const octets prefix = octets{0x12} + varint(length);
+  const byte_string prefix = byte_string{0x12} + varint(length);
   {
-    const long_input input(prefix, octets{'x'}, length);
+    const long_input input(prefix, byte_string{'x'}, length);
     api_intf record = {};
     refusing memory;
     CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory) ==
           CODEC_ERR_NO_MEMORY);
     CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(length + 1)});
   }
-  const long_input text({}, octets{'x'}, length, octets{0});
+  const long_input text({}, byte_string{'x'}, length, byte_string{0});
   unsigned char buffer[16] = {};
   {
     api_intf record = {};
@@ -360,7 +361,7 @@ void a_string(std::uint64_t length) {
   outer.intf.field2 = reinterpret_cast<char *>(const_cast<unsigned char *>(text.data())) + shorter;
   outer.intf.presence = API_INTF_HAS_FIELD2;
   const std::uint64_t own = length - shorter, inner = 1 + varint(own).size() + own;
-  const octets outer_prefix = octets{0x12} + varint(inner) + octets{0x12} + varint(own);
+  const byte_string outer_prefix = byte_string{0x12} + varint(inner) + byte_string{0x12} + varint(own);
   CHECK(pavo_zorv_api_to_zorv_encode_ext(&outer, nullptr, 0, nullptr, nullptr) == outer_prefix.size() + own);
   CHECK(pavo_zorv_api_to_zorv_encode_ext(&outer, buffer, sizeof buffer, nullptr, nullptr) == outer_prefix.size() + own);
   CHECK(std::memcmp(buffer, outer_prefix.data(), outer_prefix.size()) == 0);

@@ -1,4 +1,4 @@
-// Every message through every form and back: what the library writes comes out as the same octets.
+// Every message through every form and back: what the library writes comes out as the same bytes.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -12,11 +12,11 @@
 #include "json_parse.hpp"
 #include "json_text.hpp"
 #include "laws.hpp"
-#include "octet_forms.hpp"
 #include "segment_table.hpp"
 #include "text_format.hpp"
 #include "types.hpp"
 #include "walk.hpp"
+#include "wire_forms.hpp"
 
 namespace inspect {
 namespace {
@@ -25,63 +25,63 @@ class every_message : public test::law {
  protected:
   const message_type &type() const { return *find_type(GetParam()->name); }
 
-  // Octets as the library writes them.
-  void for_canonical(const std::function<void(octet_view)> &trial) {
+  // Bytes as the library writes them.
+  void for_canonical(const std::function<void(byte_view)> &trial) {
     test::for_seeds(60, [&](test::dice &dice) {
       const test::random_record record(*GetParam(), dice, test::recipes::canonical);
-      octets input(type().encode(record.data(), nullptr, 0, nullptr, nullptr, 0));
+      byte_string input(type().encode(record.data(), nullptr, 0, nullptr, nullptr, 0));
       type().encode(record.data(), input.data(), input.size(), nullptr, nullptr, 0);
       test::on_trial() = input;
       trial(input);
     });
   }
 
-  octets from_node(const node &read, bytes_form bytes = bytes_form::base64) const {
+  byte_string from_node(const node &read, bytes_form bytes = bytes_form::base64) const {
     record content(type());
     content.read(read, bytes);
     return content.encode();
   }
 
-  octets through_json(octet_view input, bytes_form bytes) const {
+  byte_string through_json(byte_view input, bytes_form bytes) const {
     record content(type());
     EXPECT_EQ(content.decode(input), CODEC_OK);
     const std::string text = to_text(content.write({bytes, {}}));
     return from_node(parse_json(view_of(text)), bytes);
   }
 
-  static octet_view view_of(const std::string &text) {
+  static byte_view view_of(const std::string &text) {
     return {reinterpret_cast<const unsigned char *>(text.data()), text.size()};
   }
 
-  static octets owned(octet_view view) { return octets(view.begin(), view.end()); }
+  static byte_string owned(byte_view view) { return byte_string(view.begin(), view.end()); }
 };
 
 TEST_P(every_message, comes_back_from_json) {
-  for_canonical([&](octet_view input) { ASSERT_EQ(through_json(input, bytes_form::base64), owned(input)); });
+  for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::base64), owned(input)); });
 }
 
 TEST_P(every_message, comes_back_from_json_with_hexadecimal_bytes) {
-  for_canonical([&](octet_view input) { ASSERT_EQ(through_json(input, bytes_form::hex), owned(input)); });
+  for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::hex), owned(input)); });
 }
 
 TEST_P(every_message, comes_back_from_the_text_form) {
-  for_canonical([&](octet_view input) {
+  for_canonical([&](byte_view input) {
     const std::string text = to_text_format(type(), input);
     ASSERT_EQ(from_node(parse_text_format(type(), view_of(text))), owned(input)) << text;
   });
 }
 
-TEST_P(every_message, comes_back_from_its_annotated_octets) {
-  for_canonical([&](octet_view input) {
+TEST_P(every_message, comes_back_from_its_annotated_bytes) {
+  for_canonical([&](byte_view input) {
     if (input.empty()) return;
     const std::string text = hex_text(input, annotate(input, walk_message(type(), input)), painter(false));
-    ASSERT_EQ(octets_of(owned(view_of(text)), octet_form::dump), owned(input)) << text;
+    ASSERT_EQ(bytes_of(owned(view_of(text)), wire_form::dump), owned(input)) << text;
   });
 }
 
 TEST_P(every_message, is_canonical_as_the_library_writes_it) {
   examiner examiner;
-  for_canonical([&](octet_view input) {
+  for_canonical([&](byte_view input) {
     const findings found = examiner.examine(type(), input);
     ASSERT_EQ(found.result, CODEC_OK);
     ASSERT_TRUE(found.is_canonical);
@@ -90,7 +90,7 @@ TEST_P(every_message, is_canonical_as_the_library_writes_it) {
 }
 
 TEST_P(every_message, has_a_segment_table_that_is_understood) {
-  for_canonical([&](octet_view input) {
+  for_canonical([&](byte_view input) {
     for (const bool referenced : {false, true}) {
       const segment_table table = segments_of(type(), input, referenced);
       ASSERT_TRUE(table.as_expected);
@@ -107,14 +107,14 @@ TEST_P(every_message, differs_where_compare_says_so) {
   test::for_seeds(200, [&](test::dice &dice) {
     test::random_record changed(*GetParam(), dice, test::recipes::alike);
     record a(type()), b(type());
-    const auto octets_of_record = [&] {
-      octets result(type().encode(changed.data(), nullptr, 0, nullptr, nullptr, 0));
+    const auto bytes_of_record = [&] {
+      byte_string result(type().encode(changed.data(), nullptr, 0, nullptr, nullptr, 0));
       type().encode(changed.data(), result.data(), result.size(), nullptr, nullptr, 0);
       return result;
     };
-    const octets first = octets_of_record();
+    const byte_string first = bytes_of_record();
     if (dice.percent(70)) changed.change(dice, test::recipes::alike);
-    const octets second = octets_of_record();
+    const byte_string second = bytes_of_record();
     ASSERT_EQ(a.decode(first), CODEC_OK);
     ASSERT_EQ(b.decode(second), CODEC_OK);
     const auto found = differences(type(), a.write(), b.write());

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "octets_of_text.hpp"
+#include "bytes_of_text.hpp"
 #include "support.hpp"
 
 namespace inspect {
@@ -48,11 +48,11 @@ TEST(base64, is_refused_with_anything_else_in_it_or_bits_left_over) {
 TEST(hexadecimal, is_pairs_of_digits) {
   EXPECT_EQ(from_hex("00fFA9"), test::hex("00 ff a9"));
   EXPECT_EQ(to_hex(test::hex("00 ff a9")), "00ffa9");
-  EXPECT_EQ(from_hex(""), octets{});
+  EXPECT_EQ(from_hex(""), byte_string{});
   for (const std::string_view text : {"0", "0g", "00 ", " 00", "0x00"}) EXPECT_EQ(from_hex(text), std::nullopt) << text;
 }
 
-TEST(utf8, has_characters_of_one_to_four_octets) {
+TEST(utf8, has_characters_of_one_to_four_bytes) {
   for (const std::string_view text : {"", "plain", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf",
                                       "\xef\xbf\xbf", "\xf0\x90\x80\x80", "\xf4\x8f\xbf\xbf",
                                       "a\xc3\xbc"

@@ -1,5 +1,5 @@
 // The tool's walk against the library: the same result for every input, whole, cut off or damaged; and nothing read
-// from behind the end.
+// from past the end.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ namespace {
 
 struct sample {
   const message_type *type;
-  octets content;
+  byte_string content;
 };
 
 std::vector<sample> samples() {
@@ -52,8 +52,8 @@ struct tally {
   }
 };
 
-// Whether the fields of a walk and what its failure leaves over are the whole input, each octet once.
-bool covers(const octets &input, const walk &walked) {
+// Whether the fields of a walk and what its failure leaves over are the whole input, each byte once.
+bool covers(const byte_string &input, const walk &walked) {
   std::size_t at = 0;
   for (const walked_field &field : walked.fields) {
     if (field.start != at) return false;
@@ -62,8 +62,8 @@ bool covers(const octets &input, const walk &walked) {
   return walked.failure ? at <= walked.failure->offset && walked.failure->offset <= input.size() : at == input.size();
 }
 
-// Whether the rows of the annotation are the whole input, each octet once.
-bool covers(const octets &input, const std::vector<annotation> &rows) {
+// Whether the rows of the annotation are the whole input, each byte once.
+bool covers(const byte_string &input, const std::vector<annotation> &rows) {
   std::size_t at = 0;
   for (const annotation &row : rows) {
     if (row.start != at || row.roles.size() != row.end - row.start || row.whole_end < row.end) return false;
@@ -72,9 +72,9 @@ bool covers(const octets &input, const std::vector<annotation> &rows) {
   return at == input.size();
 }
 
-void expect_agreement(const message_type &type, const octets &input, tally &seen) {
+void expect_agreement(const message_type &type, const byte_string &input, tally &seen) {
   const test::fenced_block fenced(input);
-  const octet_view view(fenced.data(), fenced.size());
+  const byte_view view(fenced.data(), fenced.size());
   const int result = record(type).decode(view);
   const walk walked = walk_message(type, view);
   seen.add(result);
@@ -88,7 +88,7 @@ TEST(the_walk, agrees_about_every_sample_and_every_beginning_of_one) {
   tally seen;
   for (const sample &each : samples()) {
     for (std::size_t length = 0; length <= each.content.size(); ++length) {
-      const octets beginning(each.content.begin(), each.content.begin() + static_cast<std::ptrdiff_t>(length));
+      const byte_string beginning(each.content.begin(), each.content.begin() + static_cast<std::ptrdiff_t>(length));
       ASSERT_NO_FATAL_FAILURE(expect_agreement(*each.type, beginning, seen));
     }
   }
@@ -112,7 +112,7 @@ TEST(the_walk, agrees_about_damaged_samples) {
   const auto below = [&](std::size_t bound) { return random() % bound; };
   for (const sample &each : samples()) {
     for (int round = 0; round < 500; ++round) {
-      octets damaged = each.content;
+      byte_string damaged = each.content;
       for (std::size_t changes = 1 + below(3); changes != 0 && !damaged.empty(); --changes) {
         const auto place = damaged.begin() + static_cast<std::ptrdiff_t>(below(damaged.size()));
         switch (below(4)) {
@@ -138,8 +138,8 @@ TEST(the_walk, agrees_about_damaged_samples) {
   EXPECT_GT(seen.wrong_wire_type, 500u);
 }
 
-// Octets that are mostly small keys and small values find their way into lists and nested messages.
-TEST(the_walk, agrees_about_random_octets) {
+// Bytes that are mostly small keys and small values find their way into lists and nested messages.
+TEST(the_walk, agrees_about_random_bytes) {
   tally seen;
   std::mt19937 random(7);
   static constexpr unsigned char likely[] = {0x00, 0x01, 0x02, 0x03, 0x05, 0x08, 0x0a, 0x0b, 0x0d,
@@ -147,9 +147,9 @@ TEST(the_walk, agrees_about_random_octets) {
                                              0x32, 0x3a, 0x40, 0x52, 0x72, 0x78, 0x80, 0x81};
   for (const message_type *type : all_types()) {
     for (int round = 0; round < 3000; ++round) {
-      octets input(random() % 24);
-      for (unsigned char &octet : input) {
-        octet = random() % 16 == 0 ? static_cast<unsigned char>(random()) : likely[random() % std::size(likely)];
+      byte_string input(random() % 24);
+      for (unsigned char &byte : input) {
+        byte = random() % 16 == 0 ? static_cast<unsigned char>(random()) : likely[random() % std::size(likely)];
       }
       ASSERT_NO_FATAL_FAILURE(expect_agreement(*type, input, seen)) << "round " << round;
     }

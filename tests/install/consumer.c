@@ -1,4 +1,4 @@
-/* A program of a user's in C11: measures, writes, reads back and compares an envelope. Prints the octets. */
+/* A program of a user's in C11: measures, writes, reads back and compares an envelope. Prints the bytes. */
 #include <pavo_zorv.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -21,14 +21,14 @@ int main(void) {
   message.field3.label_stack.presence = API_LBL_STACK_HAS_LABELS;
   message.field3.presence = API_MSG_P2P_AUTO_POLICY_HAS_LABEL_STACK;
 
-  unsigned char octets[32];
+  unsigned char bytes[32];
   const size_t length = pavo_zorv_api_msg_encode_ext(&message, NULL, 0, NULL, NULL, 0);
-  if (length > sizeof octets) return 1;
-  if (pavo_zorv_api_msg_encode_ext(&message, octets, length, NULL, NULL, 0) != length) return 2;
-  for (size_t i = 0; i < length; ++i) printf("%02x", octets[i]);
+  if (length > sizeof bytes) return 1;
+  if (pavo_zorv_api_msg_encode_ext(&message, bytes, length, NULL, NULL, 0) != length) return 2;
+  for (size_t i = 0; i < length; ++i) printf("%02x", bytes[i]);
 
   api_msg received;
-  const int result = pavo_zorv_api_msg_decode_ext(&received, octets, length, take, NULL, 0);
+  const int result = pavo_zorv_api_msg_decode_ext(&received, bytes, length, take, NULL, 0);
   const int difference = pavo_zorv_api_msg_compare(&message, &received);
   pavo_zorv_api_msg_free_ext(&received, give, NULL, 0);
   if (result != CODEC_OK) return 3;

@@ -7,13 +7,13 @@
 #include <new>
 
 int main() {
-  constexpr std::array<unsigned char, 12> octets = {0x08, 0x07, 0x1a, 0x08, 0x3a, 0x06,
-                                                    0x08, 0x10, 0x08, 0xc1, 0xbb, 0x01};
+  constexpr std::array<unsigned char, 12> bytes = {0x08, 0x07, 0x1a, 0x08, 0x3a, 0x06,
+                                                   0x08, 0x10, 0x08, 0xc1, 0xbb, 0x01};
   const pavo_zorv_allocate take = [](std::size_t size, void *) { return ::operator new(size, std::nothrow); };
   const pavo_zorv_release give = [](void *block, void *) { ::operator delete(block); };
 
   api_msg message, copy;
-  const int decoded = pavo_zorv_api_msg_decode_ext(&message, octets.data(), octets.size(), take, nullptr, 0);
+  const int decoded = pavo_zorv_api_msg_decode_ext(&message, bytes.data(), bytes.size(), take, nullptr, 0);
   const int copied = pavo_zorv_api_msg_duplicate(&copy, &message, take, nullptr);
   const int difference = pavo_zorv_api_msg_compare(&message, &copy);
   std::array<unsigned char, 32> again{};

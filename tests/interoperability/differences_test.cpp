@@ -1,5 +1,5 @@
 // Where this library differs from the peer on purpose: one test for each difference, with what either makes of the same
-// octets. CONFORMANCE.md lists them.
+// bytes. CONFORMANCE.md lists them.
 #include "messages/all.hpp"
 #include "peer.hpp"
 
@@ -46,19 +46,19 @@ std::size_t unknown_fields(const protobuf::Message &message) {
   return static_cast<std::size_t>(message.GetReflection()->GetUnknownFields(message).field_count());
 }
 
-std::unique_ptr<protobuf::Message> read_by_peer(const char *name, const octets &bytes) {
+std::unique_ptr<protobuf::Message> read_by_peer(const char *name, const byte_string &bytes) {
   return peer::instance().read(name, bytes);
 }
 
-TEST(difference, a_negative_int32_takes_5_octets_here_and_10_there_and_both_read_both) {
-  const octets five = hex("18 ff ff ff ff 0f");
-  const octets ten = hex("18 ff ff ff ff ff ff ff ff ff 01");
+TEST(difference, a_negative_int32_takes_5_bytes_here_and_10_there_and_both_read_both) {
+  const byte_string five = hex("18 ff ff ff ff 0f");
+  const byte_string ten = hex("18 ff ff ff ff ff ff ff ff ff 01");
   oam_res record = {};
   record.field3 = -1;
   record.presence = OAM_RES_HAS_FIELD3;
   EXPECT_EQ(encoded(record), five);
   EXPECT_EQ(written(*translated(view_of(record))), ten);
-  for (const octets &bytes : {five, ten}) {
+  for (const byte_string &bytes : {five, ten}) {
     const auto there = read_by_peer("oam_res", bytes);
     ASSERT_NE(there, nullptr);
     EXPECT_EQ(static_cast<std::int64_t>(value_of(*there, 3)), -1);
@@ -69,7 +69,7 @@ TEST(difference, a_negative_int32_takes_5_octets_here_and_10_there_and_both_read
 }
 
 TEST(difference, a_packed_list_is_refused_here) {
-  const octets bytes = hex("0a 03 10 c1 01");
+  const byte_string bytes = hex("0a 03 10 c1 01");
   decoded<api_lbl_stack> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_WRONG_WIRE_TYPE);
   const auto there = read_by_peer("api_lbl_stack", bytes);
@@ -79,8 +79,8 @@ TEST(difference, a_packed_list_is_refused_here) {
 
 // Of keys inside a run only the number is looked at: the length of the packed list is taken for an element, its content
 // for an unknown field 0 that runs past the end.
-TEST(difference, a_packed_list_behind_an_element_is_taken_for_one_element_here) {
-  const octets bytes = hex("08 10 0a 01 05");
+TEST(difference, a_packed_list_after_an_element_is_taken_for_one_element_here) {
+  const byte_string bytes = hex("08 10 0a 01 05");
   decoded<api_lbl_stack> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(std::vector<std::uint32_t>(here->labels, here->labels + here->label_count),
@@ -91,7 +91,7 @@ TEST(difference, a_packed_list_behind_an_element_is_taken_for_one_element_here) 
 }
 
 TEST(difference, a_list_in_two_runs_is_refused_here_and_joined_there) {
-  const octets bytes = hex("08 10 10 05 08 11");
+  const byte_string bytes = hex("08 10 10 05 08 11");
   decoded<api_lbl_stack> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
   const auto there = read_by_peer("api_lbl_stack", bytes);
@@ -100,7 +100,7 @@ TEST(difference, a_list_in_two_runs_is_refused_here_and_joined_there) {
 }
 
 TEST(difference, a_list_of_messages_in_two_runs_is_refused_here_and_joined_there) {
-  const octets bytes = hex("0a 02 08 01 10 05 0a 02 08 02");
+  const byte_string bytes = hex("0a 02 08 01 10 05 0a 02 08 02");
   decoded<api_exp_path> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
   const auto there = read_by_peer("api_exp_path", bytes);
@@ -109,7 +109,7 @@ TEST(difference, a_list_of_messages_in_two_runs_is_refused_here_and_joined_there
 }
 
 TEST(difference, a_repeated_nested_message_replaces_the_first_here_and_is_merged_there) {
-  const octets bytes = hex("0a 02 08 01 0a 02 10 02");
+  const byte_string bytes = hex("0a 02 08 01 0a 02 10 02");
   decoded<policy_binding_sid_t> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(here->sid.presence & 3, PREFIX_SID_TYPE_HAS_FIELD2);
@@ -121,7 +121,7 @@ TEST(difference, a_repeated_nested_message_replaces_the_first_here_and_is_merged
 }
 
 TEST(difference, a_repeated_string_is_refused_here_and_replaces_the_first_there) {
-  const octets bytes = hex("12 01 61 12 01 62");
+  const byte_string bytes = hex("12 01 61 12 01 62");
   decoded<api_intf> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
   EXPECT_STREQ(here->field2, "a");
@@ -131,7 +131,7 @@ TEST(difference, a_repeated_string_is_refused_here_and_replaces_the_first_there)
 }
 
 TEST(difference, repeated_bytes_are_refused_here_and_replace_the_first_there) {
-  const octets bytes = hex("0a 01 61 0a 01 62");
+  const byte_string bytes = hex("0a 01 61 0a 01 62");
   for (const std::uint32_t options : {0u, std::uint32_t{PAVO_ZORV_REFERENCE}}) {
     decoded<srv6_prefix> here(bytes, options);
     EXPECT_EQ(here.result, CODEC_ERR_TRUNCATED);
@@ -142,7 +142,7 @@ TEST(difference, repeated_bytes_are_refused_here_and_replace_the_first_there) {
 }
 
 TEST(difference, an_unknown_group_is_refused_here_and_skipped_there) {
-  const octets bytes = hex("08 01 a3 06 08 02 a4 06");
+  const byte_string bytes = hex("08 01 a3 06 08 02 a4 06");
   decoded<api_addr> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE);
   EXPECT_EQ(here->address, 1u);
@@ -152,7 +152,7 @@ TEST(difference, an_unknown_group_is_refused_here_and_skipped_there) {
 }
 
 TEST(difference, a_known_field_of_another_wire_type_is_refused_here_and_unknown_there) {
-  const octets bytes = hex("0d 01 00 00 00");
+  const byte_string bytes = hex("0d 01 00 00 00");
   decoded<api_addr> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_WRONG_WIRE_TYPE);
   const auto there = read_by_peer("api_addr", bytes);
@@ -162,7 +162,7 @@ TEST(difference, a_known_field_of_another_wire_type_is_refused_here_and_unknown_
 }
 
 TEST(difference, a_nul_shortens_a_string_here_and_is_a_character_there) {
-  const octets bytes = hex("12 03 61 00 62");
+  const byte_string bytes = hex("12 03 61 00 62");
   decoded<api_intf> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(std::string(here->field2), "a");
@@ -173,7 +173,7 @@ TEST(difference, a_nul_shortens_a_string_here_and_is_a_character_there) {
 }
 
 TEST(difference, a_flag_goes_by_32_bits_here_and_by_64_there) {
-  const octets bytes = hex("08 80 80 80 80 10");
+  const byte_string bytes = hex("08 80 80 80 80 10");
   decoded<api_msg_service> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(here->field1, 0);
@@ -192,11 +192,11 @@ TEST(difference, a_flag_is_written_as_it_is_stored_and_read_as_true_there) {
   EXPECT_EQ(value_of(*there, 1), 1u);
   record.field1 = 0x80;
   EXPECT_EQ(read_by_peer("api_msg_service", encoded(record)), nullptr)
-      << "a stored octet of 128 or more is an unended varint";
+      << "a stored byte of 128 or more is an unended varint";
 }
 
 TEST(difference, an_8_bit_value_is_cut_here_and_whole_there) {
-  const octets bytes = hex("08 04 10 ac 02");
+  const byte_string bytes = hex("08 04 10 ac 02");
   decoded<api_nodeid> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   ASSERT_EQ(here->octets_count, 1u);
@@ -214,7 +214,7 @@ TEST(difference, an_unknown_field_that_runs_past_the_end_is_accepted_here) {
     EXPECT_EQ(read_by_peer("api_addr", hex(bytes)), nullptr) << bytes;
   }
   // In a nested message, which ends there; what comes after it is read.
-  const octets nested = hex("0a 02 1a 64 10 05");
+  const byte_string nested = hex("0a 02 1a 64 10 05");
   decoded<policy_binding_sid_t> here(nested);
   EXPECT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(here->field2, 5u);
@@ -222,7 +222,7 @@ TEST(difference, an_unknown_field_that_runs_past_the_end_is_accepted_here) {
 }
 
 TEST(difference, unknown_fields_are_dropped_here_and_kept_there) {
-  const octets bytes = hex("08 01 a0 06 07");
+  const byte_string bytes = hex("08 01 a0 06 07");
   decoded<api_addr> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(encoded(here.record), hex("08 01"));
@@ -232,17 +232,17 @@ TEST(difference, unknown_fields_are_dropped_here_and_kept_there) {
 }
 
 TEST(difference, field_number_0_is_unknown_here_and_refused_there) {
-  const octets bytes = hex("00 05 08 01");
+  const byte_string bytes = hex("00 05 08 01");
   decoded<api_addr> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(here->address, 1u);
   EXPECT_EQ(read_by_peer("api_addr", bytes), nullptr);
 }
 
-TEST(difference, varints_may_have_any_number_of_octets_here_and_10_there) {
-  const octets ten = hex("08 81 80 80 80 80 80 80 80 80 00");
-  const octets eleven = hex("08 81 80 80 80 80 80 80 80 80 80 00");
-  for (const octets &bytes : {ten, eleven}) {
+TEST(difference, varints_may_have_any_number_of_bytes_here_and_10_there) {
+  const byte_string ten = hex("08 81 80 80 80 80 80 80 80 80 00");
+  const byte_string eleven = hex("08 81 80 80 80 80 80 80 80 80 80 00");
+  for (const byte_string &bytes : {ten, eleven}) {
     decoded<api_addr> here(bytes);
     ASSERT_EQ(here.result, CODEC_OK);
     EXPECT_EQ(here->address, 1u);
@@ -251,10 +251,10 @@ TEST(difference, varints_may_have_any_number_of_octets_here_and_10_there) {
   EXPECT_EQ(read_by_peer("api_addr", eleven), nullptr);
 }
 
-TEST(difference, keys_may_have_any_number_of_octets_here_and_5_there) {
-  const octets five = hex("88 80 80 80 00 01");
-  const octets six = hex("88 80 80 80 80 00 01");
-  for (const octets &bytes : {five, six}) {
+TEST(difference, keys_may_have_any_number_of_bytes_here_and_5_there) {
+  const byte_string five = hex("88 80 80 80 00 01");
+  const byte_string six = hex("88 80 80 80 80 00 01");
+  for (const byte_string &bytes : {five, six}) {
     decoded<api_addr> here(bytes);
     ASSERT_EQ(here.result, CODEC_OK);
     EXPECT_EQ(here->address, 1u);
@@ -264,7 +264,7 @@ TEST(difference, keys_may_have_any_number_of_octets_here_and_5_there) {
 }
 
 TEST(difference, keys_are_cut_to_32_bits_in_either) {
-  const octets bytes = hex("88 80 80 80 10 07");
+  const byte_string bytes = hex("88 80 80 80 10 07");
   decoded<api_addr> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(here->address, 7u);
@@ -273,10 +273,10 @@ TEST(difference, keys_are_cut_to_32_bits_in_either) {
   EXPECT_EQ(value_of(*there, 1), 7u);
 }
 
-TEST(difference, lengths_may_have_any_number_of_octets_here_and_5_there) {
-  const octets five = hex("12 82 80 80 80 00 61 62");
-  const octets six = hex("12 82 80 80 80 80 00 61 62");
-  for (const octets &bytes : {five, six}) {
+TEST(difference, lengths_may_have_any_number_of_bytes_here_and_5_there) {
+  const byte_string five = hex("12 82 80 80 80 00 61 62");
+  const byte_string six = hex("12 82 80 80 80 80 00 61 62");
+  for (const byte_string &bytes : {five, six}) {
     decoded<api_intf> here(bytes);
     ASSERT_EQ(here.result, CODEC_OK);
     EXPECT_STREQ(here->field2, "ab");
@@ -289,25 +289,25 @@ TEST(difference, lengths_may_have_any_number_of_octets_here_and_5_there) {
 
 // 2^32 + 2, of a string, of bytes, of a nested message, and of an unknown field in front of another.
 TEST(difference, a_length_above_32_bits_is_cut_here_and_refused_there) {
-  const octets text = hex("12 82 80 80 80 10 61 62");
+  const byte_string text = hex("12 82 80 80 80 10 61 62");
   decoded<api_intf> interface(text);
   ASSERT_EQ(interface.result, CODEC_OK);
   EXPECT_STREQ(interface->field2, "ab");
   EXPECT_EQ(read_by_peer("api_intf", text), nullptr);
 
-  const octets block = hex("0a 82 80 80 80 10 61 62");
+  const byte_string block = hex("0a 82 80 80 80 10 61 62");
   decoded<srv6_prefix> prefix(block);
   ASSERT_EQ(prefix.result, CODEC_OK);
   EXPECT_EQ(prefix->field1_length, 2u);
   EXPECT_EQ(read_by_peer("srv6_prefix", block), nullptr);
 
-  const octets nested = hex("0a 82 80 80 80 10 08 09");
+  const byte_string nested = hex("0a 82 80 80 80 10 08 09");
   decoded<policy_binding_sid_t> binding(nested);
   ASSERT_EQ(binding.result, CODEC_OK);
   EXPECT_EQ(binding->sid.field1, 9u);
   EXPECT_EQ(read_by_peer("policy_binding_sid_t", nested), nullptr);
 
-  const octets unknown = hex("12 82 80 80 80 10 61 62 08 07");
+  const byte_string unknown = hex("12 82 80 80 80 10 61 62 08 07");
   decoded<api_addr> address(unknown);
   ASSERT_EQ(address.result, CODEC_OK);
   EXPECT_EQ(address->address, 7u);
@@ -316,13 +316,13 @@ TEST(difference, a_length_above_32_bits_is_cut_here_and_refused_there) {
 
 // A buffer for the key, the length and two bytes of four billion: what stands there is a message of its own.
 TEST(difference, a_length_of_4_gib_is_written_from_its_low_32_bits_and_read_so_there) {
-  if (sizeof(std::size_t) < 8) GTEST_SKIP() << "no encoding has more octets than 32 bits count";
+  if (sizeof(std::size_t) < 8) GTEST_SKIP() << "no encoding has more bytes than 32 bits count";
   srv6_prefix record = {};
   record.field1_length = (std::uint64_t{1} << 32) + 2;
   record.presence = SRV6_PREFIX_HAS_FIELD1;
   const fenced_block start(4);
   EXPECT_EQ(operations<srv6_prefix>::encode(&record, start.data(), 4, nullptr, nullptr), (std::uint64_t{1} << 32) + 4);
-  EXPECT_EQ(octets(start.data(), start.data() + 2), hex("0a 02"));
+  EXPECT_EQ(byte_string(start.data(), start.data() + 2), hex("0a 02"));
   const auto there = read_by_peer("srv6_prefix", start.content());
   ASSERT_NE(there, nullptr);
   EXPECT_EQ(text_of(*there, 1).size(), 2u);
@@ -344,15 +344,15 @@ TEST(difference, an_unknown_field_of_wire_type_4_6_or_7_is_refused_in_either) {
   }
 }
 
-// What the peer has of octets that it refuses, as it writes it.
-octets left_over_there(const char *name, const octets &bytes) {
+// What the peer has of bytes that it refuses, as it writes it.
+byte_string left_over_there(const char *name, const byte_string &bytes) {
   const auto message = peer::instance().message(name);
   EXPECT_FALSE(message->ParseFromArray(bytes.data(), static_cast<int>(bytes.size())));
   return written(*message);
 }
 
 TEST(difference, what_a_nested_message_had_before_it_failed_is_written_again_in_either) {
-  const octets bytes = hex("0a 03 08 05 1f");
+  const byte_string bytes = hex("0a 03 08 05 1f");
   decoded<policy_binding_sid_t> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE);
   EXPECT_EQ(here->presence & POLICY_BINDING_SID_T_HAS_SID, 0);
@@ -361,11 +361,11 @@ TEST(difference, what_a_nested_message_had_before_it_failed_is_written_again_in_
 }
 
 TEST(difference, a_list_of_messages_that_failed_is_not_written_again_here) {
-  const octets bytes = hex("0a 02 08 05 0a 01 3f");
+  const byte_string bytes = hex("0a 02 08 05 0a 01 3f");
   decoded<api_exp_path> here(bytes);
   EXPECT_EQ(here.result, CODEC_ERR_BAD_WIRE_TYPE);
   EXPECT_EQ(here->hop_count, 2u);
-  EXPECT_EQ(encoded(here.record), octets{});
+  EXPECT_EQ(encoded(here.record), byte_string{});
   EXPECT_EQ(left_over_there("api_exp_path", bytes), hex("0a 02 08 05 0a 00"));
 }
 
@@ -401,7 +401,7 @@ TEST(difference, a_nested_message_with_content_is_not_compared_without_its_prese
   record.sid.presence = PREFIX_SID_TYPE_HAS_FIELD1;
   EXPECT_EQ(operations<policy_binding_sid_t>::compare(&record, &empty), 0);
   EXPECT_EQ(encoded(record), hex("0a 02 08 07"));
-  EXPECT_EQ(encoded(empty), octets{});
+  EXPECT_EQ(encoded(empty), byte_string{});
   const auto there = read_by_peer("policy_binding_sid_t", encoded(record));
   const auto empty_there = read_by_peer("policy_binding_sid_t", encoded(empty));
   ASSERT_NE(there, nullptr);
@@ -411,13 +411,13 @@ TEST(difference, a_nested_message_with_content_is_not_compared_without_its_prese
 
 // The pieces of an encoding in reference mode, one after another as they are sent.
 template <class Record>
-octets sent_in_pieces(const Record &record) {
+byte_string sent_in_pieces(const Record &record) {
   const std::size_t length = operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, PAVO_ZORV_REFERENCE);
   const fenced_block buffer(length);
   table entries(16);
   operations<Record>::encode(&record, buffer.data(), length, entries.entries(), &entries.count, PAVO_ZORV_REFERENCE);
-  octets result;
-  for (const piece &entry : entries.pieces()) result = result + octets(entry.start, entry.start + entry.length);
+  byte_string result;
+  for (const piece &entry : entries.pieces()) result = result + byte_string(entry.start, entry.start + entry.length);
   return result;
 }
 
@@ -443,13 +443,13 @@ TEST(difference, the_length_of_a_nested_message_leaves_referenced_bytes_out) {
   record.presence = SRV6_USID_HAS_PREFIX;
   EXPECT_EQ(encoded(record), hex("1a 05 0a 03 01 02 03"));
   EXPECT_EQ(encoded(record, PAVO_ZORV_REFERENCE), hex("1a 02 0a 03"))
-      << "a nested message of 2 octets that announces 3 more";
+      << "a nested message of 2 bytes that announces 3 more";
   EXPECT_EQ(read_by_peer("srv6_usid", encoded(record, PAVO_ZORV_REFERENCE)), nullptr);
-  EXPECT_EQ(read_by_peer("srv6_usid", hex("1a 02 0a 03 01 02 03")), nullptr) << "nor with the bytes behind it";
+  EXPECT_EQ(read_by_peer("srv6_usid", hex("1a 02 0a 03 01 02 03")), nullptr) << "nor with the bytes after it";
 }
 
 TEST(difference, a_string_need_not_be_utf_8_in_either) {
-  const octets bytes = hex("12 02 ff fe");
+  const byte_string bytes = hex("12 02 ff fe");
   decoded<api_intf> here(bytes);
   ASSERT_EQ(here.result, CODEC_OK);
   EXPECT_EQ(encoded(here.record), bytes);

@@ -37,8 +37,8 @@ class peer {
     return std::unique_ptr<protobuf::Message>(factory_.GetPrototype(&descriptor(name))->New());
   }
 
-  // What the peer reads from octets; null when it refuses them.
-  std::unique_ptr<protobuf::Message> read(const std::string &name, const octets &bytes) {
+  // What the peer reads from bytes; null when it refuses them.
+  std::unique_ptr<protobuf::Message> read(const std::string &name, const byte_string &bytes) {
     std::unique_ptr<protobuf::Message> result = message(name);
     return result->ParseFromArray(bytes.data(), static_cast<int>(bytes.size())) ? std::move(result) : nullptr;
   }
@@ -58,9 +58,9 @@ class peer {
   protobuf::DynamicMessageFactory factory_;
 };
 
-inline octets written(const protobuf::Message &message) {
+inline byte_string written(const protobuf::Message &message) {
   const std::string bytes = message.SerializeAsString();
-  return octets(bytes.begin(), bytes.end());
+  return byte_string(bytes.begin(), bytes.end());
 }
 
 // One value of a message, whatever its type.
@@ -96,11 +96,11 @@ inline void translate(view record, protobuf::Message &message) {
       if (record.text(row) != nullptr) access.SetString(&message, &field, record.text(row));
     } else if (row.kind == kind::bytes) {
       access.SetString(&message, &field, std::string(record.text(row), record.count(row)));
-    } else if (row.kind == kind::message) {
+    } else if (row.kind == kind::nested) {
       translate(record.nested(row), *access.MutableMessage(&message, &field));
     } else {
       for (std::uint64_t i = 0; i < record.count(row); ++i) {
-        if (row.kind == kind::integers) {
+        if (row.kind == kind::integer_list) {
           set_value(message, field, record.element_number(row, i));
         } else {
           translate(record.element(row, i), *access.AddMessage(&message, &field));

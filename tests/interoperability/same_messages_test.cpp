@@ -1,15 +1,15 @@
-// That both libraries say the same with the same octets: random records of every message there and back.
+// That both libraries say the same with the same bytes: random records of every message there and back.
 #include <utility>
 
 #include "model_encode.hpp"
 #include "peer.hpp"
-#include "random_octets.hpp"
+#include "random_bytes.hpp"
 
 namespace test {
 
 class same_messages : public law {
  protected:
-  std::unique_ptr<protobuf::Message> read_by_peer(const octets &bytes) {
+  std::unique_ptr<protobuf::Message> read_by_peer(const byte_string &bytes) {
     return peer::instance().read(GetParam()->name, bytes);
   }
 };
@@ -25,8 +25,8 @@ protobuf::FieldDescriptor::Type type_of(const field &row) {
       return type::TYPE_STRING;
     case kind::bytes:
       return type::TYPE_BYTES;
-    case kind::message:
-    case kind::messages:
+    case kind::nested:
+    case kind::message_list:
       return type::TYPE_MESSAGE;
     default:
       if (row.is_signed) return row.width == 8 ? type::TYPE_INT64 : type::TYPE_INT32;
@@ -73,11 +73,11 @@ TEST_P(same_messages, are_read_from_what_the_peer_writes) {
 }
 
 // The fields of an encoding one by one, the elements of a list together: what may stand in any order.
-std::vector<std::pair<const field *, octets>> fields_of(const message_type &type, const encoding_model &model) {
-  std::vector<std::pair<const field *, octets>> result;
+std::vector<std::pair<const field *, byte_string>> fields_of(const message_type &type, const encoding_model &model) {
+  std::vector<std::pair<const field *, byte_string>> result;
   std::size_t start = 0;
   for (const std::size_t end : model.field_ends) {
-    const octets bytes(model.bytes.data() + start, model.bytes.data() + end);
+    const byte_string bytes(model.bytes.data() + start, model.bytes.data() + end);
     const unsigned number = (bytes[0] < 0x80 ? bytes[0] : (bytes[0] & 0x7fu) | unsigned{bytes[1]} << 7) / 8;
     const field &row = type.fields[number - 1];
     if (row.is_list() && !result.empty() && result.back().first == &row) {
@@ -90,10 +90,10 @@ std::vector<std::pair<const field *, octets>> fields_of(const message_type &type
   return result;
 }
 
-// A field with a longer key, but of no more than the five octets that the peer takes for one.
-octets with_longer_key(const octets &bytes, dice &dice) {
+// A field with a longer key, but of no more than the five bytes that the peer takes for one.
+byte_string with_longer_key(const byte_string &bytes, dice &dice) {
   const std::size_t size = bytes[0] < 0x80 ? 1 : 2;
-  octets result = first_octets(bytes, size);
+  byte_string result = first_bytes(bytes, size);
   for (std::uint64_t extra = dice.from(0, 5 - size); extra-- != 0;) {
     result.back() |= 0x80;
     result.push_back(0);
@@ -104,18 +104,19 @@ octets with_longer_key(const octets &bytes, dice &dice) {
 
 // Fields in another order, numbers that come once more with another value, unknown fields between them, keys that are
 // longer than they need be: what the encoding allows and this library reads as everyone does.
-octets disorder(const message_type &type, const encoding_model &model, dice &dice) {
-  static const octets unknown[] = {hex("a0 1f ff ff ff ff ff ff ff ff ff 01"), hex("a1 1f 01 02 03 04 05 06 07 08"),
-                                   hex("a2 1f 03 ff ff ff"), hex("a5 1f 01 02 03 04")};
-  std::vector<octets> parts;
+byte_string disorder(const message_type &type, const encoding_model &model, dice &dice) {
+  static const byte_string unknown[] = {hex("a0 1f ff ff ff ff ff ff ff ff ff 01"),
+                                        hex("a1 1f 01 02 03 04 05 06 07 08"), hex("a2 1f 03 ff ff ff"),
+                                        hex("a5 1f 01 02 03 04")};
+  std::vector<byte_string> parts;
   for (const auto &[row, bytes] : fields_of(type, model)) {
     parts.push_back(with_longer_key(bytes, dice));
     if (!row->is_number() || !dice.percent(30)) continue;
-    const octets key = first_octets(bytes, bytes[0] < 0x80 ? 1 : 2);
-    parts.push_back(key + octets{static_cast<unsigned char>(dice.below(128))});
+    const byte_string key = first_bytes(bytes, bytes[0] < 0x80 ? 1 : 2);
+    parts.push_back(key + byte_string{static_cast<unsigned char>(dice.below(128))});
   }
   for (std::uint64_t times = dice.below(3); times-- != 0;) parts.push_back(unknown[dice.below(std::size(unknown))]);
-  octets result;
+  byte_string result;
   for (std::size_t left = parts.size(); left != 0; --left) {
     std::swap(parts[left - 1], parts[dice.below(left)]);
     result = result + parts[left - 1];
@@ -138,9 +139,9 @@ TEST_P(same_messages, are_read_from_fields_in_disorder) {
 
 TEST_P(same_messages, are_refused_alike_when_cut_off_inside_a_field) {
   for_seeds(20, [&](dice &dice) {
-    const octets bytes = encoding_of(random_record(*GetParam(), dice, recipes::canonical));
+    const byte_string bytes = encoding_of(random_record(*GetParam(), dice, recipes::canonical));
     for (std::size_t length = 0; length < bytes.size(); ++length) {
-      on_trial() = first_octets(bytes, length);
+      on_trial() = first_bytes(bytes, length);
       decoding back(*GetParam(), dice, 0);
       const int result = back.decode(on_trial());
       const auto seen = read_by_peer(on_trial());

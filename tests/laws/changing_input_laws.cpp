@@ -5,7 +5,7 @@
 #include <map>
 
 #include "checks.hpp"
-#include "random_octets.hpp"
+#include "random_bytes.hpp"
 
 namespace test {
 
@@ -21,7 +21,7 @@ constexpr change every_change[] = {change::noise,          change::continuations
 // from one decoding to the next.
 class guarded_memory {
  public:
-  guarded_memory(const octets &input, unsigned char *place) : input_(input), place_(place) {}
+  guarded_memory(const byte_string &input, unsigned char *place) : input_(input), place_(place) {}
   guarded_memory(const guarded_memory &) = delete;
   guarded_memory &operator=(const guarded_memory &) = delete;
 
@@ -85,7 +85,7 @@ class guarded_memory {
     unsigned char *const begin = place_ + first, *const end = place_ + last;
     switch (how_) {
       case change::noise:
-        std::generate(begin, end, [&] { return dice.octet(); });
+        std::generate(begin, end, [&] { return dice.byte(); });
         break;
       case change::continuations:
         std::fill(begin, end, 0x80);
@@ -118,7 +118,7 @@ class guarded_memory {
     }
   }
 
-  const octets &input_;
+  const byte_string &input_;
   unsigned char *place_;
   std::vector<std::unique_ptr<fence>> slots_, large_;
   std::map<void *, std::size_t> live_;  // with the bytes before each that must stay
@@ -133,7 +133,7 @@ class guarded_memory {
 class changing_input : public law {
  protected:
   // Decodes an input that changes in every way at every request for memory, or at the first ones.
-  void check(const octets &input, dice &dice, std::uint32_t options, std::size_t most_requests) {
+  void check(const byte_string &input, dice &dice, std::uint32_t options, std::size_t most_requests) {
     const message_type &type = *GetParam();
     const fence room(input.size());
     // What is loaded at once may not pass the end of the input, nor begin before it.
@@ -148,7 +148,7 @@ class changing_input : public law {
         const view record(type, storage.block(type.size));
         litter(record, dice);
         // The key of the message's own list, or one that many messages have, or any.
-        const unsigned char keys[] = {key, 0x08, 0x0a, dice.octet()};
+        const unsigned char keys[] = {key, 0x08, 0x0a, dice.byte()};
         memory.begin(at, how, dice.any(), keys[dice.below(4)]);
         const int result = type.decode(record.data(), place, input.size(), guarded_memory::allocate, &memory, options);
         requests = std::max(requests, memory.requests());
@@ -170,7 +170,7 @@ class changing_input : public law {
   // Whatever it holds by now, it is written, copied and compared like any other.
   void check_good(view record, std::uint32_t options) {
     const message_type &type = *GetParam();
-    const octets written = encoding_of(record, options);
+    const byte_string written = encoding_of(record, options);
     EXPECT_EQ(compared(record, record), 0);
     accountant memory;
     arena storage;
@@ -187,8 +187,8 @@ INSTANTIATE_TEST_SUITE_P(every, changing_input, testing::ValuesIn(subjects()), n
 
 TEST_P(changing_input, writes_only_into_the_blocks_that_were_asked_for) {
   for_seeds(60, [&](dice &dice) {
-    octets bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
-    if (dice.percent(30)) bytes = octets_maker(dice).message(*GetParam());
+    byte_string bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
+    if (dice.percent(30)) bytes = bytes_maker(dice).message(*GetParam());
     if (bytes.empty()) return;
     on_trial() = bytes;
     for (const std::uint32_t options : GetParam()->modes()) {
@@ -204,20 +204,20 @@ TEST_P(changing_input, does_not_make_a_list_longer_than_it_was_counted) {
       if (!list.is_list()) continue;
       for (const unsigned count : {1u, 2u, 3u, 9u, 30u, 70u, 300u}) {
         for (const unsigned size : {1u, 2u, 3u, 5u}) {
-          octets bytes;
-          octets_maker maker(dice);
+          byte_string bytes;
+          bytes_maker maker(dice);
           for (unsigned element = 0; element < count; ++element) {
             maker.varint(bytes, list.number * 8 + (list.is_varint() ? 0 : 2), 32, 0);
             if (list.is_varint()) {
               maker.varint(bytes, std::uint64_t{1} << 7 * (size - 1), 32, 0);
             } else {
               // Unknown fields inside.
-              bytes =
-                  bytes + octets{static_cast<unsigned char>(3 * (size - 1))} + (size - 1) * octets{0xf8, 0x01, 0x05};
+              bytes = bytes + byte_string{static_cast<unsigned char>(3 * (size - 1))} +
+                      (size - 1) * byte_string{0xf8, 0x01, 0x05};
             }
           }
           // An unknown field after it, now and then: so the run does not end with the input.
-          if (dice.percent(50)) bytes = bytes + octets{0xf8, 0x01, 0x05};
+          if (dice.percent(50)) bytes = bytes + byte_string{0xf8, 0x01, 0x05};
           on_trial() = bytes;
           for (const std::uint32_t options : GetParam()->modes()) {
             ASSERT_NO_FATAL_FAILURE(check(bytes, dice, options, 3));

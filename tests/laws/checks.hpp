@@ -10,8 +10,8 @@
 
 namespace test {
 
-// What a call writes into a buffer of a length, checked octet by octet. The buffer starts as the opposite of what
-// belongs there, so that every octet shows whether it was written.
+// What a call writes into a buffer of a length, checked byte by byte. The buffer starts as the opposite of what
+// belongs there, so that every byte shows whether it was written.
 inline void check_written(view record, const encoding_model &model, const fence &room, std::size_t length,
                           std::uint32_t options) {
   constexpr std::size_t before = 16;
@@ -25,8 +25,8 @@ inline void check_written(view record, const encoding_model &model, const fence 
   for (std::size_t i = 0; i < length; ++i) {
     const int expected = i >= size ? rubbish : written[i] ? model.bytes[i] : 255 - model.bytes[i];
     if (buffer[i] == expected) continue;
-    FAIL() << "octet " << i << " of " << length << " is " << int{buffer[i]} << " instead of " << expected
-           << ", options " << options;
+    FAIL() << "byte " << i << " of " << length << " is " << int{buffer[i]} << " instead of " << expected << ", options "
+           << options;
   }
   for (std::size_t i = 1; i <= before; ++i) ASSERT_EQ(*(buffer - i), rubbish) << "before a buffer of " << length;
 }
@@ -58,18 +58,18 @@ inline std::size_t wrong_blocks(view record, const accountant &memory, bool refe
   return wrong;
 }
 
-// How much memory decoding may ask for, for each octet of input: that of the element that is the largest for its size.
-// Without content it takes two octets, an integer of 32 bits as well, a string one more than its own.
-inline std::size_t memory_per_octet(const message_type &type) {
+// How much memory decoding may ask for, for each byte of input: that of the element that is the largest for its size.
+// Without content it takes two bytes, an integer of 32 bits as well, a string one more than its own.
+inline std::size_t memory_per_byte(const message_type &type) {
   std::size_t most = 2;
   for (const field &field : type.fields) {
-    if (field.kind == kind::messages) most = std::max(most, field.nested->size / 2);
-    if (field.nested != nullptr) most = std::max(most, memory_per_octet(*field.nested));
+    if (field.kind == kind::message_list) most = std::max(most, field.nested->size / 2);
+    if (field.nested != nullptr) most = std::max(most, memory_per_byte(*field.nested));
   }
   return most;
 }
 
-// A record that starts with the same octets as another.
+// A record that starts with the same bytes as another.
 class twin {
  public:
   explicit twin(view other) : record(other.type(), storage_.block(other.type().size)) {
@@ -84,7 +84,7 @@ class twin {
 };
 
 // Decodes and compares everything that can be seen of it with the model. Every record is released, whatever the result.
-inline void check_decoding(const message_type &type, const fence &room, const octets &bytes, dice &dice,
+inline void check_decoding(const message_type &type, const fence &room, const byte_string &bytes, dice &dice,
                            std::uint32_t options, int &result) {
   on_trial() = bytes;
   const unsigned char *const input = dice.percent(70) ? room.holding(bytes) : room.holding_at_start(bytes);
@@ -104,7 +104,7 @@ inline void check_decoding(const message_type &type, const fence &room, const oc
   ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), input)) << "the input was changed";
   std::size_t asked = 0;
   for (const std::size_t size : seen.memory.sizes) asked += size;
-  ASSERT_LE(asked, memory_per_octet(type) * bytes.size());
+  ASSERT_LE(asked, memory_per_byte(type) * bytes.size());
 }
 
 // One request, or all from one on, that fails.
@@ -114,7 +114,7 @@ struct failing {
 };
 
 // Decodes with failing requests. The model says what is left in the record.
-inline void check_failing_decode(const message_type &type, const octets &bytes, const fence &room, dice &dice,
+inline void check_failing_decode(const message_type &type, const byte_string &bytes, const fence &room, dice &dice,
                                  std::uint32_t options, failing request,
                                  const std::vector<std::size_t> &sizes_of_success) {
   decoding seen(type, dice, options);
@@ -135,7 +135,7 @@ inline void check_failing_decode(const message_type &type, const octets &bytes, 
   ASSERT_EQ(seen.memory.live(), owned_blocks(seen.record, model.referenced).size()) << "request " << failed;
 }
 
-inline void check_every_failing_decode(const message_type &type, const octets &bytes, dice &dice,
+inline void check_every_failing_decode(const message_type &type, const byte_string &bytes, dice &dice,
                                        std::uint32_t options) {
   on_trial() = bytes;
   const fence room(bytes.size());

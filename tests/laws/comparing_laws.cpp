@@ -64,8 +64,8 @@ TEST_P(comparing_laws, the_order_is_transitive) {
 TEST_P(comparing_laws, canonical_records_are_equal_exactly_when_their_encodings_are) {
   for_seeds(1000, [&](dice &dice) {
     const triple records(*GetParam(), dice, recipes::alike);
-    const octets a = encoding_of(records.a);
-    const octets b = encoding_of(records.b);
+    const byte_string a = encoding_of(records.a);
+    const byte_string b = encoding_of(records.b);
     on_trial() = a;
     EXPECT_EQ(order(records.a, records.b) == 0, a == b) << show(b);
   });

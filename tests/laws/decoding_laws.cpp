@@ -1,17 +1,17 @@
-// Laws of decoding: whatever the octets are.
+// Laws of decoding: whatever the bytes are.
 #include "checks.hpp"
-#include "random_octets.hpp"
+#include "random_bytes.hpp"
 
 namespace test {
 
 class decoding_laws : public law {
  protected:
-  octets readable_octets(dice &dice) {
+  byte_string readable_bytes(dice &dice) {
     return model_encode(random_record(*GetParam(), dice, recipes::readable), false).bytes;
   }
-  octets any_octets(dice &dice) {
-    octets bytes = dice.percent(50) ? octets_maker(dice).message(*GetParam()) : readable_octets(dice);
-    if (dice.percent(50)) octets_maker(dice).damage(bytes);
+  byte_string any_bytes(dice &dice) {
+    byte_string bytes = dice.percent(50) ? bytes_maker(dice).message(*GetParam()) : readable_bytes(dice);
+    if (dice.percent(50)) bytes_maker(dice).damage(bytes);
     return bytes;
   }
 
@@ -19,11 +19,11 @@ class decoding_laws : public law {
 };
 INSTANTIATE_TEST_SUITE_P(every, decoding_laws, testing::ValuesIn(subjects()), name_of_subject);
 
-TEST_P(decoding_laws, octets_put_together_from_fields_are_read_as_the_model_says) {
+TEST_P(decoding_laws, bytes_put_together_from_fields_are_read_as_the_model_says) {
   std::size_t good = 0;
   std::size_t all = 0;
   for_seeds(5000, [&](dice &dice) {
-    const octets bytes = octets_maker(dice).message(*GetParam());
+    const byte_string bytes = bytes_maker(dice).message(*GetParam());
     for (const std::uint32_t options : GetParam()->modes()) {
       int result = 0;
       check_decoding(*GetParam(), room, bytes, dice, options, result);
@@ -31,14 +31,14 @@ TEST_P(decoding_laws, octets_put_together_from_fields_are_read_as_the_model_says
       ++all;
     }
   });
-  // The law would say little if most of the octets were refused at once.
+  // The law would say little if most of the bytes were refused at once.
   EXPECT_TRUE(good * 4 >= all || !is_tried_in_full()) << good << " of " << all;
 }
 
-TEST_P(decoding_laws, damaged_octets_are_read_as_the_model_says) {
+TEST_P(decoding_laws, damaged_bytes_are_read_as_the_model_says) {
   for_seeds(5000, [&](dice &dice) {
-    octets bytes = readable_octets(dice);
-    for (std::uint64_t times = dice.from(1, 4); times-- != 0;) octets_maker(dice).damage(bytes);
+    byte_string bytes = readable_bytes(dice);
+    for (std::uint64_t times = dice.from(1, 4); times-- != 0;) bytes_maker(dice).damage(bytes);
     for (const std::uint32_t options : GetParam()->modes()) {
       int result = 0;
       check_decoding(*GetParam(), room, bytes, dice, options, result);
@@ -46,7 +46,7 @@ TEST_P(decoding_laws, damaged_octets_are_read_as_the_model_says) {
   });
 }
 
-TEST_P(decoding_laws, every_octet_and_many_pairs_are_read_as_the_model_says) {
+TEST_P(decoding_laws, every_byte_and_many_pairs_are_read_as_the_model_says) {
   static constexpr unsigned char seconds[] = {0x00, 0x01, 0x02, 0x08, 0x0a, 0x0d, 0x7f, 0x80, 0x81, 0xff};
   dice dice(1);
   int result = 0;
@@ -77,42 +77,42 @@ TEST_P(decoding_laws, an_encoding_cut_off_anywhere_is_good_only_between_two_fiel
         ASSERT_EQ(wrong_blocks(seen.record, seen.memory, is_referenced(options)), 0u);
         ASSERT_EQ(seen.memory.live(), owned_blocks(seen.record, is_referenced(options)).size());
         if (!whole) continue;
-        ASSERT_EQ(encoding_of(seen.record), first_octets(model.bytes, length));
+        ASSERT_EQ(encoding_of(seen.record), first_bytes(model.bytes, length));
       }
     }
   });
 }
 
-TEST_P(decoding_laws, any_octets_cut_off_anywhere_are_read_as_the_model_says) {
+TEST_P(decoding_laws, any_bytes_cut_off_anywhere_are_read_as_the_model_says) {
   for_seeds(10, [&](dice &dice) {
-    octets bytes = octets_maker(dice).message(*GetParam(), 4);
+    byte_string bytes = bytes_maker(dice).message(*GetParam(), 4);
     if (bytes.size() > 300) bytes.resize(300);
     for (const std::uint32_t options : GetParam()->modes()) {
       for (std::size_t length = 0; length <= bytes.size(); ++length) {
         int result = 0;
-        ASSERT_NO_FATAL_FAILURE(check_decoding(*GetParam(), room, first_octets(bytes, length), dice, options, result));
+        ASSERT_NO_FATAL_FAILURE(check_decoding(*GetParam(), room, first_bytes(bytes, length), dice, options, result));
       }
     }
   });
 }
 
 // The same fields with keys that are longer than they need be.
-octets with_longer_keys(const encoding_model &model, dice &dice) {
-  octets result;
+byte_string with_longer_keys(const encoding_model &model, dice &dice) {
+  byte_string result;
   std::size_t start = 0;
   for (const std::size_t end : model.field_ends) {
     std::size_t behind_key = start;
     while (model.bytes[behind_key++] >= 0x80) continue;
     std::uint64_t key = 0;
     for (std::size_t i = behind_key; i-- != start;) key = key << 7 | (model.bytes[i] & 0x7fu);
-    octets_maker(dice).varint(result, key, 32, 60);
+    bytes_maker(dice).varint(result, key, 32, 60);
     result.insert(result.end(), model.bytes.data() + behind_key, model.bytes.data() + end);
     start = end;
   }
   return result;
 }
 
-TEST_P(decoding_laws, keys_with_more_octets_than_they_need_are_the_same_keys) {
+TEST_P(decoding_laws, keys_with_more_bytes_than_they_need_are_the_same_keys) {
   for_seeds(500, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::canonical);
     const encoding_model model = model_encode(record, false);
@@ -128,12 +128,12 @@ TEST_P(decoding_laws, keys_with_more_octets_than_they_need_are_the_same_keys) {
 
 TEST_P(decoding_laws, what_could_be_read_is_written_so_that_it_reads_and_writes_the_same) {
   for_seeds(1000, [&](dice &dice) {
-    const octets bytes = any_octets(dice);
+    const byte_string bytes = any_bytes(dice);
     on_trial() = bytes;
     for (const std::uint32_t options : GetParam()->modes()) {
       decoding first(*GetParam(), dice, options);
       if (first.decode(room.holding(bytes), bytes.size()) == CODEC_OK) {
-        const octets again = encoding_of(first.record);
+        const byte_string again = encoding_of(first.record);
         decoding second(*GetParam(), dice, 0);
         ASSERT_EQ(second.decode(again), CODEC_OK);
         EXPECT_EQ(compared(first.record, second.record), 0);
@@ -146,7 +146,7 @@ TEST_P(decoding_laws, what_could_be_read_is_written_so_that_it_reads_and_writes_
 
 TEST_P(decoding_laws, presence_bits_of_no_field_stay_whatever_comes) {
   for_seeds(200, [&](dice &dice) {
-    const octets bytes = any_octets(dice);
+    const byte_string bytes = any_bytes(dice);
     on_trial() = bytes;
     decoding seen(*GetParam(), dice, 0);
     const std::vector<std::uint32_t> before = unowned_bits(seen.record);
@@ -158,7 +158,7 @@ TEST_P(decoding_laws, presence_bits_of_no_field_stay_whatever_comes) {
 
 TEST_P(decoding_laws, without_an_allocator_all_but_the_fields_that_need_memory_are_read) {
   for_seeds(500, [&](dice &dice) {
-    const octets bytes = any_octets(dice);
+    const byte_string bytes = any_bytes(dice);
     on_trial() = bytes;
     const unsigned char *const input = room.holding(bytes);
     for (const std::uint32_t options : GetParam()->modes()) {

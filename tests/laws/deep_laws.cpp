@@ -15,7 +15,7 @@ class full_envelope : public testing::Test {
 };
 
 TEST_F(full_envelope, comes_back_equal_and_is_written_the_same) {
-  const octets bytes = model_encode(record, false).bytes;
+  const byte_string bytes = model_encode(record, false).bytes;
   EXPECT_GT(bytes.size(), 2000u);
   ASSERT_EQ(encoding_of(record), bytes);
   for (const std::uint32_t options : modes) {
@@ -95,7 +95,7 @@ class thousand_policies : public testing::Test {
 };
 
 TEST_F(thousand_policies, come_back_equal_and_are_written_the_same) {
-  const octets bytes = model_encode(view_of(list), false).bytes;
+  const byte_string bytes = model_encode(view_of(list), false).bytes;
   ASSERT_EQ(encoding_of(view_of(list)), bytes);
   decoded<api_aa_list> back(bytes);
   ASSERT_EQ(back.result, CODEC_OK);
@@ -130,11 +130,11 @@ TEST_F(thousand_policies, are_copied_and_given_back_in_order) {
   dice rolled(1);
   std::size_t requests = 0;
   check_copying(view_of(list), rolled, {}, requests);
-  // The list itself, then for each policy its name, its prefixes, the octets of each, and two more names.
+  // The list itself, then for each policy its name, its prefixes, the bytes of each, and two more names.
   EXPECT_EQ(requests, 1 + policies * (1 + 1 + prefixes + 2));
 }
 
-// No input asks for more than 36 octets of memory for each of its own where pointers have 64 bits: a policy without
+// No input asks for more than 36 bytes of memory for each of its own where pointers have 64 bits: a policy without
 // content takes two.
 TEST(memory_asked_for, is_36_times_the_input_for_a_list_of_empty_policies) {
   if (sizeof(void *) != 8) GTEST_SKIP() << "records are smaller here";
@@ -142,7 +142,7 @@ TEST(memory_asked_for, is_36_times_the_input_for_a_list_of_empty_policies) {
   ASSERT_EQ(list.result, CODEC_OK);
   EXPECT_EQ(list->policies_count, 1000u);
   EXPECT_EQ(list.memory.sizes, std::vector<std::size_t>{36 * 2000});
-  for (const message_type *const type : subjects()) EXPECT_LE(memory_per_octet(*type), 36u) << type->name;
+  for (const message_type *const type : subjects()) EXPECT_LE(memory_per_byte(*type), 36u) << type->name;
 }
 
 // What is written aside without asking for room, the numbers of a message and of those in it, after something that asks
@@ -155,7 +155,7 @@ class numbers_before_a_block : public law {
     for (const field &field : record.type().fields) {
       if (field.is_number()) {
         record.set_number(field, field.kind == kind::flag ? 1 : UINT64_MAX);
-      } else if (field.kind == kind::message) {
+      } else if (field.kind == kind::nested) {
         fill(record.nested(field));
       } else {
         blocks.push_back({record, &field});
@@ -184,9 +184,9 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
     // From where all of it just finds room to where only the block does.
     std::size_t each = 1;
     std::vector<unsigned char> elements;
-    if (block->kind == kind::integers) {
+    if (block->kind == kind::integer_list) {
       each = (block->number < 16 ? 1 : 2) + (block->width == 4 ? 3u : 1u);
-    } else if (block->kind == kind::messages) {
+    } else if (block->kind == kind::message_list) {
       each = (block->number < 16 ? 2 : 3);
       elements.resize((aside / each + 1000) * block->nested->size);
     }
@@ -199,8 +199,8 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
         string.back() = '\0';
         holder.set_pointer(*block, string.data());
       } else {
-        holder.set_pointer(*block, block->kind == kind::messages ? elements.data()
-                                   : block->width == 4           ? const_cast<std::uint32_t *>(labels.data())
+        holder.set_pointer(*block, block->kind == kind::message_list ? elements.data()
+                                   : block->width == 4               ? const_cast<std::uint32_t *>(labels.data())
                                                        : static_cast<void *>(const_cast<unsigned char *>(text.data())));
         holder.set_count(*block, count);
       }

@@ -25,13 +25,13 @@ struct field {
   pavo_zorv::kind kind = {};
   std::size_t offset = 0;        // of the value, the pointer, or the record held inline
   std::size_t count_offset = 0;  // of a list's count, or the length of bytes
-  std::size_t width = 0;         // octets of an integer, or of the integers of a list
+  std::size_t width = 0;         // bytes of an integer, or of the integers of a list
   bool is_signed = false;
   const message_type *nested = nullptr;
 
   bool is_number() const { return kind == kind::flag || kind == kind::integer; }
-  bool is_list() const { return kind == kind::integers || kind == kind::messages; }
-  bool is_varint() const { return is_number() || kind == kind::integers; }
+  bool is_list() const { return kind == kind::integer_list || kind == kind::message_list; }
+  bool is_varint() const { return is_number() || kind == kind::integer_list; }
   std::size_t element_size() const;
 };
 
@@ -63,7 +63,7 @@ struct message_type {
 
 inline void PrintTo(const message_type *type, std::ostream *out) { *out << type->name; }
 
-inline std::size_t field::element_size() const { return kind == kind::messages ? nested->size : width; }
+inline std::size_t field::element_size() const { return kind == kind::message_list ? nested->size : width; }
 
 inline bool is_referenced(std::uint32_t options) { return (options & PAVO_ZORV_REFERENCE) != 0; }
 
@@ -190,11 +190,11 @@ field describe_row() {
     result.count_offset = offset_of(std::get<1>(row.members()));
   }
   if constexpr (row.type == kind::flag) result.width = 1;
-  if constexpr (row.type == kind::integer || row.type == kind::integers) {
+  if constexpr (row.type == kind::integer || row.type == kind::integer_list) {
     result.width = sizeof(typename row_type::element);
     result.is_signed = std::is_signed_v<typename row_type::element>;
   }
-  if constexpr (row.type == kind::message || row.type == kind::messages) {
+  if constexpr (row.type == kind::nested || row.type == kind::message_list) {
     result.nested = &describe<typename row_type::nested>();
   }
   return result;

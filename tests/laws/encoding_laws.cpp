@@ -6,7 +6,7 @@ namespace test {
 class encoding_laws : public law {};
 INSTANTIATE_TEST_SUITE_P(every, encoding_laws, testing::ValuesIn(subjects()), name_of_subject);
 
-TEST_P(encoding_laws, what_is_measured_is_written_octet_by_octet) {
+TEST_P(encoding_laws, what_is_measured_is_written_byte_by_byte) {
   for_seeds(1000, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::encodable);
     const twin before(record);
@@ -20,14 +20,14 @@ TEST_P(encoding_laws, what_is_measured_is_written_octet_by_octet) {
       }
       check_written(record, model, fence(model.bytes.size() + 16), model.bytes.size(), options);
     }
-    EXPECT_TRUE(same_octets(before.record.data(), record.data(), GetParam()->size)) << "the record was changed";
+    EXPECT_TRUE(same_content(before.record.data(), record.data(), GetParam()->size)) << "the record was changed";
   });
 }
 
 TEST_P(encoding_laws, a_canonical_record_comes_back_equal_and_is_written_the_same) {
   for_seeds(1000, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::canonical);
-    const octets bytes = model_encode(record, false).bytes;
+    const byte_string bytes = model_encode(record, false).bytes;
     on_trial() = bytes;
     ASSERT_EQ(encoding_of(record), bytes);
     for (const std::uint32_t options : GetParam()->modes()) {
@@ -44,11 +44,11 @@ TEST_P(encoding_laws, a_canonical_record_comes_back_equal_and_is_written_the_sam
 TEST_P(encoding_laws, any_readable_record_is_as_long_when_written_again) {
   for_seeds(1000, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::readable);
-    const octets bytes = encoding_of(record);
+    const byte_string bytes = encoding_of(record);
     on_trial() = bytes;
     decoding back(*GetParam(), dice, 0);
     ASSERT_EQ(back.decode(bytes), CODEC_OK);
-    const octets again = encoding_of(back.record);
+    const byte_string again = encoding_of(back.record);
     EXPECT_EQ(again.size(), bytes.size());
     decoding last(*GetParam(), dice, 0);
     ASSERT_EQ(last.decode(again), CODEC_OK);

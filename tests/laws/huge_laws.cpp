@@ -55,16 +55,16 @@ class counted_encoding {
             entries.push_back({0, 0, record.pointer(field), record.count(field)});
           }
           break;
-        case kind::message:
+        case kind::nested:
           nested(field.number, record.nested(field), referenced, present);
           break;
-        case kind::integers:
+        case kind::integer_list:
           for (std::uint64_t i = 0; present && i < record.count(field); ++i) {
             key(field.number, 0);
             varint(record.element_number(field, i));
           }
           break;
-        case kind::messages:
+        case kind::message_list:
           for (std::uint64_t i = 0; present && i < record.count(field); ++i)
             nested(field.number, record.element(field, i), referenced, true);
           break;
@@ -87,8 +87,8 @@ class counted_encoding {
     length += size;
     overflows = overflows || length < size;
   }
-  void put(unsigned char octet) {
-    if (start_ + length < room_) written.emplace_back(static_cast<std::size_t>(start_ + length), octet);
+  void put(unsigned char byte) {
+    if (start_ + length < room_) written.emplace_back(static_cast<std::size_t>(start_ + length), byte);
     add(1);
   }
   void varint(std::uint64_t value) {
@@ -161,13 +161,13 @@ void make_huge(view record, dice &dice, arena &arena) {
       // What may fit into the scratch buffer is read, whatever becomes of it.
       const std::size_t size = length < 20000 ? static_cast<std::size_t>(length) : 1;
       auto *const block = arena.array<unsigned char>(size);
-      for (std::size_t i = 0; i < size; ++i) block[i] = dice.octet();
+      for (std::size_t i = 0; i < size; ++i) block[i] = dice.byte();
       record.set_has(field, dice.percent(90));
       record.set_count(field, length);
       record.set_pointer(field, dice.percent(40) ? nullptr : block);
-    } else if (field.kind == kind::message) {
+    } else if (field.kind == kind::nested) {
       make_huge(record.nested(field), dice, arena);
-    } else if (field.kind == kind::messages && record.pointer(field) != nullptr) {
+    } else if (field.kind == kind::message_list && record.pointer(field) != nullptr) {
       for (std::uint64_t i = 0; i < record.count(field); ++i) make_huge(record.element(field, i), dice, arena);
     }
   }
@@ -192,8 +192,8 @@ TEST_P(huge_laws, totals_are_exact_or_nothing_is_touched) {
       large += model.fits_size() && model.length > SIZE_MAX / 2;
       ASSERT_EQ(measured(record, options), length);
 
-      octets expected(room, 0xc7);
-      for (const auto &[position, octet] : model.written) expected[position] = octet;
+      byte_string expected(room, 0xc7);
+      for (const auto &[position, byte] : model.written) expected[position] = byte;
       if (!model.fits_size()) expected.assign(room, 0xc7);
       const fenced_block plain(room), listed(room);
       ASSERT_EQ(GetParam()->encode(record.data(), plain.data(), room, nullptr, nullptr, options), length);

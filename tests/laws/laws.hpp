@@ -1,5 +1,5 @@
-// How a law is tried: for every message, on records and octets from seeds that are the same in every run. The first
-// seed that breaks a law is reported with the message and the octets; PAVO_ZORV_SEED=<seed> tries only that one, and
+// How a law is tried: for every message, on records and bytes from seeds that are the same in every run. The first
+// seed that breaks a law is reported with the message and the bytes; PAVO_ZORV_SEED=<seed> tries only that one, and
 // PAVO_ZORV_ROUNDS=<n> n times as many, PAVO_ZORV_SEEDS=<n> at most n.
 #pragma once
 
@@ -23,8 +23,8 @@ inline std::string name_of_subject(const testing::TestParamInfo<const message_ty
 }
 
 // What a test is about at the moment, for the report.
-inline octets &on_trial() {
-  static octets bytes;
+inline byte_string &on_trial() {
+  static byte_string bytes;
   return bytes;
 }
 
@@ -54,13 +54,13 @@ inline void for_seeds(std::uint64_t seeds, const std::function<void(dice &)> &tr
     trial(dice);
     if (testing::Test::HasFailure()) {
       const testing::TestInfo &test = *testing::UnitTest::GetInstance()->current_test_info();
-      FAIL() << "seed " << seed << ", octets " << show(on_trial()) << "\nagain with: PAVO_ZORV_SEED=" << seed
+      FAIL() << "seed " << seed << ", bytes " << show(on_trial()) << "\nagain with: PAVO_ZORV_SEED=" << seed
              << " --gtest_filter=" << test.test_suite_name() << "." << test.name();
     }
   }
 }
 
-// A block between two inaccessible pages, used again and again: what is asked for are its last octets, or its first.
+// A block between two inaccessible pages, used again and again: what is asked for are its last bytes, or its first.
 class fence {
  public:
   explicit fence(std::size_t room) {
@@ -79,13 +79,15 @@ class fence {
   unsigned char *first() const { return first_; }
   unsigned char *last(std::size_t size) const { return first_ + room_ - size; }
 
-  unsigned char *holding(const octets &content) const { return holding(content, content.size()); }
-  // The first octets of a content.
-  unsigned char *holding(const octets &content, std::size_t size) const { return copied(content, size, last(size)); }
-  unsigned char *holding_at_start(const octets &content) const { return copied(content, content.size(), first_); }
+  unsigned char *holding(const byte_string &content) const { return holding(content, content.size()); }
+  // The first bytes of a content.
+  unsigned char *holding(const byte_string &content, std::size_t size) const {
+    return copied(content, size, last(size));
+  }
+  unsigned char *holding_at_start(const byte_string &content) const { return copied(content, content.size(), first_); }
 
  private:
-  static unsigned char *copied(const octets &content, std::size_t size, unsigned char *to) {
+  static unsigned char *copied(const byte_string &content, std::size_t size, unsigned char *to) {
     if (size != 0) std::memcpy(to, content.data(), size);
     return to;
   }
@@ -94,15 +96,15 @@ class fence {
   unsigned char *first_;
 };
 
-inline octets first_octets(const octets &bytes, std::size_t count) {
-  return octets(bytes.data(), bytes.data() + count);
+inline byte_string first_bytes(const byte_string &bytes, std::size_t count) {
+  return byte_string(bytes.data(), bytes.data() + count);
 }
 
 inline std::size_t measured(view record, std::uint32_t options = 0) {
   return record.type().encode(record.data(), nullptr, 0, nullptr, nullptr, options);
 }
 
-inline octets encoding_of(view record, std::uint32_t options = 0) {
+inline byte_string encoding_of(view record, std::uint32_t options = 0) {
   const fenced_block buffer(measured(record, options));
   const std::size_t length =
       record.type().encode(record.data(), buffer.data(), buffer.size(), nullptr, nullptr, options);
@@ -129,7 +131,7 @@ class decoding {
     return record.type().decode(record.data(), input, length, accountant::allocate, &memory, options_);
   }
   // From a block of the record's own.
-  int decode(const octets &bytes) {
+  int decode(const byte_string &bytes) {
     input_ = std::make_unique<fenced_block>(bytes);
     return decode(input_->data(), input_->size());
   }

@@ -157,16 +157,16 @@ TEST(linear_work, each_of_1024_leaves_in_lists_of_lists_is_visited_as_often_as_o
   EXPECT_EQ(counted, (visits{one.decoded * 1024, one.measured * 1024, one.written * 1024, one.compared * 1024}));
 }
 
-// Writes as the library does where everything fits, and counts the octets that it writes.
+// Writes as the library does where everything fits, and counts the bytes that it writes.
 struct counting_sink {
   using place = unsigned char *;
   pavo_zorv::segment_table *table;
-  std::size_t *octets_written;
+  std::size_t *bytes_written;
 
   static constexpr bool is_full(place) { return false; }
   place start_of(place message) const { return message; }
-  place prepend_octet(place at, unsigned char value) const {
-    ++*octets_written;
+  place prepend_byte(place at, unsigned char value) const {
+    ++*bytes_written;
     *--at = value;
     return at;
   }
@@ -176,18 +176,18 @@ struct counting_sink {
   }
   place prepend_block(place at, const void *block, std::uint64_t size) const {
     const auto length = static_cast<std::size_t>(size);
-    *octets_written += length;
+    *bytes_written += length;
     at -= length;
     if (length != 0) std::memcpy(at, block, length);
     return at;
   }
 };
 
-TEST(linear_work, every_octet_of_every_message_is_written_once) {
+TEST(linear_work, every_byte_of_every_message_is_written_once) {
   pavo_zorv::for_each_message([]<class Record>(std::type_identity<Record>) {
     for_seeds(100, [](dice &dice) {
       const random_record record(describe<Record>(), dice, recipes::canonical);
-      const octets bytes = model_encode(record, false).bytes;
+      const byte_string bytes = model_encode(record, false).bytes;
       on_trial() = bytes;
       const fenced_block buffer(bytes.size());
       std::size_t written = 0;

@@ -11,10 +11,10 @@ INSTANTIATE_TEST_SUITE_P(every, memory_laws, testing::ValuesIn(subjects()), name
 void forget(view record, bool referenced) {
   for (const field &field : record.type().fields) {
     if (field.is_number()) continue;
-    if (field.kind == kind::message) {
+    if (field.kind == kind::nested) {
       forget(record.nested(field), referenced);
     } else if (field.kind != kind::bytes || !referenced) {
-      if (field.kind == kind::messages && record.pointer(field) != nullptr) record.set_count(field, 0);
+      if (field.kind == kind::message_list && record.pointer(field) != nullptr) record.set_count(field, 0);
       record.set_pointer(field, nullptr);
     }
   }
@@ -23,8 +23,8 @@ void forget(view record, bool referenced) {
 // The elements of all lists of messages under a record.
 void add_elements(view record, std::vector<view> &elements) {
   for (const field &field : record.type().fields) {
-    if (field.kind == kind::message) add_elements(record.nested(field), elements);
-    if (field.kind != kind::messages || record.pointer(field) == nullptr) continue;
+    if (field.kind == kind::nested) add_elements(record.nested(field), elements);
+    if (field.kind != kind::message_list || record.pointer(field) == nullptr) continue;
     for (std::uint64_t i = 0; i < record.count(field); ++i) {
       add_elements(record.element(field, i), elements);
       elements.push_back(record.element(field, i));
@@ -46,7 +46,7 @@ TEST_P(memory_laws, a_copy_holds_all_that_there_is_memory_for) {
     const random_record record(*GetParam(), dice, recipes::copyable);
     const twin before(record);
     check_every_failing_copy(record, dice);
-    EXPECT_TRUE(same_octets(before.record.data(), record.data(), GetParam()->size)) << "the source was changed";
+    EXPECT_TRUE(same_content(before.record.data(), record.data(), GetParam()->size)) << "the source was changed";
   });
 }
 
@@ -84,7 +84,7 @@ TEST_P(memory_laws, a_copy_equals_its_source_and_is_written_the_same) {
 void add_records(view record, std::vector<view> &records) {
   records.push_back(record);
   for (const field &field : record.type().fields) {
-    if (field.kind == kind::message) add_records(record.nested(field), records);
+    if (field.kind == kind::nested) add_records(record.nested(field), records);
   }
 }
 
@@ -118,7 +118,7 @@ TEST_P(memory_laws, a_presence_bit_of_no_field_that_is_set_alone_stays_and_does_
 TEST_P(memory_laws, blocks_come_back_in_field_order_once_and_nothing_else_changes) {
   for_seeds(200, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::readable);
-    const octets bytes = model_encode(record, false).bytes;
+    const byte_string bytes = model_encode(record, false).bytes;
     on_trial() = bytes;
     for (const std::uint32_t options : GetParam()->modes()) {
       decoding back(*GetParam(), dice, options);
@@ -140,7 +140,7 @@ TEST_P(memory_laws, blocks_come_back_in_field_order_once_and_nothing_else_change
 TEST_P(memory_laws, without_a_release_callback_pointers_become_null_at_every_depth) {
   for_seeds(200, [&](dice &dice) {
     const random_record record(*GetParam(), dice, recipes::readable);
-    const octets bytes = model_encode(record, false).bytes;
+    const byte_string bytes = model_encode(record, false).bytes;
     on_trial() = bytes;
     for (const std::uint32_t options : GetParam()->modes()) {
       decoding back(*GetParam(), dice, options);
@@ -164,7 +164,7 @@ TEST_P(memory_laws, nothing_before_a_record_or_after_it_is_looked_at) {
   const message_type &type = *GetParam();
   const fence room(type.size), other_room(type.size);
   for_seeds(20, [&](dice &dice) {
-    const octets bytes = model_encode(random_record(type, dice, recipes::readable), false).bytes;
+    const byte_string bytes = model_encode(random_record(type, dice, recipes::readable), false).bytes;
     on_trial() = bytes;
     for (const bool at_end : {true, false}) {
       const view record(type, at_end ? room.last(type.size) : room.first());
@@ -173,7 +173,7 @@ TEST_P(memory_laws, nothing_before_a_record_or_after_it_is_looked_at) {
       accountant memory;
       litter(record, dice);
       ASSERT_EQ(type.decode(record.data(), nullptr, 0, nullptr, nullptr, 0), CODEC_OK);
-      ASSERT_EQ(encoding_of(record), octets{});
+      ASSERT_EQ(encoding_of(record), byte_string{});
       ASSERT_EQ(type.decode(record.data(), input.data(), input.size(), accountant::allocate, &memory, 0), CODEC_OK);
       litter(copy, dice);
       ASSERT_EQ(type.duplicate(copy.data(), record.data(), accountant::allocate, &memory), CODEC_OK);

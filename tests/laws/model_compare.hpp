@@ -21,9 +21,9 @@ inline int model_compare_numbers(const field &field, std::uint64_t a, std::uint6
 inline int model_compare_lists(const field &field, view a, view b) {
   for (std::uint64_t i = 0; i < a.count(field) && i < b.count(field); ++i) {
     int result = 0;
-    if (field.kind == kind::messages) {
+    if (field.kind == kind::message_list) {
       result = model_compare(a.element(field, i), b.element(field, i));
-    } else if (field.kind == kind::integers) {
+    } else if (field.kind == kind::integer_list) {
       result = sign_of_difference(a.element_number(field, i), b.element_number(field, i));
     } else {
       result = sign_of_difference(a.pointer(field)[i], b.pointer(field)[i]);
@@ -43,10 +43,10 @@ inline int model_compare(view a, view b) {
   for (const field &field : a.type().fields) {
     if (a.has(field) != b.has(field)) return a.has(field) ? 1 : -1;
     if (!a.has(field)) continue;
-    const int result = field.is_number()             ? model_compare_numbers(field, a.number(field), b.number(field))
-                       : field.kind == kind::string  ? model_compare_strings(a.pointer(field), b.pointer(field))
-                       : field.kind == kind::message ? model_compare(a.nested(field), b.nested(field))
-                                                     : model_compare_lists(field, a, b);
+    const int result = field.is_number()            ? model_compare_numbers(field, a.number(field), b.number(field))
+                       : field.kind == kind::string ? model_compare_strings(a.pointer(field), b.pointer(field))
+                       : field.kind == kind::nested ? model_compare(a.nested(field), b.nested(field))
+                                                    : model_compare_lists(field, a, b);
     if (result != 0) return result;
   }
   return 0;

@@ -42,7 +42,7 @@ class decoding_model {
   static void clear(view record) {
     record.set_presence(record.presence() & ~record.type().mask());
     for (const field &field : record.type().fields) {
-      if (field.kind == kind::message) {
+      if (field.kind == kind::nested) {
         clear(record.nested(field));
       } else if (field.is_number()) {
         record.set_number(field, 0);
@@ -53,13 +53,13 @@ class decoding_model {
     }
   }
 
-  // Of a varint the first five or ten octets count; of those behind them only the end is looked for.
+  // Of a varint the first five or ten bytes count; of those after them only the end is looked for.
   static bool varint(const unsigned char *&at, const unsigned char *end, int counting, std::uint64_t &value) {
     value = 0;
     for (int i = 0; at < end; ++i) {
-      const unsigned char octet = *at++;
-      if (i < counting) value |= std::uint64_t{octet & 0x7fu} << 7 * i;
-      if (octet < 128) {
+      const unsigned char byte = *at++;
+      if (i < counting) value |= std::uint64_t{byte & 0x7fu} << 7 * i;
+      if (byte < 128) {
         if (counting == 5) value &= 0xffffffff;
         return true;
       }
@@ -100,7 +100,7 @@ class decoding_model {
       record.set_number(field, field.kind == kind::flag ? read != 0 : read);
       return CODEC_OK;
     }
-    if (field.kind == kind::message) {
+    if (field.kind == kind::nested) {
       if (!delimited(at, end, read)) return CODEC_ERR_TRUNCATED;
       dropped += owned_blocks(record.nested(field), referenced).size();
       at += read;
@@ -127,8 +127,8 @@ class decoding_model {
   static std::size_t count_run(const field &field, const unsigned char *at, const unsigned char *end) {
     for (std::size_t count = 1;; ++count) {
       std::uint64_t read = 0;
-      if (field.kind == kind::messages ? !delimited(at, end, read) : !varint(at, end, 5, read)) return 0;
-      if (field.kind == kind::messages) at += read;
+      if (field.kind == kind::message_list ? !delimited(at, end, read) : !varint(at, end, 5, read)) return 0;
+      if (field.kind == kind::message_list) at += read;
       if (at == end) return count;
       if (!varint(at, end, 5, read)) return 0;
       if (read / 8 != field.number) return count;
@@ -146,7 +146,7 @@ class decoding_model {
     for (std::size_t i = 0; i < count; ++i) {
       std::uint64_t read = 0;
       if (i != 0) varint(at, end, 5, read);  // the key, whatever it is
-      if (field.kind == kind::integers) {
+      if (field.kind == kind::integer_list) {
         varint(at, end, 5, read);
         record.set_element_number(field, i, read);
       } else {

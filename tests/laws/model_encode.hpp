@@ -1,4 +1,4 @@
-// What encoding must give, in the plainest words: octets appended one by one, nested messages encoded apart and copied
+// What encoding must give, in the plainest words: bytes appended one by one, nested messages encoded apart and copied
 // in.
 #pragma once
 
@@ -10,9 +10,9 @@
 
 namespace test {
 
-// What an encoding is: its octets, and what the table says about it. Positions count from the message's first octet.
+// What an encoding is: its bytes, and what the table says about it. Positions count from the message's first byte.
 struct encoding_model {
-  // Octets that are written in one piece or, where a short buffer cannot hold them or there are none, not at all.
+  // Bytes that are written in one piece or, where a short buffer cannot hold them or there are none, not at all.
   struct whole {
     std::size_t first, last;
     bool missing;
@@ -21,11 +21,11 @@ struct encoding_model {
     enum { message, rest, referenced } what;
     std::size_t message_start;   // of the message, or of the message whose rest this is
     std::size_t position;        // of the rest within its message
-    const unsigned char *block;  // referenced octets
+    const unsigned char *block;  // referenced bytes
     std::uint64_t length;
   };
 
-  octets bytes;
+  byte_string bytes;
   std::vector<whole> wholes;
   std::vector<entry> entries;
   std::vector<std::size_t> field_ends;  // of the outermost message's fields, list elements each for itself
@@ -72,7 +72,7 @@ struct encoding_model {
     return result;
   }
 
-  // Which octets a call with a buffer of a length writes.
+  // Which bytes a call with a buffer of a length writes.
   std::vector<bool> written(std::size_t length) const {
     std::vector<bool> result(std::min(length, bytes.size()), true);
     for (const whole &part : wholes) {
@@ -90,7 +90,7 @@ inline encoding_model model_encode(view record, bool referenced) {
   for (const field &field : record.type().fields) {
     const bool present = record.has(field);
     const std::size_t before = out.bytes.size();
-    if (field.kind == kind::message) {
+    if (field.kind == kind::nested) {
       const encoding_model inner = model_encode(record.nested(field), referenced);
       if (present || !inner.bytes.empty()) out.nested(field.number, inner);
     } else if (!present) {
@@ -119,7 +119,7 @@ inline encoding_model model_encode(view record, bool referenced) {
       }
     } else if (field.is_list()) {
       for (std::uint64_t i = 0; i < record.count(field); ++i) {
-        if (field.kind == kind::integers) {
+        if (field.kind == kind::integer_list) {
           out.key(field.number, 0);
           out.varint(record.element_number(field, i));
         } else {

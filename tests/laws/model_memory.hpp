@@ -13,13 +13,13 @@ namespace test {
 inline void add_owned_blocks(view record, bool referenced, std::vector<void *> &blocks) {
   for (const field &field : record.type().fields) {
     if (field.is_number()) continue;
-    if (field.kind == kind::message) {
+    if (field.kind == kind::nested) {
       add_owned_blocks(record.nested(field), referenced, blocks);
       continue;
     }
     void *const block = record.pointer(field);
     if (block == nullptr || (field.kind == kind::bytes && referenced)) continue;
-    for (std::uint64_t i = 0; field.kind == kind::messages && i < record.count(field); ++i) {
+    for (std::uint64_t i = 0; field.kind == kind::message_list && i < record.count(field); ++i) {
       add_owned_blocks(record.element(field, i), referenced, blocks);
     }
     blocks.push_back(block);
@@ -36,7 +36,7 @@ inline std::vector<void *> owned_blocks(view record, bool referenced = false) {
 inline void add_unowned_bits(view record, std::vector<std::uint32_t> &bits) {
   bits.push_back(record.presence() & ~record.type().mask());
   for (const field &field : record.type().fields) {
-    if (field.kind == kind::message) add_unowned_bits(record.nested(field), bits);
+    if (field.kind == kind::nested) add_unowned_bits(record.nested(field), bits);
   }
 }
 
@@ -49,10 +49,10 @@ inline std::vector<std::uint32_t> unowned_bits(view record) {
 // Fills a record with rubbish, so that what an operation leaves untouched shows.
 inline void litter(view record, dice &dice) {
   auto *const start = static_cast<unsigned char *>(record.data());
-  for (std::size_t i = 0; i < record.type().size; ++i) start[i] = dice.octet();
+  for (std::size_t i = 0; i < record.type().size; ++i) start[i] = dice.byte();
 }
 
-inline bool same_octets(const void *a, const void *b, std::uint64_t length) {
+inline bool same_content(const void *a, const void *b, std::uint64_t length) {
   return length == 0 || std::memcmp(a, b, static_cast<std::size_t>(length)) == 0;
 }
 
@@ -65,7 +65,7 @@ inline std::string difference(view a, view b, bool same_bytes) {
       if (a.number(field) != b.number(field)) return name;
       continue;
     }
-    if (field.kind == kind::message) {
+    if (field.kind == kind::nested) {
       const std::string inner = difference(a.nested(field), b.nested(field), same_bytes);
       if (!inner.empty()) return name + "." + inner;
       continue;
@@ -76,9 +76,9 @@ inline std::string difference(view a, view b, bool same_bytes) {
       if (a.pointer(field) != b.pointer(field)) return name;
     } else if (field.kind == kind::string) {
       if (std::strcmp(a.text(field), b.text(field)) != 0) return name;
-    } else if (field.kind == kind::bytes || field.kind == kind::integers) {
+    } else if (field.kind == kind::bytes || field.kind == kind::integer_list) {
       const std::uint64_t size = a.count(field) * (field.kind == kind::bytes ? 1 : field.width);
-      if (!same_octets(a.pointer(field), b.pointer(field), size)) return name;
+      if (!same_content(a.pointer(field), b.pointer(field), size)) return name;
     } else {
       for (std::uint64_t i = 0; i < a.count(field); ++i) {
         const std::string inner = difference(a.element(field, i), b.element(field, i), same_bytes);
@@ -121,7 +121,7 @@ class copying_model {
   std::string check_member(const field &field, view source, view copy, bool &failed) {
     const std::string name = field.name;
     if (field.is_number()) return source.number(field) == copy.number(field) ? "" : name;
-    if (field.kind == kind::message) {
+    if (field.kind == kind::nested) {
       const std::string inner = check(source.nested(field), copy.nested(field));
       return inner.empty() ? "" : name + "." + inner;
     }
@@ -137,7 +137,7 @@ class copying_model {
     if (count == 0 || failed) return to == nullptr && (is_text || copy.count(field) == 0) ? "" : name;
 
     if (to == nullptr || to == from || (!is_text && copy.count(field) != count)) return name;
-    if (field.kind != kind::messages) return same_octets(from, to, size) ? "" : name;
+    if (field.kind != kind::message_list) return same_content(from, to, size) ? "" : name;
     for (std::uint64_t i = 0; i < count; ++i) {
       const std::string inner = check(source.element(field, i), copy.element(field, i));
       if (!inner.empty()) return name + "[" + std::to_string(i) + "]." + inner;

@@ -21,9 +21,9 @@ class dice {
   std::uint64_t below(std::uint64_t limit) { return engine_() % limit; }
   std::uint64_t from(std::uint64_t first, std::uint64_t last) { return first + below(last - first + 1); }
   bool percent(unsigned chance) { return below(100) < chance; }
-  unsigned char octet() { return static_cast<unsigned char>(any()); }
+  unsigned char byte() { return static_cast<unsigned char>(any()); }
 
-  // Every number of bits equally often, and the edges of every number of varint octets.
+  // Every number of bits equally often, and the edges of every number of varint bytes.
   std::uint64_t number() {
     const std::uint64_t bits = below(65);
     if (bits == 0) return 0;
@@ -31,7 +31,7 @@ class dice {
     return any() >> (64 - bits);
   }
 
-  // A number of three varint octets, as most labels are.
+  // A number of three varint bytes, as most labels are.
   std::uint64_t label() { return from(0x4000, 0x1fffff); }
 
  private:
@@ -39,7 +39,7 @@ class dice {
 };
 
 // Memory for what records point to, all of it given back at once. Blocks are of exactly the size asked for: the
-// sanitizer sees one octet more.
+// sanitizer sees one byte more.
 class arena {
  public:
   void *block(std::size_t size) {
@@ -106,8 +106,8 @@ class record_maker {
     if (!recipe_.canonical) record.set_presence((record.presence() & type.mask()) | unowned_bits(type));
     const field &field = type.fields[static_cast<std::size_t>(dice_.below(type.fields.size()))];
     const bool inside = record.has(field) && dice_.percent(70);
-    if (inside && field.kind == kind::message) return change(record.nested(field));
-    if (inside && field.kind == kind::messages && record.count(field) != 0) {
+    if (inside && field.kind == kind::nested) return change(record.nested(field));
+    if (inside && field.kind == kind::message_list && record.count(field) != 0) {
       return change(record.element(field, dice_.below(record.count(field))));
     }
     fill_field(record, field);
@@ -137,18 +137,18 @@ class record_maker {
       case kind::bytes: {
         const std::size_t length = filled ? text_length() : 0;
         record.set_count(field, length);
-        record.set_pointer(field, filled ? octets_or_null(length) : nullptr);
+        record.set_pointer(field, filled ? bytes_or_null(length) : nullptr);
         break;
       }
-      case kind::message:
+      case kind::nested:
         if (filled) {
           fill(record.nested(field));
         } else {
           std::memset(record.nested(field).data(), 0, field.nested->size);
         }
         break;
-      case kind::integers:
-      case kind::messages:
+      case kind::integer_list:
+      case kind::message_list:
         fill_list(record, field, wanted);
         break;
     }
@@ -162,7 +162,7 @@ class record_maker {
     record.set_count(field, count);
     record.set_pointer(field, null ? nullptr : arena_.block(count * field.element_size()));
     for (std::size_t i = 0; !null && i < count; ++i) {
-      if (field.kind == kind::integers) {
+      if (field.kind == kind::integer_list) {
         record.set_element_number(field, i, labels && dice_.percent(97) ? dice_.label() : number());
       } else {
         fill(record.element(field, i));
@@ -173,7 +173,7 @@ class record_maker {
   std::size_t list_length(const field &field, bool wanted) {
     if (recipe_.canonical && !wanted) return 0;
     // Now and then so long that it is worth a loop of its own.
-    if (field.kind == kind::integers && !recipe_.few_values && dice_.percent(4))
+    if (field.kind == kind::integer_list && !recipe_.few_values && dice_.percent(4))
       return static_cast<std::size_t>(dice_.from(1, 100));
     return static_cast<std::size_t>(dice_.from(recipe_.canonical ? 1 : 0, recipe_.longest_list));
   }
@@ -184,12 +184,12 @@ class record_maker {
   }
 
   std::size_t text_length() {
-    // Now and then so long that the length takes two octets.
+    // Now and then so long that the length takes two bytes.
     if (!recipe_.few_values && dice_.percent(3)) return static_cast<std::size_t>(dice_.from(126, 131));
     return static_cast<std::size_t>(dice_.from(0, recipe_.longest_text));
   }
 
-  unsigned char text_octet() {
+  unsigned char text_byte() {
     static constexpr unsigned char few[] = {'a', 'b', 0xff};
     return recipe_.few_values ? few[dice_.below(std::size(few))] : static_cast<unsigned char>(dice_.from(1, 255));
   }
@@ -197,15 +197,15 @@ class record_maker {
   char *text() {
     const std::size_t length = text_length();
     char *const result = arena_.array<char>(length + 1);
-    for (std::size_t i = 0; i < length; ++i) result[i] = static_cast<char>(text_octet());
+    for (std::size_t i = 0; i < length; ++i) result[i] = static_cast<char>(text_byte());
     result[length] = '\0';
     return result;
   }
 
-  unsigned char *octets_or_null(std::size_t length) {
+  unsigned char *bytes_or_null(std::size_t length) {
     if (recipe_.null_bytes && dice_.percent(25)) return nullptr;
     auto *const result = arena_.array<unsigned char>(length);
-    for (std::size_t i = 0; i < length; ++i) result[i] = dice_.percent(20) ? std::uint8_t{0} : text_octet();
+    for (std::size_t i = 0; i < length; ++i) result[i] = dice_.percent(20) ? std::uint8_t{0} : text_byte();
     return result;
   }
 

@@ -24,11 +24,11 @@ TEST_P(random_records, have_every_field_and_lack_it) {
 }
 
 TEST_P(random_records, are_the_same_from_the_same_seed) {
-  std::set<octets> different;
+  std::set<byte_string> different;
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
     dice first(seed);
     dice second(seed);
-    const octets bytes = model_encode(random_record(*GetParam(), first, recipes::full), false).bytes;
+    const byte_string bytes = model_encode(random_record(*GetParam(), first, recipes::full), false).bytes;
     EXPECT_EQ(bytes, model_encode(random_record(*GetParam(), second, recipes::full), false).bytes);
     different.insert(bytes);
   }

@@ -17,8 +17,8 @@ INSTANTIATE_TEST_SUITE_P(every, reference_laws, testing::ValuesIn(subjects_with_
 // The blocks that bytes members of a record point to, at any depth, and their lengths.
 void add_bytes(view record, std::vector<piece> &blocks) {
   for (const field &field : record.type().fields) {
-    if (field.kind == kind::message) add_bytes(record.nested(field), blocks);
-    for (std::uint64_t i = 0; field.kind == kind::messages && i < record.count(field); ++i) {
+    if (field.kind == kind::nested) add_bytes(record.nested(field), blocks);
+    for (std::uint64_t i = 0; field.kind == kind::message_list && i < record.count(field); ++i) {
       add_bytes(record.element(field, i), blocks);
     }
     if (field.kind == kind::bytes && record.pointer(field) != nullptr) {
@@ -29,7 +29,7 @@ void add_bytes(view record, std::vector<piece> &blocks) {
 
 TEST_P(reference_laws, decoded_bytes_lie_in_the_input_and_no_memory_is_asked_for_them) {
   for_seeds(300, [&](dice &dice) {
-    const octets bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
+    const byte_string bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
     on_trial() = bytes;
     decoding copied(*GetParam(), dice, 0);
     ASSERT_EQ(copied.decode(bytes), CODEC_OK);
@@ -47,7 +47,7 @@ TEST_P(reference_laws, decoded_bytes_lie_in_the_input_and_no_memory_is_asked_for
 
 TEST_P(reference_laws, a_record_decoded_by_reference_is_copied_whole) {
   for_seeds(200, [&](dice &dice) {
-    const octets bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
+    const byte_string bytes = model_encode(random_record(*GetParam(), dice, recipes::canonical), false).bytes;
     on_trial() = bytes;
     decoding back(*GetParam(), dice, PAVO_ZORV_REFERENCE);
     ASSERT_EQ(back.decode(bytes), CODEC_OK);
@@ -57,7 +57,7 @@ TEST_P(reference_laws, a_record_decoded_by_reference_is_copied_whole) {
 }
 
 // The pieces of the outermost message do not overlap. Sent one after another they are the encoding, unless nested
-// messages reference octets as well: these belong between octets of the buffer.
+// messages reference bytes as well: these belong between bytes of the buffer.
 TEST_P(reference_laws, the_pieces_of_the_outermost_message_together_are_the_whole_encoding) {
   std::size_t complete = 0;
   for_seeds(300, [&](dice &dice) {
@@ -68,7 +68,7 @@ TEST_P(reference_laws, the_pieces_of_the_outermost_message_together_are_the_whol
     table seen(static_cast<std::uint32_t>(model.entries.size()));
     GetParam()->encode(record.data(), buffer.data(), buffer.size(), seen.entries(), &seen.count, PAVO_ZORV_REFERENCE);
     ASSERT_EQ(seen.count, model.entries.size());
-    octets together;
+    byte_string together;
     for (std::size_t i = 0; i < model.entries.size(); ++i) {
       const pavo_zorv_segment &entry = seen.entries()[i];
       const bool outermost = model.entries[i].message_start == 0;
@@ -86,7 +86,7 @@ TEST_P(reference_laws, option_bits_without_a_meaning_change_nothing) {
     const random_record record(*GetParam(), dice, recipes::canonical);
     for (const std::uint32_t options : GetParam()->modes()) {
       const auto more = static_cast<std::uint32_t>(dice.any()) & ~std::uint32_t{PAVO_ZORV_REFERENCE};
-      const octets bytes = model_encode(record, false).bytes;
+      const byte_string bytes = model_encode(record, false).bytes;
       on_trial() = bytes;
       EXPECT_EQ(encoding_of(record, options | more), model_encode(record, is_referenced(options)).bytes);
       decoding plain(*GetParam(), dice, options);

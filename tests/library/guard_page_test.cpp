@@ -112,7 +112,7 @@ TEST_F(guard_page, is_not_stepped_over_by_encoding) {
 
 TEST_F(guard_page, is_not_stepped_over_by_decoding_and_releasing) {
   for_every_message([&](const message_type &type, const random_record &record, std::uint32_t options) {
-    const octets input = encoding_of(record, 0);
+    const byte_string input = encoding_of(record, 0);
     const auto read = is_tried(stack_, std::string("decode ") + type.name, *rubbish(), [&] {
       now.result =
           static_cast<std::size_t>(type.decode(now.record, input.data(), input.size(), take, nullptr, options));

@@ -104,8 +104,8 @@ case $what in
     ;;
   text_is_below_200_kilobytes)
     text=$(size -A "$shared" | awk '$1 == ".text" { print $2 }')
-    [ "$text" -gt 0 ] && [ "$text" -lt 204800 ] || fail "text section: $text octets"
-    echo "text section: $text octets"
+    [ "$text" -gt 0 ] && [ "$text" -lt 204800 ] || fail "text section: $text bytes"
+    echo "text section: $text bytes"
     ;;
   *) fail "no such check: $what" ;;
 esac

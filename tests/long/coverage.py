@@ -12,7 +12,7 @@ A branch is a way out of a condition as it stands in the source. The compiler co
 which is how other tools show it as well; here it is taken when it is in any of them. Ways out are told from each other
 by their order, in which all instantiations have the same. Where a condition is constant in some, these have fewer:
 those with as many ways out are held together, and each such group must take all of them. The instantiations of a lambda
-are not told apart by gcov, only put one behind the other; no lambda of src/ has a line with more than one condition, so
+are not told apart by gcov, only put one after the other; no lambda of src/ has a line with more than one condition, so
 its ways out come in pairs.
 
 A line is left out of the branches where the one before it says so, and why:  // No branches: reason
@@ -30,7 +30,7 @@ LEFT_OUT = re.compile(r"// No branches: \S")
 
 
 def conditions(branches):
-    """The counts without the ways out of calls: the usual one, and behind it the one that throws."""
+    """The counts without the ways out of calls: the usual one, and after it the one that throws."""
     return [one["count"] for one, other in zip(branches, branches[1:] + [{"throw": False}])
             if not one["throw"] and not other["throw"]]
 

@@ -5,28 +5,29 @@
 #include "laws.hpp"
 #include "messages/all.hpp"
 #include "pavo_zorv_memory.h"
-#include "random_octets.hpp"
+#include "random_bytes.hpp"
 
 namespace {
 
-using test::octets;
+using test::byte_string;
 using test::operator*;
 
-// An element of a list takes its record, and at least a key and a length of one octet each.
+// An element of a list takes its record, and at least a key and a length of one byte each.
 TEST(bounds, are_those_of_the_greatest_record_in_a_list) {
   std::size_t greatest = 0;
   pavo_zorv::for_each_message([&](auto message) {
     using record = typename decltype(message)::type;
     pavo_zorv::for_each_row<record>([&](auto index) {
       using row = std::remove_cvref_t<decltype(pavo_zorv::row_at<record, index>)>;
-      if constexpr (row::type == pavo_zorv::kind::messages) greatest = std::max(greatest, sizeof(typename row::nested));
+      if constexpr (row::type == pavo_zorv::kind::message_list)
+        greatest = std::max(greatest, sizeof(typename row::nested));
     });
   });
   if (sizeof(void *) == 8) {
-    EXPECT_EQ(greatest, 2 * PAVO_ZORV_MEMORY_PER_OCTET);
-    EXPECT_EQ(greatest + 8, 2 * PAVO_ZORV_BUDGET_PER_OCTET);
+    EXPECT_EQ(greatest, 2 * PAVO_ZORV_MEMORY_PER_BYTE);
+    EXPECT_EQ(greatest + 8, 2 * PAVO_ZORV_BUDGET_PER_BYTE);
   } else {
-    EXPECT_LE(greatest, 2 * PAVO_ZORV_MEMORY_PER_OCTET);
+    EXPECT_LE(greatest, 2 * PAVO_ZORV_MEMORY_PER_BYTE);
   }
 }
 
@@ -43,7 +44,7 @@ TEST(bounds, do_not_wrap) {
 // Policies that hold nothing: the worst that can be sent.
 TEST(bounds, are_reached_by_a_list_of_empty_policies_and_by_nothing_less) {
   if (sizeof(void *) != 8) GTEST_SKIP() << "records are smaller here";
-  const octets input = std::size_t{500} * test::hex("1a 00");
+  const byte_string input = std::size_t{500} * test::hex("1a 00");
   const auto block = std::make_unique<std::uint64_t[]>(500 * 72 / 8);
   for (const std::size_t missing : {0u, 1u}) {
     pavo_zorv_pool pool;
@@ -67,15 +68,15 @@ TEST(bounds, of_decoding_hold_for_a_copy_of_what_was_decoded_by_reference_though
   EXPECT_EQ(decoding.requests, 0u);
   ASSERT_EQ(pavo_zorv_srv6_prefix_duplicate(&copy, &record, pavo_zorv_counter_allocate, &copying), CODEC_OK);
   EXPECT_EQ(copying.requests, 1u);
-  EXPECT_EQ(copying.octets, 4u);
+  EXPECT_EQ(copying.bytes, 4u);
   pavo_zorv_srv6_prefix_free_ext(&copy, pavo_zorv_counter_release, &copying, 0);
   EXPECT_EQ(copying.live, 0u);
 }
 
 using hostile = test::law;
 
-const octets &hostile_input(test::dice &dice, const test::message_type &type) {
-  test::octets_maker maker(dice);
+const byte_string &hostile_input(test::dice &dice, const test::message_type &type) {
+  test::bytes_maker maker(dice);
   test::on_trial() = maker.message(type, 12);
   for (std::uint64_t times = dice.below(4); times-- != 0;) maker.damage(test::on_trial());
   return test::on_trial();
@@ -92,7 +93,7 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
   std::size_t decoded = 0;
   test::for_seeds(400, [&](test::dice &dice) {
     const test::fenced_block input(hostile_input(dice, type));
-    // One octet behind an aligned place is the worst that a pool can begin at.
+    // One byte after an aligned place is the worst that a pool can begin at.
     const std::size_t size = pavo_zorv_pool_size_for(input.size());
     const auto block = std::make_unique<unsigned char[]>(size + 1);
     pavo_zorv_pool pool;
@@ -102,8 +103,8 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
     const auto record = room_for(type);
     const int result = type.decode(record.get(), input.data(), input.size(), pavo_zorv_counter_allocate, &counter, 0);
     ASSERT_NE(result, CODEC_ERR_NO_MEMORY);
-    ASSERT_LE(counter.octets, input.size() * PAVO_ZORV_MEMORY_PER_OCTET);
-    ASSERT_LE(counter.requests * PAVO_ZORV_OCTETS_PER_REQUEST, input.size());
+    ASSERT_LE(counter.bytes, input.size() * PAVO_ZORV_MEMORY_PER_BYTE);
+    ASSERT_LE(counter.requests * PAVO_ZORV_BYTES_PER_REQUEST, input.size());
     decoded += result == CODEC_OK;
 
     // A copy asks for no more, also of what was decoded by reference, and what is charged for it comes back.
@@ -114,13 +115,13 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
               result);
     for (void *const source : {static_cast<void *>(record.get()), static_cast<void *>(referenced.get())}) {
       pavo_zorv_budget budget;
-      pavo_zorv_budget_init(&budget, input.size() * PAVO_ZORV_BUDGET_PER_OCTET, pavo_zorv_heap_allocate,
+      pavo_zorv_budget_init(&budget, input.size() * PAVO_ZORV_BUDGET_PER_BYTE, pavo_zorv_heap_allocate,
                             pavo_zorv_heap_release, nullptr);
       pavo_zorv_counter copies;
       pavo_zorv_counter_init(&copies, pavo_zorv_budget_allocate, pavo_zorv_budget_release, &budget);
       const auto copy = room_for(type);
       ASSERT_EQ(type.duplicate(copy.get(), source, pavo_zorv_counter_allocate, &copies), CODEC_OK);
-      ASSERT_LE(copies.octets, counter.octets);
+      ASSERT_LE(copies.bytes, counter.bytes);
       ASSERT_LE(copies.requests, counter.requests);
       type.free(copy.get(), pavo_zorv_counter_release, &copies, 0);
       ASSERT_EQ(budget.spent, 0u);

@@ -13,7 +13,7 @@ constexpr std::size_t unit = PAVO_ZORV_ALIGNMENT;
 static_assert(unit >= alignof(std::uint64_t) && unit >= alignof(void *) && (unit & (unit - 1)) == 0);
 static_assert(sizeof(pavo_zorv_alignment) == 8, "what a budget charges for a block of its own");
 
-// How many units of a block can be given out when it begins `misplaced` octets behind an aligned one.
+// How many units of a block can be given out when it begins `misplaced` bytes after an aligned one.
 std::size_t units_of(std::size_t misplaced, std::size_t size) {
   const std::size_t lost = (unit - misplaced % unit) % unit;
   return lost > size ? 0 : (size - lost) / unit;
@@ -87,7 +87,7 @@ TEST(pool, gives_the_same_blocks_again_after_a_reset) {
 
 TEST(pool, takes_back_what_a_nested_message_that_came_twice_owned_at_first) {
   // Two interfaces in one message, each with a name: the library drops the first.
-  const test::octets input = test::hex("12 06 12 04 65 74 68 30  12 06 12 04 65 74 68 31");
+  const test::byte_string input = test::hex("12 06 12 04 65 74 68 30  12 06 12 04 65 74 68 31");
   alignas(16) unsigned char block[16];
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, block, sizeof block);
@@ -100,7 +100,7 @@ TEST(pool, takes_back_what_a_nested_message_that_came_twice_owned_at_first) {
   }
 }
 
-TEST(budget, gives_blocks_of_their_size_and_8_octets_up_to_its_limit_for_all_small_sizes) {
+TEST(budget, gives_blocks_of_their_size_and_8_bytes_up_to_its_limit_for_all_small_sizes) {
   for (std::size_t limit = 0; limit <= 48; ++limit) {
     for (std::size_t first = 0; first <= 40; ++first) {
       for (std::size_t second = 0; second <= 40; ++second) {
@@ -127,7 +127,7 @@ TEST(budget, gives_blocks_of_their_size_and_8_octets_up_to_its_limit_for_all_sma
   }
 }
 
-TEST(budget, refuses_sizes_at_which_adding_its_own_8_octets_would_wrap) {
+TEST(budget, refuses_sizes_at_which_adding_its_own_8_bytes_would_wrap) {
   test::accountant memory;
   pavo_zorv_budget budget;
   pavo_zorv_budget_init(&budget, SIZE_MAX, test::accountant::allocate, test::accountant::release, &memory);
@@ -188,7 +188,7 @@ TEST(counter, counts_and_refuses_the_requests_that_it_is_told_to) {
         blocks.push_back(block);
       }
       ASSERT_EQ(counter.requests, 6u);
-      ASSERT_EQ(counter.octets, total);
+      ASSERT_EQ(counter.bytes, total);
       ASSERT_EQ(counter.live, blocks.size());
       for (void *const block : blocks) pavo_zorv_counter_release(block, &counter);
       ASSERT_EQ(counter.live, 0u);
@@ -204,11 +204,11 @@ TEST(counter, does_not_count_what_the_callback_beneath_refuses) {
   pavo_zorv_counter_init(&counter, pavo_zorv_pool_allocate, nullptr, &pool);
   EXPECT_EQ(pavo_zorv_counter_allocate(1, &counter), nullptr);
   EXPECT_EQ(counter.requests, 1u);
-  EXPECT_EQ(counter.octets, 0u);
+  EXPECT_EQ(counter.bytes, 0u);
   EXPECT_EQ(counter.live, 0u);
 }
 
-TEST(heap, gives_a_block_for_0_octets_as_well) {
+TEST(heap, gives_a_block_for_0_bytes_as_well) {
   void *const block = pavo_zorv_heap_allocate(0, nullptr);
   EXPECT_NE(block, nullptr);
   pavo_zorv_heap_release(block, nullptr);

@@ -4,11 +4,11 @@
 #include <string.h>
 
 /* An interface with a name: it owns a string. */
-static const unsigned char octets[] = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
+static const unsigned char bytes[] = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
 
 static int decodes(pavo_zorv_allocate allocate, pavo_zorv_release release, void *context) {
   api_intf record;
-  const int result = pavo_zorv_api_intf_decode_ext(&record, octets, sizeof octets, allocate, context);
+  const int result = pavo_zorv_api_intf_decode_ext(&record, bytes, sizeof bytes, allocate, context);
   const int right = result == CODEC_OK && record.field1 == 7 && strcmp(record.field2, "eth0") == 0;
   pavo_zorv_api_intf_free_ext(&record, release, context);
   return right;
@@ -36,7 +36,7 @@ int main(void) {
 
   pavo_zorv_counter_init(&counter, pavo_zorv_heap_allocate, pavo_zorv_heap_release, NULL);
   if (!decodes(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter)) return 8;
-  if (counter.requests != 1 || counter.octets != 5 || counter.live != 0) return 9;
+  if (counter.requests != 1 || counter.bytes != 5 || counter.live != 0) return 9;
   counter.fail_at = 1;
   if (decodes(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter)) return 10;
 

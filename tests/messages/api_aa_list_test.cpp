@@ -1,4 +1,4 @@
-// Lists of policies: octets, a number, and the policies, each with prefixes of its own.
+// Lists of policies: bytes, a number, and the policies, each with prefixes of its own.
 #include "message_checks.hpp"
 
 using namespace test;
@@ -7,9 +7,9 @@ using namespace test::checks;
 namespace {
 
 struct whole_list {
-  std::uint8_t octets[2] = {1, 200};
+  std::uint8_t bytes[2] = {1, 200};
   char field1[3] = "ab";
-  std::uint8_t prefix_octets[1] = {5};
+  std::uint8_t prefix_bytes[1] = {5};
   api_prefix prefix{};
   char field6[2] = "x";
   char field7[2] = "y";
@@ -19,7 +19,7 @@ struct whole_list {
 
   whole_list(const whole_list &) = delete;
   whole_list() {
-    prefix.octets = prefix_octets;
+    prefix.octets = prefix_bytes;
     prefix.octets_count = 1;
     prefix.presence = API_PREFIX_HAS_OCTETS;
     policies[0].field1 = field1;
@@ -32,7 +32,7 @@ struct whole_list {
     policies[2].field1 = other_field1;
     policies[2].field9 = -1;
     policies[2].presence = API_POLICY_HAS_FIELD1 | API_POLICY_HAS_FIELD9;
-    record.octets = octets;
+    record.octets = bytes;
     record.octets_count = 2;
     record.field2 = 300;
     record.policies = policies;
@@ -105,8 +105,8 @@ TEST(api_aa_list, a_policy_with_a_prefix_cut_off_fails_and_leaves_the_array) {
 TEST(api_aa_list, a_copy_without_memory_for_one_string_has_every_other_policy) {
   whole_list whole;
   char second_field1[] = "second", second_field7[] = "";
-  std::uint8_t second_octets[] = {6, 7};
-  api_prefix second_prefix{second_octets, 2, 8, API_PREFIX_HAS_OCTETS | API_PREFIX_HAS_FIELD2};
+  std::uint8_t second_bytes[] = {6, 7};
+  api_prefix second_prefix{second_bytes, 2, 8, API_PREFIX_HAS_OCTETS | API_PREFIX_HAS_FIELD2};
   whole.policies[1].field1 = second_field1;
   whole.policies[1].field2 = 22;
   whole.policies[1].prefixes = &second_prefix;
@@ -147,7 +147,7 @@ TEST(api_aa_list, a_copy_without_memory_for_one_string_has_every_other_policy) {
   }
 }
 
-TEST(api_aa_list, octets_are_read_as_one_run_cut_to_eight_bits) {
+TEST(api_aa_list, bytes_are_read_as_one_run_cut_to_eight_bits) {
   decoded<api_aa_list> read(hex("08 ac 02 0a 05 0d 80 02"));
   EXPECT_EQ(read.result, CODEC_OK);
   ASSERT_EQ(read->octets_count, 3u);
@@ -181,9 +181,9 @@ TEST(api_aa_list, a_run_of_policies_that_is_cut_off_asks_for_no_memory) {
 
 TEST(api_aa_list, lists_need_their_counts) {
   api_policy policies[1]{};
-  std::uint8_t octets[1] = {1};
+  std::uint8_t bytes[1] = {1};
   api_aa_list record{};
-  record.octets = octets;
+  record.octets = bytes;
   record.policies = policies;
   record.presence = 7;
   EXPECT_EQ(show(encoded(record)), "10 00");
@@ -195,7 +195,7 @@ TEST(api_aa_list, short_buffers_take_what_fits) {
   fills_short_buffers(whole_list().record, together(all_fields), {{12, 2}, {20, 1}, {23, 1}, {30, 1}});
 }
 
-TEST(api_aa_list, its_own_entry_comes_behind_those_of_prefixes_and_policies) {
+TEST(api_aa_list, its_own_entry_comes_after_those_of_prefixes_and_policies) {
   takes_entries(whole_list().record, {{16, 2}, {10, 14}, {28, 9}, {0, 37}});
   takes_entries(api_aa_list{}, {});
 }
@@ -203,7 +203,7 @@ TEST(api_aa_list, its_own_entry_comes_behind_those_of_prefixes_and_policies) {
 // --- Memory ---
 
 TEST(api_aa_list, memory_is_asked_for_in_field_order_and_its_lack_costs_one_member) {
-  const octets others = hex("1a 00 1a 09 0a 01 63 48 ff ff ff ff 0f");
+  const byte_string others = hex("1a 00 1a 09 0a 01 63 48 ff ff ff ff 0f");
   asks_for_memory(
       whole_list().record, all_fields,
       {
@@ -232,9 +232,9 @@ TEST(api_aa_list, a_copy_without_memory_has_empty_members) {
 
 TEST(api_aa_list, present_but_empty_lists_stay_present_in_a_copy) {
   api_policy policies[1]{};
-  std::uint8_t octets[1] = {1};
+  std::uint8_t bytes[1] = {1};
   api_aa_list source{};
-  source.octets = octets;
+  source.octets = bytes;
   source.policies = policies;
   source.presence = 7;
   copied<api_aa_list> copy(source);
@@ -279,7 +279,7 @@ TEST(api_aa_list, releasing_empties_the_policies_themselves) {
 TEST(api_aa_list, fields_are_compared_in_order) {
   const whole_list higher;
   whole_list lower;
-  lower.octets[1] = 100;
+  lower.bytes[1] = 100;
   lower.record.field2 = 299;
   lower.policies[2].field9 = -2;
   orders_field_by_field(lower.record, higher.record, all_fields);

@@ -26,7 +26,7 @@ TEST(api_addr, is_written_when_present_whatever_its_value) {
   EXPECT_EQ(show(encoded(api_addr{300, 0})), "");
 }
 
-// case: api_addr: decoding 300, a ten-octet value, and wire type 2
+// case: api_addr: decoding 300, a ten-byte value, and wire type 2
 TEST(api_addr, is_read_from_varints_only) {
   decoded<api_addr> addr(hex("08 ac 02"));
   EXPECT_EQ(addr.result, CODEC_OK);
@@ -43,7 +43,7 @@ TEST(api_addr, is_read_from_varints_only) {
   EXPECT_EQ(delimited->presence & 1, 0);
 }
 
-TEST(api_addr, takes_two_to_six_octets) {
+TEST(api_addr, takes_two_to_six_bytes) {
   EXPECT_EQ(encoded(api_addr{0, 1}).size(), 2u);
   EXPECT_EQ(encoded(api_addr{127, 1}).size(), 2u);
   EXPECT_EQ(encoded(api_addr{128, 1}).size(), 3u);
@@ -114,7 +114,7 @@ TEST(api_addr, fails_only_by_its_input) {
 // --- api_lbl_stack ---
 
 // case: api_lbl_stack: the labels 16 and 24001
-TEST(api_lbl_stack, the_labels_16_and_24001_take_six_octets_both_ways) {
+TEST(api_lbl_stack, the_labels_16_and_24001_take_six_bytes_both_ways) {
   std::uint32_t labels[] = {16, 24001};
   EXPECT_EQ(show(encoded(api_lbl_stack{labels, 2, API_LBL_STACK_HAS_LABELS})), "08 10 08 c1 bb 01");
 
@@ -126,8 +126,8 @@ TEST(api_lbl_stack, the_labels_16_and_24001_take_six_octets_both_ways) {
   EXPECT_EQ(stack.memory.sizes, (std::vector<std::size_t>{8}));
 }
 
-// case: api_lbl_stack: a second run behind an unknown field
-TEST(api_lbl_stack, a_second_run_behind_an_unknown_field_is_refused_and_the_first_is_kept) {
+// case: api_lbl_stack: a second run after an unknown field
+TEST(api_lbl_stack, a_second_run_after_an_unknown_field_is_refused_and_the_first_is_kept) {
   decoded<api_lbl_stack> stack(hex("08 10 10 05 08 11"));
   EXPECT_EQ(stack.result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(labels_of(stack.record), (std::vector<std::uint32_t>{16}));
@@ -159,7 +159,7 @@ TEST(api_lbl_stack, a_packed_list_is_refused) {
 
 TEST(api_lbl_stack, labels_keep_all_32_bits) {
   std::uint32_t labels[] = {0, 127, 128, 1048575, 0x80000000, 0xffffffff};
-  const octets bytes = hex("08 00 08 7f 08 80 01 08 ff ff 3f 08 80 80 80 80 08 08 ff ff ff ff 0f");
+  const byte_string bytes = hex("08 00 08 7f 08 80 01 08 ff ff 3f 08 80 80 80 80 08 08 ff ff ff ff 0f");
   EXPECT_EQ(encoded(api_lbl_stack{labels, 6, 1}), bytes);
   decoded<api_lbl_stack> stack(bytes);
   EXPECT_EQ(labels_of(stack.record), std::vector<std::uint32_t>(labels, labels + 6));

@@ -5,7 +5,7 @@ namespace {
 
 using namespace test;
 
-// A hop with a number and one element, in four octets: 08 01 28 07.
+// A hop with a number and one element, in four bytes: 08 01 28 07.
 api_exp_hop small_hop(std::uint8_t *element) {
   api_exp_hop hop{};
   hop.field1 = 1;
@@ -18,7 +18,7 @@ api_exp_hop small_hop(std::uint8_t *element) {
 // --- api_exp_hop ---
 
 // case: api_exp_hop: field1 1 and the single element 7 in field5
-TEST(api_exp_hop, a_number_and_one_element_take_four_octets) {
+TEST(api_exp_hop, a_number_and_one_element_take_four_bytes) {
   std::uint8_t element = 7;
   EXPECT_EQ(show(encoded(small_hop(&element))), "08 01 28 07");
 }
@@ -26,7 +26,7 @@ TEST(api_exp_hop, a_number_and_one_element_take_four_octets) {
 TEST(api_exp_hop, fields_are_written_in_order_with_a_key_before_every_element) {
   std::uint8_t five[] = {5, 200}, six[] = {6, 255, 0};
   const api_exp_hop hop{1, 2, 3, 300, five, 2, six, 3, 0x3f};
-  const octets bytes = hex("08 01 10 02 18 03 20 ac 02 28 05 28 c8 01 30 06 30 ff 01 30 00");
+  const byte_string bytes = hex("08 01 10 02 18 03 20 ac 02 28 05 28 c8 01 30 06 30 ff 01 30 00");
   EXPECT_EQ(encoded(hop), bytes);
   decoded<api_exp_hop> back(bytes);
   EXPECT_EQ(back.result, CODEC_OK);
@@ -49,7 +49,7 @@ TEST(api_exp_hop, each_list_may_be_one_run_only) {
   EXPECT_EQ(decoded<api_exp_hop>(hex("30 01 28 01 30 02")).result, CODEC_ERR_TRUNCATED);
 }
 
-TEST(api_exp_hop, a_copy_goes_on_behind_a_list_without_memory) {
+TEST(api_exp_hop, a_copy_goes_on_after_a_list_without_memory) {
   std::uint8_t five[] = {5}, six[] = {6, 7};
   const api_exp_hop hop{1, 2, 3, 4, five, 1, six, 2, 0x3f};
   for (const std::size_t failing : {std::size_t{0}, std::size_t{1}}) {
@@ -110,7 +110,7 @@ TEST(api_exp_hop, is_compared_in_field_order) {
 // --- api_exp_path ---
 
 // case: api_exp_path: one hop and field2 2, with tables of capacity 4 and 1
-TEST(api_exp_path, takes_eight_octets_and_two_entries_also_when_only_one_has_room) {
+TEST(api_exp_path, takes_eight_bytes_and_two_entries_also_when_only_one_has_room) {
   std::uint8_t element = 7;
   api_exp_hop hop = small_hop(&element);
   const api_exp_path path{&hop, 1, 2, API_EXP_PATH_HAS_HOPS | API_EXP_PATH_HAS_FIELD2};
@@ -135,8 +135,8 @@ TEST(api_exp_path, without_hops_writes_nothing_for_field_1) {
   EXPECT_EQ(show(encoded(api_exp_path{nullptr, 0, 0, API_EXP_PATH_HAS_HOPS})), "");
 }
 
-// case: api_exp_path: field 1 in a second run behind field 2
-TEST(api_exp_path, a_second_run_behind_field_2_is_refused) {
+// case: api_exp_path: field 1 in a second run after field 2
+TEST(api_exp_path, a_second_run_after_field_2_is_refused) {
   decoded<api_exp_path> path(hex("0a 02 08 01 10 02 0a 02 08 02"));
   EXPECT_EQ(path.result, CODEC_ERR_TRUNCATED);
   ASSERT_EQ(path->hop_count, 1u);

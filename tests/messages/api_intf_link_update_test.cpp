@@ -57,7 +57,7 @@ TEST(api_intf, every_field_goes_to_the_wire_and_back) {
 }
 
 // case: api_intf: field 2 of eth0 without field 1
-TEST(api_intf, the_name_eth0_alone_takes_six_octets) {
+TEST(api_intf, the_name_eth0_alone_takes_six_bytes) {
   whole_intf whole;
   whole.record.presence = API_INTF_HAS_FIELD2;
   EXPECT_EQ(show(encoded(whole.record)), "12 04 65 74 68 30");
@@ -74,7 +74,7 @@ TEST(api_intf, the_order_of_strings_is_handed_on_as_it_is) {
   EXPECT_EQ(operations<api_intf>::compare(&high, &low), string_order(c, a));
 }
 
-TEST(api_intf, strings_are_compared_as_unsigned_octets) {
+TEST(api_intf, strings_are_compared_as_unsigned_bytes) {
   char low_text[] = "a\x7f", high_text[] = "a\x80", longer_text[] = "a\x7f\x01";
   const api_intf low = {0, low_text, 2}, high = {0, high_text, 2}, longer = {0, longer_text, 2};
   EXPECT_LT(operations<api_intf>::compare(&low, &high), 0);

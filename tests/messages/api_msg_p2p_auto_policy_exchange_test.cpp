@@ -143,7 +143,7 @@ TEST(api_msg_p2p_auto_policy_request, short_buffers_take_what_fits) {
   fills_short_buffers(whole_request().record, together(request_fields), {{4, 2}});
 }
 
-TEST(api_msg_p2p_auto_policy_request, its_own_entry_comes_behind_those_of_the_policy) {
+TEST(api_msg_p2p_auto_policy_request, its_own_entry_comes_after_those_of_the_policy) {
   takes_entries(whole_request().record, {{8, 2}, {2, 8}, {0, 15}});
   request_message record{};
   record.presence = 1;
@@ -294,7 +294,7 @@ TEST(api_msg_p2p_auto_policy_response, short_buffers_take_what_fits) {
   fills_short_buffers(whole_response().record, together(response_fields), {{5, 1}});
 }
 
-TEST(api_msg_p2p_auto_policy_response, its_own_entry_comes_behind_those_of_the_notification) {
+TEST(api_msg_p2p_auto_policy_response, its_own_entry_comes_after_those_of_the_notification) {
   takes_entries(whole_response().record, {{2, 19}, {0, 29}});
 }
 
@@ -363,7 +363,7 @@ TEST(api_msg_p2p_auto_policy_sweep, every_field_goes_to_the_wire_and_back) {
 }
 
 // case: api_msg_p2p_auto_policy_sweep: both bits clear
-TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_octets_and_no_entries) {
+TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_bytes_and_no_entries) {
   const sweep_message record = {300, 7, 0};
   EXPECT_EQ(show(encoded(record)), "");
   for (const std::uint32_t capacity : {0u, 1u, 4u}) {
@@ -375,7 +375,7 @@ TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_octets_and
 }
 
 // case: api_msg_p2p_auto_policy_sweep: field 1 of 300 and field 2 of 0
-TEST(api_msg_p2p_auto_policy_sweep, the_numbers_300_and_0_take_five_octets) {
+TEST(api_msg_p2p_auto_policy_sweep, the_numbers_300_and_0_take_five_bytes) {
   EXPECT_EQ(show(encoded(sweep_message{300, 0, 3})), "08 ac 02 10 00");
   takes_entries(sweep_message{300, 0, 3}, {{0, 5}});
 }

@@ -95,8 +95,8 @@ TEST(api_msg_p2p_auto_policy_notif, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_notification().record, all_fields, kinds);
 }
 
-// case: api_msg_p2p_auto_policy_notif: field 27 of -1 takes ten octets, comes back, and is less than 0
-TEST(api_msg_p2p_auto_policy_notif, a_negative_field_27_takes_ten_octets_and_is_less_than_0) {
+// case: api_msg_p2p_auto_policy_notif: field 27 of -1 takes ten bytes, comes back, and is less than 0
+TEST(api_msg_p2p_auto_policy_notif, a_negative_field_27_takes_ten_bytes_and_is_less_than_0) {
   notification minus_one{}, zero{};
   minus_one.field27 = -1;
   minus_one.presence = zero.presence = 1u << 26;
@@ -176,7 +176,7 @@ TEST(api_msg_p2p_auto_policy_notif, field_27_is_read_from_longer_forms_and_refus
   decoded<notification> longer(hex("d8 01 81 80 80 80 80 80 80 80 80 80 80 00"));
   EXPECT_EQ(longer.result, CODEC_OK);
   EXPECT_EQ(longer->field27, 1);
-  decoded<notification> tenth(hex("d8 01 80 80 80 80 80 80 80 80 80 7f"));  // one bit of the tenth octet counts
+  decoded<notification> tenth(hex("d8 01 80 80 80 80 80 80 80 80 80 7f"));  // one bit of the tenth byte counts
   EXPECT_EQ(tenth.result, CODEC_OK);
   EXPECT_EQ(tenth->field27, INT64_MIN);
   for (const char *bytes :
@@ -190,7 +190,7 @@ TEST(api_msg_p2p_auto_policy_notif, field_27_is_read_from_longer_forms_and_refus
   }
 }
 
-TEST(api_msg_p2p_auto_policy_notif, every_flag_is_written_as_the_stored_octet) {
+TEST(api_msg_p2p_auto_policy_notif, every_flag_is_written_as_the_stored_byte) {
   notification record{};
   record.field4 = 0x80;
   record.field5 = 0xff;
@@ -254,7 +254,7 @@ TEST(api_msg_p2p_auto_policy_notif, short_buffers_take_what_fits) {
   fills_short_buffers(whole_notification().record, together(all_fields), {{2, 2}, {60, 3}});
 }
 
-TEST(api_msg_p2p_auto_policy_notif, its_own_entry_comes_behind_that_of_the_labels) {
+TEST(api_msg_p2p_auto_policy_notif, its_own_entry_comes_after_that_of_the_labels) {
   takes_entries(whole_notification().record, {{23, 2}, {0, 91}});
 }
 

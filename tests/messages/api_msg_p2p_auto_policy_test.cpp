@@ -140,8 +140,8 @@ TEST(api_msg_p2p_auto_policy, a_flag_that_holds_2_is_written_as_it_is_and_read_a
   EXPECT_EQ(bits(read.record), 1u << 4);
 }
 
-// case: api_msg_p2p_auto_policy: an element 200 takes two octets, an element 300 is read as 44
-TEST(api_msg_p2p_auto_policy, small_numbers_from_128_take_two_octets_and_greater_ones_are_cut) {
+// case: api_msg_p2p_auto_policy: an element 200 takes two bytes, an element 300 is read as 44
+TEST(api_msg_p2p_auto_policy, small_numbers_from_128_take_two_bytes_and_greater_ones_are_cut) {
   std::uint8_t elements[] = {200};
   policy record{};
   record.field11 = elements;
@@ -187,7 +187,7 @@ TEST(api_msg_p2p_auto_policy, an_unknown_field_23_alone_is_skipped) {
   }
 }
 
-TEST(api_msg_p2p_auto_policy, every_flag_is_written_as_the_stored_octet) {
+TEST(api_msg_p2p_auto_policy, every_flag_is_written_as_the_stored_byte) {
   policy record{};
   record.field5 = 0x80;
   record.field6 = 0xff;
@@ -210,7 +210,7 @@ TEST(api_msg_p2p_auto_policy, a_string_needs_its_pointer_and_a_list_its_count) {
   EXPECT_EQ(show(encoded(record)), "58 09 72 00");
 }
 
-TEST(api_msg_p2p_auto_policy, a_list_may_have_other_wire_types_behind_its_first_key) {
+TEST(api_msg_p2p_auto_policy, a_list_may_have_other_wire_types_after_its_first_key) {
   decoded<policy> read(hex("58 01 5a 02 5d 03"));
   EXPECT_EQ(read.result, CODEC_OK);
   ASSERT_EQ(read->field11_count, 3u);
@@ -324,7 +324,7 @@ TEST(api_msg_p2p_auto_policy, short_buffers_take_what_fits) {
   fills_short_buffers(whole_policy().record, together(all_fields), {{2, 2}, {6, 1}, {72, 3}});
 }
 
-TEST(api_msg_p2p_auto_policy, its_own_entry_comes_behind_those_of_labels_hops_paths_and_segment_identifier) {
+TEST(api_msg_p2p_auto_policy, its_own_entry_comes_after_those_of_labels_hops_paths_and_segment_identifier) {
   takes_entries(whole_policy().record, {{18, 6}, {47, 4}, {45, 8}, {78, 7}, {0, 88}});
 }
 

@@ -1,4 +1,4 @@
-// Policy registration: a flag, octets, a number and a string.
+// Policy registration: a flag, bytes, a number and a string.
 #include "message_checks.hpp"
 
 using namespace test;
@@ -7,14 +7,14 @@ using namespace test::checks;
 namespace {
 
 struct whole_registration {
-  std::uint8_t octets[2] = {1, 2};
+  std::uint8_t bytes[2] = {1, 2};
   char field4[3] = "ab";
   api_msg_policy_reg record{};
 
   whole_registration(const whole_registration &) = delete;
   whole_registration() {
     record.field1 = 1;
-    record.octets = octets;
+    record.octets = bytes;
     record.octets_count = 2;
     record.field3 = 300;
     record.field4 = field4;
@@ -35,8 +35,8 @@ TEST(api_msg_policy_reg, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_registration().record, all_fields, "flus");
 }
 
-// case: api_msg_policy_reg: a flag, two octets and 300
-TEST(api_msg_policy_reg, a_flag_two_octets_and_300_take_nine_octets) {
+// case: api_msg_policy_reg: a flag, two bytes and 300
+TEST(api_msg_policy_reg, a_flag_two_bytes_and_300_take_nine_bytes) {
   whole_registration whole;
   whole.record.field4 = nullptr;
   EXPECT_EQ(show(encoded(whole.record)), "08 01 10 01 10 02 18 ac 02");
@@ -45,7 +45,7 @@ TEST(api_msg_policy_reg, a_flag_two_octets_and_300_take_nine_octets) {
   EXPECT_EQ(show(encoded(whole.record)), "08 01 10 01 10 02 18 ac 02");
 }
 
-// case: api_msg_policy_reg: field 1 given as 2, and as 2^32 in five octets
+// case: api_msg_policy_reg: field 1 given as 2, and as 2^32 in five bytes
 TEST(api_msg_policy_reg, the_flag_is_the_low_32_bits_as_yes_or_no) {
   decoded<api_msg_policy_reg> two(hex("08 02"));
   EXPECT_EQ(two.result, CODEC_OK);
@@ -80,14 +80,14 @@ TEST(api_msg_policy_reg, a_copy_without_memory_has_the_flag_and_the_number) {
   EXPECT_EQ(copy.memory.sizes, (std::vector<std::size_t>{2, 3}));
 }
 
-TEST(api_msg_policy_reg, the_flag_is_written_as_the_stored_octet) {
+TEST(api_msg_policy_reg, the_flag_is_written_as_the_stored_byte) {
   api_msg_policy_reg record{};
   record.field1 = 0xff;
   record.presence = API_MSG_POLICY_REG_HAS_FIELD1;
   EXPECT_EQ(show(encoded(record)), "08 ff");
 }
 
-TEST(api_msg_policy_reg, octets_are_read_as_one_run_cut_to_eight_bits) {
+TEST(api_msg_policy_reg, bytes_are_read_as_one_run_cut_to_eight_bits) {
   decoded<api_msg_policy_reg> read(hex("10 ac 02 12 05 17 80 02"));
   EXPECT_EQ(read.result, CODEC_OK);
   ASSERT_EQ(read->octets_count, 3u);
@@ -139,9 +139,9 @@ TEST(api_msg_policy_reg, memory_is_asked_for_in_field_order_and_its_lack_costs_o
 }
 
 TEST(api_msg_policy_reg, empty_members_are_copied_as_empty_with_their_bits) {
-  std::uint8_t octets[] = {1};
+  std::uint8_t bytes[] = {1};
   api_msg_policy_reg source{};
-  source.octets = octets;
+  source.octets = bytes;
   source.presence = 15;
   EXPECT_EQ(show(encoded(source)), "08 00 18 00");
   copied<api_msg_policy_reg> copy(source);
@@ -167,7 +167,7 @@ TEST(api_msg_policy_reg, blocks_are_released_in_their_order) {
 TEST(api_msg_policy_reg, fields_are_compared_in_order_and_unsigned) {
   const whole_registration higher;
   whole_registration lower;
-  lower.octets[1] = 1;
+  lower.bytes[1] = 1;
   lower.record.field3 = 299;
   lower.field4[1] = 'a';
   api_msg_policy_reg high = higher.record;

@@ -17,8 +17,8 @@ TEST(api_msg_service, a_flag_read_as_5_is_stored_as_1_and_written_back_as_1) {
   EXPECT_EQ(show(encoded(service.record)), "08 01");
 }
 
-// case: api_msg_service: flags whose stored octet is neither 0 nor 1
-TEST(api_msg_service, a_flag_is_written_as_its_raw_octet_and_from_128_on_as_an_unterminated_varint) {
+// case: api_msg_service: flags whose stored byte is neither 0 nor 1
+TEST(api_msg_service, a_flag_is_written_as_its_raw_byte_and_from_128_on_as_an_unterminated_varint) {
   EXPECT_EQ(show(encoded(api_msg_service{2, 0, 0, API_MSG_SERVICE_HAS_FIELD1})), "08 02");
   EXPECT_EQ(show(encoded(api_msg_service{0x7f, 0, 0, API_MSG_SERVICE_HAS_FIELD1})), "08 7f");
   EXPECT_EQ(show(encoded(api_msg_service{0x80, 0, 0, API_MSG_SERVICE_HAS_FIELD1})), "08 80");
@@ -26,7 +26,7 @@ TEST(api_msg_service, a_flag_is_written_as_its_raw_octet_and_from_128_on_as_an_u
   EXPECT_EQ(decoded<api_msg_service>(hex("08 80")).result, CODEC_ERR_TRUNCATED);
 }
 
-TEST(api_msg_service, three_true_flags_take_six_octets) {
+TEST(api_msg_service, three_true_flags_take_six_bytes) {
   EXPECT_EQ(show(encoded(api_msg_service{1, 1, 1, 7})), "08 01 10 01 18 01");
   decoded<api_msg_service> service(hex("08 01 10 01 18 01"));
   EXPECT_EQ(service.result, CODEC_OK);
@@ -53,7 +53,7 @@ TEST(api_msg_service, is_copied_without_an_allocator) {
   EXPECT_EQ(copy.field3, 200);
 }
 
-TEST(api_msg_service, is_compared_in_field_order_by_stored_octets) {
+TEST(api_msg_service, is_compared_in_field_order_by_stored_bytes) {
   const auto compared = [](const api_msg_service &a, const api_msg_service &b) {
     return pavo_zorv_api_msg_service_compare(&a, &b);
   };
@@ -68,7 +68,7 @@ TEST(api_msg_service, is_compared_in_field_order_by_stored_octets) {
 // --- api_msg_internal ---
 
 // case: api_msg_internal: six fields with a table of capacity 2
-TEST(api_msg_internal, takes_nineteen_octets_and_two_entries) {
+TEST(api_msg_internal, takes_nineteen_bytes_and_two_entries) {
   char text[] = "ab";
   api_msg_internal internal{};
   internal.field1 = 1;
@@ -88,7 +88,7 @@ TEST(api_msg_internal, takes_nineteen_octets_and_two_entries) {
 }
 
 // case: api_msg_internal: a string of 200 characters, and a buffer too short for it
-TEST(api_msg_internal, a_long_string_has_a_length_of_two_octets_and_is_left_out_where_it_does_not_fit) {
+TEST(api_msg_internal, a_long_string_has_a_length_of_two_bytes_and_is_left_out_where_it_does_not_fit) {
   std::string text(200, 'x');
   api_msg_internal internal{};
   internal.field2 = text.data();
@@ -144,16 +144,16 @@ TEST(api_msg_internal, needs_an_allocator_for_its_string_only) {
   EXPECT_EQ(decode_without_memory<api_msg_internal>(hex("12 64")), CODEC_ERR_NO_MEMORY) << "before the length is read";
 }
 
-TEST(api_msg_internal, a_service_takes_two_octets_for_every_present_flag) {
+TEST(api_msg_internal, a_service_takes_two_bytes_for_every_present_flag) {
   for (std::uint8_t presence = 0; presence < 8; ++presence) {
     api_msg_internal internal{};
     internal.service = {200, 1, 0, presence};
     internal.presence = API_MSG_INTERNAL_HAS_SERVICE;
-    octets expected;
+    byte_string expected;
     if ((presence & 1) != 0) expected = expected + hex("08 c8");
     if ((presence & 2) != 0) expected = expected + hex("10 01");
     if ((presence & 4) != 0) expected = expected + hex("18 00");
-    EXPECT_EQ(encoded(internal), hex("2a") + octets{static_cast<unsigned char>(expected.size())} + expected);
+    EXPECT_EQ(encoded(internal), hex("2a") + byte_string{static_cast<unsigned char>(expected.size())} + expected);
   }
 }
 
@@ -239,7 +239,7 @@ TEST(api_msg_internal, the_outer_bit_decides_whether_services_are_compared) {
 // --- api_msg_on_demand_color_notif ---
 
 // case: api_msg_on_demand_color_notif: the colour 300
-TEST(api_msg_on_demand_color_notif, the_colour_300_takes_three_octets) {
+TEST(api_msg_on_demand_color_notif, the_colour_300_takes_three_bytes) {
   EXPECT_EQ(show(encoded(api_msg_on_demand_color_notif{300, API_MSG_ON_DEMAND_COLOR_NOTIF_HAS_COLOR})), "08 ac 02");
   decoded<api_msg_on_demand_color_notif> notif(hex("08 ac 02"));
   EXPECT_EQ(notif.result, CODEC_OK);

@@ -15,7 +15,7 @@ struct whole_envelope {
   char name[3] = "ab", policy_name[2] = "c", notification_name[2] = "d", interface_name[2] = "e", request_name[2] = "f",
        registration_name[2] = "g";
   std::uint32_t labels[1] = {16}, numbers[1] = {7};
-  std::uint8_t node_octets[1] = {8}, registration_octets[1] = {9};
+  std::uint8_t node_bytes[1] = {8}, registration_bytes[1] = {9};
   unsigned char request_data[2] = {0xaa, 0xbb}, result_data[1] = {0xcc};
   api_msg record{};
 
@@ -49,7 +49,7 @@ struct whole_envelope {
     record.to_igp.link_update.presence = API_LINK_UPDATE_HAS_FIELD5;
     record.to_igp.field3 = 1;
     record.to_igp.presence = API_TO_IGP_HAS_LINK_UPDATE | API_TO_IGP_HAS_FIELD3;
-    record.to_zorv.nodeid = {0, node_octets, 1, API_NODEID_HAS_OCTETS};
+    record.to_zorv.nodeid = {0, node_bytes, 1, API_NODEID_HAS_OCTETS};
     record.to_zorv.intf = {0, interface_name, API_INTF_HAS_FIELD2};
     record.to_zorv.presence = API_TO_ZORV_HAS_NODEID | API_TO_ZORV_HAS_INTF;
     record.oam_req.field3 = request_name;
@@ -62,7 +62,7 @@ struct whole_envelope {
     record.oam_res.field6_length = 1;
     record.oam_res.presence = OAM_RES_HAS_FIELD3 | OAM_RES_HAS_FIELD6;
     record.field15 = 1;
-    record.policy_reg.octets = registration_octets;
+    record.policy_reg.octets = registration_bytes;
     record.policy_reg.octets_count = 1;
     record.policy_reg.field4 = registration_name;
     record.policy_reg.presence = API_MSG_POLICY_REG_HAS_OCTETS | API_MSG_POLICY_REG_HAS_FIELD4;
@@ -89,8 +89,8 @@ const fields<api_msg> all_fields = {
     {take(&api_msg::policy_reg), hex("82 01 05 10 09 22 01 67")},
 };
 
-octets written_by_reference() {
-  octets result;
+byte_string written_by_reference() {
+  byte_string result;
   for (std::size_t i = 0; i < 12; ++i) result = result + all_fields[i].bytes;
   return result + hex("6a 07 1a 01 66 32 02 38 07 72 08 18 fe ff ff ff 0f 32 01 78 01 82 01 05 10 09 22 01 67");
 }
@@ -103,8 +103,8 @@ TEST(api_msg, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_envelope().record, all_fields, kinds);
 }
 
-// case: api_msg: no presence bit and empty payloads, and no octets decoded
-TEST(api_msg, nothing_is_no_octets_and_no_entry_and_comes_back_as_nothing) {
+// case: api_msg: no presence bit and empty payloads, and no bytes decoded
+TEST(api_msg, nothing_is_no_bytes_and_no_entry_and_comes_back_as_nothing) {
   takes_entries(api_msg{}, {});
   EXPECT_EQ(show(encoded(api_msg{})), "");
   decoded<api_msg> read(hex(""));
@@ -132,7 +132,7 @@ TEST(api_msg, an_empty_sweep_with_its_bit_is_a_key_and_a_zero_length) {
 }
 
 // case: api_msg: field 1 of 2^64 - 1
-TEST(api_msg, the_greatest_field_1_takes_ten_octets_and_comes_back) {
+TEST(api_msg, the_greatest_field_1_takes_ten_bytes_and_comes_back) {
   api_msg record{};
   record.field1 = UINT64_MAX;
   record.presence = API_MSG_HAS_FIELD1;
@@ -162,8 +162,8 @@ TEST(api_msg, field_15_is_the_low_32_bits_as_yes_or_no_and_written_as_stored) {
   EXPECT_EQ(show(encoded(record)), "78 81");
 }
 
-// case: api_msg: field 16 with its key of two octets
-TEST(api_msg, field_16_has_a_key_of_two_octets) {
+// case: api_msg: field 16 with its key of two bytes
+TEST(api_msg, field_16_has_a_key_of_two_bytes) {
   api_msg record{};
   record.policy_reg.field3 = 5;
   record.policy_reg.presence = API_MSG_POLICY_REG_HAS_FIELD3;
@@ -215,7 +215,7 @@ TEST(api_msg, every_empty_payload_with_its_bit_is_a_key_and_a_zero_length) {
 
 TEST(api_msg, content_at_any_depth_is_written_without_any_bit_above_it) {
   std::uint32_t labels[1] = {16};
-  std::uint8_t octets[1] = {5};
+  std::uint8_t bytes[1] = {5};
   api_msg record{};
   record.internal.service.field2 = 1;
   record.internal.service.presence = API_MSG_SERVICE_HAS_FIELD2;
@@ -225,7 +225,7 @@ TEST(api_msg, content_at_any_depth_is_written_without_any_bit_above_it) {
   record.to_igp.aa_list.presence = API_AA_LIST_HAS_FIELD2;
   record.to_zorv.intf.field1 = 8;
   record.to_zorv.intf.presence = API_INTF_HAS_FIELD1;
-  record.oam_req.prefix_sid = {0, octets, 1, PREFIX_SID_TYPE_HAS_FIELD2};
+  record.oam_req.prefix_sid = {0, bytes, 1, PREFIX_SID_TYPE_HAS_FIELD2};
   EXPECT_EQ(show(encoded(record)),
             "12 04 2a 02 10 01 42 06 0a 04 3a 02 08 10 4a 06 0a 04 52 02 08 10 5a 04 12 02 10 07 62 04 12 02 08 08 "
             "6a 04 22 02 10 05");
@@ -316,14 +316,14 @@ TEST(api_msg, short_buffers_take_what_fits) {
                       {{15, 2}, {25, 1}, {72, 1}, {99, 1}, {104, 1}, {107, 2}, {121, 1}, {131, 1}});
 }
 
-TEST(api_msg, its_own_entry_comes_behind_those_of_all_payloads) {
+TEST(api_msg, its_own_entry_comes_after_those_of_all_payloads) {
   const whole_envelope whole;
   takes_entries(whole.record, {{19, 2}, {13, 8}, {23, 5},  {32, 2},  {30, 4},  {36, 12}, {50, 3}, {55, 2},
                                {61, 3}, {59, 7}, {70, 3},  {68, 7},  {77, 4},  {85, 2},  {83, 6}, {93, 2},
                                {97, 3}, {91, 9}, {102, 9}, {113, 9}, {127, 5}, {0, 132}});
 }
 
-TEST(api_msg, by_reference_payloads_split_and_their_lengths_leave_the_octets_out) {
+TEST(api_msg, by_reference_payloads_split_and_their_lengths_leave_the_bytes_out) {
   const whole_envelope whole;
   EXPECT_EQ(show(encoded(whole.record, by_reference)), show(written_by_reference()));
   takes_entries(whole.record,
@@ -546,7 +546,7 @@ TEST(api_msg, a_payload_without_its_bit_is_sent_but_not_compared) {
   unmarked.presence = 0;
   const api_msg nothing{};
   EXPECT_EQ(operations<api_msg>::compare(&unmarked, &nothing), 0);
-  octets payloads;
+  byte_string payloads;
   for (std::size_t i = 1; i < 16; ++i) {
     if (i != 14) payloads = payloads + all_fields[i].bytes;
   }
@@ -560,7 +560,7 @@ TEST(api_msg, what_a_payload_is_compared_as_is_handed_on) {
   EXPECT_EQ(operations<api_msg>::compare(&high.record, &low.record), string_order(high.name, low.name));
   high.name[0] = 'a';
   high.result_data[0] = 1;
-  EXPECT_EQ(operations<api_msg>::compare(&low.record, &high.record), octet_order(low.result_data, high.result_data, 1));
+  EXPECT_EQ(operations<api_msg>::compare(&low.record, &high.record), byte_order(low.result_data, high.result_data, 1));
   high.result_data[0] = 0xcc;
   high.registration_name[0] = 'z';
   EXPECT_EQ(operations<api_msg>::compare(&low.record, &high.record),

@@ -1,4 +1,4 @@
-// Node identifiers and prefixes: a number and a list of octets, each octet a field of its own on the wire.
+// Node identifiers and prefixes: a number and a list of bytes, each byte a field of its own on the wire.
 #include "message_checks.hpp"
 
 using namespace test;
@@ -7,25 +7,25 @@ using namespace test::checks;
 namespace {
 
 struct whole_nodeid {
-  std::uint8_t octets[3] = {10, 128, 255};
+  std::uint8_t bytes[3] = {10, 128, 255};
   api_nodeid record{};
 
   whole_nodeid(const whole_nodeid &) = delete;
   whole_nodeid() {
     record.field1 = 300;
-    record.octets = octets;
+    record.octets = bytes;
     record.octets_count = 3;
     record.presence = API_NODEID_HAS_FIELD1 | API_NODEID_HAS_OCTETS;
   }
 };
 
 struct whole_prefix {
-  std::uint8_t octets[2] = {127, 200};
+  std::uint8_t bytes[2] = {127, 200};
   api_prefix record{};
 
   whole_prefix(const whole_prefix &) = delete;
   whole_prefix() {
-    record.octets = octets;
+    record.octets = bytes;
     record.octets_count = 2;
     record.field2 = 128;
     record.presence = API_PREFIX_HAS_OCTETS | API_PREFIX_HAS_FIELD2;
@@ -50,17 +50,17 @@ TEST(api_nodeid, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_nodeid().record, nodeid_fields, "ul");
 }
 
-TEST(api_nodeid, the_octets_0a_80_take_five_octets) {
-  std::uint8_t octets[] = {0x0a, 0x80};
+TEST(api_nodeid, the_bytes_0a_80_take_five_bytes) {
+  std::uint8_t bytes[] = {0x0a, 0x80};
   api_nodeid record{};
-  record.octets = octets;
+  record.octets = bytes;
   record.octets_count = 2;
   record.presence = API_NODEID_HAS_OCTETS;
   EXPECT_EQ(show(encoded(record)), "10 0a 10 80 01");
 }
 
-// case: api_nodeid: octets are written by their bit and count alone
-TEST(api_nodeid, octets_are_written_by_their_bit_and_count_alone) {
+// case: api_nodeid: bytes are written by their bit and count alone
+TEST(api_nodeid, bytes_are_written_by_their_bit_and_count_alone) {
   whole_nodeid whole;
   whole.record.presence = API_NODEID_HAS_OCTETS;
   EXPECT_EQ(show(encoded(whole.record)), "10 0a 10 80 01 10 ff 01");
@@ -128,7 +128,7 @@ TEST(api_nodeid, short_buffers_take_what_fits) {
   fills_short_buffers(whole_nodeid().record, together(nodeid_fields), {});
 }
 
-TEST(api_nodeid, the_lack_of_memory_costs_the_octets) {
+TEST(api_nodeid, the_lack_of_memory_costs_the_bytes) {
   asks_for_memory(whole_nodeid().record, nodeid_fields, {{3, 2, hex(""), hex("")}}, hex("08 ac 02"));
   copied<api_nodeid> copy(whole_nodeid().record, 0);
   EXPECT_EQ(copy->octets, nullptr);
@@ -137,9 +137,9 @@ TEST(api_nodeid, the_lack_of_memory_costs_the_octets) {
 }
 
 TEST(api_nodeid, a_present_but_empty_list_stays_present_in_a_copy) {
-  std::uint8_t octets[] = {1};
+  std::uint8_t bytes[] = {1};
   api_nodeid source{};
-  source.octets = octets;
+  source.octets = bytes;
   source.presence = API_NODEID_HAS_OCTETS;
   copied<api_nodeid> copy(source);
   EXPECT_EQ(copy.result, CODEC_OK);
@@ -149,7 +149,7 @@ TEST(api_nodeid, a_present_but_empty_list_stays_present_in_a_copy) {
   EXPECT_EQ(bits(copy.record), std::uint32_t{API_NODEID_HAS_OCTETS});
 }
 
-TEST(api_nodeid, free_releases_the_octets_and_leaves_count_and_bits) {
+TEST(api_nodeid, free_releases_the_bytes_and_leaves_count_and_bits) {
   decoded<api_nodeid> read(together(nodeid_fields));
   const std::vector<void *> blocks = {read->octets};
   operations<api_nodeid>::free(&read.record, accountant::release, &read.memory);
@@ -163,13 +163,13 @@ TEST(api_nodeid, fields_are_compared_in_order) {
   const whole_nodeid higher;
   whole_nodeid lower;
   lower.record.field1 = 1;
-  lower.octets[1] = 127;
+  lower.bytes[1] = 127;
   api_nodeid high = higher.record;
   high.field1 = 0xffffffff;
   orders_field_by_field(lower.record, high, nodeid_fields);
 }
 
-TEST(api_nodeid, octets_are_compared_unsigned_and_before_their_counts) {
+TEST(api_nodeid, bytes_are_compared_unsigned_and_before_their_counts) {
   std::uint8_t a[] = {1, 127, 255}, b[] = {1, 128};
   const api_nodeid longer = {0, a, 3, API_NODEID_HAS_OCTETS}, greater = {0, b, 2, API_NODEID_HAS_OCTETS};
   EXPECT_EQ(operations<api_nodeid>::compare(&longer, &greater), -1);
@@ -197,8 +197,8 @@ TEST(api_prefix, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_prefix().record, prefix_fields, "lo");
 }
 
-// case: api_prefix: a second run of octets behind field 2
-TEST(api_prefix, a_second_run_of_octets_is_refused_and_the_first_kept) {
+// case: api_prefix: a second run of bytes after field 2
+TEST(api_prefix, a_second_run_of_bytes_is_refused_and_the_first_kept) {
   decoded<api_prefix> read(hex("08 01 10 18 08 02"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
   ASSERT_EQ(read->octets_count, 1u);
@@ -225,8 +225,8 @@ TEST(api_prefix, field_2_of_255_comes_back_and_256_is_read_as_0) {
   EXPECT_EQ(more->field2, 44);
 }
 
-// case: api_prefix: a copy without memory for the octets has field 2
-TEST(api_prefix, a_copy_without_memory_for_the_octets_has_field_2) {
+// case: api_prefix: a copy without memory for the bytes has field 2
+TEST(api_prefix, a_copy_without_memory_for_the_bytes_has_field_2) {
   const whole_prefix whole;
   copied<api_prefix> copy(whole.record, 0);
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
@@ -246,7 +246,7 @@ TEST(api_prefix, short_buffers_take_what_fits) {
   fills_short_buffers(whole_prefix().record, together(prefix_fields), {});
 }
 
-TEST(api_prefix, the_lack_of_memory_costs_the_octets) {
+TEST(api_prefix, the_lack_of_memory_costs_the_bytes) {
   asks_for_memory(whole_prefix().record, prefix_fields, {{2, 1, hex(""), hex("")}}, hex("10 80 01"));
 }
 
@@ -259,7 +259,7 @@ TEST(api_prefix, a_present_but_empty_list_stays_present_in_a_copy) {
   EXPECT_EQ(bits(copy.record), std::uint32_t{API_PREFIX_HAS_OCTETS});
 }
 
-TEST(api_prefix, free_releases_the_octets_and_leaves_count_and_bits) {
+TEST(api_prefix, free_releases_the_bytes_and_leaves_count_and_bits) {
   decoded<api_prefix> read(together(prefix_fields));
   const std::vector<void *> blocks = {read->octets};
   operations<api_prefix>::free(&read.record, accountant::release, &read.memory);
@@ -273,7 +273,7 @@ TEST(api_prefix, free_releases_the_octets_and_leaves_count_and_bits) {
 TEST(api_prefix, fields_are_compared_in_order_and_unsigned) {
   const whole_prefix higher;
   whole_prefix lower;
-  lower.octets[1] = 100;
+  lower.bytes[1] = 100;
   lower.record.field2 = 127;
   orders_field_by_field(lower.record, higher.record, prefix_fields);
   api_prefix longer = higher.record, shorter = higher.record;

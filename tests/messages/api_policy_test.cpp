@@ -10,8 +10,8 @@ constexpr std::string_view kinds = "suufmssuif";
 
 struct whole_policy {
   char field1[3] = "ab";
-  std::uint8_t octets1[2] = {1, 200};
-  std::uint8_t octets2[1] = {5};
+  std::uint8_t bytes1[2] = {1, 200};
+  std::uint8_t bytes2[1] = {5};
   api_prefix prefixes[3]{};
   char field6[1] = "";
   char field7[4] = "xyz";
@@ -19,11 +19,11 @@ struct whole_policy {
 
   whole_policy(const whole_policy &) = delete;
   whole_policy() {
-    prefixes[1].octets = octets1;
+    prefixes[1].octets = bytes1;
     prefixes[1].octets_count = 2;
     prefixes[1].field2 = 24;
     prefixes[1].presence = API_PREFIX_HAS_OCTETS | API_PREFIX_HAS_FIELD2;
-    prefixes[2].octets = octets2;
+    prefixes[2].octets = bytes2;
     prefixes[2].octets_count = 1;
     prefixes[2].presence = API_PREFIX_HAS_OCTETS;
     record.field1 = field1;
@@ -62,8 +62,8 @@ TEST(api_policy, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_policy().record, all_fields, kinds);
 }
 
-// case: api_policy: field 9 of -1 takes five octets, is read from ten, and is less than 0
-TEST(api_policy, a_negative_field_9_takes_five_octets_and_is_less_than_0) {
+// case: api_policy: field 9 of -1 takes five bytes, is read from ten, and is less than 0
+TEST(api_policy, a_negative_field_9_takes_five_bytes_and_is_less_than_0) {
   api_policy minus_one{}, zero{};
   minus_one.field9 = -1;
   minus_one.presence = zero.presence = API_POLICY_HAS_FIELD9;
@@ -167,7 +167,7 @@ TEST(api_policy, field_9_holds_every_signed_32_bit_number) {
   }
 }
 
-TEST(api_policy, every_flag_is_written_as_the_stored_octet) {
+TEST(api_policy, every_flag_is_written_as_the_stored_byte) {
   api_policy record{};
   record.field4 = 0x80;
   record.field10 = 0xff;
@@ -212,7 +212,7 @@ TEST(api_policy, a_run_of_prefixes_that_is_cut_off_asks_for_no_memory) {
   }
 }
 
-TEST(api_policy, a_run_of_prefixes_may_have_other_wire_types_behind_its_first_key) {
+TEST(api_policy, a_run_of_prefixes_may_have_other_wire_types_after_its_first_key) {
   decoded<api_policy> read(hex("2a 02 10 05 28 02 10 06 2f 00"));
   EXPECT_EQ(read.result, CODEC_OK);
   ASSERT_EQ(read->prefixes_count, 3u);
@@ -235,7 +235,7 @@ TEST(api_policy, short_buffers_take_what_fits) {
   fills_short_buffers(whole_policy().record, together(all_fields), {{2, 2}, {30, 3}});
 }
 
-TEST(api_policy, its_own_entry_comes_behind_those_of_the_prefixes) {
+TEST(api_policy, its_own_entry_comes_after_those_of_the_prefixes) {
   takes_entries(whole_policy().record, {{15, 7}, {24, 2}, {0, 47}});
   takes_entries(api_policy{}, {});
 }
@@ -255,7 +255,7 @@ TEST(api_policy, memory_is_asked_for_in_field_order_and_its_lack_costs_one_membe
                   hex("10 ac 02 18 00 20 01 40 ff ff ff ff 0f 48 ff ff ff ff 0f 50 01"));
 }
 
-TEST(api_policy, a_copied_prefix_without_memory_for_its_octets_has_the_rest) {
+TEST(api_policy, a_copied_prefix_without_memory_for_its_bytes_has_the_rest) {
   const whole_policy whole;
   copied<api_policy> copy(whole.record, 2);
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
@@ -312,9 +312,9 @@ TEST(api_policy, blocks_are_released_in_their_order) {
 
 TEST(api_policy, without_a_release_callback_the_pointers_are_forgotten) {
   api_prefix prefixes[1]{};
-  std::uint8_t octets[1] = {1};
+  std::uint8_t bytes[1] = {1};
   char text[] = "a";
-  prefixes[0].octets = octets;
+  prefixes[0].octets = bytes;
   prefixes[0].octets_count = 1;
   api_policy record{};
   record.field1 = record.field6 = record.field7 = text;
@@ -344,7 +344,7 @@ TEST(api_policy, fields_are_compared_in_order) {
   lower.record.field2 = 299;
   lower.record.field3 = 1;
   lower.record.field4 = 0;
-  lower.octets1[1] = 100;
+  lower.bytes1[1] = 100;
   lower.field7[2] = 'y';
   lower.record.field8 = 1;
   orders_field_by_field(lower.record, high, all_fields);

@@ -7,13 +7,13 @@ using namespace test::checks;
 namespace {
 
 struct whole_to_zorv {
-  std::uint8_t octets[2] = {10, 128};
+  std::uint8_t bytes[2] = {10, 128};
   char name[5] = "eth0";
   api_to_zorv record{};
 
   whole_to_zorv(const whole_to_zorv &) = delete;
   whole_to_zorv() {
-    record.nodeid = {1, octets, 2, API_NODEID_HAS_FIELD1 | API_NODEID_HAS_OCTETS};
+    record.nodeid = {1, bytes, 2, API_NODEID_HAS_FIELD1 | API_NODEID_HAS_OCTETS};
     record.intf = {2, name, API_INTF_HAS_FIELD1 | API_INTF_HAS_FIELD2};
     record.field3 = 1;
     record.presence = 7;
@@ -23,16 +23,16 @@ struct whole_to_zorv {
 struct whole_to_igp {
   char name[3] = "ab";
   std::uint32_t numbers[1] = {300};
-  std::uint8_t octets[1] = {7};
+  std::uint8_t bytes[1] = {7};
   char field1[2] = "c";
-  std::uint8_t prefix_octets[1] = {9};
+  std::uint8_t prefix_bytes[1] = {9};
   api_prefix prefix{};
   api_policy policy{};
   api_to_igp record{};
 
   whole_to_igp(const whole_to_igp &) = delete;
   whole_to_igp() {
-    prefix.octets = prefix_octets;
+    prefix.octets = prefix_bytes;
     prefix.octets_count = 1;
     prefix.presence = API_PREFIX_HAS_OCTETS;
     policy.field1 = field1;
@@ -46,7 +46,7 @@ struct whole_to_igp {
                           numbers,
                           1,
                           API_LINK_UPDATE_HAS_FIELD1 | API_LINK_UPDATE_HAS_FIELD2 | API_LINK_UPDATE_HAS_FIELD5};
-    record.aa_list = {octets, 1, 5, &policy, 1, 7};
+    record.aa_list = {bytes, 1, 5, &policy, 1, 7};
     record.field3 = 1;
     record.field4 = 0;
     record.presence = 15;
@@ -96,8 +96,8 @@ TEST(api_to_zorv, an_empty_interface_with_its_outer_bit_is_a_key_and_a_zero_leng
   EXPECT_EQ(show(encoded(record)), "0a 00");
 }
 
-// case: api_to_zorv: a copy without memory for the octets of the node identifier
-TEST(api_to_zorv, a_copy_without_memory_for_the_octets_has_the_rest_and_all_outer_bits) {
+// case: api_to_zorv: a copy without memory for the bytes of the node identifier
+TEST(api_to_zorv, a_copy_without_memory_for_the_bytes_has_the_rest_and_all_outer_bits) {
   const whole_to_zorv whole;
   copied<api_to_zorv> copy(whole.record, 0);
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
@@ -123,7 +123,7 @@ TEST(api_to_zorv, a_copy_without_memory_for_the_string_keeps_all_outer_bits) {
   EXPECT_EQ(copy->field3, 1);
 }
 
-TEST(api_to_zorv, the_flag_is_written_as_the_stored_octet) {
+TEST(api_to_zorv, the_flag_is_written_as_the_stored_byte) {
   api_to_zorv record{};
   record.field3 = 0xfe;
   record.presence = API_TO_ZORV_HAS_FIELD3;
@@ -187,7 +187,7 @@ TEST(api_to_zorv, short_buffers_take_what_fits) {
   fills_short_buffers(whole_to_zorv().record, together(to_zorv_fields), {{15, 4}});
 }
 
-TEST(api_to_zorv, its_own_entry_comes_behind_those_of_its_nested_messages) {
+TEST(api_to_zorv, its_own_entry_comes_after_those_of_its_nested_messages) {
   takes_entries(whole_to_zorv().record, {{2, 7}, {11, 8}, {0, 21}});
   takes_entries(api_to_zorv{}, {});
 }
@@ -218,7 +218,7 @@ TEST(api_to_zorv, blocks_are_released_in_their_order) {
 TEST(api_to_zorv, fields_are_compared_in_order) {
   const whole_to_zorv higher;
   whole_to_zorv lower;
-  lower.octets[1] = 127;
+  lower.bytes[1] = 127;
   lower.name[3] = '/';
   lower.record.field3 = 0;
   api_to_zorv high = higher.record;
@@ -312,7 +312,7 @@ TEST(api_to_igp, a_flag_of_5_is_read_as_1) {
   EXPECT_EQ(show(encoded(read.record)), "18 01 20 00");
 }
 
-TEST(api_to_igp, flags_are_written_as_the_stored_octets) {
+TEST(api_to_igp, flags_are_written_as_the_stored_bytes) {
   api_to_igp record{};
   record.field3 = 0x80;
   record.field4 = 2;
@@ -363,13 +363,13 @@ TEST(api_to_igp, short_buffers_take_what_fits) {
   fills_short_buffers(whole_to_igp().record, together(to_igp_fields), {{6, 2}, {21, 1}});
 }
 
-TEST(api_to_igp, its_own_entry_comes_behind_those_of_its_nested_messages) {
+TEST(api_to_igp, its_own_entry_comes_after_those_of_its_nested_messages) {
   takes_entries(whole_to_igp().record, {{2, 9}, {24, 2}, {19, 7}, {13, 13}, {0, 30}});
   takes_entries(api_to_igp{}, {});
 }
 
 TEST(api_to_igp, memory_is_asked_for_in_field_order_and_its_lack_costs_one_member) {
-  const octets list_so_far = hex("12 04 08 07 10 05");
+  const byte_string list_so_far = hex("12 04 08 07 10 05");
   asks_for_memory(whole_to_igp().record, to_igp_fields,
                   {
                       {3, 1, hex("0a 05 08 01 28 ac 02"), hex("0a 02 08 01")},
@@ -420,7 +420,7 @@ TEST(api_to_igp, fields_are_compared_in_order) {
   const whole_to_igp higher;
   whole_to_igp lower;
   lower.numbers[0] = 299;
-  lower.prefix_octets[0] = 8;
+  lower.prefix_bytes[0] = 8;
   lower.record.field3 = 0;
   api_to_igp high = higher.record;
   high.field4 = 0x80;

@@ -23,7 +23,7 @@ std::string left_in(const Record &record, const std::string &name = "") {
             using Member = std::remove_cvref_t<decltype(member)>;
             if constexpr (std::is_class_v<Member>) {
               result += left_in(member, name + row.name + ".");
-            } else if (std::memcmp(&member, octets(sizeof member).data(), sizeof member) != 0) {
+            } else if (std::memcmp(&member, byte_string(sizeof member).data(), sizeof member) != 0) {
               result += name + row.name + " ";
             }
           };

@@ -87,30 +87,30 @@ TEST(memory, of_what_is_read_again_is_not_released_by_decoding) {
 
 // --- The context ---
 
-// A length-delimited field of less than 128 octets.
-octets delimited(const char *key, const octets &content) {
-  return hex(key) + octets{static_cast<unsigned char>(content.size())} + content;
+// A length-delimited field of less than 128 bytes.
+byte_string delimited(const char *key, const byte_string &content) {
+  return hex(key) + byte_string{static_cast<unsigned char>(content.size())} + content;
 }
 
 // The fields of an envelope that owns something of every kind at every depth: 28 blocks, 4 of them bytes.
-std::vector<octets> everything() {
-  const octets internal = hex("12 01 61");
-  const octets hops = delimited("0a", hex("28 01 28 02 30 03")) + hex("0a 00") + delimited("0a", hex("28 05"));
-  const octets policy =
+std::vector<byte_string> everything() {
+  const byte_string internal = hex("12 01 61");
+  const byte_string hops = delimited("0a", hex("28 01 28 02 30 03")) + hex("0a 00") + delimited("0a", hex("28 05"));
+  const byte_string policy =
       hex("0a 01 61 12 02 61 62 3a 04 08 01 08 02 58 05") + delimited("72", hops) + hex("a2 01 01 61 aa 01 02 10 09");
-  const octets policies = delimited("1a", hex("0a 01 61 2a 02 08 05"));
-  const octets to_igp = hex("0a 02 28 01") + delimited("12", hex("08 05") + policies);
-  const octets oam_req = hex("1a 01 61 22 02 10 05 32 01 62");
-  const octets sid_list = hex("0a 02 10 05 22 02 61 62");
-  const octets usid_list = delimited("0a", hex("1a 07 0a 03 61 62 63 10 05"));
-  const octets oam_res = delimited("2a", sid_list) + hex("32 02 63 64") + delimited("3a", usid_list);
+  const byte_string policies = delimited("1a", hex("0a 01 61 2a 02 08 05"));
+  const byte_string to_igp = hex("0a 02 28 01") + delimited("12", hex("08 05") + policies);
+  const byte_string oam_req = hex("1a 01 61 22 02 10 05 32 01 62");
+  const byte_string sid_list = hex("0a 02 10 05 22 02 61 62");
+  const byte_string usid_list = delimited("0a", hex("1a 07 0a 03 61 62 63 10 05"));
+  const byte_string oam_res = delimited("2a", sid_list) + hex("32 02 63 64") + delimited("3a", usid_list);
   return {delimited("12", internal), delimited("1a", policy), delimited("5a", to_igp), delimited("6a", oam_req),
           delimited("72", oam_res)};
 }
 
-octets joined(const std::vector<octets> &parts) {
-  octets result;
-  for (const octets &part : parts) result = result + part;
+byte_string joined(const std::vector<byte_string> &parts) {
+  byte_string result;
+  for (const byte_string &part : parts) result = result + part;
   return result;
 }
 
@@ -268,14 +268,15 @@ TEST(memory, failing_at_each_request_stops_decoding_and_leaves_a_record_that_can
 }
 
 TEST(memory, an_input_cut_off_anywhere_leaves_a_record_that_can_be_released) {
-  const std::vector<octets> fields = everything();
+  const std::vector<byte_string> fields = everything();
   std::vector<std::size_t> ends = {0};
-  for (const octets &field : fields) ends.push_back(ends.back() + field.size());
-  const octets bytes = joined(fields);
+  for (const byte_string &field : fields) ends.push_back(ends.back() + field.size());
+  const byte_string bytes = joined(fields);
   for (std::size_t length = 0; length <= bytes.size(); ++length) {
     const bool whole = std::find(ends.begin(), ends.end(), length) != ends.end();
     for (const std::uint32_t options : {std::uint32_t{0}, std::uint32_t{PAVO_ZORV_REFERENCE}}) {
-      decoded<api_msg> message(octets(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)), options);
+      decoded<api_msg> message(byte_string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)),
+                               options);
       EXPECT_EQ(message.result, whole ? CODEC_OK : CODEC_ERR_TRUNCATED) << length;
     }
   }
@@ -324,7 +325,7 @@ TEST(memory, failing_at_each_request_of_a_copy_leaves_a_record_that_can_be_relea
   }
 }
 
-TEST(memory, a_copy_goes_on_behind_what_it_had_no_memory_for) {
+TEST(memory, a_copy_goes_on_after_what_it_had_no_memory_for) {
   decoded<oam_req> source(hex("1a 03 61 62 63 22 04 10 05 10 06 32 05 01 02 03 04 05 38 07"));
   for (std::size_t request = 0; request < 3; ++request) {
     accountant memory;
@@ -413,7 +414,7 @@ TEST(memory, copying_asks_for_as_much_as_the_count_and_the_length_say) {
   // The allocator gives nothing, so the source needs no elements.
   std::uint32_t label = 0;
   std::uint8_t element = 0;
-  unsigned char octet = 0;
+  unsigned char byte = 0;
   sizes asked;
   const api_lbl_stack stack{&label, UINT32_MAX, 1};
   api_lbl_stack second_stack;
@@ -423,7 +424,7 @@ TEST(memory, copying_asks_for_as_much_as_the_count_and_the_length_say) {
   const prefix_sid_type sid{0, &element, UINT32_MAX, 2};
   prefix_sid_type second_sid;
   EXPECT_EQ(operations<prefix_sid_type>::duplicate(&second_sid, &sid, note_size, &asked), CODEC_ERR_NO_MEMORY);
-  const srv6_prefix prefix{&octet, SIZE_MAX, 0, 1};
+  const srv6_prefix prefix{&byte, SIZE_MAX, 0, 1};
   srv6_prefix second_prefix;
   EXPECT_EQ(operations<srv6_prefix>::duplicate(&second_prefix, &prefix, note_size, &asked), CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(second_prefix.field1, nullptr);

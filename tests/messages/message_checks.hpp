@@ -1,4 +1,4 @@
-// What every message is put through in the same way: the kinds of its fields on the wire, their octets one by one and
+// What every message is put through in the same way: the kinds of its fields on the wire, their bytes one by one and
 // together, short buffers and tables, memory that is not to be had, and the order of comparison. What is expected is
 // written out by each message's own tests.
 #pragma once
@@ -95,10 +95,10 @@ constexpr std::uint32_t all_bits() {
 }
 
 // --- Comparing as the C library does, at run time: the compiler must not fold these. What they give, but for its sign,
-// may depend on where the octets lie, so they get those that the library has. ---
+// may depend on where the bytes lie, so they get those that the library has. ---
 
 inline int (*volatile string_order)(const char *, const char *) = std::strcmp;
-inline int (*volatile octet_order)(const void *, const void *, std::size_t) = std::memcmp;
+inline int (*volatile byte_order)(const void *, const void *, std::size_t) = std::memcmp;
 
 // --- Calls ---
 
@@ -151,12 +151,12 @@ struct notebook {
 
 // --- Fields ---
 
-// A field of a message under test: how its members are taken from another record, and its octets in a record of which
+// A field of a message under test: how its members are taken from another record, and its bytes in a record of which
 // every field is known.
 template <class Record>
 struct field {
   std::function<void(Record &, const Record &)> take;
-  octets bytes;
+  byte_string bytes;
 };
 
 template <class Record>
@@ -168,13 +168,13 @@ auto take(Members Record::*...members) {
 }
 
 template <class Record>
-octets together(const fields<Record> &all) {
-  octets result;
+byte_string together(const fields<Record> &all) {
+  byte_string result;
   for (const field<Record> &each : all) result = result + each.bytes;
   return result;
 }
 
-inline octets key(unsigned number, unsigned type) {
+inline byte_string key(unsigned number, unsigned type) {
   const unsigned value = number << 3 | type;
   if (value < 128) return {static_cast<unsigned char>(value)};
   return {static_cast<unsigned char>((value & 127) | 128), static_cast<unsigned char>(value >> 7)};
@@ -188,7 +188,7 @@ inline bool is_list(char kind) { return is_one_of("lLm", kind); }
 inline bool needs_memory(char kind) { return is_one_of("lLsbm", kind); }
 
 // What becomes of the value 2^64 - 212 on the wire, by the kind that reads and writes it.
-inline octets read_and_written(char kind) {
+inline byte_string read_and_written(char kind) {
   switch (kind) {
     case 'f':
       return hex("01");
@@ -205,7 +205,7 @@ inline octets read_and_written(char kind) {
 }
 
 template <class Record>
-int result_of(const octets &bytes, std::uint32_t options = 0) {
+int result_of(const byte_string &bytes, std::uint32_t options = 0) {
   decoded<Record> record(bytes, options);
   return record.result;
 }
@@ -214,8 +214,8 @@ int result_of(const octets &bytes, std::uint32_t options = 0) {
 template <class Record>
 void fields_are_of_kinds(std::string_view kinds) {
   ASSERT_EQ(kinds.size(), field_count<Record>);
-  const octets wide = hex("ac fe ff ff ff ff ff ff ff 01");
-  const octets unknown = hex("f0 01 00");  // field 30
+  const byte_string wide = hex("ac fe ff ff ff ff ff ff ff 01");
+  const byte_string unknown = hex("f0 01 00");  // field 30
   for (unsigned number = 1; number <= kinds.size(); ++number) {
     const char kind = kinds[number - 1];
     SCOPED_TRACE("field " + std::to_string(number));
@@ -225,7 +225,7 @@ void fields_are_of_kinds(std::string_view kinds) {
       EXPECT_EQ(result_of<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
       EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
     }
-    const octets own = key(number, wire_type_of(kind));
+    const byte_string own = key(number, wire_type_of(kind));
     EXPECT_EQ(result_of<Record>(own), CODEC_ERR_TRUNCATED);
     EXPECT_EQ(decode_without_memory<Record>(own), needs_memory(kind) ? CODEC_ERR_NO_MEMORY : CODEC_ERR_TRUNCATED);
     EXPECT_EQ(result_of<Record>(own + hex("80")), CODEC_ERR_TRUNCATED);
@@ -238,9 +238,9 @@ void fields_are_of_kinds(std::string_view kinds) {
       EXPECT_EQ(result_of<Record>(own + hex("01")), CODEC_ERR_TRUNCATED);
       EXPECT_EQ(result_of<Record>(own + hex("ff ff ff ff 0f 00")), CODEC_ERR_TRUNCATED);
     }
-    const octets twice = own + hex("00") + unknown + own + hex("00");
+    const byte_string twice = own + hex("00") + unknown + own + hex("00");
     EXPECT_EQ(result_of<Record>(twice), needs_memory(kind) ? CODEC_ERR_TRUNCATED : CODEC_OK);
-    const octets next = own + hex("00") + own + hex("00");
+    const byte_string next = own + hex("00") + own + hex("00");
     EXPECT_EQ(result_of<Record>(next), needs_memory(kind) && !is_list(kind) ? CODEC_ERR_TRUNCATED : CODEC_OK);
     EXPECT_EQ(result_of<Record>(own + hex("00") + unknown + key(number, 5)), CODEC_ERR_WRONG_WIRE_TYPE);
   }
@@ -249,8 +249,8 @@ void fields_are_of_kinds(std::string_view kinds) {
     for (const unsigned type : {3u, 4u, 6u, 7u}) {
       EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_BAD_WIRE_TYPE);
     }
-    for (const octets &skipped : {key(number, 0) + hex("80 01"), key(number, 1) + 8 * hex("ff"),
-                                  key(number, 2) + hex("02 ff ff"), key(number, 5) + 4 * hex("ff")}) {
+    for (const byte_string &skipped : {key(number, 0) + hex("80 01"), key(number, 1) + 8 * hex("ff"),
+                                       key(number, 2) + hex("02 ff ff"), key(number, 5) + 4 * hex("ff")}) {
       EXPECT_EQ(decode_without_memory<Record>(skipped), CODEC_OK);
       decoded<Record> record(skipped);
       EXPECT_EQ(bits(record.record), 0u);
@@ -273,7 +273,7 @@ Record only(const Record &whole, const fields<Record> &all, std::size_t index) {
 template <class Record>
 void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all, std::string_view kinds) {
   ASSERT_EQ(all.size(), field_count<Record>);
-  octets reversed, nested;
+  byte_string reversed, nested;
   for (std::size_t index = 0; index < all.size(); ++index) {
     SCOPED_TRACE("field " + std::to_string(index + 1));
     Record alone = only(whole, all, index);
@@ -289,7 +289,7 @@ void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all, s
   }
   EXPECT_EQ(bits(whole), all_bits<Record>());
   EXPECT_EQ(show(encoded(whole)), show(together(all)));
-  for (const octets &bytes : {together(all), reversed}) {
+  for (const byte_string &bytes : {together(all), reversed}) {
     decoded<Record> read(bytes);
     EXPECT_EQ(read.result, CODEC_OK);
     EXPECT_EQ(bits(read.record), all_bits<Record>());
@@ -306,10 +306,10 @@ void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all, s
 // One request for memory, made when a whole record is decoded and when it is copied.
 struct request {
   std::size_t size;
-  std::size_t field;      // the field that it is for, from 1
-  octets copied_without;  // what is written of that field when a copy does not get it
-  octets read_without;    // what is written of that field when decoding ends there
-  std::size_t inner = 0;  // the requests behind it that are then not made
+  std::size_t field;           // the field that it is for, from 1
+  byte_string copied_without;  // what is written of that field when a copy does not get it
+  byte_string read_without;    // what is written of that field when decoding ends there
+  std::size_t inner = 0;       // the requests after it that are then not made
 };
 
 inline std::vector<std::size_t> sizes_of(const std::vector<request> &requests) {
@@ -321,8 +321,8 @@ inline std::vector<std::size_t> sizes_of(const std::vector<request> &requests) {
 // Which memory decoding and copying ask for, in which order, and what is left when one request, or every one, fails.
 template <class Record>
 void asks_for_memory(const Record &whole, const fields<Record> &all, const std::vector<request> &requests,
-                     const octets &copied_without_memory) {
-  const octets bytes = together(all);
+                     const byte_string &copied_without_memory) {
+  const byte_string bytes = together(all);
   {
     decoded<Record> read(bytes);
     EXPECT_EQ(read.memory.sizes, sizes_of(requests));
@@ -338,7 +338,7 @@ void asks_for_memory(const Record &whole, const fields<Record> &all, const std::
   for (std::size_t index = 0; index < requests.size(); ++index) {
     SCOPED_TRACE("request " + std::to_string(index));
     const request &failing = requests[index];
-    octets before, copied_bytes;
+    byte_string before, copied_bytes;
     for (std::size_t i = 0; i < all.size(); ++i) {
       if (i + 1 < failing.field) before = before + all[i].bytes;
       copied_bytes = copied_bytes + (i + 1 == failing.field ? failing.copied_without : all[i].bytes);
@@ -386,13 +386,13 @@ struct block {
 
 // Into a short buffer goes what fits; a string or bytes value that does not fit whole is left out.
 template <class Record>
-void fills_short_buffers(const Record &record, const octets &bytes, const std::vector<block> &blocks,
+void fills_short_buffers(const Record &record, const byte_string &bytes, const std::vector<block> &blocks,
                          std::uint32_t options = 0) {
   for (std::size_t size = 0; size <= bytes.size() + 1; ++size) {
     SCOPED_TRACE("buffer of " + std::to_string(size));
     const fenced_block buffer(size);
     EXPECT_EQ(operations<Record>::encode(&record, buffer.data(), size, nullptr, nullptr, options), bytes.size());
-    octets expected = bytes;
+    byte_string expected = bytes;
     expected.resize(size, 0xc7);
     for (const block &each : blocks) {
       const std::size_t end = each.position + each.length;
@@ -406,7 +406,7 @@ void fills_short_buffers(const Record &record, const octets &bytes, const std::v
 }
 
 // An entry of the table: a position in the encoding, or a block outside of it, and a length. The entry of what follows
-// a referenced block has that many octets of its message before it.
+// a referenced block has that many bytes of its message before it.
 struct entry {
   std::size_t position;
   std::uint64_t length;
@@ -419,7 +419,7 @@ inline entry rest(std::size_t position, std::uint64_t length, std::size_t before
   return {position, length, nullptr, before};
 }
 
-// What an entry says for a buffer of a size: a message behind its end has no start.
+// What an entry says for a buffer of a size: a message after its end has no start.
 inline piece expected_piece(const entry &each, const unsigned char *buffer, std::size_t size) {
   if (each.outside != nullptr) return {each.outside, each.length};
   const std::size_t message = each.position - each.before;
@@ -433,7 +433,7 @@ template <class Record>
 void takes_entries(const Record &record, const std::vector<entry> &entries, std::uint32_t options = 0) {
   const auto encode = operations<Record>::encode;
   const auto needed = static_cast<std::uint32_t>(entries.size());
-  const octets bytes = encoded(record, options);
+  const byte_string bytes = encoded(record, options);
   for (std::uint32_t capacity = 0; capacity <= needed + 1; ++capacity) {
     SCOPED_TRACE("capacity " + std::to_string(capacity));
     const encoding<Record> call(record, bytes.size(), capacity, options);
@@ -506,7 +506,7 @@ void orders_field_by_field(const Record &lower, const Record &higher, const fiel
 
 // --- Presence bits of no field ---
 
-// A record of one octet repeated, after decoding nothing into it.
+// A record of one byte repeated, after decoding nothing into it.
 template <class Record>
 Record cleared_from(unsigned char fill) {
   Record record;
@@ -515,7 +515,7 @@ Record cleared_from(unsigned char fill) {
   return record;
 }
 
-// A record of one octet repeated, after copying another into it.
+// A record of one byte repeated, after copying another into it.
 template <class Record>
 Record overwritten(unsigned char fill, const Record &source) {
   Record record;

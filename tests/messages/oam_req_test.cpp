@@ -1,4 +1,4 @@
-// OAM requests: numbers, a string, a segment identifier, and bytes with fields behind them.
+// OAM requests: numbers, a string, a segment identifier, and bytes with fields after them.
 #include "message_checks.hpp"
 
 using namespace test;
@@ -58,8 +58,8 @@ TEST(oam_req, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_request().record, all_fields, kinds);
 }
 
-// case: oam_req: 1000 octets by reference with a table of capacity 8
-TEST(oam_req, a_thousand_octets_by_reference_take_three_octets_and_two_entries) {
+// case: oam_req: 1000 bytes by reference with a table of capacity 8
+TEST(oam_req, a_thousand_bytes_by_reference_take_three_bytes_and_two_entries) {
   std::vector<unsigned char> data(1000, 0x55);
   const oam_req record = with_bytes(data.data(), 1000);
   const encoding<oam_req> call(record, 3, 8, by_reference);
@@ -70,8 +70,8 @@ TEST(oam_req, a_thousand_octets_by_reference_take_three_octets_and_two_entries) 
   EXPECT_TRUE(call.segments.untouched_from(2));
 }
 
-// case: oam_req: 1000 octets copied into a buffer of 100
-TEST(oam_req, a_thousand_octets_do_not_go_into_a_buffer_of_a_hundred) {
+// case: oam_req: 1000 bytes copied into a buffer of 100
+TEST(oam_req, a_thousand_bytes_do_not_go_into_a_buffer_of_a_hundred) {
   std::vector<unsigned char> data(1000, 0x55);
   const oam_req record = with_bytes(data.data(), 1000);
   const fenced_block buffer(100);
@@ -130,7 +130,7 @@ TEST(oam_req, by_reference_the_nested_entries_come_first_and_the_rest_last) {
   takes_entries(whole.record, {{11, 7}, {0, 33}});
 }
 
-TEST(oam_req, by_reference_with_nothing_behind_the_bytes_there_is_no_rest) {
+TEST(oam_req, by_reference_with_nothing_after_the_bytes_there_is_no_rest) {
   whole_request whole;
   whole.record.presence = 0x3f;
   EXPECT_EQ(show(encoded(whole.record, by_reference)),
@@ -147,7 +147,7 @@ TEST(oam_req, by_reference_field_7_or_8_alone_is_the_rest) {
   takes_entries(whole.record, {{0, 2}, referenced(whole.data, 3), rest(2, 6, 2)}, by_reference);
 }
 
-TEST(oam_req, by_reference_without_octets_there_is_one_entry_of_its_own) {
+TEST(oam_req, by_reference_without_bytes_there_is_one_entry_of_its_own) {
   whole_request whole;
   whole.record.field6_length = 0;
   EXPECT_EQ(show(encoded(whole.record, by_reference)),
@@ -158,7 +158,7 @@ TEST(oam_req, by_reference_without_octets_there_is_one_entry_of_its_own) {
   takes_entries(whole.record, {{11, 7}, {0, 28}}, by_reference);
 }
 
-TEST(oam_req, by_reference_without_a_table_the_octets_are_nowhere) {
+TEST(oam_req, by_reference_without_a_table_the_bytes_are_nowhere) {
   const whole_request whole;
   const fenced_block buffer(30);
   EXPECT_EQ(operations<oam_req>::encode(&whole.record, buffer.data(), 30, nullptr, nullptr, by_reference), 30u);
@@ -323,8 +323,8 @@ TEST(oam_req, fields_are_compared_in_order) {
 TEST(oam_req, the_order_of_bytes_is_handed_on_as_it_is_and_then_the_shorter_is_less) {
   whole_request low, high;
   low.data[0] = 1;
-  EXPECT_EQ(operations<oam_req>::compare(&low.record, &high.record), octet_order(low.data, high.data, 3));
-  EXPECT_EQ(operations<oam_req>::compare(&high.record, &low.record), octet_order(high.data, low.data, 3));
+  EXPECT_EQ(operations<oam_req>::compare(&low.record, &high.record), byte_order(low.data, high.data, 3));
+  EXPECT_EQ(operations<oam_req>::compare(&high.record, &low.record), byte_order(high.data, low.data, 3));
   low.data[0] = 0xaa;
   low.record.field6_length = 2;
   low.record.field7 = 8;

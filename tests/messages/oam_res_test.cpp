@@ -152,7 +152,7 @@ TEST(oam_res, presence_of_an_empty_list_does_not_survive_the_wire) {
   EXPECT_EQ(read->sid_lists, nullptr);
 }
 
-TEST(oam_res, a_negative_field_3_takes_five_octets_and_is_read_from_ten) {
+TEST(oam_res, a_negative_field_3_takes_five_bytes_and_is_read_from_ten) {
   const std::vector<std::pair<std::int32_t, const char *>> numbers = {
       {-1, "18 ff ff ff ff 0f"}, {INT32_MIN, "18 80 80 80 80 08"}, {INT32_MAX, "18 ff ff ff ff 07"}, {0, "18 00"}};
   for (const auto &[number, bytes] : numbers) {
@@ -170,7 +170,7 @@ TEST(oam_res, a_negative_field_3_takes_five_octets_and_is_read_from_ten) {
   EXPECT_EQ(show(encoded(ten.record)), "18 fe ff ff ff 0f");
 }
 
-TEST(oam_res, the_flag_is_written_as_the_stored_octet_and_read_as_1) {
+TEST(oam_res, the_flag_is_written_as_the_stored_byte_and_read_as_1) {
   oam_res record{};
   record.field4 = 0x82;
   record.presence = OAM_RES_HAS_FIELD4;
@@ -230,7 +230,7 @@ TEST(oam_res, by_reference_without_micro_sid_lists_there_is_no_rest) {
                 by_reference);
 }
 
-TEST(oam_res, by_reference_without_octets_of_its_own_it_has_one_entry_last) {
+TEST(oam_res, by_reference_without_bytes_of_its_own_it_has_one_entry_last) {
   whole_result whole;
   whole.record.field6_length = 0;
   takes_entries(whole.record,
@@ -248,7 +248,7 @@ TEST(oam_res, by_reference_without_octets_of_its_own_it_has_one_entry_last) {
                 by_reference);
 }
 
-TEST(oam_res, by_reference_without_a_table_the_octets_are_nowhere) {
+TEST(oam_res, by_reference_without_a_table_the_bytes_are_nowhere) {
   const whole_result whole;
   const fenced_block buffer(42);
   EXPECT_EQ(operations<oam_res>::encode(&whole.record, buffer.data(), 42, nullptr, nullptr, by_reference), 42u);
@@ -332,7 +332,7 @@ TEST(oam_res, short_buffers_take_what_fits) {
 }
 
 TEST(oam_res, memory_is_asked_for_in_field_order_and_its_lack_costs_one_member) {
-  const octets first = hex("2a 0a 0a 04 08 03 10 01 22 02 aa bb"), second = hex("2a 05 10 07 22 01 cc");
+  const byte_string first = hex("2a 0a 0a 04 08 03 10 01 22 02 aa bb"), second = hex("2a 05 10 07 22 01 cc");
   asks_for_memory(whole_result().record, all_fields,
                   {
                       {2 * sizeof(out_sid_list_info), 5, hex(""), hex(""), 3},
@@ -446,14 +446,14 @@ TEST(oam_res, field_3_is_compared_signed) {
 TEST(oam_res, the_order_of_bytes_is_handed_on_as_it_is_from_every_depth) {
   whole_result low, high;
   low.data[0] = 1;
-  EXPECT_EQ(operations<oam_res>::compare(&low.record, &high.record), octet_order(low.data, high.data, 3));
-  EXPECT_EQ(operations<oam_res>::compare(&high.record, &low.record), octet_order(high.data, low.data, 3));
+  EXPECT_EQ(operations<oam_res>::compare(&low.record, &high.record), byte_order(low.data, high.data, 3));
+  EXPECT_EQ(operations<oam_res>::compare(&high.record, &low.record), byte_order(high.data, low.data, 3));
   low.first[0] = 2;
-  EXPECT_EQ(operations<oam_res>::compare(&low.record, &high.record), octet_order(low.first, high.first, 2));
+  EXPECT_EQ(operations<oam_res>::compare(&low.record, &high.record), byte_order(low.first, high.first, 2));
   high.first[0] = 2;
   high.data[0] = 1;
   high.prefix[0] = 0x99;
-  EXPECT_EQ(operations<oam_res>::compare(&high.record, &low.record), octet_order(high.prefix, low.prefix, 2));
+  EXPECT_EQ(operations<oam_res>::compare(&high.record, &low.record), byte_order(high.prefix, low.prefix, 2));
 }
 
 TEST(oam_res, longer_members_are_greater) {
@@ -491,8 +491,8 @@ TEST(oam_res, presence_bits_of_no_field_are_left_alone) {
 
 }  // namespace
 
-// What is behind such a place is stored some octets at a time, and must not reach into it.
-TEST(oam_res, octets_that_are_missing_leave_their_place_in_the_buffer_as_it_was) {
+// What is after such a place is stored some bytes at a time, and must not reach into it.
+TEST(oam_res, bytes_that_are_missing_leave_their_place_in_the_buffer_as_it_was) {
   std::uint8_t address[] = {10, 0, 200, 1};
   out_sid_list_info lists[3] = {};
   lists[0].field4_length = 6;
@@ -509,7 +509,7 @@ TEST(oam_res, octets_that_are_missing_leave_their_place_in_the_buffer_as_it_was)
   record.sid_lists_count = 3;
   record.presence = OAM_RES_HAS_SID_LISTS;
 
-  octets buffer(41, 0xc7);
+  byte_string buffer(41, 0xc7);
   EXPECT_EQ(pavo_zorv_oam_res_encode_ext(&record, buffer.data(), buffer.size(), nullptr, nullptr, 0), 38u);
   EXPECT_EQ(buffer, hex("2a 08  22 06 c7 c7 c7 c7 c7 c7"
                         "2a 0d  10 80 80 80 01 22 06 c7 c7 c7 c7 c7 c7"

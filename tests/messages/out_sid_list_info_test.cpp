@@ -79,7 +79,7 @@ TEST(out_sid_list_info, by_reference_it_ends_with_two_entries_of_its_own_and_no_
   takes_entries(whole.record, {{2, 7}, {0, 19}});
 }
 
-TEST(out_sid_list_info, by_reference_without_octets_or_bytes_it_has_one_entry_of_its_own) {
+TEST(out_sid_list_info, by_reference_without_bytes_or_bytes_it_has_one_entry_of_its_own) {
   whole_info whole;
   whole.record.field4_length = 0;
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "0a 07 08 03 10 01 10 c8 01 10 ac 02 18 00 22 00");
@@ -210,8 +210,8 @@ TEST(out_sid_list_info, fields_are_compared_in_order) {
 TEST(out_sid_list_info, the_order_of_bytes_is_handed_on_as_it_is_and_then_the_shorter_is_less) {
   whole_info low, high;
   low.data[0] = 1;
-  EXPECT_EQ(operations<out_sid_list_info>::compare(&low.record, &high.record), octet_order(low.data, high.data, 3));
-  EXPECT_EQ(operations<out_sid_list_info>::compare(&high.record, &low.record), octet_order(high.data, low.data, 3));
+  EXPECT_EQ(operations<out_sid_list_info>::compare(&low.record, &high.record), byte_order(low.data, high.data, 3));
+  EXPECT_EQ(operations<out_sid_list_info>::compare(&high.record, &low.record), byte_order(high.data, low.data, 3));
   low.data[0] = 0xaa;
   low.record.field4_length = 2;
   EXPECT_EQ(operations<out_sid_list_info>::compare(&low.record, &high.record), -1);
@@ -306,7 +306,7 @@ TEST(out_srv6_usid_list_info, a_longer_list_is_greater) {
   EXPECT_EQ(operations<out_srv6_usid_list_info>::compare(&longer.record, &shorter.record), 0);
 }
 
-TEST(out_srv6_usid_list_info, its_own_entry_comes_behind_those_of_prefixes_and_micro_sids) {
+TEST(out_srv6_usid_list_info, its_own_entry_comes_after_those_of_prefixes_and_micro_sids) {
   const whole_list whole;
   takes_entries(whole.record, {{6, 8}, {2, 12}, {20, 3}, {18, 5}, {0, 23}});
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "0a 08 08 01 1a 04 0a 04 10 40 0a 00 0a 04 1a 02 0a 01");
@@ -422,7 +422,7 @@ TEST(out_srv6_usid_list_info, elements_are_compared_one_by_one) {
   lower.other_data[0] = 0x0e;
   orders_field_by_field(lower.record, higher.record, list_fields);
   EXPECT_EQ(operations<out_srv6_usid_list_info>::compare(&lower.record, &higher.record),
-            octet_order(lower.other_data, higher.other_data, 1));
+            byte_order(lower.other_data, higher.other_data, 1));
 }
 
 TEST(out_srv6_usid_list_info, presence_bits_of_no_field_are_left_alone) {

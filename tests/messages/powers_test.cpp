@@ -22,8 +22,8 @@ std::vector<std::size_t> powers(unsigned greatest = greatest_power) {
   return {result.begin(), result.end()};
 }
 
-octets varint(std::uint64_t value) {
-  octets result;
+byte_string varint(std::uint64_t value) {
+  byte_string result;
   for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
   result.push_back(static_cast<unsigned char>(value));
   return result;
@@ -36,7 +36,7 @@ int compared(const Record &a, const Record &b) {
 
 // There and back: measured, written, read and copied. What was read is looked at by `look`.
 template <class Record, class Look>
-void goes_there_and_back(const Record &record, const octets &bytes, Look look) {
+void goes_there_and_back(const Record &record, const byte_string &bytes, Look look) {
   SCOPED_TRACE(std::to_string(bytes.size()) + " bytes");
   ASSERT_EQ(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr), bytes.size());
   {
@@ -64,9 +64,9 @@ struct alternating {
   }
 
   // Of three elements, each with its key.
-  octets bytes(const octets &key) const {
-    const octets three = key + hex("00") + key + hex("01") + key + hex("c8 01");
-    octets result = (elements.size() / 3) * three;
+  byte_string bytes(const byte_string &key) const {
+    const byte_string three = key + hex("00") + key + hex("01") + key + hex("c8 01");
+    byte_string result = (elements.size() / 3) * three;
     if (elements.size() % 3 > 0) result = result + key + hex("00");
     if (elements.size() % 3 > 1) result = result + key + hex("01");
     return result;
@@ -180,7 +180,7 @@ TEST(powers, of_messages_in_a_list) {
   }
   for (const std::size_t count : powers(17)) {
     if (count == 0) continue;
-    octets bytes = (count / 2) * hex("0a 02 08 05 0a 00");
+    byte_string bytes = (count / 2) * hex("0a 02 08 05 0a 00");
     if (count % 2 != 0) bytes = bytes + hex("0a 02 08 05");
     goes_there_and_back(path_of(hops, count), bytes, [&](const api_exp_path &seen) {
       ASSERT_EQ(seen.hop_count, count);
@@ -219,7 +219,7 @@ TEST(powers, of_bytes_in_a_string) {
     api_msg_internal record{};
     record.field2 = text.data();
     record.presence = API_MSG_INTERNAL_HAS_FIELD2;
-    goes_there_and_back(record, hex("12") + varint(length) + length * octets{'x'},
+    goes_there_and_back(record, hex("12") + varint(length) + length * byte_string{'x'},
                         [&](const api_msg_internal &seen) { ASSERT_STREQ(seen.field2, text.c_str()); });
     if (HasFatalFailure()) return;
     if (length == 0) continue;
@@ -233,7 +233,7 @@ TEST(powers, of_bytes_in_a_string) {
 
 TEST(powers, of_bytes_in_bytes) {
   for (const std::size_t length : powers()) {
-    octets data(length, 0xdd), greater = data;
+    byte_string data(length, 0xdd), greater = data;
     oam_req record{};
     record.field6 = data.data();
     record.field6_length = length;
@@ -284,16 +284,16 @@ TEST(powers, of_bytes_in_a_nested_message) {
   for (const std::size_t length : powers()) {
     api_msg_p2p_auto_policy_request record{};
     record.presence = API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_POLICY;
-    octets content;
+    byte_string content;
     std::string text;
-    const octets number = hex("18 05");
+    const byte_string number = hex("18 05");
     if (length >= 4) {
       for (const std::size_t after : {std::size_t{0}, number.size()}) {
         std::size_t inner = length - after - 2;
         while (1 + varint(inner).size() + inner + after > length) --inner;
         if (1 + varint(inner).size() + inner + after != length) continue;
         text.assign(inner, 'x');
-        content = hex("0a") + varint(inner) + inner * octets{'x'};
+        content = hex("0a") + varint(inner) + inner * byte_string{'x'};
         record.policy.presence = API_MSG_P2P_AUTO_POLICY_HAS_FIELD1;
         if (after != 0) {
           content = content + number;
@@ -351,8 +351,8 @@ TEST(powers, of_bytes_before_a_message_and_before_a_piece) {
     record.field7 = 5;
     record.presence = static_cast<std::uint8_t>(OAM_REQ_HAS_FIELD3 | OAM_REQ_HAS_PREFIX_SID | OAM_REQ_HAS_FIELD6 |
                                                 OAM_REQ_HAS_FIELD7 | (number != 0 ? OAM_REQ_HAS_FIELD2 : 0));
-    const octets before = (number != 0 ? hex("10 07") : octets{}) + hex("1a") + varint(length);
-    const octets bytes = before + length * octets{'x'} + hex("22 02 08 09 32 03 38 05");
+    const byte_string before = (number != 0 ? hex("10 07") : byte_string{}) + hex("1a") + varint(length);
+    const byte_string bytes = before + length * byte_string{'x'} + hex("22 02 08 09 32 03 38 05");
     ASSERT_EQ(bytes.size(), place + 6);
     for (const std::size_t size : {place - 1, place, place + 1, place + 3, place + 6}) {
       const encoding<oam_req> call(record, size, 4, PAVO_ZORV_REFERENCE);
@@ -361,7 +361,8 @@ TEST(powers, of_bytes_before_a_message_and_before_a_piece) {
       const unsigned char *const start = size > place ? call.at(place) : nullptr;
       ASSERT_EQ(call.segments.pieces(),
                 (std::vector<piece>{{start, 2}, {call.at(0), place + 4}, {data, 3}, {call.at(place + 4), 2}}));
-      ASSERT_TRUE(call.buffer.content() == octets(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)));
+      ASSERT_TRUE(call.buffer.content() ==
+                  byte_string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)));
     }
   }
 }
@@ -370,11 +371,11 @@ TEST(powers, of_bytes_before_a_message_and_before_a_piece) {
 TEST(powers, of_bytes_in_a_buffer_that_is_too_short) {
   std::vector<std::uint32_t> labels((std::size_t{1} << 17), 24001);
   const api_lbl_stack stack{labels.data(), size32(labels), API_LBL_STACK_HAS_LABELS};
-  const octets bytes = labels.size() * hex("08 c1 bb 01");
+  const byte_string bytes = labels.size() * hex("08 c1 bb 01");
   for (const std::size_t length : powers(19)) {
     SCOPED_TRACE("a buffer of " + std::to_string(length));
     const fenced_block buffer(length);
-    octets expected(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(std::min(length, bytes.size())));
+    byte_string expected(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(std::min(length, bytes.size())));
     expected.resize(length, 0xc7);
     ASSERT_EQ(operations<api_lbl_stack>::encode(&stack, buffer.data(), length, nullptr, nullptr), bytes.size());
     ASSERT_TRUE(buffer.content() == expected);
@@ -389,7 +390,7 @@ TEST(powers, of_bytes_before_a_list) {
     // An unknown field takes all bytes before it.
     std::size_t length = place - 2;
     while (1 + varint(length).size() + length > place) --length;
-    octets before = hex("7a") + varint(length) + length * octets{0x08};
+    byte_string before = hex("7a") + varint(length) + length * byte_string{0x08};
     // Where no length does, the prefix takes one byte more.
     if (before.size() < place) {
       before[varint(length).size()] |= 0x80;

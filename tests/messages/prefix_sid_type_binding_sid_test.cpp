@@ -5,12 +5,12 @@ namespace {
 
 using namespace test;
 
-octets elements_of(const prefix_sid_type &sid) { return octets(sid.field2, sid.field2 + sid.field2_count); }
+byte_string elements_of(const prefix_sid_type &sid) { return byte_string(sid.field2, sid.field2 + sid.field2_count); }
 
 // --- prefix_sid_type ---
 
 // case: prefix_sid_type: field1 3 and the elements 1 and 200
-TEST(prefix_sid_type, a_number_and_two_elements_take_seven_octets) {
+TEST(prefix_sid_type, a_number_and_two_elements_take_seven_bytes) {
   std::uint8_t elements[] = {1, 200};
   const prefix_sid_type sid{3, elements, 2, PREFIX_SID_TYPE_HAS_FIELD1 | PREFIX_SID_TYPE_HAS_FIELD2};
   EXPECT_EQ(show(encoded(sid)), "08 03 10 01 10 c8 01");
@@ -18,7 +18,7 @@ TEST(prefix_sid_type, a_number_and_two_elements_take_seven_octets) {
   decoded<prefix_sid_type> back(hex("08 03 10 01 10 c8 01"));
   EXPECT_EQ(back.result, CODEC_OK);
   EXPECT_EQ(back->field1, 3u);
-  EXPECT_EQ(elements_of(back.record), (octets{1, 200}));
+  EXPECT_EQ(elements_of(back.record), (byte_string{1, 200}));
   EXPECT_EQ(back->presence & 3, 3);
   EXPECT_EQ(back.memory.sizes, (std::vector<std::size_t>{2}));
 }
@@ -27,12 +27,12 @@ TEST(prefix_sid_type, a_number_and_two_elements_take_seven_octets) {
 TEST(prefix_sid_type, an_element_of_300_is_cut_to_44) {
   decoded<prefix_sid_type> sid(hex("10 ac 02"));
   EXPECT_EQ(sid.result, CODEC_OK);
-  EXPECT_EQ(elements_of(sid.record), (octets{44}));
+  EXPECT_EQ(elements_of(sid.record), (byte_string{44}));
   EXPECT_EQ(sid->presence & 3, PREFIX_SID_TYPE_HAS_FIELD2);
   EXPECT_EQ(show(encoded(sid.record)), "10 2c");
 }
 
-TEST(prefix_sid_type, elements_take_two_octets_from_128_on) {
+TEST(prefix_sid_type, elements_take_two_bytes_from_128_on) {
   std::uint8_t elements[] = {0, 127, 128, 255};
   EXPECT_EQ(show(encoded(prefix_sid_type{0, elements, 4, PREFIX_SID_TYPE_HAS_FIELD2})),
             "10 00 10 7f 10 80 01 10 ff 01");
@@ -46,7 +46,7 @@ TEST(prefix_sid_type, needs_an_allocator_for_its_list_only) {
 TEST(prefix_sid_type, a_second_run_is_refused) {
   decoded<prefix_sid_type> sid(hex("10 01 08 03 10 02"));
   EXPECT_EQ(sid.result, CODEC_ERR_TRUNCATED);
-  EXPECT_EQ(elements_of(sid.record), (octets{1}));
+  EXPECT_EQ(elements_of(sid.record), (byte_string{1}));
   EXPECT_EQ(sid->presence & 3, 3);
 }
 
@@ -68,7 +68,7 @@ TEST(prefix_sid_type, is_copied_with_elements_of_its_own) {
   EXPECT_EQ(pavo_zorv_prefix_sid_type_duplicate(&copy, &sid, accountant::allocate, &memory), CODEC_OK);
   EXPECT_EQ(memory.sizes, (std::vector<std::size_t>{2}));
   EXPECT_EQ(copy.field1, 3u);
-  EXPECT_EQ(elements_of(copy), (octets{1, 200}));
+  EXPECT_EQ(elements_of(copy), (byte_string{1, 200}));
   EXPECT_TRUE(memory.owns(copy.field2));
   EXPECT_EQ(copy.presence, 3);
   pavo_zorv_prefix_sid_type_free_ext(&copy, accountant::release, &memory);
@@ -106,7 +106,7 @@ TEST(prefix_sid_type, is_compared_by_its_number_then_its_elements) {
 // --- policy_binding_sid_t ---
 
 // case: policy_binding_sid_t: a segment identifier and field2 5, with a table of capacity 2
-TEST(policy_binding_sid_t, takes_eleven_octets_and_two_entries) {
+TEST(policy_binding_sid_t, takes_eleven_bytes_and_two_entries) {
   std::uint8_t elements[] = {1, 200};
   const policy_binding_sid_t binding{
       {3, elements, 2, 3}, 5, POLICY_BINDING_SID_T_HAS_SID | POLICY_BINDING_SID_T_HAS_FIELD2};
@@ -125,7 +125,7 @@ TEST(policy_binding_sid_t, field_1_is_written_for_its_content_or_for_its_bit) {
   EXPECT_EQ(show(encoded(policy_binding_sid_t{{3, nullptr, 0, 0}, 0, POLICY_BINDING_SID_T_HAS_SID})), "0a 00");
 }
 
-// case: policy_binding_sid_t: a length past the end, and a failure inside the nested octets
+// case: policy_binding_sid_t: a length past the end, and a failure inside the nested bytes
 TEST(policy_binding_sid_t, a_length_past_the_end_is_refused_and_a_failure_inside_is_the_result) {
   EXPECT_EQ(decoded<policy_binding_sid_t>(hex("0a 03 08 03")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<policy_binding_sid_t>(hex("0a 02 0d 00")).result, CODEC_ERR_WRONG_WIRE_TYPE);
@@ -136,7 +136,7 @@ TEST(policy_binding_sid_t, is_read_with_bits_of_its_own_beside_those_of_the_nest
   decoded<policy_binding_sid_t> binding(hex("0a 07 08 03 10 01 10 c8 01 10 05"));
   EXPECT_EQ(binding.result, CODEC_OK);
   EXPECT_EQ(binding->sid.field1, 3u);
-  EXPECT_EQ(elements_of(binding->sid), (octets{1, 200}));
+  EXPECT_EQ(elements_of(binding->sid), (byte_string{1, 200}));
   EXPECT_EQ(binding->sid.presence & 3, 3);
   EXPECT_EQ(binding->field2, 5u);
   EXPECT_EQ(binding->presence & 3, 3);
@@ -150,7 +150,7 @@ TEST(policy_binding_sid_t, needs_memory_only_for_the_list_inside) {
   EXPECT_EQ(decode_without_memory<policy_binding_sid_t>(hex("0a 02 10 03 10 05")), CODEC_ERR_NO_MEMORY);
 }
 
-TEST(policy_binding_sid_t, a_copy_goes_on_behind_a_list_without_memory) {
+TEST(policy_binding_sid_t, a_copy_goes_on_after_a_list_without_memory) {
   std::uint8_t elements[] = {1};
   const policy_binding_sid_t binding{{3, elements, 1, 3}, 5, 3};
   policy_binding_sid_t copy{};

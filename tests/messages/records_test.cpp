@@ -9,8 +9,10 @@ namespace {
 
 using namespace test;
 
-// Every kind of element that a list can have, and bytes, as the octets they hold.
-octets octets_of(const std::uint8_t *elements, std::uint64_t count) { return octets(elements, elements + count); }
+// Every kind of element that a list can have, and bytes, as the bytes they hold.
+byte_string bytes_of(const std::uint8_t *elements, std::uint64_t count) {
+  return byte_string(elements, elements + count);
+}
 
 std::vector<std::uint32_t> numbers_of(const std::uint32_t *elements, std::uint32_t count) {
   return std::vector<std::uint32_t>(elements, elements + count);
@@ -149,8 +151,8 @@ TEST(layout, presence_bits_are_counted_in_field_order) {
 
 // --- Decoding ---
 
-// case: record: decoding no octets
-TEST(decode, no_octets_give_a_cleared_record) {
+// case: record: decoding no bytes
+TEST(decode, no_bytes_give_a_cleared_record) {
   decoded<api_msg_internal> internal(hex(""));
   EXPECT_EQ(internal.result, CODEC_OK);
   EXPECT_EQ(internal->field1, 0);
@@ -359,7 +361,7 @@ TEST(decode, eight_bit_members_keep_the_low_eight_bits) {
 TEST(decode, list_elements_are_cut_to_their_width) {
   decoded<prefix_sid_type> sid(hex("10 ac 02 10 ff ff ff ff 0f 10 80 02 10 ff 01"));
   ASSERT_EQ(sid->field2_count, 4u);
-  EXPECT_EQ(octets_of(sid->field2, 4), (octets{44, 255, 0, 255}));
+  EXPECT_EQ(bytes_of(sid->field2, 4), (byte_string{44, 255, 0, 255}));
   decoded<api_link_update> update(hex("28 85 80 80 80 10 28 ff ff ff ff ff ff ff ff ff 01"));
   ASSERT_EQ(update->field5_count, 2u);
   EXPECT_EQ(numbers_of(update->field5, 2), (std::vector<std::uint32_t>{5, 0xffffffff}));
@@ -468,7 +470,7 @@ TEST(decode, a_failure_keeps_what_was_read_before_and_stops_there) {
   }
 }
 
-TEST(decode, strings_are_copied_with_a_nul_behind_them) {
+TEST(decode, strings_are_copied_with_a_nul_after_them) {
   decoded<api_intf> intf(hex("12 03 61 62 63"));
   EXPECT_EQ(intf.result, CODEC_OK);
   EXPECT_EQ(intf.memory.sizes, (std::vector<std::size_t>{4}));
@@ -507,12 +509,12 @@ TEST(decode, a_string_given_twice_is_refused) {
   EXPECT_EQ(intf.memory.requests(), 1u);
 }
 
-TEST(decode, a_string_given_twice_is_refused_also_behind_an_empty_one_and_when_it_is_the_same) {
+TEST(decode, a_string_given_twice_is_refused_also_after_an_empty_one_and_when_it_is_the_same) {
   EXPECT_EQ(decoded<api_intf>(hex("12 00 12 00")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<api_intf>(hex("12 01 61 08 01 12 01 61")).result, CODEC_ERR_TRUNCATED);
 }
 
-TEST(decode, bytes_given_twice_are_refused_also_behind_empty_ones) {
+TEST(decode, bytes_given_twice_are_refused_also_after_empty_ones) {
   for (const std::uint32_t options : {std::uint32_t{0}, std::uint32_t{PAVO_ZORV_REFERENCE}}) {
     for (const char *const bytes : {"0a 01 61 0a 01 61", "0a 00 0a 01 61", "0a 00 0a 00", "0a 00 10 05 0a 00"}) {
       decoded<srv6_prefix> prefix(hex(bytes), options);
@@ -529,12 +531,12 @@ TEST(decode, bytes_are_copied_without_a_nul) {
   EXPECT_EQ(prefix.result, CODEC_OK);
   EXPECT_EQ(prefix.memory.sizes, (std::vector<std::size_t>{4}));
   EXPECT_EQ(prefix->field1_length, 4u);
-  EXPECT_EQ(show(octets_of(prefix->field1, 4)), "61 00 62 ff");
+  EXPECT_EQ(show(bytes_of(prefix->field1, 4)), "61 00 62 ff");
   EXPECT_TRUE(prefix.memory.owns(prefix->field1));
   EXPECT_EQ(prefix->presence & 3, SRV6_PREFIX_HAS_FIELD1);
 }
 
-TEST(decode, bytes_without_octets_ask_for_a_block_of_none) {
+TEST(decode, bytes_without_bytes_ask_for_a_block_of_none) {
   decoded<srv6_prefix> prefix(hex("0a 00"));
   EXPECT_EQ(prefix.result, CODEC_OK);
   EXPECT_EQ(prefix.memory.sizes, (std::vector<std::size_t>{0}));
@@ -603,8 +605,8 @@ TEST(decode, a_run_is_one_array) {
 
 TEST(decode, runs_of_every_length_up_to_200) {
   for (std::uint32_t count = 1; count <= 200; ++count) {
-    octets bytes;
-    for (std::uint32_t i = 0; i < count; ++i) bytes = bytes + octets{0x10, static_cast<unsigned char>(i % 128)};
+    byte_string bytes;
+    for (std::uint32_t i = 0; i < count; ++i) bytes = bytes + byte_string{0x10, static_cast<unsigned char>(i % 128)};
     bytes = bytes + hex("08 07");
     decoded<prefix_sid_type> sid(bytes);
     ASSERT_EQ(sid.result, CODEC_OK);
@@ -617,7 +619,7 @@ TEST(decode, runs_of_every_length_up_to_200) {
 
 TEST(decode, inside_a_run_only_the_number_of_a_key_is_looked_at) {
   for (unsigned type = 0; type < 8; ++type) {
-    const octets key = {static_cast<unsigned char>(0x08 | type)};
+    const byte_string key = {static_cast<unsigned char>(0x08 | type)};
     decoded<api_lbl_stack> stack(hex("08 10") + key + hex("05 08 06"));
     EXPECT_EQ(stack.result, CODEC_OK) << type;
     ASSERT_EQ(stack->label_count, 3u) << type;
@@ -634,11 +636,10 @@ TEST(decode, a_second_run_is_refused_and_the_first_is_kept) {
   decoded<prefix_sid_type> sid(hex("10 05 10 06 08 01 10 07"));
   EXPECT_EQ(sid.result, CODEC_ERR_TRUNCATED);
   ASSERT_EQ(sid->field2_count, 2u);
-  EXPECT_EQ(octets_of(sid->field2, 2), (octets{5, 6}));
+  EXPECT_EQ(bytes_of(sid->field2, 2), (byte_string{5, 6}));
   EXPECT_EQ(sid->presence & 3, 3);
   EXPECT_EQ(sid.memory.requests(), 1u);
-  EXPECT_EQ(decoded<prefix_sid_type>(hex("10 05 18 01 10 07")).result, CODEC_ERR_TRUNCATED)
-      << "behind an unknown field";
+  EXPECT_EQ(decoded<prefix_sid_type>(hex("10 05 18 01 10 07")).result, CODEC_ERR_TRUNCATED) << "after an unknown field";
   EXPECT_EQ(decoded<prefix_sid_type>(hex("10 05 08 01 10")).result, CODEC_ERR_TRUNCATED) << "without a value";
 }
 
@@ -653,7 +654,7 @@ TEST(decode, a_run_that_is_cut_off_asks_for_no_memory_and_stores_nothing) {
   }
 }
 
-TEST(decode, a_key_that_is_cut_off_behind_a_run_fails_before_anything_is_stored) {
+TEST(decode, a_key_that_is_cut_off_after_a_run_fails_before_anything_is_stored) {
   decoded<api_lbl_stack> stack(hex("08 10 90"));
   EXPECT_EQ(stack.result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(stack->labels, nullptr);
@@ -730,15 +731,15 @@ TEST(decode, an_element_for_which_there_is_no_memory_is_the_result_too) {
   }
 }
 
-TEST(decode, a_message_of_one_octet_may_be_all_there_is) {
+TEST(decode, a_message_of_one_byte_may_be_all_there_is) {
   EXPECT_EQ(decoded<api_exp_path>(hex("0a 00")).result, CODEC_OK);
   decoded<api_exp_path> path(hex("0a 00 0a 00"));
   EXPECT_EQ(path->hop_count, 2u);
   EXPECT_EQ(show(encoded(path.record)), "0a 00 0a 00");
 }
 
-TEST(decode, of_the_same_octets_gives_an_equal_record) {
-  const octets bytes = hex("08 01 12 02 61 62 18 80 80 80 80 80 20 2a 02 08 01 38 01");
+TEST(decode, of_the_same_bytes_gives_an_equal_record) {
+  const byte_string bytes = hex("08 01 12 02 61 62 18 80 80 80 80 80 20 2a 02 08 01 38 01");
   decoded<api_msg_internal> first(bytes), second(bytes);
   EXPECT_EQ(compared(first.record, second.record), 0);
   EXPECT_NE(first->field2, second->field2);
@@ -788,56 +789,56 @@ TEST(encode, eight_bit_members_are_varints) {
   }
 }
 
-TEST(encode, flags_are_the_stored_octet_in_every_message) {
+TEST(encode, flags_are_the_stored_byte_in_every_message) {
   for (const int value : {0, 1, 2, 127, 128, 200, 255}) {
     const auto raw = static_cast<std::uint8_t>(value);
     api_msg_service service{};
     service.field2 = raw;
     service.presence = API_MSG_SERVICE_HAS_FIELD2;
-    EXPECT_EQ(encoded(service), (octets{0x10, raw}));
+    EXPECT_EQ(encoded(service), (byte_string{0x10, raw}));
     api_msg_internal internal{};
     internal.field7 = raw;
     internal.presence = API_MSG_INTERNAL_HAS_FIELD7;
-    EXPECT_EQ(encoded(internal), (octets{0x38, raw}));
+    EXPECT_EQ(encoded(internal), (byte_string{0x38, raw}));
     internal = {};
     internal.service = service;
-    EXPECT_EQ(encoded(internal), (octets{0x2a, 0x02, 0x10, raw}));
+    EXPECT_EQ(encoded(internal), (byte_string{0x2a, 0x02, 0x10, raw}));
     api_msg_p2p_auto_policy policy{};
     policy.field19 = raw;
     policy.presence = API_MSG_P2P_AUTO_POLICY_HAS_FIELD19;
-    EXPECT_EQ(encoded(policy), (octets{0x98, 0x01, raw}));
+    EXPECT_EQ(encoded(policy), (byte_string{0x98, 0x01, raw}));
     api_msg_p2p_auto_policy_notif notif{};
     notif.field26 = raw;
     notif.presence = API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD26;
-    EXPECT_EQ(encoded(notif), (octets{0xd0, 0x01, raw}));
+    EXPECT_EQ(encoded(notif), (byte_string{0xd0, 0x01, raw}));
     api_policy plain{};
     plain.field4 = raw;
     plain.presence = API_POLICY_HAS_FIELD4;
-    EXPECT_EQ(encoded(plain), (octets{0x20, raw}));
+    EXPECT_EQ(encoded(plain), (byte_string{0x20, raw}));
     api_to_zorv to_zorv{};
     to_zorv.field3 = raw;
     to_zorv.presence = API_TO_ZORV_HAS_FIELD3;
-    EXPECT_EQ(encoded(to_zorv), (octets{0x18, raw}));
+    EXPECT_EQ(encoded(to_zorv), (byte_string{0x18, raw}));
     api_to_igp to_igp{};
     to_igp.field3 = raw;
     to_igp.presence = API_TO_IGP_HAS_FIELD3;
-    EXPECT_EQ(encoded(to_igp), (octets{0x18, raw}));
+    EXPECT_EQ(encoded(to_igp), (byte_string{0x18, raw}));
     api_msg_policy_reg registration{};
     registration.field1 = raw;
     registration.presence = API_MSG_POLICY_REG_HAS_FIELD1;
-    EXPECT_EQ(encoded(registration), (octets{0x08, raw}));
+    EXPECT_EQ(encoded(registration), (byte_string{0x08, raw}));
     srv6_sid_struct structure{};
     structure.field1 = raw;
     structure.presence = SRV6_SID_STRUCT_HAS_FIELD1;
-    EXPECT_EQ(encoded(structure), (octets{0x08, raw}));
+    EXPECT_EQ(encoded(structure), (byte_string{0x08, raw}));
     oam_res res{};
     res.field4 = raw;
     res.presence = OAM_RES_HAS_FIELD4;
-    EXPECT_EQ(encoded(res), (octets{0x20, raw}));
+    EXPECT_EQ(encoded(res), (byte_string{0x20, raw}));
     api_msg message{};
     message.field15 = raw;
     message.presence = API_MSG_HAS_FIELD15;
-    EXPECT_EQ(encoded(message), (octets{0x78, raw}));
+    EXPECT_EQ(encoded(message), (byte_string{0x78, raw}));
   }
 }
 
@@ -859,7 +860,7 @@ TEST(encode, lists_are_written_when_present_and_not_empty) {
   EXPECT_EQ(show(encoded(api_exp_path{nullptr, 0, 0, API_EXP_PATH_HAS_HOPS})), "");
 }
 
-TEST(encode, bytes_are_written_when_present_also_without_octets) {
+TEST(encode, bytes_are_written_when_present_also_without_bytes) {
   EXPECT_EQ(show(encoded(srv6_prefix{nullptr, 0, 0, SRV6_PREFIX_HAS_FIELD1})), "0a 00");
   unsigned char data[] = {1, 0, 2};
   EXPECT_EQ(show(encoded(srv6_prefix{data, 3, 0, SRV6_PREFIX_HAS_FIELD1})), "0a 03 01 00 02");
@@ -879,19 +880,19 @@ TEST(encode, lists_of_integers_are_never_packed) {
 
 TEST(encode, runs_of_every_length_up_to_200) {
   std::vector<std::uint32_t> labels;
-  octets bytes;
+  byte_string bytes;
   for (std::uint32_t i = 0; i < 200; ++i) {
     labels.push_back(100000 + i);
-    bytes = bytes + octets{0x08, static_cast<unsigned char>(0x80 | ((100000 + i) & 0x7f)),
-                           static_cast<unsigned char>(0x80 | (((100000 + i) >> 7) & 0x7f)),
-                           static_cast<unsigned char>((100000 + i) >> 14)};
+    bytes = bytes + byte_string{0x08, static_cast<unsigned char>(0x80 | ((100000 + i) & 0x7f)),
+                                static_cast<unsigned char>(0x80 | (((100000 + i) >> 7) & 0x7f)),
+                                static_cast<unsigned char>((100000 + i) >> 14)};
     EXPECT_EQ(encoded(api_lbl_stack{labels.data(), i + 1, API_LBL_STACK_HAS_LABELS}), bytes);
   }
 }
 
 // Runs of values of all sizes, in the middle of a block: what is around the encoding stays.
 template <class Record>
-void written_in_place(const Record &record, const octets &expected) {
+void written_in_place(const Record &record, const byte_string &expected) {
   const fenced_block around(expected.size() + 64);
   EXPECT_EQ(operations<Record>::encode(&record, around.data() + 32, expected.size(), nullptr, nullptr),
             expected.size());
@@ -900,29 +901,29 @@ void written_in_place(const Record &record, const octets &expected) {
 }
 
 TEST(encode, runs_of_values_of_all_sizes) {
-  const std::vector<std::pair<std::uint32_t, octets>> numbers = {{5, hex("05")},
-                                                                 {300, hex("ac 02")},
-                                                                 {0x4000, hex("80 80 01")},
-                                                                 {0x1fffff, hex("ff ff 7f")},
-                                                                 {0x200000, hex("80 80 80 01")},
-                                                                 {0xffffffff, hex("ff ff ff ff 0f")},
-                                                                 {127, hex("7f")},
-                                                                 {0x10000000, hex("80 80 80 80 01")},
-                                                                 {128, hex("80 01")},
-                                                                 {24001, hex("c1 bb 01")},
-                                                                 {0, hex("00")}};
+  const std::vector<std::pair<std::uint32_t, byte_string>> numbers = {{5, hex("05")},
+                                                                      {300, hex("ac 02")},
+                                                                      {0x4000, hex("80 80 01")},
+                                                                      {0x1fffff, hex("ff ff 7f")},
+                                                                      {0x200000, hex("80 80 80 01")},
+                                                                      {0xffffffff, hex("ff ff ff ff 0f")},
+                                                                      {127, hex("7f")},
+                                                                      {0x10000000, hex("80 80 80 80 01")},
+                                                                      {128, hex("80 01")},
+                                                                      {24001, hex("c1 bb 01")},
+                                                                      {0, hex("00")}};
   std::vector<std::uint32_t> labels;
   std::vector<std::uint8_t> elements;
-  octets with_labels, with_short_keys, with_long_keys;
+  byte_string with_labels, with_short_keys, with_long_keys;
   for (std::uint32_t i = 0; i < 90; ++i) {
-    const auto &[label, label_octets] = numbers[i * i % numbers.size()];
+    const auto &[label, label_bytes] = numbers[i * i % numbers.size()];
     labels.push_back(label);
-    with_labels = with_labels + hex("08") + label_octets;
+    with_labels = with_labels + hex("08") + label_bytes;
     const auto element = static_cast<std::uint8_t>(i * 89);
     elements.push_back(element);
-    const octets element_octets = element < 128 ? octets{element} : octets{element, 1};
-    with_short_keys = with_short_keys + hex("10") + element_octets;
-    with_long_keys = with_long_keys + hex("b0 01") + element_octets;
+    const byte_string element_bytes = element < 128 ? byte_string{element} : byte_string{element, 1};
+    with_short_keys = with_short_keys + hex("10") + element_bytes;
+    with_long_keys = with_long_keys + hex("b0 01") + element_bytes;
     SCOPED_TRACE(i + 1);
     written_in_place(api_lbl_stack{labels.data(), i + 1, API_LBL_STACK_HAS_LABELS}, with_labels);
     written_in_place(prefix_sid_type{0, elements.data(), i + 1, PREFIX_SID_TYPE_HAS_FIELD2}, with_short_keys);
@@ -1061,7 +1062,7 @@ TEST(duplicate, an_empty_list_is_null_and_keeps_its_bit) {
   }
 }
 
-TEST(duplicate, bytes_without_octets_are_null_and_keep_their_bit) {
+TEST(duplicate, bytes_without_bytes_are_null_and_keep_their_bit) {
   unsigned char data[] = {1};
   for (std::uint8_t presence = 0; presence <= 1; ++presence) {
     duplicated<srv6_prefix> prefix({data, 0, 5, presence});
@@ -1120,7 +1121,7 @@ TEST(duplicate, copies_members_whose_bit_is_clear) {
   unsigned char data[] = {1, 2, 3};
   duplicated<srv6_prefix> prefix({data, 3, 0, 0});
   EXPECT_EQ(prefix.memory.sizes, (std::vector<std::size_t>{3}));
-  EXPECT_EQ(octets_of(prefix->field1, prefix->field1_length), (octets{1, 2, 3}));
+  EXPECT_EQ(bytes_of(prefix->field1, prefix->field1_length), (byte_string{1, 2, 3}));
 
   api_exp_hop hops[1]{};
   duplicated<api_exp_path> path({hops, 1, 0, 0});
@@ -1443,7 +1444,7 @@ TEST(compare, unsigned_members_are_compared_unsigned) {
   EXPECT_EQ(compared(prefix(128), prefix(127)), 1);
 }
 
-TEST(compare, flags_are_compared_by_their_stored_octets) {
+TEST(compare, flags_are_compared_by_their_stored_bytes) {
   const auto service = [](std::uint8_t value) { return api_msg_service{value, 0, 0, 1}; };
   EXPECT_EQ(compared(service(0), service(1)), -1);
   EXPECT_EQ(compared(service(2), service(1)), 1);
@@ -1593,7 +1594,7 @@ TEST(compare, bytes_give_the_result_of_the_memory_comparison_then_the_length_dec
   EXPECT_GT(compared(prefix(great, 1), prefix(small, 1)), 0);
 }
 
-TEST(compare, bytes_without_octets_are_not_looked_at) {
+TEST(compare, bytes_without_bytes_are_not_looked_at) {
   unsigned char data[] = {1};
   const auto prefix = [](unsigned char *bytes, std::uint64_t length) { return srv6_prefix{bytes, length, 0, 1}; };
   EXPECT_EQ(compared(prefix(nullptr, 0), prefix(nullptr, 0)), 0);

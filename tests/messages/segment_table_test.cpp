@@ -1,4 +1,4 @@
-// The segment table, nested messages, bytes members and reference mode: which octets are written, and which entries
+// The segment table, nested messages, bytes members and reference mode: which bytes are written, and which entries
 // tell where they are.
 #include <algorithm>
 #include <type_traits>
@@ -35,7 +35,7 @@ struct encoding {
 };
 
 // With every capacity from 0 to more than is needed: the same entries as far as they go, the same count, and nothing
-// behind them.
+// after them.
 template <class Record>
 void fill_every_capacity(const Record &record, const std::vector<piece> &expected_from_0, std::uint32_t options = 0) {
   const std::size_t length = operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options);
@@ -67,7 +67,7 @@ piece part(std::size_t position, std::uint64_t length) {
   return {reinterpret_cast<const unsigned char *>(std::uintptr_t{position}), length};
 }
 
-// A record decoded from octets, for messages that are easier said that way. Its members may be borrowed from the input.
+// A record decoded from bytes, for messages that are easier said that way. Its members may be borrowed from the input.
 template <class Record>
 const Record &filled(decoded<Record> &source) {
   EXPECT_EQ(source.result, CODEC_OK);
@@ -186,7 +186,7 @@ TEST(segment_table, lengths_and_the_count_do_not_depend_on_the_buffer) {
   }
 }
 
-TEST(segment_table, nested_messages_behind_the_end_of_the_buffer_have_no_start_at_any_depth) {
+TEST(segment_table, nested_messages_after_the_end_of_the_buffer_have_no_start_at_any_depth) {
   decoded<api_msg_p2p_auto_policy_request> source(hex("0a 08 72 06 0a 02 08 01 10 05 10 07"));
   const api_msg_p2p_auto_policy_request &request = filled(source);
   for (std::size_t length = 0; length <= 13; ++length) {
@@ -337,7 +337,7 @@ TEST(nested, elements_are_written_also_when_they_are_empty) {
 
 // --- Bytes ---
 
-TEST(bytes, are_written_with_their_octets) {
+TEST(bytes, are_written_with_their_bytes) {
   unsigned char data[] = {1, 2, 3, 4, 5};
   const srv6_prefix prefix{data, 5, 64, 3};
   EXPECT_EQ(show(encoded(prefix)), "0a 05 01 02 03 04 05 10 40");
@@ -395,7 +395,7 @@ TEST_F(huge_bytes, are_referenced_by_their_64_bit_length) {
 }
 
 TEST_F(huge_bytes, make_a_nested_message_not_empty_by_its_64_bit_size) {
-  // The nested message takes 2^32 octets: one of the key, five of the length, and the rest.
+  // The nested message takes 2^32 bytes: one of the key, five of the length, and the rest.
   srv6_usid usid{};
   usid.prefix = {nullptr, (std::uint64_t{1} << 32) - 6, 0, SRV6_PREFIX_HAS_FIELD1};
   const encoding<srv6_usid> start(usid, 2, 0, 10);
@@ -405,7 +405,7 @@ TEST_F(huge_bytes, make_a_nested_message_not_empty_by_its_64_bit_size) {
             (std::vector<piece>{start.at(2, std::uint64_t{1} << 32), start.at(0, (std::uint64_t{1} << 32) + 2)}));
 }
 
-TEST_F(huge_bytes, put_what_follows_behind_the_end_of_the_buffer) {
+TEST_F(huge_bytes, put_what_follows_after_the_end_of_the_buffer) {
   srv6_usid usids[2]{};
   usids[0].prefix = {nullptr, (std::uint64_t{1} << 32) - 6, 0, SRV6_PREFIX_HAS_FIELD1};
   usids[1].field1 = 7;
@@ -432,9 +432,9 @@ TEST_F(huge_bytes, beyond_all_sizes_measure_as_the_greatest_and_touch_nothing_bu
 
     const fenced_block around(40);
     EXPECT_EQ(operations<srv6_usid>::encode(&usids[0], around.data() + 16, 16, nullptr, nullptr), SIZE_MAX);
-    const octets content = around.content();
-    EXPECT_EQ(octets(content.begin(), content.begin() + 16), 16 * hex("c7")) << "before the buffer";
-    EXPECT_EQ(octets(content.begin() + 24, content.end()), 16 * hex("c7")) << "behind the keys and lengths";
+    const byte_string content = around.content();
+    EXPECT_EQ(byte_string(content.begin(), content.begin() + 16), 16 * hex("c7")) << "before the buffer";
+    EXPECT_EQ(byte_string(content.begin() + 24, content.end()), 16 * hex("c7")) << "after the keys and lengths";
   }
 }
 
@@ -446,14 +446,14 @@ TEST_F(huge_bytes, beyond_all_sizes_are_counted_but_not_written_nor_listed) {
   std::uint32_t count = 2;
   EXPECT_EQ(operations<srv6_prefix>::encode(&prefix, buffer, sizeof buffer, pieces, &count), SIZE_MAX);
   EXPECT_EQ(count, 1u);
-  EXPECT_EQ(octets(buffer, buffer + sizeof buffer), 8 * hex("00"));
+  EXPECT_EQ(byte_string(buffer, buffer + sizeof buffer), 8 * hex("00"));
   for (const pavo_zorv_segment &piece : pieces) {
     EXPECT_EQ(piece.start, data);
     EXPECT_EQ(piece.length, 7u);
   }
 }
 
-// A key, a length of five octets, and the bytes.
+// A key, a length of five bytes, and the bytes.
 TEST_F(huge_bytes, are_measured_and_written_exactly_up_to_the_greatest_size) {
   constexpr std::uint64_t bit_62 = std::uint64_t{1} << 62;
   struct total {
@@ -543,7 +543,7 @@ TEST(referenced, bytes_point_into_the_input_are_not_released_and_are_copied_as_o
   EXPECT_EQ(operations<srv6_prefix>::duplicate(&copy, &prefix, accountant::allocate, &memory), CODEC_OK);
   EXPECT_TRUE(memory.owns(copy.field1));
   EXPECT_EQ(memory.sizes, (std::vector<std::size_t>{5}));
-  EXPECT_EQ(octets(copy.field1, copy.field1 + 5), hex("01 02 03 04 05"));
+  EXPECT_EQ(byte_string(copy.field1, copy.field1 + 5), hex("01 02 03 04 05"));
 
   operations<srv6_prefix>::free(&prefix, accountant::release, &memory, reference);
   EXPECT_TRUE(memory.released.empty());
@@ -562,7 +562,7 @@ TEST(referenced, releasing_leaves_bytes_as_they_are_also_without_a_callback) {
   EXPECT_EQ(prefix.field1, nullptr);
 }
 
-TEST(referenced, empty_bytes_point_behind_their_length) {
+TEST(referenced, empty_bytes_point_after_their_length) {
   const fenced_block input(hex("0a 00 10 05"));
   srv6_prefix prefix;
   EXPECT_EQ(operations<srv6_prefix>::decode(&prefix, input.data(), 4, nullptr, nullptr, reference), CODEC_OK);
@@ -631,7 +631,7 @@ TEST(referenced, a_copy_owns_bytes_at_every_depth) {
 // --- Reference mode: encoding ---
 
 // case: nested: a message whose only field is referenced bytes of length 5
-TEST(referenced, bytes_of_length_5_alone_take_two_octets_and_two_entries) {
+TEST(referenced, bytes_of_length_5_alone_take_two_bytes_and_two_entries) {
   unsigned char data[] = {1, 2, 3, 4, 5};
   const srv6_prefix prefix{data, 5, 0, SRV6_PREFIX_HAS_FIELD1};
   const encoding<srv6_prefix> pieces(prefix, 2, reference);
@@ -676,7 +676,7 @@ TEST(referenced, without_a_count_the_bytes_are_written_nowhere) {
   EXPECT_TRUE(segments.untouched_from(0));
 }
 
-TEST(referenced, the_length_of_the_bytes_may_take_several_octets) {
+TEST(referenced, the_length_of_the_bytes_may_take_several_bytes) {
   std::vector<unsigned char> data(1000, 7);
   const srv6_prefix prefix{data.data(), 1000, 5, 3};
   EXPECT_EQ(show(encoded(prefix, reference)), "0a e8 07 10 05");
@@ -719,7 +719,7 @@ TEST(referenced, entries_of_nested_messages_before_the_bytes_stay) {
   fill_every_capacity(list, {part(2, 2), part(0, 8), {data, 3}}, reference);
 }
 
-TEST(referenced, the_rest_behind_the_bytes_comes_after_the_elements_within_it) {
+TEST(referenced, the_rest_after_the_bytes_comes_after_the_elements_within_it) {
   unsigned char first[] = {1, 2}, middle[] = {3, 4, 5}, second[] = {6}, third[] = {7, 8, 9, 10};
   out_sid_list_info sid_lists[1]{};
   sid_lists[0].field4 = first;
@@ -824,7 +824,7 @@ TEST(referenced, entries_do_not_depend_on_the_buffer_and_the_rest_keeps_its_plac
     EXPECT_EQ(pieces.length, 5u);
     EXPECT_EQ(pieces.pieces(), (std::vector<piece>{pieces.at(0, 2), {data, 3}, part(start + 2, 3)}))
         << "a buffer of " << length;
-    octets expected = hex("0a 03 10 ac 02 c7 c7");
+    byte_string expected = hex("0a 03 10 ac 02 c7 c7");
     expected.resize(length);
     EXPECT_EQ(show(pieces.buffer.content()), show(expected));
   }
@@ -833,7 +833,7 @@ TEST(referenced, entries_do_not_depend_on_the_buffer_and_the_rest_keeps_its_plac
   EXPECT_EQ(segments.pieces(), (std::vector<piece>{{nullptr, 2}, {data, 3}, part(2, 3)}));
 }
 
-TEST(referenced, a_nested_message_behind_the_end_of_the_buffer_counts_from_null) {
+TEST(referenced, a_nested_message_after_the_end_of_the_buffer_counts_from_null) {
   unsigned char data[] = {1, 2, 3};
   srv6_usid usid{};
   usid.field1 = 5;
@@ -855,7 +855,7 @@ TEST(referenced, the_pieces_of_an_outermost_message_in_order_are_its_plain_encod
   std::uint8_t elements[] = {1, 200};
   const oam_req request{1, 2, text, {3, elements, 2, 3}, 4, data, 7, 5, 6, 0xff};
   const encoding<oam_req> pieces(request, 4, reference);
-  octets joined;
+  byte_string joined;
   for (const auto &[start, length] : pieces.pieces()) {
     if (start == pieces.buffer.data() + 11) continue;  // the segment identifier, which the next piece covers
     joined.insert(joined.end(), start, start + length);
@@ -884,7 +884,7 @@ TEST(options, other_bits_than_the_first_have_no_meaning) {
 }
 
 TEST(options, have_no_effect_on_automatic_policies_and_their_requests) {
-  const octets bytes = hex("0a 01 61 3a 04 08 10 08 11 58 05 72 04 0a 02 28 07 aa 01 02 10 09");
+  const byte_string bytes = hex("0a 01 61 3a 04 08 10 08 11 58 05 72 04 0a 02 28 07 aa 01 02 10 09");
   decoded<api_msg_p2p_auto_policy> plain(bytes), referenced(bytes, reference);
   EXPECT_EQ(referenced.result, CODEC_OK);
   EXPECT_EQ(referenced.memory.sizes, plain.memory.sizes);

@@ -1,4 +1,4 @@
-// Buffers around 8,192 octets, or 3,072 in builds that use less stack, up to which an encoding is written aside:
+// Buffers around 8,192 bytes, or 3,072 in builds that use less stack, up to which an encoding is written aside:
 // whatever it holds, and however much that is, the buffer gets what belongs in it and nothing else.
 #include "message_checks.hpp"
 #include "messages/all.hpp"
@@ -7,7 +7,7 @@ using namespace test;
 
 namespace {
 
-constexpr octets::value_type rubbish = 0xc7;
+constexpr byte_string::value_type rubbish = 0xc7;
 
 // A string or bytes in an encoding: written whole, or not at all.
 struct block {
@@ -16,19 +16,19 @@ struct block {
 
 // Encodes into buffers of lengths on both sides of the encoding's, of 3,072 and of 8,192.
 template <class Record>
-void is_written(const Record &record, const octets &encoding, const block &block = {}, std::uint32_t options = 0) {
+void is_written(const Record &record, const byte_string &encoding, const block &block = {}, std::uint32_t options = 0) {
   ASSERT_EQ(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options), encoding.size());
   const std::size_t size = encoding.size();
   for (const std::size_t length : {std::size_t{0}, std::size_t{1}, std::size_t{100}, std::size_t{3071},
                                    std::size_t{3072}, std::size_t{3073}, std::size_t{8191}, std::size_t{8192},
                                    std::size_t{8193}, size - 1, size, size + 1, block.place + block.length}) {
     const fenced_block buffer(length);
-    octets expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(std::min(length, size)));
+    byte_string expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(std::min(length, size)));
     if (block.place + block.length > length)
       std::fill(expected.begin() + static_cast<std::ptrdiff_t>(std::min(block.place, length)), expected.end(), rubbish);
     expected.resize(length, rubbish);
     ASSERT_EQ(operations<Record>::encode(&record, buffer.data(), length, nullptr, nullptr, options), size);
-    ASSERT_TRUE(buffer.content() == expected) << size << " octets, a buffer of " << length;
+    ASSERT_TRUE(buffer.content() == expected) << size << " bytes, a buffer of " << length;
   }
 }
 
@@ -36,21 +36,21 @@ api_lbl_stack stack_of(std::vector<std::uint32_t> &labels) {
   return {labels.data(), static_cast<std::uint32_t>(labels.size()), API_LBL_STACK_HAS_LABELS};
 }
 
-TEST(short_buffers, get_labels_of_three_octets) {
+TEST(short_buffers, get_labels_of_three_bytes) {
   for (const std::size_t count : {1000u, 2047u, 2048u, 2049u, 5000u, 200000u}) {
     std::vector<std::uint32_t> labels(count, 24001);
     is_written(stack_of(labels), count * hex("08 c1 bb 01"));
   }
 }
 
-TEST(short_buffers, get_labels_of_five_octets) {
+TEST(short_buffers, get_labels_of_five_bytes) {
   for (const std::size_t count : {1000u, 1364u, 1365u, 1366u, 1367u, 5000u}) {
     std::vector<std::uint32_t> labels(count, 0xffffffff);
     is_written(stack_of(labels), count * hex("08 ff ff ff ff 0f"));
   }
 }
 
-TEST(short_buffers, get_octets_of_a_list) {
+TEST(short_buffers, get_bytes_of_a_list) {
   for (const std::size_t count : {2000u, 2730u, 2731u, 4095u, 4096u, 4097u, 100000u}) {
     std::vector<std::uint8_t> elements(count, 5);
     const prefix_sid_type short_ones{0, elements.data(), static_cast<std::uint32_t>(count), PREFIX_SID_TYPE_HAS_FIELD2};
@@ -66,19 +66,21 @@ TEST(short_buffers, get_a_string_whole_or_not_at_all) {
     api_msg_internal record{};
     record.field2 = text.data();
     record.presence = API_MSG_INTERNAL_HAS_FIELD2;
-    const octets prefix = {0x12, static_cast<unsigned char>(length | 0x80), static_cast<unsigned char>(length >> 7)};
-    is_written(record, prefix + length * octets{'x'}, {3, length});
+    const byte_string prefix = {0x12, static_cast<unsigned char>(length | 0x80),
+                                static_cast<unsigned char>(length >> 7)};
+    is_written(record, prefix + length * byte_string{'x'}, {3, length});
   }
 }
 
 TEST(short_buffers, get_bytes_whole_or_not_at_all) {
   for (const std::size_t length : {8186u, 8187u, 8188u, 8189u, 8190u, 8191u, 8192u, 8193u, 16000u}) {
-    octets data(length, 0xdd);
+    byte_string data(length, 0xdd);
     oam_req record{};
     record.field6 = data.data();
     record.field6_length = length;
     record.presence = OAM_REQ_HAS_FIELD6;
-    const octets prefix = {0x32, static_cast<unsigned char>(length | 0x80), static_cast<unsigned char>(length >> 7)};
+    const byte_string prefix = {0x32, static_cast<unsigned char>(length | 0x80),
+                                static_cast<unsigned char>(length >> 7)};
     is_written(record, prefix + data, {3, length});
     is_written(record, prefix, {}, PAVO_ZORV_REFERENCE);
   }
@@ -96,27 +98,27 @@ TEST(short_buffers, keep_what_stands_where_bytes_that_are_not_there_belong) {
 }
 
 TEST(short_buffers, measure_bytes_that_no_memory_holds) {
-  unsigned char octet = 0;
+  unsigned char byte = 0;
   oam_req record{};
-  record.field6 = &octet;
+  record.field6 = &byte;
   record.presence = OAM_REQ_HAS_FIELD6;
   const fenced_block buffer(100);
   for (const std::uint64_t length : {UINT64_MAX, UINT64_MAX - 4, UINT64_MAX - 5}) {
     record.field6_length = length;
     EXPECT_EQ(pavo_zorv_oam_req_encode_ext(&record, buffer.data(), 100, nullptr, nullptr, 0), SIZE_MAX);
   }
-  EXPECT_EQ(buffer.content(), 100 * octets{rubbish});
+  EXPECT_EQ(buffer.content(), 100 * byte_string{rubbish});
 }
 
 // Also where the length given is the one that is measured.
 TEST(short_buffers, measure_a_small_message_with_bytes_that_no_memory_holds) {
-  unsigned char octet = 0;
-  const srv6_prefix record{&octet, UINT64_MAX, 0, SRV6_PREFIX_HAS_FIELD1};
+  unsigned char byte = 0;
+  const srv6_prefix record{&byte, UINT64_MAX, 0, SRV6_PREFIX_HAS_FIELD1};
   const fenced_block buffer(100);
   for (const std::size_t length : {std::size_t{100}, SIZE_MAX}) {
     EXPECT_EQ(pavo_zorv_srv6_prefix_encode_ext(&record, buffer.data(), length, nullptr, nullptr, 0), SIZE_MAX);
   }
-  EXPECT_EQ(buffer.content(), 100 * octets{rubbish});
+  EXPECT_EQ(buffer.content(), 100 * byte_string{rubbish});
 }
 
 TEST(short_buffers, get_messages_of_a_list_that_are_empty) {
@@ -147,15 +149,15 @@ TEST(short_buffers, get_messages_of_a_list_with_lists_inside) {
 // Beyond the longest encoding that is written aside lies the room for what asks for none, at most as much as an
 // envelope takes: the lengths end beyond that.
 constexpr std::size_t first_length = pavo_zorv::most_aside - 12,
-                      last_length = pavo_zorv::most_aside + pavo_zorv::octets_unasked<api_msg>() + 72;
+                      last_length = pavo_zorv::most_aside + pavo_zorv::bytes_unasked<api_msg>() + 72;
 
 // Encodes into a buffer of exactly the size, and into the longest for which an encoding is written aside.
 template <class Record>
-void is_written_near(const Record &record, const octets &encoding, const block &block = {}) {
+void is_written_near(const Record &record, const byte_string &encoding, const block &block = {}) {
   for (const std::size_t length : {encoding.size(), pavo_zorv::most_aside}) {
     const fenced_block buffer(length);
     const std::size_t written = std::min(length, encoding.size());
-    octets expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(written));
+    byte_string expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(written));
     expected.resize(length, rubbish);
     if (block.length != 0 && block.place + block.length > length)
       std::fill(expected.begin() + static_cast<std::ptrdiff_t>(std::min(block.place, length)), expected.end(), rubbish);
@@ -164,8 +166,8 @@ void is_written_near(const Record &record, const octets &encoding, const block &
   }
 }
 
-octets varint_of(std::size_t value) {
-  octets result;
+byte_string varint_of(std::size_t value) {
+  byte_string result;
   for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
   result.push_back(static_cast<unsigned char>(value));
   return result;
@@ -174,14 +176,15 @@ octets varint_of(std::size_t value) {
 // Labels of three bytes, and one of another size, first or last: so that every length comes up.
 TEST(lengths_near_what_is_written_aside, of_labels) {
   static constexpr std::uint32_t others[] = {0x0fffffff, 0xffffffff, 300, 24002};
-  const octets other_bytes[] = {hex("08 ff ff ff 7f"), hex("08 ff ff ff ff 0f"), hex("08 ac 02"), hex("08 c2 bb 01")};
+  const byte_string other_bytes[] = {hex("08 ff ff ff 7f"), hex("08 ff ff ff ff 0f"), hex("08 ac 02"),
+                                     hex("08 c2 bb 01")};
   for (std::size_t length = first_length; length <= last_length; ++length) {
     // 5, 6, 3 or 4 bytes, and the rest in fours.
     std::size_t which = 0;
     while ((length - other_bytes[which].size()) % 4 != 0) ++which;
     const std::size_t count = (length - other_bytes[which].size()) / 4;
     std::vector<std::uint32_t> labels(count + 1, 24001);
-    const octets most = count * hex("08 c1 bb 01");
+    const byte_string most = count * hex("08 c1 bb 01");
     labels.front() = others[which];
     ASSERT_NO_FATAL_FAILURE(is_written_near(stack_of(labels), other_bytes[which] + most));
     labels.front() = 24001;
@@ -194,7 +197,7 @@ TEST(lengths_near_what_is_written_aside, of_a_list_of_bytes) {
   for (std::size_t length = first_length; length <= last_length; ++length) {
     // One of three bytes where the length is odd.
     std::vector<std::uint8_t> elements(length / 2, 5);
-    octets expected = (length / 2) * hex("10 05");
+    byte_string expected = (length / 2) * hex("10 05");
     if (length % 2 != 0) {
       elements.front() = 200;
       expected = hex("10 c8 01") + (length / 2 - 1) * hex("10 05");
@@ -217,7 +220,7 @@ TEST(lengths_near_what_is_written_aside, of_a_list_of_bytes) {
 TEST(lengths_near_what_is_written_aside, of_a_list_with_a_long_key) {
   for (std::size_t length = first_length; length <= last_length; ++length) {
     api_msg_p2p_auto_policy_notif record{};
-    const octets number = hex("d8 01 ff ff ff ff ff ff ff ff ff 01");  // field 27
+    const byte_string number = hex("d8 01 ff ff ff ff ff ff ff ff ff 01");  // field 27
     record.field27 = -1;
     const std::size_t list = length - number.size(), longer = list % 3, shorter = (list - 4 * longer) / 3;
     std::vector<std::uint8_t> elements(shorter + longer, 1);
@@ -236,8 +239,9 @@ TEST(lengths_near_what_is_written_aside, of_strings_and_bytes) {
     api_msg_internal record{};
     record.field2 = text.data();
     record.presence = API_MSG_INTERNAL_HAS_FIELD2;
-    ASSERT_NO_FATAL_FAILURE(is_written_near(record, hex("12") + varint_of(inner) + inner * octets{'x'}, {3, inner}));
-    octets data(inner, 0xdd);
+    ASSERT_NO_FATAL_FAILURE(
+        is_written_near(record, hex("12") + varint_of(inner) + inner * byte_string{'x'}, {3, inner}));
+    byte_string data(inner, 0xdd);
     oam_req request{};
     request.field6 = data.data();
     request.field6_length = inner;
@@ -246,7 +250,7 @@ TEST(lengths_near_what_is_written_aside, of_strings_and_bytes) {
   }
 }
 
-// Behind the list, in a payload of its own, stands a string: the two are written in the other order.
+// After the list, in a payload of its own, stands a string: the two are written in the other order.
 TEST(short_buffers, get_payloads_of_an_envelope) {
   char text[] = "behind";
   for (const std::size_t count : {1000u, 2041u, 2042u, 2043u, 2044u, 2045u, 100000u}) {
@@ -259,8 +263,8 @@ TEST(short_buffers, get_payloads_of_an_envelope) {
     record.p2p_auto_policy_notif = notification;
     record.oam_req.field3 = text;
     record.oam_req.presence = OAM_REQ_HAS_FIELD3;
-    const octets list = count * hex("08 c1 bb 01"), stack = hex("52") + varint_of(list.size()) + list;
-    const octets front = hex("08 01 2a") + varint_of(stack.size()) + stack + hex("6a 08 1a 06");
+    const byte_string list = count * hex("08 c1 bb 01"), stack = hex("52") + varint_of(list.size()) + list;
+    const byte_string front = hex("08 01 2a") + varint_of(stack.size()) + stack + hex("6a 08 1a 06");
     is_written(record, front + hex("62 65 68 69 6e 64"), {front.size(), 6});
   }
 }

@@ -100,7 +100,7 @@ TEST(srv6_prefix, bytes_read_by_reference_lie_in_the_input_and_are_not_released)
 }
 
 // case: srv6_prefix: both fields by reference and copied, with a table of capacity 4
-TEST(srv6_prefix, sixteen_octets_by_reference_take_three_entries_and_copied_one) {
+TEST(srv6_prefix, sixteen_bytes_by_reference_take_three_entries_and_copied_one) {
   unsigned char data[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
   const srv6_prefix record = {data, 16, 64, 3};
   const encoding<srv6_prefix> call(record, 4, 4, by_reference);
@@ -128,13 +128,13 @@ TEST(srv6_prefix, the_order_of_bytes_is_handed_on_as_it_is_and_then_the_shorter_
   EXPECT_EQ(operations<srv6_prefix>::compare(&a, &b), -1);
   EXPECT_EQ(operations<srv6_prefix>::compare(&b, &a), 1);
   EXPECT_LT(operations<srv6_prefix>::compare(&a, &c), 0);
-  EXPECT_EQ(operations<srv6_prefix>::compare(&a, &c), octet_order(ab, ac, 2));
-  EXPECT_EQ(operations<srv6_prefix>::compare(&c, &a), octet_order(ac, ab, 2));
-  EXPECT_EQ(operations<srv6_prefix>::compare(&b, &z), octet_order(abc, az, 2));
-  EXPECT_EQ(operations<srv6_prefix>::compare(&z, &b), octet_order(az, abc, 2));
+  EXPECT_EQ(operations<srv6_prefix>::compare(&a, &c), byte_order(ab, ac, 2));
+  EXPECT_EQ(operations<srv6_prefix>::compare(&c, &a), byte_order(ac, ab, 2));
+  EXPECT_EQ(operations<srv6_prefix>::compare(&b, &z), byte_order(abc, az, 2));
+  EXPECT_EQ(operations<srv6_prefix>::compare(&z, &b), byte_order(az, abc, 2));
 }
 
-TEST(srv6_prefix, bytes_are_compared_as_unsigned_octets_with_their_nuls) {
+TEST(srv6_prefix, bytes_are_compared_as_unsigned_bytes_with_their_nuls) {
   unsigned char low[] = {0, 0x7f}, high[] = {0, 0x80};
   const srv6_prefix a = {low, 2, 0, 1}, b = {high, 2, 0, 1}, empty = {nullptr, 0, 0, 1}, empty_too = {low, 0, 0, 1};
   EXPECT_LT(operations<srv6_prefix>::compare(&a, &b), 0);
@@ -173,7 +173,7 @@ TEST(srv6_prefix, owned_bytes_are_a_copy_without_a_terminator) {
   EXPECT_EQ(read.result, CODEC_OK);
   EXPECT_EQ(read.memory.sizes, std::vector<std::size_t>{3});
   EXPECT_TRUE(read.memory.owns(read->field1));
-  EXPECT_EQ(show(octets(read->field1, read->field1 + 3)), "aa 00 cc");
+  EXPECT_EQ(show(byte_string(read->field1, read->field1 + 3)), "aa 00 cc");
 }
 
 TEST(srv6_prefix, only_options_bit_0_means_reference) {
@@ -210,7 +210,7 @@ TEST(srv6_prefix, bytes_that_run_past_the_end_are_refused_in_either_mode) {
   }
 }
 
-TEST(srv6_prefix, by_reference_without_a_table_the_octets_are_nowhere) {
+TEST(srv6_prefix, by_reference_without_a_table_the_bytes_are_nowhere) {
   const whole_prefix whole;
   const fenced_block buffer(4);
   EXPECT_EQ(operations<srv6_prefix>::encode(&whole.record, buffer.data(), 4, nullptr, nullptr, by_reference), 4u);
@@ -242,7 +242,7 @@ TEST(srv6_prefix, absent_bytes_leave_one_entry_by_reference) {
   takes_entries(srv6_prefix{}, {}, by_reference);
 }
 
-TEST(srv6_prefix, a_null_pointer_with_a_length_has_its_room_but_no_octets) {
+TEST(srv6_prefix, a_null_pointer_with_a_length_has_its_room_but_no_bytes) {
   const srv6_prefix record = {nullptr, 3, 64, 3};
   const fenced_block buffer(7);
   EXPECT_EQ(operations<srv6_prefix>::encode(&record, buffer.data(), 7, nullptr, nullptr), 7u);
@@ -266,7 +266,7 @@ TEST(srv6_prefix, the_prefix_of_a_length_beyond_32_bits_is_its_low_32_bits) {
       EXPECT_EQ(operations<srv6_prefix>::encode(&record, nullptr, 0, nullptr, nullptr), size + length);
       const fenced_block buffer(8);
       EXPECT_EQ(operations<srv6_prefix>::encode(&record, buffer.data(), 8, nullptr, nullptr), size + length);
-      octets expected = hex(bytes);
+      byte_string expected = hex(bytes);
       expected.resize(size - 2);
       expected.resize(8, 0xc7);
       EXPECT_EQ(show(buffer.content()), show(expected));
@@ -295,7 +295,7 @@ TEST(srv6_prefix, a_copy_of_borrowed_bytes_is_owned) {
   EXPECT_EQ(copy.result, CODEC_OK);
   EXPECT_TRUE(copy.memory.owns(copy->field1));
   EXPECT_EQ(copy->field1_length, 4u);
-  EXPECT_EQ(show(octets(copy->field1, copy->field1 + 4)), "aa bb cc dd");
+  EXPECT_EQ(show(byte_string(copy->field1, copy->field1 + 4)), "aa bb cc dd");
 }
 
 TEST(srv6_prefix, a_length_of_0_is_copied_as_null_with_its_bit) {
@@ -345,7 +345,7 @@ TEST(srv6_sid_struct, every_field_goes_to_the_wire_and_back) {
 }
 
 // case: srv6_sid_struct: field 3 given as 300, and 200 written
-TEST(srv6_sid_struct, field_3_of_300_is_cut_to_44_and_200_takes_two_octets) {
+TEST(srv6_sid_struct, field_3_of_300_is_cut_to_44_and_200_takes_two_bytes) {
   decoded<srv6_sid_struct> read(hex("18 ac 02"));
   EXPECT_EQ(read.result, CODEC_OK);
   EXPECT_EQ(read->field3, 44);
@@ -356,7 +356,7 @@ TEST(srv6_sid_struct, field_3_of_300_is_cut_to_44_and_200_takes_two_octets) {
   EXPECT_EQ(show(encoded(record)), "18 c8 01");
 }
 
-TEST(srv6_sid_struct, flags_are_read_as_yes_or_no_and_written_as_the_stored_octets) {
+TEST(srv6_sid_struct, flags_are_read_as_yes_or_no_and_written_as_the_stored_bytes) {
   decoded<srv6_sid_struct> read(hex("08 ac 02 10 80 80 80 80 10"));
   EXPECT_EQ(read->field1, 1);
   EXPECT_EQ(read->field2, 0);
@@ -408,8 +408,8 @@ TEST(srv6_usid, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_usid().record, usid_fields, "uunn");
 }
 
-// case: srv6_usid: a prefix of 16 octets by reference with a table
-TEST(srv6_usid, the_length_of_a_prefix_leaves_referenced_octets_out) {
+// case: srv6_usid: a prefix of 16 bytes by reference with a table
+TEST(srv6_usid, the_length_of_a_prefix_leaves_referenced_bytes_out) {
   unsigned char data[16] = {};
   srv6_usid record{};
   record.field1 = 1;
@@ -424,7 +424,7 @@ TEST(srv6_usid, the_length_of_a_prefix_leaves_referenced_octets_out) {
   EXPECT_TRUE(call.segments.untouched_from(4));
 }
 
-TEST(srv6_usid, its_own_entry_comes_behind_those_of_prefix_and_structure) {
+TEST(srv6_usid, its_own_entry_comes_after_those_of_prefix_and_structure) {
   const whole_usid whole;
   takes_entries(whole.record, {{7, 8}, {17, 5}, {0, 22}});
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "08 01 10 ac 02 1a 04 0a 04 10 40 22 05 08 01 18 c8 01");
@@ -537,8 +537,8 @@ TEST(srv6_usid, fields_are_compared_in_order) {
 TEST(srv6_usid, the_order_of_bytes_is_handed_on_as_it_is) {
   whole_usid low, high;
   low.data[0] = 1;
-  EXPECT_EQ(operations<srv6_usid>::compare(&low.record, &high.record), octet_order(low.data, high.data, 4));
-  EXPECT_EQ(operations<srv6_usid>::compare(&high.record, &low.record), octet_order(high.data, low.data, 4));
+  EXPECT_EQ(operations<srv6_usid>::compare(&low.record, &high.record), byte_order(low.data, high.data, 4));
+  EXPECT_EQ(operations<srv6_usid>::compare(&high.record, &low.record), byte_order(high.data, low.data, 4));
 }
 
 TEST(srv6_usid, presence_bits_of_no_field_are_left_alone_at_every_depth) {

@@ -8,9 +8,9 @@ namespace {
 
 using namespace test;
 
-// A value as a varint of so many octets, be it more than the value needs.
-octets varint_in(std::size_t length, std::uint64_t value) {
-  octets result;
+// A value as a varint of so many bytes, be it more than the value needs.
+byte_string varint_in(std::size_t length, std::uint64_t value) {
+  byte_string result;
   for (std::size_t i = 0; i < length; ++i) {
     result.push_back(static_cast<unsigned char>((value & 0x7f) | (i + 1 < length ? 0x80 : 0)));
     value >>= 7;
@@ -18,22 +18,22 @@ octets varint_in(std::size_t length, std::uint64_t value) {
   return result;
 }
 
-octets first(std::size_t count, const octets &bytes) {
-  return octets(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
+byte_string first(std::size_t count, const byte_string &bytes) {
+  return byte_string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
-octets key(unsigned number, unsigned wire_type) {
+byte_string key(unsigned number, unsigned wire_type) {
   return varint_in(number < 16 ? 1 : number < 2048 ? 2 : 5, std::uint64_t{number} << 3 | wire_type);
 }
 
-// Reads a varint in all lengths up to 16 octets, and cut off behind each of its octets. It stands behind `before`, and
+// Reads a varint in all lengths up to 16 bytes, and cut off after each of its bytes. It stands after `before`, and
 // `check` is shown what came of it. A key may be missing altogether: then the input ends between two fields.
 template <class Record, class Check>
-void read_in_every_length(const octets &before, std::uint64_t value, const octets &after, Check check,
+void read_in_every_length(const byte_string &before, std::uint64_t value, const byte_string &after, Check check,
                           std::size_t least_cut = 0) {
   for (std::size_t length = 1; length <= 16; ++length) {
     if (length < 10 && value >> 7 * length != 0) continue;
-    const octets varint = varint_in(length, value);
+    const byte_string varint = varint_in(length, value);
     SCOPED_TRACE(show(before + varint + after));
     decoded<Record> whole(before + varint + after);
     EXPECT_EQ(whole.result, CODEC_OK);
@@ -45,13 +45,13 @@ void read_in_every_length(const octets &before, std::uint64_t value, const octet
 }
 
 template <class Record, class Check>
-void read_key_in_every_length(const octets &before, std::uint32_t value, const octets &after, Check check) {
+void read_key_in_every_length(const byte_string &before, std::uint32_t value, const byte_string &after, Check check) {
   read_in_every_length<Record>(before, value, after, check, 1);
 }
 
 // --- Keys ---
 
-TEST(keys, of_fields_1_to_15_take_one_octet_and_from_16_on_two) {
+TEST(keys, of_fields_1_to_15_take_one_byte_and_from_16_on_two) {
   api_msg_p2p_auto_policy_notif notif{};
   notif.field16 = 1;
   notif.field17 = 2;
@@ -68,7 +68,7 @@ TEST(keys, of_fields_1_to_15_take_one_octet_and_from_16_on_two) {
   EXPECT_EQ(show(encoded(policy)), "a2 01 01 78");
 }
 
-TEST(keys, of_two_octets_are_read) {
+TEST(keys, of_two_bytes_are_read) {
   decoded<api_msg_p2p_auto_policy_notif> notif(hex("80 01 01 d8 01 03"));
   EXPECT_EQ(notif.result, CODEC_OK);
   EXPECT_EQ(notif->field16, 1u);
@@ -86,7 +86,7 @@ TEST(keys, an_over_long_key_is_accepted) {
   EXPECT_EQ(addr->presence & 1, 1);
 }
 
-TEST(keys, of_known_fields_are_read_in_1_to_16_octets) {
+TEST(keys, of_known_fields_are_read_in_1_to_16_bytes) {
   read_key_in_every_length<api_addr>({}, 0x08, hex("07"), [](const api_addr &addr) {
     EXPECT_EQ(addr.address, 7u);
     EXPECT_EQ(addr.presence & 1, 1);
@@ -107,7 +107,7 @@ TEST(keys, of_known_fields_are_read_in_1_to_16_octets) {
                                         [](const srv6_prefix &prefix) { EXPECT_EQ(prefix.field1_length, 2u); });
 }
 
-TEST(keys, of_unknown_fields_are_read_in_1_to_16_octets) {
+TEST(keys, of_unknown_fields_are_read_in_1_to_16_bytes) {
   const auto seven = [](const api_addr &addr) { EXPECT_EQ(addr.address, 7u); };
   read_key_in_every_length<api_addr>({}, 0x10, hex("05 08 07"), seven);
   read_key_in_every_length<api_addr>({}, 0x11, hex("01 02 03 04 05 06 07 08 08 07"), seven);
@@ -120,16 +120,16 @@ TEST(keys, that_are_over_long_are_refused_like_short_ones) {
   for (std::size_t length = 1; length <= 16; ++length) {
     for (const unsigned type : {1u, 2u, 3u, 4u, 5u, 6u, 7u}) {
       EXPECT_EQ(decoded<api_addr>(varint_in(length, 8 | type) + hex("00")).result, CODEC_ERR_WRONG_WIRE_TYPE)
-          << length << " octets, wire type " << type;
+          << length << " bytes, wire type " << type;
     }
     for (const unsigned type : {3u, 4u, 6u, 7u}) {
       EXPECT_EQ(decoded<api_addr>(varint_in(length, 16 | type) + hex("00")).result, CODEC_ERR_BAD_WIRE_TYPE)
-          << length << " octets, wire type " << type;
+          << length << " bytes, wire type " << type;
     }
   }
 }
 
-TEST(keys, keep_four_bits_of_their_fifth_octet_and_none_of_later_ones) {
+TEST(keys, keep_four_bits_of_their_fifth_byte_and_none_of_later_ones) {
   for (const char *const dropped : {"88 80 80 80 10 07", "88 80 80 80 70 07", "88 80 80 80 80 01 07",
                                     "88 80 80 80 f0 ff 7f 07", "88 80 80 80 80 ff ff ff ff ff ff 7f 07"}) {
     decoded<api_addr> addr(hex(dropped));
@@ -169,7 +169,7 @@ TEST(keys, with_a_bad_wire_type_are_refused_by_whether_the_field_is_known) {
   EXPECT_EQ(decoded<api_addr>(hex("0d")).result, CODEC_ERR_WRONG_WIRE_TYPE);
 }
 
-// With the key alone, with octets behind it, and without an allocator: the wire type is looked at before all else.
+// With the key alone, with bytes after it, and without an allocator: the wire type is looked at before all else.
 template <class Record>
 void accepts_only(unsigned own_wire_type, unsigned number) {
   for (unsigned type = 0; type < 8; ++type) {
@@ -232,13 +232,13 @@ TEST(keys, just_above_the_last_field_are_unknown) {
   EXPECT_EQ(decoded<api_msg_p2p_auto_policy_notif>(hex("e0 01 05")).result, CODEC_OK);
 }
 
-// Behind a field most often comes the next one; here comes one whose key begins with the same octet.
+// After a field most often comes the next one; here comes one whose key begins with the same byte.
 TEST(keys, of_unknown_fields_are_not_those_of_the_next_field) {
   for (unsigned number = 16; number <= 27; ++number) {
     const auto field = [](unsigned which, bool delimited) {
       return key(which, delimited ? 2 : 0) + hex(delimited ? "01 61" : "05");
     };
-    const octets before = field(number - 1, number - 1 == 21), unknown = field(number + 16, number == 21);
+    const byte_string before = field(number - 1, number - 1 == 21), unknown = field(number + 16, number == 21);
     decoded<api_msg_p2p_auto_policy_notif> notif(before + unknown);
     EXPECT_EQ(notif.result, CODEC_OK) << show(before + unknown);
     EXPECT_EQ(notif->presence & 0x7ffffff, 1u << (number - 2)) << show(before + unknown);
@@ -261,12 +261,12 @@ TEST(keys, that_are_over_long_are_those_of_the_next_field) {
 // --- Varints ---
 
 // case: wire: the values 300 and 0xffffffff in field 1
-TEST(varints, the_values_300_and_0xffffffff_take_two_and_five_octets) {
+TEST(varints, the_values_300_and_0xffffffff_take_two_and_five_bytes) {
   EXPECT_EQ(show(encoded(api_addr{300, API_ADDR_HAS_ADDRESS})), "08 ac 02");
   EXPECT_EQ(show(encoded(api_addr{0xffffffff, API_ADDR_HAS_ADDRESS})), "08 ff ff ff ff 0f");
 }
 
-TEST(varints, of_32_bits_are_written_in_1_to_5_octets) {
+TEST(varints, of_32_bits_are_written_in_1_to_5_bytes) {
   struct example {
     std::uint32_t value;
     const char *bytes;
@@ -292,7 +292,7 @@ TEST(varints, of_32_bits_are_written_in_1_to_5_octets) {
   }
 }
 
-TEST(varints, of_64_bits_are_written_in_1_to_10_octets) {
+TEST(varints, of_64_bits_are_written_in_1_to_10_bytes) {
   struct example {
     std::uint64_t value;
     const char *bytes;
@@ -328,7 +328,7 @@ TEST(varints, of_64_bits_are_written_in_1_to_10_octets) {
   }
 }
 
-TEST(varints, of_negative_32_bit_values_are_their_pattern_in_five_octets) {
+TEST(varints, of_negative_32_bit_values_are_their_pattern_in_five_bytes) {
   struct example {
     std::int32_t value;
     const char *bytes;
@@ -353,7 +353,7 @@ TEST(varints, of_negative_32_bit_values_are_their_pattern_in_five_octets) {
   }
 }
 
-TEST(varints, of_negative_64_bit_values_are_their_pattern_in_ten_octets) {
+TEST(varints, of_negative_64_bit_values_are_their_pattern_in_ten_bytes) {
   struct example {
     std::int64_t value;
     const char *bytes;
@@ -371,8 +371,8 @@ TEST(varints, of_negative_64_bit_values_are_their_pattern_in_ten_octets) {
   }
 }
 
-// case: wire: a 32-bit value in its ten-octet sign-extended form
-TEST(varints, a_sign_extended_32_bit_value_is_read_as_its_pattern_and_written_back_in_five_octets) {
+// case: wire: a 32-bit value in its ten-byte sign-extended form
+TEST(varints, a_sign_extended_32_bit_value_is_read_as_its_pattern_and_written_back_in_five_bytes) {
   decoded<api_addr> addr(hex("08 ff ff ff ff ff ff ff ff ff 01"));
   EXPECT_EQ(addr.result, CODEC_OK);
   EXPECT_EQ(addr->address, 0xffffffffu);
@@ -384,7 +384,7 @@ TEST(varints, a_sign_extended_32_bit_value_is_read_as_its_pattern_and_written_ba
   EXPECT_EQ(show(encoded(policy.record)), "48 ff ff ff ff 0f");
 }
 
-TEST(varints, of_32_bits_are_read_in_1_to_16_octets) {
+TEST(varints, of_32_bits_are_read_in_1_to_16_bytes) {
   for (const std::uint32_t value : {0u, 1u, 127u, 128u, 300u, 65535u, 268435456u, 0x80000000u, 0xffffffffu}) {
     const auto the_value = [=](const api_addr &addr) { EXPECT_EQ(addr.address, value); };
     read_in_every_length<api_addr>(hex("08"), value, {}, the_value);
@@ -392,7 +392,7 @@ TEST(varints, of_32_bits_are_read_in_1_to_16_octets) {
   }
 }
 
-TEST(varints, of_64_bits_are_read_in_1_to_16_octets) {
+TEST(varints, of_64_bits_are_read_in_1_to_16_bytes) {
   for (const std::uint64_t value :
        {std::uint64_t{0}, std::uint64_t{300}, std::uint64_t{1} << 40, std::uint64_t{1} << 63, UINT64_MAX}) {
     const auto the_value = [=](const api_msg_internal &internal) { EXPECT_EQ(internal.field3, value); };
@@ -405,7 +405,7 @@ TEST(varints, of_64_bits_are_read_in_1_to_16_octets) {
   }
 }
 
-TEST(varints, of_flags_and_8_bit_members_are_read_in_1_to_16_octets) {
+TEST(varints, of_flags_and_8_bit_members_are_read_in_1_to_16_bytes) {
   read_in_every_length<api_msg_service>(hex("08"), 1, {},
                                         [](const api_msg_service &service) { EXPECT_EQ(service.field1, 1); });
   read_in_every_length<api_msg_service>(hex("08"), 0, {}, [](const api_msg_service &service) {
@@ -415,7 +415,7 @@ TEST(varints, of_flags_and_8_bit_members_are_read_in_1_to_16_octets) {
   read_in_every_length<api_prefix>(hex("10"), 200, {}, [](const api_prefix &prefix) { EXPECT_EQ(prefix.field2, 200); });
 }
 
-TEST(varints, of_list_elements_are_read_in_1_to_16_octets) {
+TEST(varints, of_list_elements_are_read_in_1_to_16_bytes) {
   read_in_every_length<api_lbl_stack>(hex("08 10 08"), 24001, {}, [](const api_lbl_stack &stack) {
     ASSERT_EQ(stack.label_count, 2u);
     EXPECT_EQ(stack.labels[0], 16u);
@@ -428,11 +428,11 @@ TEST(varints, of_list_elements_are_read_in_1_to_16_octets) {
   });
   read_in_every_length<prefix_sid_type>(hex("10 05 10"), 200, hex("10 06"), [](const prefix_sid_type &sid) {
     ASSERT_EQ(sid.field2_count, 3u);
-    EXPECT_EQ(octets(sid.field2, sid.field2 + 3), (octets{5, 200, 6}));
+    EXPECT_EQ(byte_string(sid.field2, sid.field2 + 3), (byte_string{5, 200, 6}));
   });
 }
 
-TEST(varints, of_keys_inside_a_run_are_read_in_1_to_16_octets) {
+TEST(varints, of_keys_inside_a_run_are_read_in_1_to_16_bytes) {
   read_key_in_every_length<api_lbl_stack>(hex("08 10"), 0x08, hex("07 08 11"), [](const api_lbl_stack &stack) {
     ASSERT_EQ(stack.label_count, 3u);
     EXPECT_EQ(stack.labels[0], 16u);
@@ -445,7 +445,7 @@ TEST(varints, of_keys_inside_a_run_are_read_in_1_to_16_octets) {
   });
 }
 
-TEST(varints, of_keys_behind_a_run_are_read_in_1_to_16_octets) {
+TEST(varints, of_keys_after_a_run_are_read_in_1_to_16_bytes) {
   read_key_in_every_length<api_lbl_stack>(hex("08 10"), 0x10, hex("07"),
                                           [](const api_lbl_stack &stack) { EXPECT_EQ(stack.label_count, 1u); });
   read_key_in_every_length<api_exp_path>(hex("0a 00"), 0x10, hex("07"), [](const api_exp_path &path) {
@@ -454,12 +454,12 @@ TEST(varints, of_keys_behind_a_run_are_read_in_1_to_16_octets) {
   });
 }
 
-TEST(varints, of_lengths_are_read_in_1_to_16_octets) {
+TEST(varints, of_lengths_are_read_in_1_to_16_bytes) {
   read_in_every_length<api_msg_internal>(hex("12"), 2, hex("61 62"),
                                          [](const api_msg_internal &internal) { EXPECT_STREQ(internal.field2, "ab"); });
   read_in_every_length<srv6_prefix>(hex("0a"), 2, hex("61 62"), [](const srv6_prefix &prefix) {
     ASSERT_EQ(prefix.field1_length, 2u);
-    EXPECT_EQ(octets(prefix.field1, prefix.field1 + 2), hex("61 62"));
+    EXPECT_EQ(byte_string(prefix.field1, prefix.field1 + 2), hex("61 62"));
   });
   read_in_every_length<policy_binding_sid_t>(
       hex("0a"), 2, hex("08 07"), [](const policy_binding_sid_t &binding) { EXPECT_EQ(binding.sid.field1, 7u); });
@@ -475,7 +475,7 @@ TEST(varints, of_lengths_are_read_in_1_to_16_octets) {
                                  [](const api_addr &addr) { EXPECT_EQ(addr.address, 7u); });
 }
 
-TEST(varints, of_unknown_fields_are_skipped_in_1_to_16_octets) {
+TEST(varints, of_unknown_fields_are_skipped_in_1_to_16_bytes) {
   for (const std::uint64_t value : {std::uint64_t{5}, UINT64_MAX}) {
     read_in_every_length<api_addr>(hex("10"), value, hex("08 07"),
                                    [](const api_addr &addr) { EXPECT_EQ(addr.address, 7u); });
@@ -488,7 +488,7 @@ TEST(varints, drop_what_does_not_fit_into_32_bits) {
       127,        16383,      2097151,    268435455,  0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff,
       0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff};
   for (std::size_t length = 1; length <= 16; ++length) {
-    const octets ones = (length - 1) * hex("ff") + hex("7f");
+    const byte_string ones = (length - 1) * hex("ff") + hex("7f");
     EXPECT_EQ(decoded<api_addr>(hex("08") + ones)->address, expected[length - 1]) << length;
     decoded<api_lbl_stack> stack(hex("08") + ones + hex("08") + ones);
     ASSERT_EQ(stack->label_count, 2u) << length;
@@ -506,7 +506,7 @@ TEST(varints, drop_what_does_not_fit_into_64_bits) {
       0x7f,      0x3fff,     0x1fffff,   0xfffffff,  0x7ffffffff, 0x3ffffffffff, 0x1ffffffffffff, 0xffffffffffffff,
       INT64_MAX, UINT64_MAX, UINT64_MAX, UINT64_MAX, UINT64_MAX,  UINT64_MAX,    UINT64_MAX,      UINT64_MAX};
   for (std::size_t length = 1; length <= 16; ++length) {
-    const octets ones = (length - 1) * hex("ff") + hex("7f");
+    const byte_string ones = (length - 1) * hex("ff") + hex("7f");
     EXPECT_EQ(decoded<api_msg_internal>(hex("18") + ones)->field3, expected[length - 1]) << length;
   }
   EXPECT_EQ(decoded<api_msg_internal>(hex("18 80 80 80 80 80 80 80 80 80 01"))->field3, std::uint64_t{1} << 63);
@@ -538,11 +538,11 @@ TEST(varints, behind_a_key_may_not_be_missing) {
   EXPECT_EQ(decoded<srv6_prefix>(hex("0a"), PAVO_ZORV_REFERENCE).result, CODEC_ERR_TRUNCATED);
 }
 
-// A run of many elements, each of another length, cut off behind every octet: only where an element ends, it is whole.
+// A run of many elements, each of another length, cut off after every byte: only where an element ends, it is whole.
 // `elements` shows the list that was read.
 template <class Record, class Elements>
-void read_a_run_up_to_wherever_the_input_ends(const octets &key, std::uint32_t element_mask, Elements elements) {
-  octets run;
+void read_a_run_up_to_wherever_the_input_ends(const byte_string &key, std::uint32_t element_mask, Elements elements) {
+  byte_string run;
   std::vector<std::uint32_t> values;
   std::vector<std::size_t> ends = {0};
   for (std::uint32_t i = 0; i < 70; ++i) {
@@ -586,7 +586,7 @@ TEST(varints, of_long_runs_are_read_up_to_wherever_the_input_ends) {
 }
 
 TEST(varints, of_runs_of_labels_are_read_up_to_wherever_the_input_ends) {
-  octets run;
+  byte_string run;
   std::vector<std::uint32_t> labels;
   for (std::uint32_t i = 0; i < 60; ++i) {
     run = run + hex("08") + varint_in(3, 0x4000 + i * 34000);
@@ -600,11 +600,11 @@ TEST(varints, of_runs_of_labels_are_read_up_to_wherever_the_input_ends) {
   }
 }
 
-// The octets behind a nested message look like more of its run.
+// The bytes after a nested message look like more of its run.
 TEST(varints, of_runs_end_with_the_nested_message_they_stand_in) {
   for (std::size_t count = 1; count <= 100; ++count) {
     for (const std::size_t cut : {std::size_t{0}, std::size_t{1}}) {
-      const octets run = count * hex("10 05");
+      const byte_string run = count * hex("10 05");
       decoded<policy_binding_sid_t> binding(hex("0a") + varint_in(2, run.size() - cut) + run + 50 * hex("10 06"));
       EXPECT_EQ(binding.result, cut == 0 ? CODEC_OK : CODEC_ERR_TRUNCATED) << count;
       EXPECT_EQ(binding->sid.field2_count, cut == 0 ? count : 0) << count;
@@ -613,13 +613,13 @@ TEST(varints, of_runs_end_with_the_nested_message_they_stand_in) {
   }
 }
 
-// Of many elements one has a value or a key of far more octets than any number needs.
+// Of many elements one has a value or a key of far more bytes than any number needs.
 TEST(varints, of_runs_may_be_longer_than_any_number_needs) {
   for (const std::size_t length :
        {17u, 31u, 32u, 33u, 59u, 60u, 61u, 62u, 63u, 64u, 65u, 66u, 67u, 127u, 128u, 129u, 1000u}) {
     for (const std::uint32_t place : {0u, 1u, 2u, 15u, 29u, 39u}) {
-      SCOPED_TRACE(testing::Message() << length << " octets at " << place);
-      octets long_value, long_key;
+      SCOPED_TRACE(testing::Message() << length << " bytes at " << place);
+      byte_string long_value, long_key;
       std::vector<std::uint32_t> labels;
       std::size_t value_begins = 0, key_begins = 0;
       for (std::uint32_t i = 0; i < 40; ++i) {
@@ -645,12 +645,12 @@ TEST(varints, of_runs_may_be_longer_than_any_number_needs) {
 TEST(varints, of_runs_may_be_over_long_anywhere) {
   for (std::size_t place = 0; place < 20; ++place) {
     for (std::size_t length = 1; length <= 16; ++length) {
-      octets long_value, long_key;
+      byte_string long_value, long_key;
       for (std::uint32_t i = 0; i < 20; ++i) {
         long_value = long_value + hex("08") + varint_in(i == place ? length : 1, 100 + i);
         long_key = long_key + varint_in(i == place ? length : 1, 8) + varint_in(1, 100 + i);
       }
-      for (const octets &run : {long_value, long_key}) {
+      for (const byte_string &run : {long_value, long_key}) {
         SCOPED_TRACE(show(run));
         decoded<api_lbl_stack> stack(run);
         ASSERT_EQ(stack.result, CODEC_OK);
@@ -663,7 +663,7 @@ TEST(varints, of_runs_may_be_over_long_anywhere) {
 
 // --- Skipped fields ---
 
-// case: wire: an unknown length-delimited field of length 100 at the end of five octets
+// case: wire: an unknown length-delimited field of length 100 at the end of five bytes
 TEST(skipping, an_unknown_field_that_runs_past_the_end_ends_the_decoding) {
   decoded<api_addr> addr(hex("12 64 01 02 03"));
   EXPECT_EQ(addr.result, CODEC_OK);
@@ -688,7 +688,7 @@ TEST(skipping, fixed_width_fields_that_run_past_the_end_end_the_decoding) {
   }
 }
 
-TEST(skipping, fixed_width_fields_take_eight_and_four_octets) {
+TEST(skipping, fixed_width_fields_take_eight_and_four_bytes) {
   EXPECT_EQ(decoded<api_addr>(hex("11") + 8 * hex("80")).result, CODEC_OK);
   EXPECT_EQ(decoded<api_addr>(hex("11") + 9 * hex("80")).result, CODEC_ERR_TRUNCATED) << "the ninth begins a key";
   EXPECT_EQ(decoded<api_addr>(hex("11") + 8 * hex("80") + hex("08 07"))->address, 7u);
@@ -760,15 +760,15 @@ TEST(skipping, a_bad_wire_type_keeps_what_was_read_before) {
 
 // A known length-delimited field with its length as it should be, one too long, and far too long.
 template <class Record>
-void ends_inside_the_input(const char *key_octets, std::uint32_t options = 0) {
-  EXPECT_EQ(decoded<Record>(hex(key_octets) + hex("00"), options).result, CODEC_OK);
-  EXPECT_EQ(decoded<Record>(hex(key_octets) + hex("02 08 01"), options).result, CODEC_OK);
+void ends_inside_the_input(const char *key_bytes, std::uint32_t options = 0) {
+  EXPECT_EQ(decoded<Record>(hex(key_bytes) + hex("00"), options).result, CODEC_OK);
+  EXPECT_EQ(decoded<Record>(hex(key_bytes) + hex("02 08 01"), options).result, CODEC_OK);
   for (const char *const past :
        {"01", "03 08 01", "64 08 01", "ff ff ff ff 07 08 01", "80 80 80 80 08 08 01", "ff ff ff ff 0f 08 01"}) {
-    decoded<Record> record(hex(key_octets) + hex(past), options);
-    EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << key_octets << " " << past;
-    EXPECT_EQ(record.memory.requests(), 0u) << key_octets << " " << past;
-    EXPECT_EQ(record->presence & 3, 0) << key_octets << " " << past;
+    decoded<Record> record(hex(key_bytes) + hex(past), options);
+    EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << key_bytes << " " << past;
+    EXPECT_EQ(record.memory.requests(), 0u) << key_bytes << " " << past;
+    EXPECT_EQ(record->presence & 3, 0) << key_bytes << " " << past;
   }
 }
 
@@ -799,11 +799,11 @@ TEST(framing, a_value_inside_a_nested_message_ends_with_that_message) {
   EXPECT_EQ(decoded<policy_binding_sid_t>(hex("0a 02 10 80 01")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<policy_binding_sid_t>(hex("0a 03 10 05 90 02")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<api_msg_p2p_auto_policy_response>(hex("0a 04 80 01 05 88 01 07")).result, CODEC_ERR_TRUNCATED)
-      << "a key of two octets";
+      << "a key of two bytes";
 }
 
 TEST(framing, a_run_inside_a_nested_message_ends_with_that_message) {
-  // Behind the nested list come the same keys, now those of the containing message.
+  // After the nested list come the same keys, now those of the containing message.
   decoded<policy_binding_sid_t> binding(hex("0a 04 10 05 10 06 10 07"));
   EXPECT_EQ(binding.result, CODEC_OK);
   ASSERT_EQ(binding->sid.field2_count, 2u);
@@ -859,13 +859,13 @@ struct block {
   std::size_t length;
 };
 
-// Encodes into buffers from no octet to two more than needed: what fits is there, and the rest of the buffer is as
+// Encodes into buffers from no byte to two more than needed: what fits is there, and the rest of the buffer is as
 // before.
 template <class Record>
-void write_into_every_length(const Record &record, const octets &whole, const std::vector<block> &blocks) {
+void write_into_every_length(const Record &record, const byte_string &whole, const std::vector<block> &blocks) {
   EXPECT_EQ(show(encoded(record)), show(whole));
   for (std::size_t length = 0; length <= whole.size() + 2; ++length) {
-    octets expected = whole;
+    byte_string expected = whole;
     for (const auto &[position, size] : blocks) {
       if (position + size > length)
         std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(position), size, std::uint8_t{0xc7});
@@ -877,8 +877,8 @@ void write_into_every_length(const Record &record, const octets &whole, const st
   }
 }
 
-// case: wire: encoding into a buffer of one octet
-TEST(bounded_writing, into_one_octet_goes_the_key_and_the_result_is_the_full_length) {
+// case: wire: encoding into a buffer of one byte
+TEST(bounded_writing, into_one_byte_goes_the_key_and_the_result_is_the_full_length) {
   const api_addr addr{300, API_ADDR_HAS_ADDRESS};
   const fenced_block buffer(1);
   EXPECT_EQ(operations<api_addr>::encode(&addr, buffer.data(), 1, nullptr, nullptr), 3u);
@@ -901,7 +901,7 @@ TEST(bounded_writing, runs_are_written_as_far_as_they_fit) {
 
 TEST(bounded_writing, long_runs_are_written_as_far_as_they_fit) {
   std::vector<std::uint32_t> labels;
-  octets whole;
+  byte_string whole;
   for (std::uint32_t i = 0; i < 40; ++i) {
     labels.push_back(300000 + i);
     whole = whole + hex("08") + varint_in(3, 300000 + i);
@@ -966,20 +966,20 @@ TEST(bounded_writing, a_null_buffer_measures_whatever_its_length) {
   EXPECT_EQ(entries.pieces(), (std::vector<piece>{{nullptr, 7}}));
 }
 
-TEST(bounded_writing, a_buffer_of_no_octets_stays_untouched) {
+TEST(bounded_writing, a_buffer_of_no_bytes_stays_untouched) {
   const fenced_block around(4);
   const api_addr addr{300, API_ADDR_HAS_ADDRESS};
   EXPECT_EQ(operations<api_addr>::encode(&addr, around.data() + 2, 0, nullptr, nullptr), 3u);
   EXPECT_EQ(show(around.content()), "c7 c7 c7 c7");
 }
 
-TEST(bounded_writing, nothing_before_or_behind_the_encoding_is_touched) {
+TEST(bounded_writing, nothing_before_or_after_the_encoding_is_touched) {
   for (std::size_t length = 0; length <= 5; ++length) {
     const fenced_block around(16);
     const api_addr addr{300, API_ADDR_HAS_ADDRESS};
     EXPECT_EQ(operations<api_addr>::encode(&addr, around.data() + 6, length, nullptr, nullptr), 3u);
-    octets expected = 16 * hex("c7");
-    const octets whole = hex("08 ac 02");
+    byte_string expected = 16 * hex("c7");
+    const byte_string whole = hex("08 ac 02");
     std::copy_n(whole.begin(), std::min<std::size_t>(length, 3), expected.begin() + 6);
     EXPECT_EQ(show(around.content()), show(expected)) << length;
   }

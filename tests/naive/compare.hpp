@@ -15,7 +15,7 @@ inline int compare_numbers(const member &field, std::uint64_t a, std::uint64_t b
   return sign_of(a ^ sign, b ^ sign);
 }
 
-inline int compare_octets(const unsigned char *a, std::uint64_t a_size, const unsigned char *b, std::uint64_t b_size) {
+inline int compare_bytes(const unsigned char *a, std::uint64_t a_size, const unsigned char *b, std::uint64_t b_size) {
   for (std::uint64_t i = 0; i < a_size && i < b_size; ++i) {
     if (a[i] != b[i]) return sign_of(a[i], b[i]);
   }
@@ -26,12 +26,12 @@ inline int compare_blocks(const member &field, const unsigned char *a, const uns
   const unsigned char *const left = pointer_at(a + field.offset);
   const unsigned char *const right = pointer_at(b + field.offset);
   if (field.what == sort::text) {
-    return compare_octets(left, std::strlen(reinterpret_cast<const char *>(left)), right,
-                          std::strlen(reinterpret_cast<const char *>(right)));
+    return compare_bytes(left, std::strlen(reinterpret_cast<const char *>(left)), right,
+                         std::strlen(reinterpret_cast<const char *>(right)));
   }
   const std::uint64_t a_count = count_of(field, a);
   const std::uint64_t b_count = count_of(field, b);
-  if (field.what == sort::bytes) return compare_octets(left, a_count, right, b_count);
+  if (field.what == sort::bytes) return compare_bytes(left, a_count, right, b_count);
   const std::size_t size = field.element_size();
   for (std::uint64_t i = 0; i < a_count && i < b_count; ++i) {
     const int result = field.what == sort::messages

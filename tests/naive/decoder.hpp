@@ -140,26 +140,26 @@ class decoder {
     return CODEC_OK;
   }
 
-  // Five octets count, of the fifth four bits; of those behind only the one without the top bit is looked for.
+  // Five bytes count, of the fifth four bits; of those after only the one without the top bit is looked for.
   static bool read_32(const unsigned char *buffer, std::size_t length, std::size_t &position, std::uint32_t &value) {
     value = 0;
     for (unsigned taken = 0; position < length; ++taken) {
-      const unsigned octet = buffer[position++];
-      if (taken < 4) value |= (octet & 0x7f) << (7 * taken);
-      if (taken == 4) value |= octet << 28;
-      if ((octet & 0x80) == 0) return true;
+      const unsigned byte = buffer[position++];
+      if (taken < 4) value |= (byte & 0x7f) << (7 * taken);
+      if (taken == 4) value |= byte << 28;
+      if ((byte & 0x80) == 0) return true;
     }
     return false;
   }
 
-  // Ten octets count, of the tenth one bit.
+  // Ten bytes count, of the tenth one bit.
   static bool read_64(const unsigned char *buffer, std::size_t length, std::size_t &position, std::uint64_t &value) {
     value = 0;
     for (unsigned taken = 0; position < length; ++taken) {
-      const std::uint64_t octet = buffer[position++];
-      if (taken < 9) value |= (octet & 0x7f) << (7 * taken);
-      if (taken == 9) value |= octet << 63;
-      if ((octet & 0x80) == 0) return true;
+      const std::uint64_t byte = buffer[position++];
+      if (taken < 9) value |= (byte & 0x7f) << (7 * taken);
+      if (taken == 9) value |= byte << 63;
+      if ((byte & 0x80) == 0) return true;
     }
     return false;
   }
@@ -182,7 +182,7 @@ class decoder {
     set_presence(type, record, presence_of(type, record) & ~type.mask());
   }
 
-  // Skipped octets need not be there.
+  // Skipped bytes need not be there.
   int skip(unsigned wire_type, const unsigned char *buffer, std::size_t length, std::size_t &position) {
     std::uint32_t size = 0;
     switch (wire_type) {
@@ -239,7 +239,7 @@ class decoder {
     return CODEC_OK;
   }
 
-  // A length, whose octets must all be there.
+  // A length, whose bytes must all be there.
   static bool delimited(const unsigned char *buffer, std::size_t length, std::size_t &position, std::uint32_t &size) {
     return read_32(buffer, length, position, size) && size <= length - position;
   }

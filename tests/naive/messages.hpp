@@ -71,7 +71,7 @@ struct message;
 
 struct member {
   sort what = {};
-  unsigned width = 0;  // octets of a number, or of the numbers of a list
+  unsigned width = 0;  // bytes of a number, or of the numbers of a list
   bool is_signed = false;
   const message *nested = nullptr;
   std::size_t offset = 0;
@@ -102,7 +102,7 @@ inline std::size_t member::element_size() const { return what == sort::messages 
   std::abort();
 }
 
-// What a word takes in a record: some pairs of a size and an alignment, one behind the other.
+// What a word takes in a record: some pairs of a size and an alignment, one after the other.
 class layout {
  public:
   explicit layout(message &owner) : owner_(owner) {}

@@ -19,11 +19,11 @@ naive::sort sort_of(kind of) {
       return naive::sort::text;
     case kind::bytes:
       return naive::sort::bytes;
-    case kind::integers:
+    case kind::integer_list:
       return naive::sort::numbers;
-    case kind::messages:
+    case kind::message_list:
       return naive::sort::messages;
-    case kind::message:
+    case kind::nested:
       break;
   }
   return naive::sort::message;

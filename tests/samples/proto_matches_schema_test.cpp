@@ -22,11 +22,11 @@ FieldDescriptor::Type wanted_type() {
       return FieldDescriptor::TYPE_STRING;
     case kind::bytes:
       return FieldDescriptor::TYPE_BYTES;
-    case kind::message:
-    case kind::messages:
+    case kind::nested:
+    case kind::message_list:
       return FieldDescriptor::TYPE_MESSAGE;
     case kind::integer:
-    case kind::integers:
+    case kind::integer_list:
       break;
   }
   if constexpr (requires { typename Row::element; }) {
@@ -49,7 +49,7 @@ void expect_field(const Row &row, const google::protobuf::Descriptor &message) {
   const FieldDescriptor *const field = message.FindFieldByNumber(static_cast<int>(row.number));
   ASSERT_NE(field, nullptr) << message.name() << " lacks number " << row.number;
   SCOPED_TRACE(field->full_name());
-  constexpr bool is_list = Row::type == kind::integers || Row::type == kind::messages;
+  constexpr bool is_list = Row::type == kind::integer_list || Row::type == kind::message_list;
   EXPECT_EQ(field->name(), row.name);
   EXPECT_EQ(field->type_name(), std::string(FieldDescriptor::TypeName(wanted_type<Row>())));
   EXPECT_EQ(field->label(), is_list ? FieldDescriptor::LABEL_REPEATED : FieldDescriptor::LABEL_OPTIONAL);

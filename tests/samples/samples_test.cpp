@@ -1,5 +1,5 @@
-// Every sample between this library and another implementation, in both directions: its text and its octets say the
-// same, and the library reads the octets and writes them again.
+// Every sample between this library and another implementation, in both directions: its text and its bytes say the
+// same, and the library reads the bytes and writes them again.
 #include <google/protobuf/dynamic_message.h>
 #include <google/protobuf/text_format.h>
 #include <gtest/gtest.h>
@@ -41,10 +41,10 @@ std::string content_of(const std::string &file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Where a sample holds a negative 32-bit number, the library writes five octets less for it than others do.
+// Where a sample holds a negative 32-bit number, the library writes five bytes less for it than others do.
 bool holds_negative(const std::string &name) { return name.ends_with(".negative"); }
 
-// What the library makes of octets: decoded, and encoded again.
+// What the library makes of bytes: decoded, and encoded again.
 std::string written_again(const std::string &message, const std::string &input) {
   std::string result;
   bool known = false;
@@ -52,9 +52,9 @@ std::string written_again(const std::string &message, const std::string &input) 
     using record = typename decltype(type)::type;
     if (message != pavo_zorv::message_name<record>) return;
     known = true;
-    test::decoded<record> content(test::octets(input.begin(), input.end()));
+    test::decoded<record> content(test::byte_string(input.begin(), input.end()));
     EXPECT_EQ(content.result, CODEC_OK);
-    const test::octets output = test::encoded(content.record);
+    const test::byte_string output = test::encoded(content.record);
     result.assign(output.begin(), output.end());
   });
   EXPECT_TRUE(known) << message;
@@ -75,9 +75,9 @@ class sample : public testing::TestWithParam<std::string> {
     return message;
   }
 
-  std::string text_of(const std::string &octets) const {
+  std::string text_of(const std::string &bytes) const {
     const std::unique_ptr<Message> message(prototype_->New());
-    EXPECT_TRUE(message->ParseFromString(octets));
+    EXPECT_TRUE(message->ParseFromString(bytes));
     return text_of(*message);
   }
 
@@ -93,7 +93,7 @@ class sample : public testing::TestWithParam<std::string> {
   const Message *prototype_ = nullptr;
 };
 
-TEST_P(sample, has_octets_that_are_made_from_its_text) {
+TEST_P(sample, has_bytes_that_are_made_from_its_text) {
   EXPECT_EQ(from_text()->SerializeAsString(), content_of(GetParam() + ".bin")) << "samples/regenerate writes them";
 }
 
@@ -101,14 +101,14 @@ TEST_P(sample, is_written_by_the_library_with_the_same_text) {
   EXPECT_EQ(text_of(written_again(message_of(GetParam()), content_of(GetParam() + ".bin"))), text_of(*from_text()));
 }
 
-TEST_P(sample, is_written_by_the_library_with_the_same_octets) {
-  const std::string octets = content_of(GetParam() + ".bin");
-  const std::string again = written_again(message_of(GetParam()), octets);
+TEST_P(sample, is_written_by_the_library_with_the_same_bytes) {
+  const std::string bytes = content_of(GetParam() + ".bin");
+  const std::string again = written_again(message_of(GetParam()), bytes);
   if (holds_negative(GetParam())) {
-    EXPECT_EQ(again.size() + 5, octets.size());
+    EXPECT_EQ(again.size() + 5, bytes.size());
     EXPECT_EQ(written_again(message_of(GetParam()), again), again);
   } else {
-    EXPECT_EQ(again, octets);
+    EXPECT_EQ(again, bytes);
   }
 }
 
@@ -128,13 +128,13 @@ TEST(samples, show_every_message) {
   EXPECT_EQ(shown.size(), 31u);
 }
 
-TEST(samples, have_text_and_octets_in_pairs) {
-  std::set<std::string> texts, octets;
+TEST(samples, have_text_and_bytes_in_pairs) {
+  std::set<std::string> texts, bytes;
   for (const auto &entry : std::filesystem::directory_iterator(PAVO_ZORV_SAMPLES)) {
     if (entry.path().extension() == ".txt") texts.insert(entry.path().stem().string());
-    if (entry.path().extension() == ".bin") octets.insert(entry.path().stem().string());
+    if (entry.path().extension() == ".bin") bytes.insert(entry.path().stem().string());
   }
-  EXPECT_EQ(texts, octets);
+  EXPECT_EQ(texts, bytes);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What every test is written with: octets spelled out, inputs and outputs in blocks of exactly their size, an allocator
+// What every test is written with: bytes spelled out, inputs and outputs in blocks of exactly their size, an allocator
 // that keeps account, and a segment table with guards.
 #pragma once
 
@@ -21,11 +21,11 @@
 
 namespace test {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 
-// Octets from text: hexadecimal pairs, blanks between them as one likes.
-inline octets hex(std::string_view text) {
-  octets result;
+// Bytes from text: hexadecimal pairs, blanks between them as one likes.
+inline byte_string hex(std::string_view text) {
+  byte_string result;
   int high = -1;
   for (const char c : text) {
     if (c == ' ' || c == '\n') continue;
@@ -41,23 +41,23 @@ inline octets hex(std::string_view text) {
       high = -1;
     }
   }
-  if (high >= 0) ADD_FAILURE() << "half an octet: " << text;
+  if (high >= 0) ADD_FAILURE() << "half a byte: " << text;
   return result;
 }
 
-inline octets operator+(octets left, const octets &right) {
+inline byte_string operator+(byte_string left, const byte_string &right) {
   left.insert(left.end(), right.begin(), right.end());
   return left;
 }
 
-inline octets operator*(std::size_t times, const octets &what) {
-  octets result(times * what.size());
+inline byte_string operator*(std::size_t times, const byte_string &what) {
+  byte_string result(times * what.size());
   for (std::size_t at = 0; at < result.size(); at += what.size())
     std::memcpy(result.data() + at, what.data(), what.size());
   return result;
 }
 
-inline std::string show(const octets &bytes) {
+inline std::string show(const byte_string &bytes) {
   std::string result;
   for (const unsigned char byte : bytes) {
     if (!result.empty()) result += ' ';
@@ -67,7 +67,7 @@ inline std::string show(const octets &bytes) {
   return result;
 }
 
-// A block that ends where an inaccessible page begins: reading or writing one octet behind it ends the test.
+// A block that ends where an inaccessible page begins: reading or writing one byte after it ends the test.
 class fenced_block {
  public:
   explicit fenced_block(std::size_t size) : size_(size) {
@@ -79,7 +79,7 @@ class fenced_block {
     data_ = base_ + mapped_ - page - size;
     std::memset(base_, 0xc7, mapped_ - page);
   }
-  explicit fenced_block(const octets &content) : fenced_block(content.size()) {
+  explicit fenced_block(const byte_string &content) : fenced_block(content.size()) {
     if (!content.empty()) std::memcpy(data_, content.data(), content.size());
   }
   fenced_block(const fenced_block &) = delete;
@@ -88,14 +88,14 @@ class fenced_block {
 
   unsigned char *data() const { return data_; }
   std::size_t size() const { return size_; }
-  octets content() const { return octets(data_, data_ + size_); }
+  byte_string content() const { return byte_string(data_, data_ + size_); }
 
  private:
   std::size_t size_, mapped_;
   unsigned char *base_, *data_;
 };
 
-// An allocator that keeps account. Blocks are of exactly the size asked for (the sanitizer sees one octet more or less)
+// An allocator that keeps account. Blocks are of exactly the size asked for (the sanitizer sees one byte more or less)
 // and filled with rubbish; `fail_at` and `fail_from` count requests from 0; each block must come back once.
 class accountant {
  public:
@@ -173,7 +173,7 @@ class table {
     return result;
   }
   bool untouched_from(std::uint32_t first) const {
-    const octets all = entries_.content();
+    const byte_string all = entries_.content();
     for (std::size_t i = first * sizeof(pavo_zorv_segment); i < all.size(); ++i)
       if (all[i] != 0xc7) return false;
     return true;
@@ -222,19 +222,19 @@ struct operations;
 
 // What an encoding call gives for a record, in a buffer of exactly the measured size; both calls must agree.
 template <class Record>
-octets encoded(const Record &record, std::uint32_t options = 0) {
+byte_string encoded(const Record &record, std::uint32_t options = 0) {
   const std::size_t length = operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options);
   const fenced_block buffer(length);
   EXPECT_EQ(operations<Record>::encode(&record, buffer.data(), length, nullptr, nullptr, options), length);
   return buffer.content();
 }
 
-// A record decoded from octets in a block of exactly their size. It lives as long as the input, and is released at the
+// A record decoded from bytes in a block of exactly their size. It lives as long as the input, and is released at the
 // end; every block must have come back by then.
 template <class Record>
 class decoded {
  public:
-  explicit decoded(const octets &bytes, std::uint32_t options = 0) : input(bytes), options_(options) {
+  explicit decoded(const byte_string &bytes, std::uint32_t options = 0) : input(bytes), options_(options) {
     std::memset(static_cast<void *>(&record), 0x5a, sizeof record);
     result = operations<Record>::decode(&record, input.data(), input.size(), accountant::allocate, &memory, options);
   }
@@ -258,7 +258,7 @@ class decoded {
 
 // Without an allocator.
 template <class Record>
-int decode_without_memory(const octets &bytes, std::uint32_t options = 0) {
+int decode_without_memory(const byte_string &bytes, std::uint32_t options = 0) {
   const fenced_block input(bytes);
   Record record;
   std::memset(static_cast<void *>(&record), 0x5a, sizeof record);

@@ -17,22 +17,22 @@
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 
 // --- Inputs: every field of a message, with long lists ---
 
-void put_varint(octets &out, std::uint64_t value) {
+void put_varint(byte_string &out, std::uint64_t value) {
   for (; value >= 0x80; value >>= 7) out.push_back(static_cast<unsigned char>(value | 0x80));
   out.push_back(static_cast<unsigned char>(value));
 }
 
-void put_delimited(octets &out, const octets &content) {
+void put_delimited(byte_string &out, const byte_string &content) {
   put_varint(out, content.size());
   out.insert(out.end(), content.begin(), content.end());
 }
 
-octets input_for(const naive::message &type, unsigned elements) {
-  octets result;
+byte_string input_for(const naive::message &type, unsigned elements) {
+  byte_string result;
   for (std::size_t index = 0; index < type.members.size(); ++index) {
     const naive::member &field = type.members[index];
     const unsigned times = field.what == naive::sort::numbers    ? elements
@@ -46,7 +46,7 @@ octets input_for(const naive::message &type, unsigned elements) {
       } else if (field.nested != nullptr) {
         put_delimited(result, input_for(*field.nested, elements / 10));
       } else {
-        put_delimited(result, octets(element + 20, 'x'));
+        put_delimited(result, byte_string(element + 20, 'x'));
       }
     }
   }
@@ -112,7 +112,7 @@ class guarded_memory {
 // --- The two threads ---
 
 // Changes a byte after another, often one of the first ones, and puts each back after some time or at once.
-void disturb(octets &input, const octets &before, const std::atomic<bool> &stop) {
+void disturb(byte_string &input, const byte_string &before, const std::atomic<bool> &stop) {
   std::uint64_t number = 1;
   while (!stop.load(std::memory_order_relaxed)) {
     number = number * 6364136223846793005 + 1442695040888963407;
@@ -127,7 +127,7 @@ void disturb(octets &input, const octets &before, const std::atomic<bool> &stop)
   }
 }
 
-void decode_once(const naive::message &type, const octets &input, std::uint32_t options) {
+void decode_once(const naive::message &type, const byte_string &input, std::uint32_t options) {
   const naive::calls &calls = *type.functions;
   alignas(16) unsigned char record[4096], copy[4096];
   guarded_memory memory, copied;
@@ -139,7 +139,7 @@ void decode_once(const naive::message &type, const octets &input, std::uint32_t 
   if (result == CODEC_OK) {
     // By reference the bytes change still, so they are only read.
     const std::size_t size = calls.encode(record, nullptr, 0, nullptr, nullptr, options);
-    octets written(size);
+    byte_string written(size);
     if (calls.encode(record, written.data(), size, nullptr, nullptr, options) != size)
       naive::broken(std::string(type.name) + ": measured and written differ");
     if (calls.duplicate(copy, record, guarded_memory::take, &copied) != CODEC_OK || !copied.intact())
@@ -162,9 +162,9 @@ int main(int count, char **arguments) {
   std::size_t longest = 0;
   const std::size_t turns = naive::messages().size();
   for (const naive::message &type : naive::messages()) {
-    const octets before = input_for(type, 300);
+    const byte_string before = input_for(type, 300);
     longest = std::max(longest, before.size());
-    octets input = before;
+    byte_string input = before;
     std::atomic<bool> stop{false};
     std::thread other([&] { disturb(input, before, stop); });
     const auto end =

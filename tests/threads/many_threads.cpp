@@ -15,12 +15,12 @@
 
 namespace {
 
-using octets = std::vector<unsigned char>;
+using byte_string = std::vector<unsigned char>;
 
-// As in the corpus of the fuzzers: the first octet chooses the message, and the message stands behind six.
+// As in the corpus of the fuzzers: the first byte chooses the message, and the message stands after six.
 struct input {
   const naive::message *type;
-  octets bytes;
+  byte_string bytes;
 };
 
 // Memory that comes back all at once: inputs in which a nested message comes again drop some.
@@ -49,9 +49,9 @@ struct record {
   alignas(16) unsigned char storage[4096] = {};
 };
 
-octets encoding_of(const naive::message &type, const record &from) {
+byte_string encoding_of(const naive::message &type, const record &from) {
   const std::size_t size = type.functions->encode(from.storage, nullptr, 0, nullptr, nullptr, 0);
-  octets result(size);
+  byte_string result(size);
   type.functions->encode(from.storage, result.data(), size, nullptr, nullptr, 0);
   return result;
 }
@@ -59,10 +59,10 @@ octets encoding_of(const naive::message &type, const record &from) {
 // A record that all threads read, and what one thread alone made of it.
 struct shared {
   const naive::message *type;
-  octets bytes;
+  byte_string bytes;
   record read;
   int result;
-  octets written;
+  byte_string written;
 };
 
 void make_shared(const input &from, shared &to, pool &memory) {
@@ -93,7 +93,7 @@ std::vector<input> inputs_in(const char *folder) {
   std::vector<input> result;
   for (const auto &entry : std::filesystem::directory_iterator(folder)) {
     std::ifstream file(entry.path(), std::ios::binary);
-    octets content(static_cast<std::size_t>(entry.file_size()));
+    byte_string content(static_cast<std::size_t>(entry.file_size()));
     file.read(reinterpret_cast<char *>(content.data()), static_cast<std::streamsize>(content.size()));
     if (!file) std::abort();
     if (content.size() < 6) continue;

@@ -12,7 +12,7 @@ class account {
  public:
   struct figures {
     std::size_t blocks = 0;
-    std::size_t octets = 0;
+    std::size_t bytes = 0;
   };
 
   account() : start_(65536), memory_(start_.data(), start_.size()) {}
@@ -43,7 +43,7 @@ class account {
       auto *const block = static_cast<unsigned char *>(memory_.allocate(size + head, head));
       new (block) std::size_t(size);
       ++asked.blocks;
-      asked.octets += size;
+      asked.bytes += size;
       return block + head;
     } catch (const std::bad_alloc &) {
       return nullptr;
@@ -52,7 +52,7 @@ class account {
 
   void give(void *block) noexcept {
     ++returned.blocks;
-    returned.octets += *std::launder(reinterpret_cast<std::size_t *>(static_cast<unsigned char *>(block) - head));
+    returned.bytes += *std::launder(reinterpret_cast<std::size_t *>(static_cast<unsigned char *>(block) - head));
   }
 
   std::vector<unsigned char> start_;

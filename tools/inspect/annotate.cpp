@@ -1,4 +1,4 @@
-// The meaning of octets, from a walk.
+// The meaning of bytes, from a walk.
 #include "annotate.hpp"
 
 #include <fmt/format.h>
@@ -30,7 +30,7 @@ std::string number_text(const field_type &field, std::uint64_t number) {
 }
 
 // In quotes; a backslash before what is not printable ASCII, and in long texts only the beginning.
-std::string quoted(octet_view characters) {
+std::string quoted(byte_view characters) {
   constexpr std::size_t shown = 60;
   std::string text = "\"";
   for (const unsigned char character : characters.first(std::min(shown, characters.size()))) {
@@ -47,7 +47,7 @@ std::string quoted(octet_view characters) {
 
 class annotator {
  public:
-  annotator(octet_view input, const walk &walked) : input_(input), walked_(walked) {}
+  annotator(byte_view input, const walk &walked) : input_(input), walked_(walked) {}
 
   std::vector<annotation> rows() {
     for (const walked_field &field : walked_.fields) rows_.push_back(row(field));
@@ -88,7 +88,7 @@ class annotator {
     return text;
   }
 
-  octet_view content(const walked_field &here) const { return input_.subspan(here.content, here.end - here.content); }
+  byte_view content(const walked_field &here) const { return input_.subspan(here.content, here.end - here.content); }
 
   std::string meaning(const walked_field &here) const {
     if (here.field == nullptr) return skipped(here);
@@ -97,8 +97,8 @@ class annotator {
         return " = " + quoted(content(here));
       case kind::bytes:
         return " = " + counted(content(here).size());
-      case kind::message:
-      case kind::messages:
+      case kind::nested:
+      case kind::message_list:
         return ": " + counted(content(here).size());
       default:
         return " = " + number_text(*here.field, here.number);
@@ -117,7 +117,7 @@ class annotator {
     return (here.field->kind == kind::flag && here.number > 1) || (here.field->bits == 8 && here.number > 0xff);
   }
 
-  // Which octets are the key, the length and the value, and which of them a shorter varint would not have.
+  // Which bytes are the key, the length and the value, and which of them a shorter varint would not have.
   void mark_varints(const walked_field &here, annotation &row) const {
     mark(row, here.start, here.value, role::key, pavo_zorv::varint_size(here.key), "key");
     const bool has_length = here.content != here.value;
@@ -171,15 +171,15 @@ class annotator {
     return made;
   }
 
-  octet_view input_;
+  byte_view input_;
   const walk &walked_;
   std::vector<annotation> rows_;
   path way_;
-  std::size_t shown_ = 0;  // the octets before this one stand in rows
+  std::size_t shown_ = 0;  // the bytes before this one stand in rows
 };
 
 }  // namespace
 
-std::vector<annotation> annotate(octet_view input, const walk &walked) { return annotator(input, walked).rows(); }
+std::vector<annotation> annotate(byte_view input, const walk &walked) { return annotator(input, walked).rows(); }
 
 }  // namespace inspect

@@ -1,4 +1,4 @@
-// What every octet of a message means, in rows that any page can be made of: the one description behind the text and
+// What every byte of a message means, in rows that any page can be made of: the one description behind the text and
 // the HTML of `hex`.
 #pragma once
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "octets.hpp"
+#include "bytes.hpp"
 #include "types.hpp"
 #include "walk.hpp"
 
@@ -18,29 +18,29 @@ enum class standing {
   unknown,    // skipped: no field of this message
   tolerated,  // read, but no encoder of this library writes it so
   unread,     // lost to a failure further on
-  failed,     // from the octet on that cannot be read
+  failed,     // from the byte on that cannot be read
 };
 
-enum class role { key, length, value, excess };  // excess: octets of a varint that add nothing
+enum class role { key, length, value, excess };  // excess: bytes of a varint that add nothing
 
-// One field, without the fields inside it, or what is left over behind a failure.
+// One field, without the fields inside it, or what is left over after a failure.
 struct annotation {
   standing stands = standing::plain;
   unsigned depth = 0;
   std::size_t start = 0;
-  std::size_t end = 0;        // of the octets of this row
+  std::size_t end = 0;        // of the bytes of this row
   std::size_t whole_end = 0;  // of the field with all that lies in it
   std::string around;         // the way to the containing message: "hops[1]."
   std::string name;           // "field5[0]"; "unknown field 31"
   std::string key;            // "5 varint"
   std::string kind;           // "unsigned 32-bit"
-  std::string meaning;        // " = 7", ": 12 octets", ...
+  std::string meaning;        // " = 7", ": 12 bytes", ...
   std::string remarks;        // ", over-long key"
-  std::vector<role> roles;    // of each octet of the row
+  std::vector<role> roles;    // of each byte of the row
   bool is_container = false;  // the rows that follow, one deeper, are inside
 };
 
-// Every octet of the input stands in one row, also those behind a failure.
-std::vector<annotation> annotate(octet_view input, const walk &walked);
+// Every byte of the input stands in one row, also those after a failure.
+std::vector<annotation> annotate(byte_view input, const walk &walked);
 
 }  // namespace inspect

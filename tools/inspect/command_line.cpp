@@ -19,11 +19,11 @@ namespace {
 template <class Value>
 using choices = std::map<std::string, Value>;
 
-const choices<octet_form> octet_forms{{"auto", octet_form::detected},
-                                      {"raw", octet_form::raw},
-                                      {"hex", octet_form::hex},
-                                      {"dump", octet_form::dump},
-                                      {"base64", octet_form::base64}};
+const choices<wire_form> wire_forms{{"auto", wire_form::detected},
+                                    {"raw", wire_form::raw},
+                                    {"hex", wire_form::hex},
+                                    {"dump", wire_form::dump},
+                                    {"base64", wire_form::base64}};
 const choices<message_form> message_forms{{"auto", message_form::detected}, {"raw", message_form::raw},
                                           {"hex", message_form::hex},       {"dump", message_form::dump},
                                           {"base64", message_form::base64}, {"json", message_form::as_json},
@@ -153,8 +153,8 @@ class command_line {
   }
 
   void add_input(CLI::App *command) {
-    add_choice(command, "-i,--input", asked_.input, octet_forms, "Form of the input");
-    add_stream(command, "The input is a stream of messages, each behind its length");
+    add_choice(command, "-i,--input", asked_.input, wire_forms, "Form of the input");
+    add_stream(command, "The input is a stream of messages, each after its length");
   }
 
   void add_single_input(CLI::App *command) {
@@ -182,7 +182,7 @@ class command_line {
     add_single_input(decoding);
     add_bytes(decoding, "How bytes are shown", bytes_form::length);
 
-    CLI::App *const annotating = command("hex", "Show every octet of a message with its meaning", hex);
+    CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
     add_words(annotating, "[TYPE] [FILE]", "Message, and file to read");
     add_single_input(annotating);
     add_choice(annotating, "--color", asked_.colours, colour_choices,

@@ -8,12 +8,12 @@
 
 #include "failure.hpp"
 #include "json_form.hpp"
-#include "octet_forms.hpp"
 #include "stream.hpp"
+#include "wire_forms.hpp"
 
 namespace inspect {
 
-// What `convert` reads and writes: octets in a form, or a message as text.
+// What `convert` reads and writes: bytes in a form, or a message as text.
 enum class message_form { detected, raw, hex, dump, base64, as_json, as_text };
 
 enum class colour_choice { when_terminal, always, never };
@@ -21,7 +21,7 @@ enum class colour_choice { when_terminal, always, never };
 struct request {
   std::vector<std::string> words;  // a message's name, if it is given, then files
   std::string output;              // a file's name; the standard output when empty
-  octet_form input = octet_form::detected;
+  wire_form input = wire_form::detected;
   prefix_form stream = prefix_form::none;
   std::optional<std::size_t> at;  // only this message of a stream
   bytes_form bytes = bytes_form::base64;

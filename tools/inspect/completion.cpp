@@ -27,7 +27,7 @@ std::vector<const CLI::Option *> options(const CLI::App &command) {
   return command.get_options([](const CLI::Option *option) { return option->nonpositional(); });
 }
 
-// The values that an option's description lists behind its colon; empty for other options.
+// The values that an option's description lists after its colon; empty for other options.
 std::string values(const CLI::Option &option) {
   if (option.get_option_text() != "FORM") return {};
   std::string text = option.get_description();

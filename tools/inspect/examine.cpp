@@ -1,11 +1,11 @@
-// Decode, encode, compare the octets, release.
+// Decode, encode, compare the bytes, release.
 #include "examine.hpp"
 
 #include <algorithm>
 
 namespace inspect {
 
-findings examiner::examine(const message_type &type, octet_view input) {
+findings examiner::examine(const message_type &type, byte_view input) {
   account_.clear();
   record_.resize(std::max(record_.size(), type.record_size / sizeof(std::max_align_t) + 1));
   void *const record = record_.data();
@@ -23,7 +23,7 @@ findings examiner::examine(const message_type &type, octet_view input) {
   }
   type.release(record, &account::release, &account_, 0);
   found.dropped.blocks = found.memory.blocks - account_.returned.blocks;
-  found.dropped.octets = found.memory.octets - account_.returned.octets;
+  found.dropped.bytes = found.memory.bytes - account_.returned.bytes;
   return found;
 }
 

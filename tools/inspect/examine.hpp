@@ -12,8 +12,8 @@ namespace inspect {
 
 struct findings {
   int result = 0;
-  bool is_canonical = false;  // encoding gives the same octets
-  std::size_t encoded = 0;    // octets of the encoding
+  bool is_canonical = false;  // encoding gives the same bytes
+  std::size_t encoded = 0;    // bytes of the encoding
   account::figures memory;    // asked for by decoding
   account::figures dropped;   // not given back on release: what replaced nested messages owned
 };
@@ -21,12 +21,12 @@ struct findings {
 // Keeps its memory from one message to the next.
 class examiner {
  public:
-  findings examine(const message_type &type, octet_view input);
+  findings examine(const message_type &type, byte_view input);
 
  private:
   account account_;
   std::vector<std::max_align_t> record_;
-  octets encoding_;
+  byte_string encoding_;
 };
 
 }  // namespace inspect

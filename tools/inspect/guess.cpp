@@ -15,29 +15,29 @@
 namespace inspect {
 namespace {
 
-bool is_readable(octet_view characters) {
+bool is_readable(byte_view characters) {
   const std::string_view text(reinterpret_cast<const char *>(characters.data()), characters.size());
   return is_utf8(text) && std::ranges::none_of(text, [](char each) { return each >= 0 && each < ' '; });
 }
 
-int evidence_of(octet_view input, const walked_field &here) {
+int evidence_of(byte_view input, const walked_field &here) {
   if (here.field == nullptr) return -2;
   switch (here.field->kind) {
     case kind::string:
       return is_readable(input.subspan(here.content, here.end - here.content)) ? 2 : -2;
-    case kind::message:
-    case kind::messages:
+    case kind::nested:
+    case kind::message_list:
       return here.end != here.content ? 2 : 0;
     case kind::flag:
       return here.number <= 1 ? 1 : -1;
-    case kind::integers:
+    case kind::integer_list:
       return here.field->bits == 8 && here.number > 0xff ? -1 : 0;
     default:
       return 0;
   }
 }
 
-reading read_as(const message_type &type, octet_view input) {
+reading read_as(const message_type &type, byte_view input) {
   const walk walked = walk_message(type, input);
   reading made{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0, 0};
   for (const walked_field &each : walked.fields) {
@@ -55,7 +55,7 @@ reading read_as(const message_type &type, octet_view input) {
 
 }  // namespace
 
-std::vector<reading> guess(octet_view input) {
+std::vector<reading> guess(byte_view input) {
   std::vector<reading> readings;
   for (const message_type *type : all_types()) readings.push_back(read_as(*type, input));
   const auto order = [](const reading &each) {
@@ -65,11 +65,11 @@ std::vector<reading> guess(octet_view input) {
   return readings;
 }
 
-const message_type &only_guess(octet_view input, const std::string &name) {
+const message_type &only_guess(byte_view input, const std::string &name) {
   const std::vector<reading> readings = guess(input);
   const fit best = readings.front().fit;
   if (best == fit::partial || best == fit::none) {
-    throw unusable(fmt::format("{}: TYPE is needed: no message reads every octet of it", name));
+    throw unusable(fmt::format("{}: TYPE is needed: no message reads every byte of it", name));
   }
   const auto count = std::ranges::count(readings, best, &reading::fit);
   if (count == 1) return *readings.front().type;

@@ -1,4 +1,4 @@
-// The annotated octets as a page: all octets on the left, the fields on the right as a tree.
+// The annotated bytes as a page: all bytes on the left, the fields on the right as a tree.
 #include "hex_html.hpp"
 
 #include <fmt/format.h>
@@ -25,11 +25,11 @@ body { margin: 1.5rem; background: var(--ground); color: var(--ink); font: 14px/
 h1 { font-size: 1.15rem; margin: 0 0 .75rem; }
 h1 small { color: var(--faint); font-weight: normal; }
 section { display: grid; grid-template-columns: max-content minmax(0, 1fr); gap: 2rem; margin-bottom: 2.5rem; }
-.octets, .fields { font: 13px/1.6 ui-monospace, monospace; }
-.octets { position: sticky; top: 1rem; align-self: start; max-height: calc(100vh - 2rem); overflow: auto;
+.bytes, .fields { font: 13px/1.6 ui-monospace, monospace; }
+.bytes { position: sticky; top: 1rem; align-self: start; max-height: calc(100vh - 2rem); overflow: auto;
   padding-right: 1rem; border-right: 1px solid var(--line); white-space: pre; }
-.octets b, .at { color: var(--faint); font-weight: normal; user-select: none; }
-.octets i { font-style: normal; padding: .1em .22em; border-radius: 3px; }
+.bytes b, .at { color: var(--faint); font-weight: normal; user-select: none; }
+.bytes i { font-style: normal; padding: .1em .22em; border-radius: 3px; }
 .fields details > :not(summary) { margin-left: 1.4em; }
 .row, summary { padding: .05em .4em; border-radius: 4px; overflow-wrap: anywhere; }
 .row { padding-left: 1.45em; text-indent: 0; }
@@ -50,16 +50,16 @@ or would be written otherwise</span><span class="unknown">unknown field</span><s
 constexpr std::string_view page_foot = R"(<script>
 // What the pointer is on is lit up on both sides.
 for (const section of document.querySelectorAll("section")) {
-  const octets = [...section.querySelectorAll(".octets i")];
+  const bytes = [...section.querySelectorAll(".bytes i")];
   const rows = [...section.querySelectorAll("[data-start]")];
   const light = (start, end, row) => {
-    octets.forEach((octet, at) => octet.classList.toggle("lit", at >= start && at < end));
+    bytes.forEach((byte, at) => byte.classList.toggle("lit", at >= start && at < end));
     rows.forEach(each => each.classList.toggle("lit", each === row));
   };
   section.addEventListener("pointerover", event => {
-    const octet = event.target.closest(".octets i");
-    const at = octets.indexOf(octet);
-    const row = octet ? rows.findLast(each => each.dataset.start <= at && at < each.dataset.own)
+    const byte = event.target.closest(".bytes i");
+    const at = bytes.indexOf(byte);
+    const row = byte ? rows.findLast(each => each.dataset.start <= at && at < each.dataset.own)
                       : event.target.closest("[data-start]");
     if (row) light(+row.dataset.start, +row.dataset.end, row);
     else light(0, 0, null);
@@ -108,7 +108,7 @@ const char *class_of(standing stands) {
   return "";
 }
 
-// Of a row that stands out as a whole, all octets look alike; but a failure is at its first octet.
+// Of a row that stands out as a whole, all bytes look alike; but a failure is at its first byte.
 const char *class_of(const annotation &row, std::size_t index) {
   if (row.stands == standing::failed && index != 0) return "unread";
   if (*class_of(row.stands) != '\0') return class_of(row.stands);
@@ -125,19 +125,19 @@ const char *class_of(const annotation &row, std::size_t index) {
   return "v";
 }
 
-std::string octets_side(const html_message &message) {
-  constexpr std::size_t octets_in_line = 16;
+std::string bytes_side(const html_message &message) {
+  constexpr std::size_t bytes_in_line = 16;
   std::string text;
   for (const annotation &row : message.rows) {
     for (std::size_t at = row.start; at < row.end; ++at) {
-      if (at % octets_in_line == 0) text += fmt::format("{}<b>{:06x}</b> ", at == 0 ? "" : "\n", at);
-      text += fmt::format("<i class=\"{}\">{:02x}</i>", class_of(row, at - row.start), message.octets[at]);
+      if (at % bytes_in_line == 0) text += fmt::format("{}<b>{:06x}</b> ", at == 0 ? "" : "\n", at);
+      text += fmt::format("<i class=\"{}\">{:02x}</i>", class_of(row, at - row.start), message.bytes[at]);
     }
   }
   return text;
 }
 
-// The words of a row. `own` is where its octets without those of the fields inside end.
+// The words of a row. `own` is where its bytes without those of the fields inside end.
 std::string words(const annotation &row, std::string_view class_name) {
   const std::string meta =
       row.key.empty() ? "" : fmt::format(" ({}{}{})", row.key, row.kind.empty() ? "" : ", ", row.kind);
@@ -170,9 +170,9 @@ std::string fields_side(const html_message &message) {
 
 std::string html_section(const html_message &message) {
   return fmt::format(
-      "<h1>{} <small>{}, {}</small></h1>\n<section>\n<div class=\"octets\">{}</div>\n<div class=\"fields\">\n{}"
+      "<h1>{} <small>{}, {}</small></h1>\n<section>\n<div class=\"bytes\">{}</div>\n<div class=\"fields\">\n{}"
       "</div>\n</section>\n",
-      escaped(message.type), escaped(message.name), counted(message.octets.size()), octets_side(message),
+      escaped(message.type), escaped(message.name), counted(message.bytes.size()), bytes_side(message),
       fields_side(message));
 }
 

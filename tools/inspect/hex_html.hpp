@@ -1,4 +1,4 @@
-// The annotated octets as one page that needs nothing beside it: foldable, and with what the pointer is on lit up on
+// The annotated bytes as one page that needs nothing beside it: foldable, and with what the pointer is on lit up on
 // both sides.
 #pragma once
 
@@ -13,7 +13,7 @@ namespace inspect {
 struct html_message {
   std::string name;
   std::string type;
-  octet_view octets;
+  byte_view bytes;
   const std::vector<annotation> &rows;
 };
 

@@ -1,4 +1,4 @@
-// The annotated octets as text.
+// The annotated bytes as text.
 #include "hex_text.hpp"
 
 #include <fmt/format.h>
@@ -8,7 +8,7 @@
 namespace inspect {
 namespace {
 
-constexpr std::size_t octets_in_row = 12;
+constexpr std::size_t bytes_in_row = 12;
 
 char mark_of(standing stands) {
   switch (stands) {
@@ -40,7 +40,7 @@ colour colour_of(standing stands) {
   return colour::plain;
 }
 
-// Of an octet: by what it is, unless the row as a whole has something to say.
+// Of a byte: by what it is, unless the row as a whole has something to say.
 colour colour_of(const annotation &row, std::size_t index) {
   if (row.stands == standing::failed && index == 0) return colour::failure;
   if (row.stands != standing::plain && row.stands != standing::tolerated) return colour_of(row.stands);
@@ -66,17 +66,17 @@ std::string words(const annotation &row, const painter &paint) {
   return text + row.meaning + paint(colour::yellow, row.remarks);
 }
 
-// The octets of a row wrapped into lines; the words stand beside the first.
-void append(std::string &text, octet_view input, const annotation &row, const painter &paint) {
+// The bytes of a row wrapped into lines; the words stand beside the first.
+void append(std::string &text, byte_view input, const annotation &row, const painter &paint) {
   std::size_t at = row.start;
   do {
-    const std::size_t stop = std::min(row.end, at + octets_in_row);
+    const std::size_t stop = std::min(row.end, at + bytes_in_row);
     text += paint(colour::faint, fmt::format("{:06x}", at));
     text += at == row.start ? paint(colour_of(row.stands), std::string(1, mark_of(row.stands))) : " ";
     for (std::size_t index = at; index < stop; ++index) {
       text += ' ' + paint(colour_of(row, index - row.start), fmt::format("{:02x}", input[index]));
     }
-    if (at == row.start) text += std::string(3 * (octets_in_row - (stop - at)) + 3, ' ') + words(row, paint);
+    if (at == row.start) text += std::string(3 * (bytes_in_row - (stop - at)) + 3, ' ') + words(row, paint);
     text += '\n';
     at = stop;
   } while (at < row.end);
@@ -84,7 +84,7 @@ void append(std::string &text, octet_view input, const annotation &row, const pa
 
 }  // namespace
 
-std::string hex_text(octet_view input, const std::vector<annotation> &rows, const painter &paint) {
+std::string hex_text(byte_view input, const std::vector<annotation> &rows, const painter &paint) {
   std::string text;
   for (const annotation &row : rows) append(text, input, row, paint);
   return text;

@@ -1,4 +1,4 @@
-// The octets of a message with what they mean beside them, one field to a line, nested ones indented: as text.
+// The bytes of a message with what they mean beside them, one field to a line, nested ones indented: as text.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace inspect {
 
-// Behind the offset stands a mark: ? for an unknown field, ~ for what is read but would be written otherwise, ! for
+// After the offset stands a mark: ? for an unknown field, ~ for what is read but would be written otherwise, ! for
 // where the reading ends.
-std::string hex_text(octet_view input, const std::vector<annotation> &rows, const painter &paint);
+std::string hex_text(byte_view input, const std::vector<annotation> &rows, const painter &paint);
 
 }  // namespace inspect

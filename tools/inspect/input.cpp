@@ -64,7 +64,7 @@ struct file_closer {
 
 }  // namespace
 
-void read_file(const std::string &name, octets &content) {
+void read_file(const std::string &name, byte_string &content) {
   const source from(name);
   std::size_t filled = 0;
   content.resize(from.expected_size() + 1);  // one more, so that the end is seen without growing
@@ -75,13 +75,13 @@ void read_file(const std::string &name, octets &content) {
   content.resize(filled);
 }
 
-octets read_file(const std::string &name) {
-  octets content;
+byte_string read_file(const std::string &name) {
+  byte_string content;
   read_file(name, content);
   return content;
 }
 
-void write_file(const std::string &name, octet_view content) {
+void write_file(const std::string &name, byte_view content) {
   const std::unique_ptr<std::FILE, file_closer> opened(is_standard(name) ? nullptr : std::fopen(name.c_str(), "wb"));
   std::FILE *const target = is_standard(name) ? stdout : opened.get();
   const bool complete = target != nullptr && std::fwrite(content.data(), 1, content.size(), target) == content.size() &&
@@ -90,7 +90,7 @@ void write_file(const std::string &name, octet_view content) {
 }
 
 void print(std::string_view text) {
-  write_file("", octet_view(reinterpret_cast<const unsigned char *>(text.data()), text.size()));
+  write_file("", byte_view(reinterpret_cast<const unsigned char *>(text.data()), text.size()));
 }
 
 void for_each_file(const std::string &name, const std::function<void(const std::string &)> &visit) {

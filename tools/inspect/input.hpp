@@ -1,21 +1,21 @@
-// Where octets come from and go to: files, folders and the standard streams.
+// Where bytes come from and go to: files, folders and the standard streams.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <string_view>
 
-#include "octets.hpp"
+#include "bytes.hpp"
 
 namespace inspect {
 
 // The content of a file; of the standard input when the name is empty or "-".
-octets read_file(const std::string &name);
+byte_string read_file(const std::string &name);
 
-// The same into octets that are there already, so that many files need the memory of one.
-void read_file(const std::string &name, octets &content);
+// The same into bytes that are there already, so that many files need the memory of one.
+void read_file(const std::string &name, byte_string &content);
 
-void write_file(const std::string &name, octet_view content);
+void write_file(const std::string &name, byte_view content);
 void print(std::string_view text);
 
 // Calls `visit` with every file in a folder and in those inside it, or with the name itself when it is no folder.

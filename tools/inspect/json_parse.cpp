@@ -63,7 +63,7 @@ std::optional<std::string> whole_number(std::string_view written) {
 // Receives the events and builds the tree.
 class builder {
  public:
-  builder(octet_view text, std::size_t begin) : text_(text), taken_(text.data() + begin), behind_last_(begin) {}
+  builder(byte_view text, std::size_t begin) : text_(text), taken_(text.data() + begin), behind_last_(begin) {}
 
   bool null() { return add(node::null{}); }
   bool boolean(bool value) { return add(value); }
@@ -86,7 +86,7 @@ class builder {
   }
 
   bool parse_error(std::size_t position, const std::string &, const nlohmann::detail::exception &error) {
-    // Of the reader's words, what comes behind its own name and the place.
+    // Of the reader's words, what comes after its own name and the place.
     std::string_view what = error.what();
     for (const std::string_view before : {"] ", "syntax error "}) {
       if (const std::size_t found = what.find(before); found != what.npos) what.remove_prefix(found + before.size());
@@ -104,7 +104,7 @@ class builder {
   }
 
  private:
-  // Where the token begins that has just been read: behind the last one and what separates them.
+  // Where the token begins that has just been read: after the last one and what separates them.
   std::size_t token() {
     std::size_t at = behind_last_;
     while (at < text_.size() &&
@@ -114,7 +114,7 @@ class builder {
     return at;
   }
 
-  // The place for the next value: the root, the last name's, or behind the last element.
+  // The place for the next value: the root, the last name's, or after the last element.
   node &next() {
     if (open_.empty()) return root_;
     if (auto *const object = std::get_if<node::object>(&open_.back()->value)) return object->back().content;
@@ -158,7 +158,7 @@ class builder {
     return path;
   }
 
-  octet_view text_;
+  byte_view text_;
   const unsigned char *taken_;
   std::size_t behind_last_;
   std::size_t begin_ = 0;
@@ -168,7 +168,7 @@ class builder {
 
 }  // namespace
 
-node parse_json(octet_view text, std::size_t begin, bool whole, std::size_t &end) {
+node parse_json(byte_view text, std::size_t begin, bool whole, std::size_t &end) {
   return builder(text, begin).take(begin, whole, end);
 }
 

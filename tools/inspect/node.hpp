@@ -10,8 +10,8 @@
 #include <variant>
 #include <vector>
 
+#include "bytes.hpp"
 #include "failure.hpp"
-#include "octets.hpp"
 
 namespace inspect {
 
@@ -23,14 +23,14 @@ struct node {
     std::string digits;  // a whole number in decimal, or whatever was written when it is not one
   };
   struct raw {
-    octets content;  // a string of the text form: the octets themselves, also those of bytes members
+    byte_string content;  // a string of the text form: the bytes themselves, also those of bytes members
   };
   using list = std::vector<node>;
   using object = std::vector<member>;
 
   using shape = std::variant<null, bool, number, std::string, raw, list, object>;
 
-  // Where a member is known as a whole: behind it.
+  // Where a member is known as a whole: after it.
   node();
   node(shape what, std::size_t offset);
   node(node &&) noexcept;
@@ -63,7 +63,7 @@ struct misread : std::runtime_error {
 };
 
 // The same with line and column: "line 3, column 7: hops[2].field5[0]: 300 is not 0 to 255".
-refused refusal(const misread &what, octet_view text);
+refused refusal(const misread &what, byte_view text);
 
 // Nesting beyond this is refused while it is read: no message goes as deep.
 inline constexpr std::size_t greatest_depth = 64;

@@ -83,14 +83,14 @@ class record_reader {
     } else if constexpr (Row::type == kind::string) {
       record.*row.value = text(from);
     } else if constexpr (Row::type == kind::bytes) {
-      const octets content = raw(from);
+      const byte_string content = raw(from);
       record.*row.value = block<unsigned char>(content.data(), content.size());
       record.*row.length = content.size();
-    } else if constexpr (Row::type == kind::integers) {
+    } else if constexpr (Row::type == kind::integer_list) {
       record.*row.elements = list<typename Row::element>(
           from, record.*row.count,
           [&](const node &each, typename Row::element &element) { element = number<typename Row::element>(each); });
-    } else if constexpr (Row::type == kind::messages) {
+    } else if constexpr (Row::type == kind::message_list) {
       record.*row.elements = list<typename Row::nested>(
           from, record.*row.count, [&](const node &each, typename Row::nested &element) { read(each, element); });
     } else {
@@ -114,7 +114,7 @@ class record_reader {
                         : fmt::format("{} is not a whole number", quoted != nullptr ? '"' + digits + '"' : digits));
   }
 
-  octets raw(const node &from) const {
+  byte_string raw(const node &from) const {
     if (const auto *const content = std::get_if<node::raw>(&from.value)) return content->content;
     const bool is_hex = bytes_ == bytes_form::hex;
     const char *const wanted = is_hex ? "a string of hexadecimal digits" : "a string of base64";
@@ -129,14 +129,14 @@ class record_reader {
     if (const auto *const plain = std::get_if<std::string>(&from.value)) {
       content = *plain;
     } else {
-      const octets decoded = raw(unwrapped(from));
+      const byte_string decoded = raw(unwrapped(from));
       content.assign(decoded.begin(), decoded.end());
     }
     if (content.find('\0') != content.npos) refuse(from.at, "a string cannot hold a NUL");
     return block<char>(content.c_str(), content.size() + 1);
   }
 
-  // The octets of a string that is not UTF-8 come as the only member of an object.
+  // The bytes of a string that is not UTF-8 come as the only member of an object.
   const node &unwrapped(const node &from) const {
     if (std::holds_alternative<node::raw>(from.value)) return from;
     const char *const name = bytes_ == bytes_form::hex ? "hex" : "base64";

@@ -33,7 +33,7 @@ json number_to_json(Value value) {
   }
 }
 
-inline std::string bytes_to_text(octet_view content, bytes_form form) {
+inline std::string bytes_to_text(byte_view content, bytes_form form) {
   switch (form) {
     case bytes_form::base64:
       return to_base64(content);
@@ -48,11 +48,11 @@ inline std::string bytes_to_text(octet_view content, bytes_form form) {
 inline json text_to_json(std::string_view text, bytes_form form) {
   if (is_utf8(text)) return text;
   static constexpr const char *names[] = {"base64", "hex", "length"};
-  const octet_view raw(reinterpret_cast<const unsigned char *>(text.data()), text.size());
+  const byte_view raw(reinterpret_cast<const unsigned char *>(text.data()), text.size());
   return {{names[static_cast<std::size_t>(form)], bytes_to_text(raw, form)}};
 }
 
-// The elements of a list of messages. In one that decoding stopped inside, those behind were not reached.
+// The elements of a list of messages. In one that decoding stopped inside, those after were not reached.
 template <class Nested>
 json list_to_json(const Nested *elements, std::size_t count, const json_form &form) {
   json list = json::array();
@@ -73,12 +73,12 @@ json member_to_json(const Row &row, const Record &record, const json_form &form)
   } else if constexpr (Row::type == kind::string) {
     return text_to_json(record.*row.value, form.bytes);
   } else if constexpr (Row::type == kind::bytes) {
-    return bytes_to_text(octet_view(record.*row.value, static_cast<std::size_t>(record.*row.length)), form.bytes);
-  } else if constexpr (Row::type == kind::integers) {
+    return bytes_to_text(byte_view(record.*row.value, static_cast<std::size_t>(record.*row.length)), form.bytes);
+  } else if constexpr (Row::type == kind::integer_list) {
     json list = json::array();
     for (std::uint32_t index = 0; index < record.*row.count; ++index) list.push_back((record.*row.elements)[index]);
     return list;
-  } else if constexpr (Row::type == kind::messages) {
+  } else if constexpr (Row::type == kind::message_list) {
     return list_to_json(record.*row.elements, record.*row.count, form);
   } else {
     return to_json(record.*row.value, inside(form));
@@ -88,9 +88,9 @@ json member_to_json(const Row &row, const Record &record, const json_form &form)
 // Whether decoding left something in a member whose presence bit it did not get to set.
 template <class Row, class Record>
 bool holds_part(const Row &row, const Record &record, const json_form &form) {
-  if constexpr (Row::type == kind::messages) {
+  if constexpr (Row::type == kind::message_list) {
     return record.*row.elements != nullptr;
-  } else if constexpr (Row::type == kind::message) {
+  } else if constexpr (Row::type == kind::nested) {
     return !member_to_json(row, record, form).empty();
   } else {
     return false;

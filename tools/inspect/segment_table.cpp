@@ -20,13 +20,13 @@ class expectation {
  public:
   expectation(const walk &walked, bool referenced) : fields_(walked.fields), referenced_(referenced) {}
 
-  std::vector<expected_entry> of(const message_type &type, octet_view encoding) {
+  std::vector<expected_entry> of(const message_type &type, byte_view encoding) {
     message(type.name, 0, !encoding.empty());
     return std::move(entries_);
   }
 
  private:
-  // In reference mode octets that are referenced cut their message in two, or three.
+  // In reference mode bytes that are referenced cut their message in two, or three.
   void message(const std::string &name, unsigned depth, bool has_content) {
     bool is_cut = false, has_rest = false;
     while (next_ != fields_.size() && fields_[next_].depth == depth) {
@@ -36,7 +36,7 @@ class expectation {
       if (here.field->nested != nullptr) {
         message(to_string(way_), depth + 1, here.end != here.content);
       } else if (referenced_ && here.field->kind == kind::bytes && here.end != here.content) {
-        entries_.push_back({name + ", up to the octets of " + here.field->name, depth, false});
+        entries_.push_back({name + ", up to the bytes of " + here.field->name, depth, false});
         entries_.push_back({to_string(way_) + ", referenced", depth, true});
         is_cut = true;
       }
@@ -54,19 +54,19 @@ class expectation {
 
 }  // namespace
 
-segment_table segments_of(const message_type &type, octet_view input, bool referenced) {
+segment_table segments_of(const message_type &type, byte_view input, bool referenced) {
   const std::uint32_t options = referenced ? PAVO_ZORV_REFERENCE : 0;
   record content(type);
   content.decode(input, options);
 
   std::uint32_t count = 0;
-  octets buffer(type.encode(content.content(), nullptr, 0, nullptr, &count, options));
+  byte_string buffer(type.encode(content.content(), nullptr, 0, nullptr, &count, options));
   std::vector<pavo_zorv_segment> table(count);
   type.encode(content.content(), buffer.data(), buffer.size(), table.data(), &count, options);
 
   record copied(type);
   copied.decode(input);
-  const octets whole = copied.encode();
+  const byte_string whole = copied.encode();
   const auto expected = expectation(walk_message(type, whole), referenced).of(type, whole);
 
   segment_table made{buffer.size(), {}, expected.size() == table.size()};

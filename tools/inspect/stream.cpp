@@ -16,7 +16,7 @@ struct prefix {
 };
 
 // Nothing when the input ends inside it, or when it is longer than that of any length.
-std::optional<prefix> read_prefix(octet_view input, prefix_form form) {
+std::optional<prefix> read_prefix(byte_view input, prefix_form form) {
   if (form == prefix_form::varint) {
     std::uint64_t length = 0;
     for (std::size_t index = 0; index < input.size() && index < 10; ++index) {
@@ -35,7 +35,7 @@ std::optional<prefix> read_prefix(octet_view input, prefix_form form) {
 
 }  // namespace
 
-frames split(octet_view input, prefix_form form) {
+frames split(byte_view input, prefix_form form) {
   if (form == prefix_form::none) return {{{0, 0, input.size()}}, {}};
   frames found;
   std::size_t at = 0;
@@ -48,7 +48,7 @@ frames split(octet_view input, prefix_form form) {
     }
     const std::size_t left = input.size() - at - prefix->size;
     if (prefix->length > left) {
-      found.failure = fmt::format("{}: {} octets are announced, {} are left", which, prefix->length, left);
+      found.failure = fmt::format("{}: {} bytes are announced, {} are left", which, prefix->length, left);
       break;
     }
     const auto length = static_cast<std::size_t>(prefix->length);
@@ -58,14 +58,14 @@ frames split(octet_view input, prefix_form form) {
   return found;
 }
 
-void append_prefix(octets &stream, std::size_t length, prefix_form form) {
+void append_prefix(byte_string &stream, std::size_t length, prefix_form form) {
   if (form == prefix_form::none) return;
   if (form == prefix_form::varint) {
     for (; length >= 0x80; length >>= 7) stream.push_back(static_cast<unsigned char>(length | 0x80));
     stream.push_back(static_cast<unsigned char>(length));
     return;
   }
-  if (length > 0xffffffff) throw refused("a message of 4294967296 octets or more does not fit behind 32 bits");
+  if (length > 0xffffffff) throw refused("a message of 4294967296 bytes or more does not fit after 32 bits");
   for (unsigned index = 0; index < 4; ++index) {
     stream.push_back(static_cast<unsigned char>(length >> 8 * (form == prefix_form::be32 ? 3 - index : index)));
   }

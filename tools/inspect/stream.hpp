@@ -1,4 +1,4 @@
-// Streams of messages, each behind its length.
+// Streams of messages, each after its length.
 #pragma once
 
 #include <cstddef>
@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "octets.hpp"
+#include "bytes.hpp"
 
 namespace inspect {
 
 enum class prefix_form {
   none,
   varint,  // as Protocol Buffers libraries write "delimited" messages
-  be32,    // 32 bits, the highest octet first
-  le32,    // 32 bits, the lowest octet first
+  be32,    // 32 bits, the highest byte first
+  le32,    // 32 bits, the lowest byte first
 };
 
 // One message of a stream.
@@ -26,12 +26,12 @@ struct frame {
 
 struct frames {
   std::vector<frame> whole;
-  std::optional<std::string> failure;  // of the stream behind these
+  std::optional<std::string> failure;  // of the stream after these
 };
 
 // Without prefixes the input is one message.
-frames split(octet_view input, prefix_form form);
+frames split(byte_view input, prefix_form form);
 
-void append_prefix(octets &stream, std::size_t length, prefix_form form);
+void append_prefix(byte_string &stream, std::size_t length, prefix_form form);
 
 }  // namespace inspect

@@ -51,14 +51,14 @@ single_subject single_subject_of(const request &asked) {
 }
 
 void for_each_message(const request &asked, const std::string &file, const visitor &visit) {
-  const octets content = octets_of(read_file(file), asked.input);
+  const byte_string content = bytes_of(read_file(file), asked.input);
   const frames found = split(content, asked.stream);
   const std::string name = file == "-" ? "standard input" : file;
   for (std::size_t index = 0; index < found.whole.size(); ++index) {
     if (asked.at && *asked.at != index) continue;
     const frame &each = found.whole[index];
     visit(asked.stream == prefix_form::none ? name : fmt::format("{}[{}]", name, index),
-          octet_view(content).subspan(each.start, each.length));
+          byte_view(content).subspan(each.start, each.length));
   }
   const bool has_it = !asked.at || *asked.at < found.whole.size();
   if (found.failure && (!asked.at || !has_it)) throw refused(fmt::format("{}: {}", name, *found.failure));
@@ -76,7 +76,7 @@ exit_status decoded::report() const {
   return agree(result, walked) ? input_refused : disagreement;
 }
 
-const message_type &type_of(const message_type *given, const std::string &name, octet_view message) {
+const message_type &type_of(const message_type *given, const std::string &name, byte_view message) {
   if (given != nullptr) return *given;
   const message_type &guessed = only_guess(message, name);
   complain(fmt::format("{} can only be {}\n", name, guessed.name));

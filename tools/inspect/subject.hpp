@@ -34,14 +34,14 @@ const message_type &type_named(const std::string &name);
 
 // Calls `visit` with each message of a file and the name to speak of it by: "file", or "file[3]" in a stream. Refuses a
 // stream that breaks off, when all before that has been visited.
-using visitor = std::function<void(const std::string &name, octet_view message)>;
+using visitor = std::function<void(const std::string &name, byte_view message)>;
 void for_each_message(const request &asked, const std::string &file, const visitor &visit);
 
 // A message as the library decoded it and as the walk saw it.
 struct decoded {
-  decoded(const message_type &message, octet_view message_octets)
+  decoded(const message_type &message, byte_view message_bytes)
       : type(message),
-        input(message_octets),
+        input(message_bytes),
         content(message),
         result(content.decode(input)),
         walked(walk_message(message, input)) {}
@@ -52,14 +52,14 @@ struct decoded {
   exit_status report() const;
 
   const message_type &type;
-  octet_view input;
+  byte_view input;
   record content;
   int result;
   walk walked;
 };
 
 // The type that is given, or else the only one that it can be: then it says so.
-const message_type &type_of(const message_type *given, const std::string &name, octet_view message);
+const message_type &type_of(const message_type *given, const std::string &name, byte_view message);
 
 void complain(std::string_view text);
 

@@ -9,9 +9,9 @@
 namespace inspect {
 
 // Of a message up to where its reading ends, without unknown fields.
-std::string to_text_format(const message_type &type, octet_view message);
+std::string to_text_format(const message_type &type, byte_view message);
 
 // Throws `misread`.
-node parse_text_format(const message_type &type, octet_view text);
+node parse_text_format(const message_type &type, byte_view text);
 
 }  // namespace inspect

@@ -9,13 +9,13 @@
 namespace inspect {
 namespace {
 
-bool is_name_octet(unsigned char each) {
+bool is_name_byte(unsigned char each) {
   return (each >= 'a' && each <= 'z') || (each >= 'A' && each <= 'Z') || (each >= '0' && each <= '9') || each == '_';
 }
 
 class parser {
  public:
-  explicit parser(octet_view text) : text_(text) {}
+  explicit parser(byte_view text) : text_(text) {}
 
   // Fields up to the closing mark, or up to the end when it is 0. Of an unknown message, `type` is null.
   node::object fields(const message_type *type, char closing) {
@@ -61,7 +61,7 @@ class parser {
 
   std::string_view word() {
     const std::size_t start = at_;
-    while (at_ < text_.size() && is_name_octet(text_[at_])) ++at_;
+    while (at_ < text_.size() && is_name_byte(text_[at_])) ++at_;
     return {reinterpret_cast<const char *>(text_.data()) + start, at_ - start};
   }
 
@@ -145,8 +145,8 @@ class parser {
   }
 
   // A string, or several that follow each other and mean one.
-  octets characters() {
-    octets content;
+  byte_string characters() {
+    byte_string content;
     for (; peek() == '"' || peek() == '\''; skip_blanks()) {
       const char closing = static_cast<char>(text_[at_++]);
       while (peek() != closing || at_ == text_.size()) {
@@ -178,17 +178,17 @@ class parser {
       value = value * base + digit;
       ++at_;
     }
-    if (count == 0 || value > 0xff) fail("no such octet");
+    if (count == 0 || value > 0xff) fail("no such byte");
     return static_cast<unsigned char>(value);
   }
 
-  octet_view text_;
+  byte_view text_;
   std::size_t at_ = 0;
   std::size_t depth_ = 0;
 };
 
 }  // namespace
 
-node parse_text_format(const message_type &type, octet_view text) { return {parser(text).fields(&type, '\0'), 0}; }
+node parse_text_format(const message_type &type, byte_view text) { return {parser(text).fields(&type, '\0'), 0}; }
 
 }  // namespace inspect

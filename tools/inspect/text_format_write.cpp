@@ -7,7 +7,7 @@
 namespace inspect {
 namespace {
 
-std::string escaped(octet_view content) {
+std::string escaped(byte_view content) {
   std::string text = "\"";
   for (const unsigned char each : content) {
     switch (each) {
@@ -33,7 +33,7 @@ std::string escaped(octet_view content) {
   return text + '"';
 }
 
-std::string value_text(const walked_field &here, octet_view message) {
+std::string value_text(const walked_field &here, byte_view message) {
   const field_type &field = *here.field;
   if (field.wire == wire_type::delimited) return escaped(message.subspan(here.content, here.end - here.content));
   if (field.kind == kind::flag) return here.number != 0 ? "true" : "false";
@@ -44,7 +44,7 @@ std::string value_text(const walked_field &here, octet_view message) {
 
 }  // namespace
 
-std::string to_text_format(const message_type &type, octet_view message) {
+std::string to_text_format(const message_type &type, byte_view message) {
   std::string text;
   unsigned depth = 0;
   const auto margin = [&] { return std::string(2 * depth, ' '); };

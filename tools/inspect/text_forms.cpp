@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view base64_digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// The octets of a UTF-8 character by its first one; 0 when none begins with it.
+// The bytes of a UTF-8 character by its first one; 0 when none begins with it.
 std::size_t utf8_length(unsigned char first) {
   if (first < 0x80) return 1;
   if (first < 0xc2) return 0;
@@ -21,7 +21,7 @@ std::size_t utf8_length(unsigned char first) {
   return first < 0xf5 ? 4 : 0;
 }
 
-// Not the long form of a shorter character, no surrogate, nothing above U+10FFFF: the second octet tells.
+// Not the long form of a shorter character, no surrogate, nothing above U+10FFFF: the second byte tells.
 bool second_fits(unsigned char first, unsigned char second) {
   switch (first) {
     case 0xe0:
@@ -39,7 +39,7 @@ bool second_fits(unsigned char first, unsigned char second) {
 
 }  // namespace
 
-std::string to_base64(octet_view input) {
+std::string to_base64(byte_view input) {
   std::string text;
   for (std::size_t at = 0; at < input.size(); at += 3) {
     const std::size_t count = std::min<std::size_t>(3, input.size() - at);
@@ -52,11 +52,11 @@ std::string to_base64(octet_view input) {
   return text;
 }
 
-std::optional<octets> from_base64(std::string_view text) {
+std::optional<byte_string> from_base64(std::string_view text) {
   const bool is_padded = text.size() % 4 == 0;
   for (int padding = 0; padding < 2 && is_padded && text.ends_with('='); ++padding) text.remove_suffix(1);
   if (text.size() % 4 == 1) return std::nullopt;
-  octets result;
+  byte_string result;
   std::uint32_t bits = 0;
   unsigned count = 0;
   for (const char character : text) {
@@ -74,12 +74,12 @@ std::optional<octets> from_base64(std::string_view text) {
   return result;
 }
 
-std::string to_hex(octet_view input) {
+std::string to_hex(byte_view input) {
   std::string text;
   text.reserve(2 * input.size());
-  for (const unsigned char octet : input) {
-    text += "0123456789abcdef"[octet >> 4];
-    text += "0123456789abcdef"[octet & 15];
+  for (const unsigned char byte : input) {
+    text += "0123456789abcdef"[byte >> 4];
+    text += "0123456789abcdef"[byte & 15];
   }
   return text;
 }
@@ -91,9 +91,9 @@ int digit_value(unsigned char character) {
   return -1;
 }
 
-std::optional<octets> from_hex(std::string_view text) {
+std::optional<byte_string> from_hex(std::string_view text) {
   if (text.size() % 2 != 0) return std::nullopt;
-  octets result;
+  byte_string result;
   for (std::size_t at = 0; at < text.size(); at += 2) {
     const int high = digit_value(static_cast<unsigned char>(text[at]));
     const int low = digit_value(static_cast<unsigned char>(text[at + 1]));
@@ -103,17 +103,17 @@ std::optional<octets> from_hex(std::string_view text) {
   return result;
 }
 
-std::string counted(std::uint64_t count) { return fmt::format("{} octet{}", count, count == 1 ? "" : "s"); }
+std::string counted(std::uint64_t count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); }
 
 bool is_utf8(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
-    const auto octet = [&](std::size_t index) { return static_cast<unsigned char>(text[at + index]); };
-    const std::size_t length = utf8_length(octet(0));
+    const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[at + index]); };
+    const std::size_t length = utf8_length(byte(0));
     if (length == 0 || length > text.size() - at) return false;
     for (std::size_t index = 1; index < length; ++index) {
-      if ((octet(index) & 0xc0) != 0x80) return false;
+      if ((byte(index) & 0xc0) != 0x80) return false;
     }
-    if (length > 1 && !second_fits(octet(0), octet(1))) return false;
+    if (length > 1 && !second_fits(byte(0), byte(1))) return false;
     at += length;
   }
   return true;

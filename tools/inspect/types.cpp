@@ -29,7 +29,7 @@ auto call(Function function, [[maybe_unused]] std::uint32_t options, Arguments..
 }
 
 template <class Record, auto Function>
-int decode_record(void *record, octet_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options) {
+int decode_record(void *record, byte_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options) {
   return call(Function, options, static_cast<Record *>(record), input.data(), input.size(), allocate, context);
 }
 
@@ -77,10 +77,10 @@ field_type make_field() {
   const auto members = row.members();
   field.offset = offset_of<Record>(std::get<0>(members));
   if constexpr (std::tuple_size_v<decltype(members)> == 2) field.count_offset = offset_of<Record>(std::get<1>(members));
-  if constexpr (row.type == kind::integer || row.type == kind::integers) {
+  if constexpr (row.type == kind::integer || row.type == kind::integer_list) {
     field.bits = sizeof(typename row_type::element) * 8;
     field.is_signed = std::is_signed_v<typename row_type::element>;
-  } else if constexpr (row.type == kind::message || row.type == kind::messages) {
+  } else if constexpr (row.type == kind::nested || row.type == kind::message_list) {
     field.nested = &type_of<typename row_type::nested>;
   }
   return field;
@@ -177,10 +177,10 @@ std::string describe_element(const field_type &field) {
     case kind::bytes:
       return "bytes";
     case kind::integer:
-    case kind::integers:
+    case kind::integer_list:
       return fmt::format("{} {}-bit", field.is_signed ? "signed" : "unsigned", field.bits);
-    case kind::message:
-    case kind::messages:
+    case kind::nested:
+    case kind::message_list:
       return field.nested->name;
   }
   return {};
@@ -204,8 +204,8 @@ std::string to_string(path_view steps) {
   return text;
 }
 
-octets record::encode() const {
-  octets result(type_.encode(content_, nullptr, 0, nullptr, nullptr, 0));
+byte_string record::encode() const {
+  byte_string result(type_.encode(content_, nullptr, 0, nullptr, nullptr, 0));
   type_.encode(content_, result.data(), result.size(), nullptr, nullptr, 0);
   return result;
 }

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "arena.hpp"
+#include "bytes.hpp"
 #include "core/schema.hpp"
 #include "json_form.hpp"
-#include "octets.hpp"
 #include "path.hpp"
 #include "pavo_zorv.h"
 
@@ -38,7 +38,7 @@ struct field_type {
   std::optional<std::size_t> count_offset;  // of the count or length beside it
 
   std::uint32_t presence_bit() const { return 1u << (number - 1); }
-  bool is_list() const { return kind == kind::integers || kind == kind::messages; }
+  bool is_list() const { return kind == kind::integer_list || kind == kind::message_list; }
 };
 
 struct message_type {
@@ -50,7 +50,7 @@ struct message_type {
   bool takes_options;
 
   // The exported functions. Messages that take no options word leave it aside.
-  int (*decode)(void *record, octet_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options);
+  int (*decode)(void *record, byte_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options);
   std::size_t (*encode)(const void *record, unsigned char *buffer, std::size_t length, pavo_zorv_segment *segments,
                         std::uint32_t *count, std::uint32_t options);
   void (*release)(void *record, pavo_zorv_release release, void *context, std::uint32_t options);
@@ -88,10 +88,10 @@ class record {
   record(const record &) = delete;
   record &operator=(const record &) = delete;
 
-  int decode(octet_view input, std::uint32_t options = 0) {
+  int decode(byte_view input, std::uint32_t options = 0) {
     return type_.decode(content_, input, &arena::allocate, &memory_, options);
   }
-  octets encode() const;
+  byte_string encode() const;
   int compare(const record &other) const { return type_.compare(content_, other.content_); }
 
   json write(const json_form &form = {}) const;

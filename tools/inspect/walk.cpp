@@ -17,7 +17,7 @@ struct varint {
 
 class walker {
  public:
-  explicit walker(octet_view input) : input_(input) {}
+  explicit walker(byte_view input) : input_(input) {}
 
   // False when the reading ends here; `done.failure` says why.
   bool message(const message_type &type, std::size_t at, std::size_t end) {
@@ -44,7 +44,7 @@ class walker {
   walk done;
 
  private:
-  // Any number of octets: of those beyond the width, nothing is kept.
+  // Any number of bytes: of those beyond the width, nothing is kept.
   std::optional<varint> read_varint(std::size_t at, std::size_t end, unsigned width) const {
     std::uint64_t value = 0;
     for (unsigned shift = 0; at != end; ++at) {
@@ -146,12 +146,12 @@ class walker {
         if (!delimited(here, end)) return false;
         done.fields.push_back(here);
         return true;
-      case kind::message:
+      case kind::nested:
         if (!delimited(here, end)) return false;
         done.fields.push_back(here);
         return inside(here);
-      case kind::integers:
-      case kind::messages:
+      case kind::integer_list:
+      case kind::message_list:
         if (here.again) return fail_again(here, fmt::format("a second run, first run at offset {}", first));
         return run(here, end);
     }
@@ -178,7 +178,7 @@ class walker {
     const std::size_t left = end - length->next;
     if (length->value > left) {
       return fail_in({here.field, here.index}, CODEC_ERR_TRUNCATED, here.value,
-                     fmt::format("{} octets are announced, {} are left in {}", length->value, left, around()));
+                     fmt::format("{} bytes are announced, {} are left in {}", length->value, left, around()));
     }
     here.number = length->value;
     here.content = length->next;
@@ -205,18 +205,18 @@ class walker {
     const std::size_t before = done.fields.size();
     here.index = 0;
     while (true) {
-      const bool whole = here.field->kind == kind::integers ? scalar(here, end) : measured(here, end);
+      const bool whole = here.field->kind == kind::integer_list ? scalar(here, end) : measured(here, end);
       if (!whole) return forget_from(before);
       if (here.end == end) break;
       const auto key = read_varint(here.end, end, 32);
       if (!key) {
-        cut_off(here.end, fmt::format("the key behind {}[{}]", here.field->name, *here.index));
+        cut_off(here.end, fmt::format("the key after {}[{}]", here.field->name, *here.index));
         return forget_from(before);
       }
       if (key->value >> 3 != here.field->number) break;
       here = begun(here.field, *key, here.end, *here.index + 1);
     }
-    return here.field->kind == kind::integers || elements(before);
+    return here.field->kind == kind::integer_list || elements(before);
   }
 
   bool measured(walked_field &here, std::size_t end) {
@@ -241,7 +241,7 @@ class walker {
     return true;
   }
 
-  octet_view input_;
+  byte_view input_;
   const message_type *type_ = nullptr;  // of the message that is being read
   path path_;
   unsigned depth_ = 0;
@@ -249,7 +249,7 @@ class walker {
 
 }  // namespace
 
-walk walk_message(const message_type &type, octet_view input) {
+walk walk_message(const message_type &type, byte_view input) {
   walker walker(input);
   walker.message(type, 0, input.size());
   return std::move(walker.done);

@@ -1,4 +1,4 @@
-// An independent walk over the octets of a message: what the library reads where, in which order, and where it gives
+// An independent walk over the bytes of a message: what the library reads where, in which order, and where it gives
 // up. It shares the schema with the library, and no reading code, so that each can be held against the other.
 #pragma once
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "octets.hpp"
+#include "bytes.hpp"
 #include "path.hpp"
 #include "pavo_zorv.h"
 #include "types.hpp"
@@ -23,8 +23,8 @@ struct walked_field {
   unsigned depth = 0;
   std::uint32_t key = 0;
   std::size_t start = 0;    // of the key
-  std::size_t value = 0;    // of the varint, the length or the fixed octets behind the key
-  std::size_t content = 0;  // of the octets behind a length; else the same as `value`
+  std::size_t value = 0;    // of the varint, the length or the fixed bytes after the key
+  std::size_t content = 0;  // of the bytes after a length; else the same as `value`
   std::size_t end = 0;
   std::uint64_t number = 0;  // the varint's or the length's value, before it is cut to a member's width
 };
@@ -46,6 +46,6 @@ struct walk {
 };
 
 // As the library decodes it with an allocator that never fails.
-walk walk_message(const message_type &type, octet_view input);
+walk walk_message(const message_type &type, byte_view input);
 
 }  // namespace inspect

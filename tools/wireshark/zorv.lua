@@ -2,7 +2,7 @@
 --
 --   tshark -X lua_script:zorv.lua -X lua_script1:4711 -o 'uat:protobuf_search_paths:"/path/to/proto","TRUE"' -r file.pcap
 --
--- The port stands behind lua_script1, or in the preferences of the protocol "zorv".
+-- The port stands after lua_script1, or in the preferences of the protocol "zorv".
 
 local zorv = Proto("zorv", "pavo-zorv messages")
 zorv.prefs.port = Pref.uint("UDP port", tonumber((...)) or 0, "Datagrams of this port are api_msg; 0 for none")

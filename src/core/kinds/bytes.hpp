@@ -1,4 +1,4 @@
-// Bytes members: a block and its 64-bit length. In reference mode the octets stay where they are: in the input when a
+// Bytes members: a block and its 64-bit length. In reference mode the bytes stay where they are: in the input when a
 // message is decoded, at the member's pointer when it is encoded.
 #pragma once
 
@@ -24,29 +24,29 @@ struct bytes_row : row {
   static constexpr bool holds_bytes() { return true; }
   constexpr auto members() const { return std::tuple{value, length}; }
 
-  // A second bytes field is refused, also behind an empty one, and a missing allocator found, before the length is
+  // A second bytes field is refused, also after an empty one, and a missing allocator found, before the length is
   // read.
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (!input.referenced() && input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
-    const delimited octets = read_delimited(at, end);
-    if (octets.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
+    const delimited bytes = read_delimited(at, end);
+    if (bytes.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
     if (input.referenced()) {
-      record.*value = const_cast<octet *>(octets.first);
+      record.*value = const_cast<byte *>(bytes.first);
     } else {
-      auto *const copy = static_cast<octet *>(input.memory.block(octets.length()));
+      auto *const copy = static_cast<byte *>(input.memory.block(bytes.length()));
       if (copy == nullptr) return failed(CODEC_ERR_NO_MEMORY);
-      copy_octets(copy, octets.first, octets.length());
+      copy_bytes(copy, bytes.first, bytes.length());
       record.*value = copy;
     }
-    record.*length = octets.length();
-    return {octets.last, CODEC_OK};
+    record.*length = bytes.length();
+    return {bytes.last, CODEC_OK};
   }
 
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present) return;
-    total.octets += varint_size(key_of(number, wire)) + measuring::length_size(record.*length);
+    total.bytes += varint_size(key_of(number, wire)) + measuring::length_size(record.*length);
     if (!total.found.referenced) {
       total.add_block(record.*length);
       if (record.*value == nullptr && record.*length != 0) total.found.gaps = true;
@@ -71,7 +71,7 @@ struct bytes_row : row {
 
   PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
     all.blocks |= reinterpret_cast<std::uintptr_t>(record.*value);
-    all.octets |= record.*length;
+    all.bytes |= record.*length;
   }
 
   PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
@@ -82,7 +82,7 @@ struct bytes_row : row {
     if (size != static_cast<std::size_t>(size)) return false;
     auto *const copy = static_cast<unsigned char *>(copying.memory.block(static_cast<std::size_t>(size)));
     if (copy == nullptr) return false;
-    copy_octets(copy, source.*value, static_cast<std::size_t>(size));
+    copy_bytes(copy, source.*value, static_cast<std::size_t>(size));
     record.*value = copy;
     record.*length = size;
     return true;

@@ -18,7 +18,7 @@ struct flag_row : row {
   static constexpr bool holds_bytes() { return false; }
   constexpr auto members() const { return std::tuple{value}; }
 
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &, bool) const {
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &, bool) const {
     const auto [next, number_read] = read_varint<std::uint32_t>(at, end);
     if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
     record.*value = number_read != 0;
@@ -32,7 +32,7 @@ struct flag_row : row {
   PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
                                               bool present, bool, Entries &) const {
     if (!present) return at;
-    at = sink.prepend_octet(at, record.*value);
+    at = sink.prepend_byte(at, record.*value);
     return prepend_key(sink, at, number, wire);
   }
 

@@ -1,5 +1,5 @@
 // Integers of 8, 32 and 64 bits. Values wider than the member are cut when they are read; a signed one is written as
-// the pattern of its own width, so -1 takes five octets with 32 bits and ten with 64.
+// the pattern of its own width, so -1 takes five bytes with 32 bits and ten with 64.
 #pragma once
 
 #include <concepts>
@@ -30,18 +30,18 @@ struct integer_row : row {
   static constexpr bool holds_bytes() { return false; }
   constexpr auto members() const { return std::tuple{value}; }
 
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &, bool) const {
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &, bool) const {
     const auto [next, number_read] = read_number<on_wire>(at, end);
     if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
     record.*value = static_cast<Value>(number_read);
     return {next, CODEC_OK};
   }
 
-  // What the value takes beyond one octet: the rest is measured with all scalars of the message.
+  // What the value takes beyond one byte: the rest is measured with all scalars of the message.
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if constexpr (in_eight_bits()) return;
     const auto travels = static_cast<on_wire>(record.*value);
-    if (travels >= 0x80 && present) total.octets += long_varint_size(travels) - 1;
+    if (travels >= 0x80 && present) total.bytes += long_varint_size(travels) - 1;
   }
 
   template <class Sink, class Entries>

@@ -19,7 +19,7 @@ concept integer_element = std::same_as<Element, std::uint8_t> || std::same_as<El
 
 template <class Record, integer_element Element>
 struct integer_list_row : row {
-  static constexpr kind type = kind::integers;
+  static constexpr kind type = kind::integer_list;
   static constexpr wire_type wire = wire_type::varint;
   using element = Element;
   Element *Record::*elements;
@@ -30,7 +30,7 @@ struct integer_list_row : row {
   constexpr auto members() const { return std::tuple{elements, count}; }
 
   // A second run is refused, and a missing allocator found, before the values are looked at.
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
@@ -41,7 +41,7 @@ struct integer_list_row : row {
     if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
     record.*elements = block;
     record.*count = static_cast<std::uint32_t>(length);
-    const octet *const next = read_integers(block, run, number, at, end, input.whole);
+    const byte *const next = read_integers(block, run, number, at, end, input.whole);
     if (next == nullptr) [[unlikely]] {
       // The input has changed since it was counted.
       std::memset(block, 0, length * sizeof(Element));
@@ -52,8 +52,8 @@ struct integer_list_row : row {
 
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present || record.*count == 0) return;
-    total.octets += std::uint64_t{record.*count} * varint_size(key_of(number, wire)) +
-                    measure_integers(record.*elements, record.*count);
+    total.bytes += std::uint64_t{record.*count} * varint_size(key_of(number, wire)) +
+                   measure_integers(record.*elements, record.*count);
   }
 
   template <class Sink, class Entries>
@@ -77,7 +77,7 @@ struct integer_list_row : row {
       record.*count = 0;
       return length == 0;
     }
-    copy_octets<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
+    copy_bytes<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
     return true;
   }
 

@@ -15,7 +15,7 @@ namespace pavo_zorv {
 
 template <class Record, class Nested>
 struct message_list_row : row {
-  static constexpr kind type = kind::messages;
+  static constexpr kind type = kind::message_list;
   static constexpr wire_type wire = wire_type::delimited;
   using nested = Nested;
   Nested *Record::*elements;
@@ -27,7 +27,7 @@ struct message_list_row : row {
 
   // A second run is refused, and a missing allocator found, before the elements are looked at. All elements are known
   // to lie inside the message before memory is asked for. When one fails, the array stays, with what it holds by then.
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
@@ -40,13 +40,13 @@ struct message_list_row : row {
     record.*count = static_cast<std::uint32_t>(length);
     for (std::size_t index = 0; index < length; ++index) {
       if (index != 0) at = skip_varint(at, end);
-      const delimited octets = at != nullptr ? read_delimited(at, end) : delimited{};
+      const delimited bytes = at != nullptr ? read_delimited(at, end) : delimited{};
       // Not where the input is as it was when it was counted.
-      if (octets.first == nullptr) [[unlikely]]
+      if (bytes.first == nullptr) [[unlikely]]
         return failed(CODEC_ERR_TRUNCATED);
-      const int result = decode_message(block[index], octets.first, octets.last, input);
+      const int result = decode_message(block[index], bytes.first, bytes.last, input);
       if (result != CODEC_OK) return failed(result);
-      at = octets.last;
+      at = bytes.last;
     }
     return {at, CODEC_OK};
   }

@@ -13,7 +13,7 @@ namespace pavo_zorv {
 
 template <class Record, class Nested>
 struct nested_row : row {
-  static constexpr kind type = kind::message;
+  static constexpr kind type = kind::nested;
   static constexpr wire_type wire = wire_type::delimited;
   using nested = Nested;
   Nested Record::*value;
@@ -23,12 +23,12 @@ struct nested_row : row {
   constexpr auto members() const { return std::tuple{value}; }
 
   // The last occurrence counts. What an earlier one owned is dropped, not released.
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
                                bool seen) const {
-    const delimited octets = read_delimited(at, end);
-    if (octets.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
+    const delimited bytes = read_delimited(at, end);
+    if (bytes.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
     if (seen) clear_message(record.*value);
-    return {octets.last, decode_message(record.*value, octets.first, octets.last, input)};
+    return {bytes.last, decode_message(record.*value, bytes.first, bytes.last, input)};
   }
 
   // Content is sent also where the containing record's bit is clear; an empty message only where it is set.

@@ -1,4 +1,4 @@
-// Strings: owned, NUL-terminated. Octets are copied as they come; a NUL among them shortens the string from then on.
+// Strings: owned, NUL-terminated. Bytes are copied as they come; a NUL among them shortens the string from then on.
 #pragma once
 
 #include <cstring>
@@ -22,7 +22,7 @@ struct string_row : row {
   constexpr auto members() const { return std::tuple{value}; }
 
   // A second string is refused, and a missing allocator found, before the length is read.
-  PAVO_ZORV_INLINE step decode(Record &record, const octet *at, const octet *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
@@ -30,7 +30,7 @@ struct string_row : row {
     if (characters.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
     char *const copy = input.memory.text(characters.length());
     if (copy == nullptr) return failed(CODEC_ERR_NO_MEMORY);
-    copy_octets(copy, characters.first, characters.length());
+    copy_bytes(copy, characters.first, characters.length());
     copy[characters.length()] = '\0';
     record.*value = copy;
     return {characters.last, CODEC_OK};
@@ -39,7 +39,7 @@ struct string_row : row {
   PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
     if (!present || record.*value == nullptr) return;
     const std::size_t length = std::strlen(record.*value);
-    total.octets += varint_size(key_of(number, wire)) + measuring::length_size(length) + length;
+    total.bytes += varint_size(key_of(number, wire)) + measuring::length_size(length) + length;
   }
 
   template <class Sink, class Entries>
@@ -63,7 +63,7 @@ struct string_row : row {
     char *const copy = copying.memory.text(length);
     record.*value = copy;
     if (copy == nullptr) return false;
-    copy_octets(copy, text, length + 1);
+    copy_bytes(copy, text, length + 1);
     return true;
   }
 

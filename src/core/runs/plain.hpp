@@ -11,10 +11,10 @@
 namespace pavo_zorv {
 
 // Counts the elements of a run from its first value on. `skip` steps over one value, to null where it is cut off. Of
-// the keys inside the run only the number is looked at, not the wire type. 0 when a value, or the key behind one, is
+// the keys inside the run only the number is looked at, not the wire type. 0 when a value, or the key after one, is
 // cut off.
 template <class Skip>
-PAVO_ZORV_INLINE std::size_t count_run(unsigned number, const octet *at, const octet *end, Skip skip) {
+PAVO_ZORV_INLINE std::size_t count_run(unsigned number, const byte *at, const byte *end, Skip skip) {
   for (std::size_t count = 1;; ++count) {
     at = skip(at, end);
     if (at == nullptr) return 0;
@@ -29,14 +29,14 @@ PAVO_ZORV_INLINE std::size_t count_run(unsigned number, const octet *at, const o
 namespace plain {
 
 // Counts the integers of a run from its first value on.
-inline std::size_t count_integers(unsigned number, const octet *at, const octet *end) {
+inline std::size_t count_integers(unsigned number, const byte *at, const byte *end) {
   return count_run(number, at, end, skip_varint);
 }
 
 // Reads integers that have been counted, cut to the width of the elements; returns the place after the last. Keys are
 // not looked at again; null where the input has changed since it was counted, and is cut off before the last element.
 template <class Element>
-const octet *read_integers(Element *elements, std::size_t count, const octet *at, const octet *end) {
+const byte *read_integers(Element *elements, std::size_t count, const byte *at, const byte *end) {
   for (std::size_t index = 0; index < count; ++index) {
     if (index != 0) at = skip_varint(at, end);
     if (at == nullptr) return nullptr;
@@ -48,12 +48,12 @@ const octet *read_integers(Element *elements, std::size_t count, const octet *at
   return at;
 }
 
-// The octets that integers take as varints, without their keys.
+// The bytes that integers take as varints, without their keys.
 template <class Element>
 std::uint64_t measure_integers(const Element *elements, std::size_t count) {
-  std::uint64_t octets = 0;
-  for (std::size_t index = 0; index < count; ++index) octets += varint_size(std::uint32_t{elements[index]});
-  return octets;
+  std::uint64_t bytes = 0;
+  for (std::size_t index = 0; index < count; ++index) bytes += varint_size(std::uint32_t{elements[index]});
+  return bytes;
 }
 
 // Writes integers backwards, each with its key.

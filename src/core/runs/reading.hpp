@@ -12,26 +12,26 @@
 
 namespace pavo_zorv {
 
-// Where elements of a run lie in a window: the bit of the last octet of each value. The first begins at `at`, every
-// other behind the key behind the one before it.
+// Where elements of a run lie in a window: the bit of the last byte of each value. The first begins at `at`, every
+// other after the key after the one before it.
 struct elements_seen {
-  const octet *at;
+  const byte *at;
   std::uint64_t ends;
 };
 
-// A window on a run, from the first octet of a value on. Varints end in turn at a value and at a key, so the parity of
+// A window on a run, from the first byte of a value on. Varints end in turn at a value and at a key, so the parity of
 // the ends tells them apart, up to the first place where a key should begin and none in its shortest form does.
 template <unsigned KeySize>
 struct run_window {
-  std::size_t left;      // octets of the message from here on
-  std::uint64_t values;  // last octets of values
-  std::uint64_t keys;    // last octets of keys
+  std::size_t left;      // bytes of the message from here on
+  std::uint64_t values;  // last bytes of values
+  std::uint64_t keys;    // last bytes of keys
   std::uint64_t odd;     // where a key should begin, and the run ends or goes on
                          // with an odd key
 
-  PAVO_ZORV_INLINE run_window(std::uint32_t key, const octet *at, const octet *end, const octet *limit)
+  PAVO_ZORV_INLINE run_window(std::uint32_t key, const byte *at, const byte *end, const byte *limit)
       : left(static_cast<std::size_t>(end - at)) {
-    const window seen = look(at, limit, key_octets<KeySize>(key));
+    const window seen = look(at, limit, key_bytes<KeySize>(key));
     const std::uint64_t inside = left < window_size ? (std::uint64_t{1} << left) - 1 : ~std::uint64_t{0};
     const std::uint64_t ends = seen.ends & inside;
     values = ends & parity_up_to(ends);
@@ -48,7 +48,7 @@ struct run_window {
 // value; null when a value, or the key after one, is cut off.
 template <class Visit>
 struct stretch {
-  const octet *at;
+  const byte *at;
   bool ended;
   Visit visit;
 };
@@ -56,7 +56,7 @@ struct stretch {
 // Takes elements one by one, from a value on, until some keys in a row have been in their shortest form: a window for
 // each odd key takes fifteen times as long. What visits is handed back, so that it stays in registers elsewhere.
 template <unsigned KeySize, class Visit>
-PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const octet *at, const octet *end, Visit visit) {
+PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte *at, const byte *end, Visit visit) {
   for (unsigned regular = 0; regular < 16;) {
     const auto [next, value] = read_varint<std::uint32_t>(at, end);
     if (next == nullptr) return {nullptr, true, visit};
@@ -74,8 +74,8 @@ PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const octet
 // Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Returns
 // the place after the last value; null when a value, or the key after one, is cut off.
 template <unsigned KeySize, class Visit>
-PAVO_ZORV_INLINE const octet *walk_run(std::uint32_t key, const octet *at, const octet *end, const octet *limit,
-                                       Visit &visit) {
+PAVO_ZORV_INLINE const byte *walk_run(std::uint32_t key, const byte *at, const byte *end, const byte *limit,
+                                      Visit &visit) {
   for (;;) {
     if constexpr (KeySize == 1 && Visit::wants_blocks) {
       std::size_t blocks = std::min(static_cast<std::size_t>(end - at) / label_block::size, visit.blocks_left());
@@ -127,7 +127,7 @@ struct element_counter {
   static constexpr std::size_t blocks_left() { return SIZE_MAX; }
 };
 
-// The varint of up to five octets at the low end of a word, cut to 32 bits; of longer ones, five octets are taken.
+// The varint of up to five bytes at the low end of a word, cut to 32 bits; of longer ones, five bytes are taken.
 constexpr std::uint32_t varint_value(std::uint64_t word) {
   const auto four = static_cast<std::uint32_t>(word), ends = ~four & 0x80808080;
   const std::uint32_t value = seven_of_each(four & (ends ^ (ends - 1)));
@@ -157,7 +157,7 @@ struct element_reader {
   static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
   Element *next;
   Element *last;  // where the array ends
-  const octet *limit;
+  const byte *limit;
 
   std::size_t left() const { return static_cast<std::size_t>(last - next); }
   std::size_t blocks_left() const { return left() / label_block::elements; }
@@ -170,9 +170,9 @@ struct element_reader {
     if constexpr (sizeof(Element) == 4) {
       if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) return words(seen);
     }
-    const octet *begin = seen.at;
+    const byte *begin = seen.at;
     for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
-      const octet *const end = seen.at + std::countr_zero(ends);
+      const byte *const end = seen.at + std::countr_zero(ends);
       *next++ = value(begin, end);
       begin = end + 1 + KeySize;
     }
@@ -186,10 +186,10 @@ struct element_reader {
   }
 
  private:
-  // Where the buffer goes on for a word behind the window: four varints at once, each as a word.
+  // Where the buffer goes on for a word after the window: four varints at once, each as a word.
   PAVO_ZORV_INLINE void words(elements_seen seen) {
     std::uint64_t ends = seen.ends;
-    const octet *begin = seen.at;
+    const byte *begin = seen.at;
     const auto take = [&]() __attribute__((always_inline)) {
       const std::uint64_t word = load_word(begin);
       begin = seen.at + __builtin_ctzll(ends) + 1 + KeySize;
@@ -204,24 +204,24 @@ struct element_reader {
     for (; some != 0; --some) *next++ = varint_value(take());
   }
 
-  // The first octet, and the lowest bit of the second if there is one.
-  PAVO_ZORV_INLINE std::uint8_t value(const octet *begin, const octet *end) const requires(sizeof(Element) == 1) {
+  // The first byte, and the lowest bit of the second if there is one.
+  PAVO_ZORV_INLINE std::uint8_t value(const byte *begin, const byte *end) const requires(sizeof(Element) == 1) {
     const bool more = begin != end;
     return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & unsigned{more}) << 7);
   }
 
   // At the end of the buffer in the last word there is.
-  PAVO_ZORV_INLINE std::uint32_t value(const octet *begin, const octet *) const requires(sizeof(Element) == 4) {
+  PAVO_ZORV_INLINE std::uint32_t value(const byte *begin, const byte *) const requires(sizeof(Element) == 4) {
     const auto left = static_cast<std::size_t>(limit - begin);
     const std::size_t missing = left < 8 ? 8 - left : 0;
     return varint_value(load_word(begin - missing) >> 8 * missing);
   }
 };
 
-// A run that has been counted. Most are seen whole in one window: then its values' last octets and the place behind it
+// A run that has been counted. Most are seen whole in one window: then its values' last bytes and the place after it
 // are known, and it need not be walked again. Otherwise `next` is null, and the count stands alone.
 struct counted_run {
-  const octet *next;
+  const byte *next;
   std::uint64_t values;
 
   std::size_t count() const { return next != nullptr ? count_bits(values) : static_cast<std::size_t>(values); }
@@ -229,7 +229,7 @@ struct counted_run {
 
 // Runs with the key in its shortest form, in a buffer that is long enough for one load.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const octet *at, const octet *end, const octet *limit) {
+PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   const run_window<KeySize> seen(key, at, end, limit);
   if (seen.odd == 0 && seen.left <= window_size)
     return seen.ends_with_value() ? counted_run{end, seen.values} : counted_run{};
@@ -244,10 +244,10 @@ PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const octet *at,
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE void read_window(Element *elements, const octet *at, std::uint64_t values, const octet *limit) {
+PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint64_t values, const byte *limit) {
   if constexpr (sizeof(Element) == 1) {
-    // An element that takes two octets has its own value in the first, if the second is 1, as it is in the shortest
-    // form: then all elements are the first octets of values.
+    // An element that takes two bytes has its own value in the first, if the second is 1, as it is in the shortest
+    // form: then all elements are the first bytes of values.
     const std::uint64_t starts = (values << (1 + KeySize) | 1) & (~std::uint64_t{0} >> std::countl_zero(values));
     if (((starts & ~values) << 1 & ~(values & look_for(at, limit, 1))) == 0) {
       for (std::uint64_t rest = starts; rest != 0; rest &= rest - 1) *elements++ = at[std::countr_zero(rest)];
@@ -256,7 +256,7 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const octet *at, std::uin
   }
   element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
   if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
-    // Where values of three octets stand, each with its key after it; another value follows the last key, so the buffer
+    // Where values of three bytes stand, each with its key after it; another value follows the last key, so the buffer
     // holds the block.
     constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block::size), labels = 0x4444444444444444 & every;
     while ((values & every) == labels && values > every) {
@@ -269,16 +269,16 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const octet *at, std::uin
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE const octet *read_regular(Element *elements, std::size_t count, std::uint32_t key, const octet *at,
-                                             const octet *end, const octet *limit) {
+PAVO_ZORV_NOINLINE const byte *read_regular(Element *elements, std::size_t count, std::uint32_t key, const byte *at,
+                                            const byte *end, const byte *limit) {
   element_reader<KeySize, Element> reader{elements, elements + count, limit};
-  const octet *const next = walk_run<KeySize>(key, at, end, limit, reader);
+  const byte *const next = walk_run<KeySize>(key, at, end, limit, reader);
   return reader.left() == 0 ? next : nullptr;
 }
 
-// Counts the integers of a run from its first value on: none when a value, or the key behind one, is cut off.
+// Counts the integers of a run from its first value on: none when a value, or the key after one, is cut off.
 template <class Element>
-PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const octet *at, const octet *end, const buffer &whole) {
+PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const byte *at, const byte *end, const buffer &whole) {
   if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number, at, end)};
   const std::uint32_t key = key_of(number, wire_type::varint);
   return key < 0x80 ? count_regular<Element, 1>(key, at, end, whole.limit)
@@ -288,8 +288,8 @@ PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const octet *at, co
 // Reads integers that have been counted; returns the place after the last. Null where the input has changed since then,
 // and fewer are there now; of more, only as many as were counted are read.
 template <class Element>
-PAVO_ZORV_INLINE const octet *read_integers(Element *elements, counted_run run, unsigned number, const octet *at,
-                                            const octet *end, const buffer &whole) {
+PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, unsigned number, const byte *at,
+                                           const byte *end, const buffer &whole) {
   const std::uint32_t key = key_of(number, wire_type::varint);
   if (run.next != nullptr) {
     key < 0x80 ? read_window<Element, 1>(elements, at, run.values, whole.limit)

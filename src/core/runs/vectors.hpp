@@ -13,10 +13,10 @@ namespace pavo_zorv {
 
 inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
 
-// Bits that no varint of three octets has; a smaller number has the highest when 0x4000 is taken away.
+// Bits that no varint of three bytes has; a smaller number has the highest when 0x4000 is taken away.
 inline constexpr std::uint32_t beyond_labels = 0xffe00000;
 
-// As many elements as a vector holds where each takes three octets and, with the key behind or before it, a 32-bit
+// As many elements as a vector holds where each takes three bytes and, with the key after or before it, a 32-bit
 // word: labels of twenty bits mostly do. A quarter of the work that windows take.
 class label_block {
  public:
@@ -26,7 +26,7 @@ class label_block {
 
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
-  // On the wire: whether each word is a value of three octets and a key of one behind it.
+  // On the wire: whether each word is a value of three bytes and a key of one after it.
   PAVO_ZORV_INLINE bool regular(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
 
   PAVO_ZORV_INLINE void read(std::uint32_t *values) const {
@@ -34,17 +34,17 @@ class label_block {
     std::memcpy(values, &labels, size);
   }
 
-  // In memory: whether each value takes three octets.
+  // In memory: whether each value takes three bytes.
   PAVO_ZORV_INLINE static bool all_labels(const std::uint32_t *values) {
     const words labels = label_block(values).words_;
     return none((labels | (labels - 0x4000)) & beyond_labels);
   }
 
   // Each value with the key before it.
-  PAVO_ZORV_INLINE static void write(octet *at, std::uint32_t key, const std::uint32_t *values) {
+  PAVO_ZORV_INLINE static void write(byte *at, std::uint32_t key, const std::uint32_t *values) {
     const words labels = label_block(values).words_;
-    const words octets = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
-    std::memcpy(at, &octets, size);
+    const words bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
+    std::memcpy(at, &bytes, size);
   }
 
  private:

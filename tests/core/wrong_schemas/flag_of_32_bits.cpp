@@ -1,5 +1,5 @@
 // error: no matching function for call to .*flag
-// A flag is one octet.
+// A flag is one byte.
 #include "core/operations.hpp"
 
 struct parcel {

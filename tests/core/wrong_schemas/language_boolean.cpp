@@ -1,5 +1,5 @@
 // error: no matching function for call to .*flag
-// A flag is an integer: any stored octet survives.
+// A flag is an integer: any stored byte survives.
 #include "core/operations.hpp"
 
 struct parcel {

@@ -5,7 +5,7 @@
 struct parcel {
   std::uint8_t flag;
   std::uint32_t word;
-  std::uint8_t octet;
+  std::uint8_t byte;
   std::int32_t signed_word;
   std::uint64_t long_word;
   std::int64_t signed_long_word;
@@ -32,7 +32,7 @@ template <>
 inline constexpr auto schema<parcel> = message(
     flag(1, "flag", &parcel::flag),
     scalar(2, "word", &parcel::word),
-    scalar(3, "octet", &parcel::octet),
+    scalar(3, "byte", &parcel::byte),
     scalar(4, "signed_word", &parcel::signed_word),
     scalar(5, "long_word", &parcel::long_word),
     scalar(6, "signed_long_word", &parcel::signed_long_word),

@@ -2,4 +2,4 @@
 // What was decoded would be released at once.
 #include "pavo_zorv.hpp"
 
-void read(zorv::octets input) { zorv::decode<api_intf>(input); }
+void read(zorv::bytes input) { zorv::decode<api_intf>(input); }

@@ -1,5 +1,5 @@
 // error: .*ignoring return value
-// The octets may be no message.
+// The bytes may be no message.
 #include "pavo_zorv.hpp"
 
-void read(zorv::owned<api_intf> &intf, zorv::octets input) { intf.decode(input); }
+void read(zorv::owned<api_intf> &intf, zorv::bytes input) { intf.decode(input); }

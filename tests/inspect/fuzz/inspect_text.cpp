@@ -1,5 +1,5 @@
 // The readers of JSON and of the text form, for a fuzzer: any text is refused with a place inside it, or gives a
-// message that comes back from both forms as the same octets. The last octet of the input says which message and which
+// message that comes back from both forms as the same bytes. The last byte of the input says which message and which
 // form.
 #include <nlohmann/json.hpp>
 #include <string>
@@ -14,18 +14,18 @@ namespace {
 
 using namespace inspect;
 
-octet_view view_of(const std::string &text) {
+byte_view view_of(const std::string &text) {
   return {reinterpret_cast<const unsigned char *>(text.data()), text.size()};
 }
 
-octets encoded(const message_type &type, const node &from, bytes_form bytes) {
+byte_string encoded(const message_type &type, const node &from, bytes_form bytes) {
   record content(type);
   content.read(from, bytes);
   return content.encode();
 }
 
-void try_text(const message_type &type, bool is_json, bytes_form bytes, octet_view text) {
-  octets message;
+void try_text(const message_type &type, bool is_json, bytes_form bytes, byte_view text) {
+  byte_string message;
   try {
     message = encoded(type, is_json ? parse_json(text) : parse_text_format(type, text), bytes);
   } catch (const misread &what) {

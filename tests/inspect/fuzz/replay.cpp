@@ -11,8 +11,8 @@ int main(int count, char **arguments) {
   std::size_t inputs = 0;
   for (int index = 1; index < count; ++index) {
     inspect::for_each_file(arguments[index], [&](const std::string &file) {
-      const inspect::octets read = inspect::read_file(file);
-      const inspect::octets exact(read.begin(), read.end());
+      const inspect::byte_string read = inspect::read_file(file);
+      const inspect::byte_string exact(read.begin(), read.end());
       LLVMFuzzerTestOneInput(exact.data(), exact.size());
       ++inputs;
     });

@@ -18,15 +18,15 @@ namespace {
 using clock = std::chrono::steady_clock;
 
 std::string amount(const account::figures &figures) {
-  return fmt::format("{} block{} with {}", figures.blocks, figures.blocks == 1 ? "" : "s", counted(figures.octets));
+  return fmt::format("{} block{} with {}", figures.blocks, figures.blocks == 1 ? "" : "s", counted(figures.bytes));
 }
 
-double ratio(std::size_t octets, std::size_t input) {
-  return input == 0 ? 0 : static_cast<double>(octets) / static_cast<double>(input);
+double ratio(std::size_t bytes, std::size_t input) {
+  return input == 0 ? 0 : static_cast<double>(bytes) / static_cast<double>(input);
 }
 
 struct totals {
-  std::size_t messages = 0, octets = 0;
+  std::size_t messages = 0, bytes = 0;
   std::size_t decoded = 0, canonical = 0;
   std::size_t unknown = 0;
   account::figures memory, dropped;
@@ -65,7 +65,7 @@ class checking {
       const auto begin = clock::now();
       read_file(file, content_);
       reading_ += clock::now() - begin;
-      content_ = octets_of(std::move(content_), asked_.input);
+      content_ = bytes_of(std::move(content_), asked_.input);
       check_content(file);
     } catch (const std::runtime_error &error) {
       tell(fmt::format("{}\n", error.what()));
@@ -79,12 +79,12 @@ class checking {
     const frames found = split(content_, asked_.stream);
     for (std::size_t index = 0; index < found.whole.size(); ++index) {
       const frame &each = found.whole[index];
-      check_message(fmt::format("{}[{}]", file, index), octet_view(content_).subspan(each.start, each.length));
+      check_message(fmt::format("{}[{}]", file, index), byte_view(content_).subspan(each.start, each.length));
     }
     if (found.failure) throw refused(fmt::format("{}: {}", file, *found.failure));
   }
 
-  void check_message(const std::string &name, octet_view message) {
+  void check_message(const std::string &name, byte_view message) {
     const message_type &type = about_.type != nullptr ? *about_.type : only_guess(message, name);
     const findings found = examiner_.examine(type, message);
     add(name, message, found);
@@ -110,14 +110,14 @@ class checking {
     }
   }
 
-  void add(const std::string &name, octet_view message, const findings &found) {
+  void add(const std::string &name, byte_view message, const findings &found) {
     ++totals_.messages;
-    totals_.octets += message.size();
+    totals_.bytes += message.size();
     totals_.decoded += found.result == CODEC_OK;
     totals_.canonical += found.is_canonical;
     add(totals_.memory, found.memory);
     add(totals_.dropped, found.dropped);
-    const double amplification = ratio(found.memory.octets, message.size());
+    const double amplification = ratio(found.memory.bytes, message.size());
     if (amplification > totals_.amplification) {
       totals_.amplification = amplification;
       totals_.amplified = name;
@@ -126,10 +126,10 @@ class checking {
 
   static void add(account::figures &sum, const account::figures &more) {
     sum.blocks += more.blocks;
-    sum.octets += more.octets;
+    sum.bytes += more.bytes;
   }
 
-  static std::string described(const message_type &type, octet_view message) {
+  static std::string described(const message_type &type, byte_view message) {
     return fmt::format("{}, {}", type.name, counted(message.size()));
   }
 
@@ -139,9 +139,9 @@ class checking {
                        walked.failure->reason);
   }
 
-  static std::string costs(octet_view message, const findings &found) {
+  static std::string costs(byte_view message, const findings &found) {
     std::string text =
-        fmt::format("{} ({:.1f} per octet)", amount(found.memory), ratio(found.memory.octets, message.size()));
+        fmt::format("{} ({:.1f} per byte)", amount(found.memory), ratio(found.memory.bytes, message.size()));
     if (found.dropped.blocks != 0) text += fmt::format(", dropped {}", amount(found.dropped));
     return text;
   }
@@ -159,11 +159,11 @@ class checking {
 
   std::string sums() const {
     std::string text = fmt::format("{} message{}, {}: {} decode, {} canonical, {} refused\n", totals_.messages,
-                                   totals_.messages == 1 ? "" : "s", counted(totals_.octets), totals_.decoded,
+                                   totals_.messages == 1 ? "" : "s", counted(totals_.bytes), totals_.decoded,
                                    totals_.canonical, totals_.messages - totals_.decoded);
     text += fmt::format("memory: {}", amount(totals_.memory));
     if (totals_.amplification > 0) {
-      text += fmt::format("; at most {:.1f} per octet ({})", totals_.amplification, totals_.amplified);
+      text += fmt::format("; at most {:.1f} per byte ({})", totals_.amplification, totals_.amplified);
     }
     return text + fmt::format("\ndropped: {}; unknown fields: {}\n", amount(totals_.dropped), totals_.unknown);
   }
@@ -178,7 +178,7 @@ class checking {
   const subject &about_;
   progress progress_;
   examiner examiner_;
-  octets content_;
+  byte_string content_;
   totals totals_;
   clock::duration reading_{};
   exit_status status_ = all_well;

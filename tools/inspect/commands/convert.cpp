@@ -1,4 +1,4 @@
-// `convert`: the same message in another form. From octets to octets, nothing is read into it.
+// `convert`: the same message in another form. From bytes to bytes, nothing is read into it.
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -12,25 +12,25 @@
 namespace inspect {
 namespace {
 
-bool is_octets(message_form form) { return form != message_form::as_json && form != message_form::as_text; }
+bool is_bytes(message_form form) { return form != message_form::as_json && form != message_form::as_text; }
 
-octet_form octets_form(message_form form) {
+wire_form wire_form_of(message_form form) {
   switch (form) {
     case message_form::raw:
-      return octet_form::raw;
+      return wire_form::raw;
     case message_form::hex:
-      return octet_form::hex;
+      return wire_form::hex;
     case message_form::dump:
-      return octet_form::dump;
+      return wire_form::dump;
     case message_form::base64:
-      return octet_form::base64;
+      return wire_form::base64;
     default:
-      return octet_form::detected;
+      return wire_form::detected;
   }
 }
 
 // JSON begins with a brace; the text form with a name, and then a colon or a brace.
-message_form detect(octet_view input) {
+message_form detect(byte_view input) {
   const std::string_view text(reinterpret_cast<const char *>(input.data()), input.size());
   std::size_t first = text.find_first_not_of(" \t\r\n");
   while (first < text.size() && text[first] == '#') first = text.find_first_not_of(" \t\r\n", text.find('\n', first));
@@ -45,7 +45,7 @@ message_form detect(octet_view input) {
   return message_form::detected;
 }
 
-octets octets_of_text(const message_type *type, octet_view text, const request &asked, message_form from) {
+byte_string bytes_of_text(const message_type *type, byte_view text, const request &asked, message_form from) {
   if (type == nullptr) throw unusable("TYPE is needed: text does not tell which message it is");
   record content(*type);
   try {
@@ -57,24 +57,24 @@ octets octets_of_text(const message_type *type, octet_view text, const request &
 }
 
 void write_text(const request &asked, std::string_view text) {
-  write_file(asked.output, octet_view(reinterpret_cast<const unsigned char *>(text.data()), text.size()));
+  write_file(asked.output, byte_view(reinterpret_cast<const unsigned char *>(text.data()), text.size()));
 }
 
 }  // namespace
 
 exit_status convert(const request &asked) {
   const auto [type, file] = single_subject_of(asked);
-  const octets input = read_file(file);
+  const byte_string input = read_file(file);
   const message_form from = asked.from == message_form::detected ? detect(input) : asked.from;
-  const octets message =
-      is_octets(from) ? octets_of(input, octets_form(from)) : octets_of_text(type, input, asked, from);
-  if (is_octets(asked.to)) {
-    write_text(asked, in_form(message, octets_form(asked.to)));
+  const byte_string message =
+      is_bytes(from) ? bytes_of(input, wire_form_of(from)) : bytes_of_text(type, input, asked, from);
+  if (is_bytes(asked.to)) {
+    write_text(asked, in_form(message, wire_form_of(asked.to)));
     return all_well;
   }
   const decoded read(type_of(type, file == "-" ? "standard input" : file, message), message);
   // What the library keeps of a message it says by encoding it; of one that fails that would be too little.
-  const octets kept = read.walked.failure ? message : read.content.encode();
+  const byte_string kept = read.walked.failure ? message : read.content.encode();
   write_text(asked,
              asked.to == message_form::as_json ? to_text(read.to_json(asked.bytes)) : to_text_format(read.type, kept));
   return read.report();

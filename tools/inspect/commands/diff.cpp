@@ -10,10 +10,10 @@
 namespace inspect {
 namespace {
 
-octets message_in(const request &asked, const std::string &file) {
-  octets result;
+byte_string message_in(const request &asked, const std::string &file) {
+  byte_string result;
   std::size_t count = 0;
-  for_each_message(asked, file, [&](const std::string &, octet_view message) {
+  for_each_message(asked, file, [&](const std::string &, byte_view message) {
     result.assign(message.begin(), message.end());
     ++count;
   });
@@ -36,7 +36,7 @@ std::string listed(const std::vector<difference> &found, bool all) {
 exit_status diff(const request &asked) {
   const subject about = subject_of(asked, 2);
   if (about.files.size() != 2) throw unusable("two files are needed");
-  const octets a = message_in(asked, about.files[0]), b = message_in(asked, about.files[1]);
+  const byte_string a = message_in(asked, about.files[0]), b = message_in(asked, about.files[1]);
   const message_type &type = type_of(about.type, about.files[0], a);
   const decoded first(type, a), second(type, b);
   const exit_status status = worse(first.report(), second.report());

@@ -7,17 +7,17 @@
 namespace inspect {
 namespace {
 
-bool is_blank(octet_view text) {
+bool is_blank(byte_view text) {
   for (const unsigned char each : text) {
     if (each != ' ' && each != '\t' && each != '\r' && each != '\n') return false;
   }
   return true;
 }
 
-void append_message(octets &stream, const message_type &type, const node &from, const request &asked) {
+void append_message(byte_string &stream, const message_type &type, const node &from, const request &asked) {
   record content(type);
   content.read(from, asked.bytes);
-  const octets message = content.encode();
+  const byte_string message = content.encode();
   append_prefix(stream, message.size(), asked.stream);
   stream.insert(stream.end(), message.begin(), message.end());
 }
@@ -27,13 +27,13 @@ void append_message(octets &stream, const message_type &type, const node &from, 
 exit_status encode(const request &asked) {
   const auto [type, file] = single_subject_of(asked);
   if (type == nullptr) throw unusable("TYPE is needed: JSON does not tell which message it is");
-  const octets text = read_file(file);
-  octets result;
+  const byte_string text = read_file(file);
+  byte_string result;
   try {
     if (asked.stream == prefix_form::none) {
       append_message(result, *type, parse_json(text), asked);
     } else {
-      for (std::size_t at = 0; !is_blank(octet_view(text).subspan(at));) {
+      for (std::size_t at = 0; !is_blank(byte_view(text).subspan(at));) {
         append_message(result, *type, parse_json(text, at, false, at), asked);
       }
     }

@@ -1,4 +1,4 @@
-// `hex`: every octet of a message with its meaning, as text or as a page.
+// `hex`: every byte of a message with its meaning, as text or as a page.
 #include <fmt/format.h>
 
 #include "../annotate.hpp"
@@ -24,7 +24,7 @@ exit_status hex(const request &asked) {
   const painter paint(has_colours(asked.colours));
   exit_status status = all_well;
   std::string page;
-  for_each_message(asked, file, [&, type = type](const std::string &name, octet_view message) {
+  for_each_message(asked, file, [&, type = type](const std::string &name, byte_view message) {
     const decoded read(type_of(type, name, message), message);
     const std::vector<annotation> rows = annotate(message, read.walked);
     if (asked.html) {

@@ -40,7 +40,7 @@ std::string drawn(const segment_table &table, const char *mode) {
 exit_status segments(const request &asked) {
   const auto [type, file] = single_subject_of(asked);
   exit_status status = all_well;
-  for_each_message(asked, file, [&, type = type](const std::string &name, octet_view message) {
+  for_each_message(asked, file, [&, type = type](const std::string &name, byte_view message) {
     const message_type &known = type_of(type, name, message);
     status = worse(status, decoded(known, message).report());
     const segment_table copied = segments_of(known, message, false);

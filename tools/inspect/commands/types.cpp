@@ -21,8 +21,8 @@ std::string all_messages() {
   return text;
 }
 
-// The key's octets: one for the numbers up to 15, else two.
-std::string key_octets(const field_type &field) {
+// The key's bytes: one for the numbers up to 15, else two.
+std::string key_bytes(const field_type &field) {
   const std::uint32_t key = pavo_zorv::key_of(field.number, field.wire);
   return key < 0x80 ? fmt::format("{:02x}", key) : fmt::format("{:02x} {:02x}", (key & 0x7f) | 0x80, key >> 7);
 }
@@ -39,13 +39,13 @@ std::string one_message(const message_type &type) {
     kinds = std::max(kinds, describe(field).size());
   }
   std::string text =
-      fmt::format("{}: a record of {} octets, presence flags of {} bits at offset {}{}\n", type.name, type.record_size,
+      fmt::format("{}: a record of {} bytes, presence flags of {} bits at offset {}{}\n", type.name, type.record_size,
                   type.presence_bits, type.presence_offset, type.takes_options ? "; takes an options word" : "");
   text += fmt::format("{:>2}  {:<{}}  {:<{}}  {:<5}  {:>9}  {}\n", "no", "name", names, "kind", kinds, "key",
                       "presence", "offset");
   for (const field_type &field : type.fields) {
     text += fmt::format("{:>2}  {:<{}}  {:<{}}  {:<5}  {:>#9x}  {}\n", field.number, field.name, names, describe(field),
-                        kinds, key_octets(field), field.presence_bit(), offsets(field));
+                        kinds, key_bytes(field), field.presence_bit(), offsets(field));
   }
   return text;
 }

@@ -1,5 +1,5 @@
-// Reading and writing octets as text.
-#include "octet_forms.hpp"
+// Reading and writing bytes as text.
+#include "wire_forms.hpp"
 
 #include <fmt/format.h>
 
@@ -15,12 +15,12 @@
 namespace inspect {
 namespace {
 
-std::string_view text_of(octet_view input) { return {reinterpret_cast<const char *>(input.data()), input.size()}; }
+std::string_view text_of(byte_view input) { return {reinterpret_cast<const char *>(input.data()), input.size()}; }
 
 bool is_blank(char character) { return character == ' ' || character == '\t' || character == '\r'; }
 
-// No octet that text does not have: this alone tells most messages apart from text.
-bool is_text(octet_view input) {
+// No byte that text does not have: this alone tells most messages apart from text.
+bool is_text(byte_view input) {
   return std::ranges::all_of(input, [](unsigned char each) {
     return (each >= ' ' && each <= '~') || each == '\t' || each == '\n' || each == '\r';
   });
@@ -56,9 +56,9 @@ std::optional<std::string> hex_digits(std::string_view text) {
   return digits;
 }
 
-octets octets_of_digits(const std::string &digits) {
+byte_string bytes_of_digits(const std::string &digits) {
   auto result = from_hex(digits);
-  if (!result) throw refused("hexadecimal text with half an octet (or octets: then say --input=raw)");
+  if (!result) throw refused("hexadecimal text with half a byte (or bytes: then say --input=raw)");
   return *std::move(result);
 }
 
@@ -95,10 +95,10 @@ std::optional<std::size_t> offset_of(const dump_line &line, int base) {
   return value;
 }
 
-// The octets of a line, up to the characters that stand beside them: behind a bar, behind a gap, or the first thing
+// The bytes of a line, up to the characters that stand beside them: after a bar, after a gap, or the first thing
 // that is not pairs of digits. `wanted` says how many there must be, where the next offset tells.
-octets octets_of_line(const dump_line &line, std::optional<std::size_t> wanted) {
-  octets found;
+byte_string bytes_of_line(const dump_line &line, std::optional<std::size_t> wanted) {
+  byte_string found;
   std::string_view rest = line.rest.substr(0, line.rest.find('|'));
   const std::size_t gap = line.has_colon ? 2 : 3;
   while (!rest.empty() && (!wanted || found.size() < *wanted)) {
@@ -107,7 +107,7 @@ octets octets_of_line(const dump_line &line, std::optional<std::size_t> wanted) 
     rest.remove_prefix(blanks);
     const std::string_view word = rest.substr(0, rest.find_first_of(" \t\r"));
     const auto pairs = from_hex(word);
-    // Longer words stand for numbers whose octets may be swapped, but behind a colon they do not.
+    // Longer words stand for numbers whose bytes may be swapped, but after a colon they do not.
     if (!pairs || (word.size() > 2 && !line.has_colon)) break;
     found.insert(found.end(), pairs->begin(), pairs->end());
     rest.remove_prefix(word.size());
@@ -115,8 +115,8 @@ octets octets_of_line(const dump_line &line, std::optional<std::size_t> wanted) 
   return found;
 }
 
-// Nothing unless every offset is the number of octets before it: so no other text is taken for a dump.
-std::optional<octets> octets_of_dump(std::string_view text, int base) {
+// Nothing unless every offset is the number of bytes before it: so no other text is taken for a dump.
+std::optional<byte_string> bytes_of_dump(std::string_view text, int base) {
   std::vector<dump_line> lines;
   while (!text.empty()) {
     const std::string_view line = next_line(text);
@@ -125,7 +125,7 @@ std::optional<octets> octets_of_dump(std::string_view text, int base) {
     if (!found) return std::nullopt;
     lines.push_back(*found);
   }
-  octets result;
+  byte_string result;
   for (std::size_t index = 0; index < lines.size(); ++index) {
     if (offset_of(lines[index], base) != result.size()) return std::nullopt;
     std::optional<std::size_t> wanted;
@@ -134,7 +134,7 @@ std::optional<octets> octets_of_dump(std::string_view text, int base) {
       if (!next || *next < result.size()) return std::nullopt;
       wanted = *next - result.size();
     }
-    const octets more = octets_of_line(lines[index], wanted);
+    const byte_string more = bytes_of_line(lines[index], wanted);
     if (wanted && more.size() != *wanted) return std::nullopt;
     result.insert(result.end(), more.begin(), more.end());
   }
@@ -142,63 +142,63 @@ std::optional<octets> octets_of_dump(std::string_view text, int base) {
   return result;
 }
 
-std::optional<octets> octets_of_dump(std::string_view text) {
-  auto result = octets_of_dump(text, 16);
-  return result ? result : octets_of_dump(text, 8);
+std::optional<byte_string> bytes_of_dump(std::string_view text) {
+  auto result = bytes_of_dump(text, 16);
+  return result ? result : bytes_of_dump(text, 8);
 }
 
 // --- Base64 ---
 
-std::optional<octets> octets_of_base64(std::string_view text) {
+std::optional<byte_string> bytes_of_base64(std::string_view text) {
   std::string digits;
   std::ranges::copy_if(text, std::back_inserter(digits), [](char each) { return !is_blank(each) && each != '\n'; });
   return from_base64(digits);
 }
 
-octets detected(octets input) {
+byte_string detected(byte_string input) {
   if (input.empty() || !is_text(input)) return input;
   const std::string_view text = text_of(input);
-  if (auto dump = octets_of_dump(text)) return *std::move(dump);
-  if (const auto digits = hex_digits(text)) return digits->empty() ? input : octets_of_digits(*digits);
-  if (auto content = octets_of_base64(text)) return *std::move(content);
+  if (auto dump = bytes_of_dump(text)) return *std::move(dump);
+  if (const auto digits = hex_digits(text)) return digits->empty() ? input : bytes_of_digits(*digits);
+  if (auto content = bytes_of_base64(text)) return *std::move(content);
   return input;
 }
 
 }  // namespace
 
-octets octets_of(octets input, octet_form form) {
-  std::optional<octets> found;
+byte_string bytes_of(byte_string input, wire_form form) {
+  std::optional<byte_string> found;
   switch (form) {
-    case octet_form::detected:
+    case wire_form::detected:
       return detected(std::move(input));
-    case octet_form::raw:
+    case wire_form::raw:
       return input;
-    case octet_form::hex: {
+    case wire_form::hex: {
       const auto digits = hex_digits(text_of(input));
       if (!digits) throw refused("the input is not hexadecimal text");
-      return octets_of_digits(*digits);
+      return bytes_of_digits(*digits);
     }
-    case octet_form::dump:
-      found = octets_of_dump(text_of(input));
+    case wire_form::dump:
+      found = bytes_of_dump(text_of(input));
       if (!found) throw refused("the input is not a hex dump: not every line has its offset");
       return *std::move(found);
-    case octet_form::base64:
-      found = octets_of_base64(text_of(input));
+    case wire_form::base64:
+      found = bytes_of_base64(text_of(input));
       if (!found) throw refused("the input is not base64");
       return *std::move(found);
   }
   return input;
 }
 
-std::string in_form(octet_view input, octet_form form) {
-  if (form == octet_form::base64) return to_base64(input) + '\n';
-  if (form != octet_form::hex && form != octet_form::dump) return std::string(text_of(input));
+std::string in_form(byte_view input, wire_form form) {
+  if (form == wire_form::base64) return to_base64(input) + '\n';
+  if (form != wire_form::hex && form != wire_form::dump) return std::string(text_of(input));
   std::string text;
   for (std::size_t at = 0; at < input.size(); at += 16) {
-    if (form == octet_form::dump) text += fmt::format("{:08x} ", at);
-    const octet_view line = input.subspan(at, std::min<std::size_t>(16, input.size() - at));
+    if (form == wire_form::dump) text += fmt::format("{:08x} ", at);
+    const byte_view line = input.subspan(at, std::min<std::size_t>(16, input.size() - at));
     for (std::size_t index = 0; index < line.size(); ++index) {
-      text += fmt::format("{}{:02x}", index == 0 && form == octet_form::hex ? "" : " ", line[index]);
+      text += fmt::format("{}{:02x}", index == 0 && form == wire_form::hex ? "" : " ", line[index]);
     }
     text += '\n';
   }

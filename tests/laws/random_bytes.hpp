@@ -1,5 +1,5 @@
 // Random inputs for decoding: messages put together from keys and values, mostly such as the schema wants them, in any
-// order and of any length; and damage done to octets.
+// order and of any length; and damage done to bytes.
 #pragma once
 
 #include <algorithm>
@@ -8,13 +8,13 @@
 
 namespace test {
 
-class octets_maker {
+class bytes_maker {
  public:
-  explicit octets_maker(dice &dice) : dice_(dice) {}
+  explicit bytes_maker(dice &dice) : dice_(dice) {}
 
   // Deep messages are short ones, or the envelope would never end.
-  octets message(const message_type &type, unsigned longest = 6, unsigned depth = 0) {
-    octets result;
+  byte_string message(const message_type &type, unsigned longest = 6, unsigned depth = 0) {
+    byte_string result;
     for (std::uint64_t count = dice_.from(0, longest); count-- != 0;) {
       if (dice_.percent(88)) {
         known(result, type.fields[static_cast<std::size_t>(dice_.below(type.fields.size()))], depth);
@@ -25,24 +25,24 @@ class octets_maker {
     return result;
   }
 
-  // Some octets changed, left out, put in, or a slice of them moved, doubled or cut off.
-  void damage(octets &bytes) {
+  // Some bytes changed, left out, put in, or a slice of them moved, doubled or cut off.
+  void damage(byte_string &bytes) {
     const std::size_t size = bytes.size();
     const auto at = [&](std::size_t position) { return bytes.begin() + static_cast<std::ptrdiff_t>(position); };
     const auto first = static_cast<std::size_t>(dice_.from(0, size));
     const std::size_t last =
         std::min(size, first + static_cast<std::size_t>(dice_.from(1, dice_.percent(70) ? 4 : size + 1)));
-    const octets slice(at(first), at(last));
+    const byte_string slice(at(first), at(last));
     const auto elsewhere = static_cast<std::size_t>(dice_.from(0, size));
     switch (dice_.below(7)) {
       case 0:
         if (first < size) bytes[first] ^= static_cast<unsigned char>(1u << dice_.below(8));
         break;
       case 1:
-        if (first < size) bytes[first] = dice_.octet();
+        if (first < size) bytes[first] = dice_.byte();
         break;
       case 2:
-        bytes.insert(at(first), dice_.octet());
+        bytes.insert(at(first), dice_.byte());
         break;
       case 3:
         bytes.erase(at(first), at(last));
@@ -58,28 +58,28 @@ class octets_maker {
     }
   }
 
-  // A varint of its fewest octets or, now and then, of more; what lies beyond its width may be anything.
-  void varint(octets &out, std::uint64_t value, unsigned width = 32, unsigned longer = 10) {
+  // A varint of its fewest bytes or, now and then, of more; what lies beyond its width may be anything.
+  void varint(byte_string &out, std::uint64_t value, unsigned width = 32, unsigned longer = 10) {
     std::size_t extra = dice_.percent(longer) ? static_cast<std::size_t>(dice_.from(1, 12)) : 0;
     unsigned shift = 0;
     do {
-      unsigned char octet = value & 0x7f;
+      unsigned char byte = value & 0x7f;
       if (shift + 7 > width && shift < 70 && extra != 0) {
         const unsigned used = shift < width ? width - shift : 0;
-        octet = static_cast<unsigned char>((octet & ((1u << used) - 1)) | (dice_.octet() & 0x7fu & (0xffu << used)));
+        byte = static_cast<unsigned char>((byte & ((1u << used) - 1)) | (dice_.byte() & 0x7fu & (0xffu << used)));
       }
       value >>= 7;
       shift += 7;
       const bool more = value != 0 || extra != 0;
       if (value == 0 && extra != 0) --extra;
-      out.push_back(static_cast<unsigned char>(octet | (more ? 0x80 : 0)));
+      out.push_back(static_cast<unsigned char>(byte | (more ? 0x80 : 0)));
       if (!more) return;
     } while (true);
   }
 
  private:
-  void known(octets &out, const field &field, unsigned depth) {
-    // Of a run, all elements are the same, or take three octets as most labels do, or none resembles the next.
+  void known(byte_string &out, const field &field, unsigned depth) {
+    // Of a run, all elements are the same, or take three bytes as most labels do, or none resembles the next.
     const std::uint64_t style = dice_.below(4);
     const std::uint64_t bits = dice_.from(0, 32);
     for (std::uint64_t elements = field.is_list() ? run_length(field, depth) : 1; elements-- != 0;) {
@@ -97,13 +97,13 @@ class octets_maker {
     }
   }
 
-  void delimited(octets &out, const field &field, unsigned depth) {
-    octets content;
+  void delimited(byte_string &out, const field &field, unsigned depth) {
+    byte_string content;
     if (field.nested != nullptr) {
       content = message(*field.nested, depth < 2 ? 4 : 2, depth + 1);
     } else {
       content.resize(static_cast<std::size_t>(dice_.percent(95) ? dice_.below(9) : dice_.below(140)));
-      for (unsigned char &octet : content) octet = dice_.octet();
+      for (unsigned char &byte : content) byte = dice_.byte();
     }
     std::uint64_t length = content.size();
     if (dice_.percent(3)) length = dice_.percent(50) ? length + 1 : dice_.number() & 0xffffffff;
@@ -112,18 +112,18 @@ class octets_maker {
   }
 
   std::uint64_t run_length(const field &field, unsigned depth) {
-    if (field.kind == kind::integers && dice_.percent(10)) return dice_.from(1, depth < 2 ? 90 : 20);
+    if (field.kind == kind::integer_list && dice_.percent(10)) return dice_.from(1, depth < 2 ? 90 : 20);
     return dice_.from(1, depth < 2 ? 4 : 2);
   }
 
-  void unknown(octets &out, std::uint64_t last_known) {
+  void unknown(byte_string &out, std::uint64_t last_known) {
     static constexpr unsigned types[] = {0, 0, 0, 1, 1, 2, 2, 2, 5, 5, 3, 7};
     const std::uint64_t type = types[dice_.below(std::size(types))];
     varint(out, (dice_.percent(30) ? 0 : last_known + dice_.from(1, 2000)) * 8 + type);
     if (type == 0) varint(out, dice_.number(), 64);
     const std::uint64_t size = type == 1 ? 8 : type == 5 ? 4 : type == 2 ? dice_.below(12) : 0;
     if (type == 2) varint(out, size);
-    for (std::uint64_t i = 0; i < size; ++i) out.push_back(dice_.octet());
+    for (std::uint64_t i = 0; i < size; ++i) out.push_back(dice_.byte());
   }
 
   dice &dice_;

@@ -1,22 +1,22 @@
-// Octets as other tools print them, and streams of messages.
-#include "octet_forms.hpp"
+// Bytes as other tools print them, and streams of messages.
+#include "wire_forms.hpp"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 
+#include "bytes_of_text.hpp"
 #include "failure.hpp"
-#include "octets_of_text.hpp"
 #include "stream.hpp"
 #include "support.hpp"
 
 namespace inspect {
 namespace {
 
-octets found(std::string_view text) { return octets_of(of(text), octet_form::detected); }
+byte_string found(std::string_view text) { return bytes_of(of(text), wire_form::detected); }
 
-const octets eighteen = test::hex("08 10 08 c1 bb 01 08 11 08 12 08 13 08 14 08 41 08 42");
+const byte_string eighteen = test::hex("08 10 08 c1 bb 01 08 11 08 12 08 13 08 14 08 41 08 42");
 
 TEST(a_dump, is_read_as_hexdump_prints_it) {
   EXPECT_EQ(found("00000000  08 10 08 c1 bb 01 08 11  08 12 08 13 08 14 08 41  |...............A|\n"
@@ -29,7 +29,7 @@ TEST(a_dump, is_read_as_xxd_prints_it) {
   EXPECT_EQ(found("00000000: 0810 08c1 bb01 0811 0812 0813 0814 0841  ...............A\n"
                   "00000010: 0842                                     .B\n"),
             eighteen);
-  EXPECT_EQ(found("00000000: 08 10 08 c1  ab\n"), test::hex("08 10 08 c1")) << "behind a gap stand characters";
+  EXPECT_EQ(found("00000000: 08 10 08 c1  ab\n"), test::hex("08 10 08 c1")) << "after a gap stand characters";
 }
 
 TEST(a_dump, is_read_as_od_prints_it_with_octal_or_hexadecimal_offsets) {
@@ -54,46 +54,46 @@ TEST(a_dump, is_read_as_this_tool_annotates_it) {
 }
 
 TEST(a_dump, has_the_right_offset_in_every_line) {
-  EXPECT_THROW(octets_of(of("00000000  08 10\n00000003  08\n"), octet_form::dump), refused);
-  EXPECT_THROW(octets_of(of("00000001  08 10\n"), octet_form::dump), refused);
-  EXPECT_THROW(octets_of(of("00000000\n"), octet_form::dump), refused);
-  EXPECT_THROW(octets_of(of("0000000 1008 c108\n0000004\n"), octet_form::dump), refused) << "words of 16 bits";
+  EXPECT_THROW(bytes_of(of("00000000  08 10\n00000003  08\n"), wire_form::dump), refused);
+  EXPECT_THROW(bytes_of(of("00000001  08 10\n"), wire_form::dump), refused);
+  EXPECT_THROW(bytes_of(of("00000000\n"), wire_form::dump), refused);
+  EXPECT_THROW(bytes_of(of("0000000 1008 c108\n0000004\n"), wire_form::dump), refused) << "words of 16 bits";
 }
 
 TEST(digits, are_read_with_blanks_and_comments) {
   EXPECT_EQ(found("08 10 # labels[0] = 16\r\n08c1\tBB01"), test::hex("08 10 08 c1 bb 01"));
   EXPECT_EQ(found("0 8 1 0"), test::hex("08 10"));
   EXPECT_THROW(found("081"), refused);
-  EXPECT_THROW(octets_of(of("xy"), octet_form::hex), refused);
+  EXPECT_THROW(bytes_of(of("xy"), wire_form::hex), refused);
 }
 
 TEST(base64, is_read_over_many_lines) {
   EXPECT_EQ(found("CBAI\nwbsB\n"), test::hex("08 10 08 c1 bb 01"));
-  EXPECT_EQ(octets_of(of("CBA="), octet_form::base64), test::hex("08 10"));
-  EXPECT_THROW(octets_of(of("CB?="), octet_form::base64), refused);
+  EXPECT_EQ(bytes_of(of("CBA="), wire_form::base64), test::hex("08 10"));
+  EXPECT_THROW(bytes_of(of("CB?="), wire_form::base64), refused);
 }
 
 TEST(other_input, is_taken_as_it_is) {
-  EXPECT_EQ(found(""), octets{});
-  EXPECT_EQ(octets_of(test::hex("08 31"), octet_form::detected), test::hex("08 31"));
+  EXPECT_EQ(found(""), byte_string{});
+  EXPECT_EQ(bytes_of(test::hex("08 31"), wire_form::detected), test::hex("08 31"));
   EXPECT_EQ(found("# nothing"), of("# nothing"));
-  EXPECT_EQ(octets_of(of("0831"), octet_form::raw), of("0831"));
+  EXPECT_EQ(bytes_of(of("0831"), wire_form::raw), of("0831"));
 }
 
 TEST(every_form, is_read_as_it_is_written) {
   for (std::size_t size = 0; size < 70; ++size) {
-    octets content;
+    byte_string content;
     for (std::size_t index = 0; index < size; ++index) content.push_back(static_cast<unsigned char>(7 * size + index));
-    for (const octet_form form : {octet_form::raw, octet_form::hex, octet_form::base64}) {
-      EXPECT_EQ(octets_of(of(in_form(content, form)), form), content);
+    for (const wire_form form : {wire_form::raw, wire_form::hex, wire_form::base64}) {
+      EXPECT_EQ(bytes_of(of(in_form(content, form)), form), content);
     }
     if (size != 0) {
-      EXPECT_EQ(octets_of(of(in_form(content, octet_form::dump)), octet_form::dump), content);
-      EXPECT_EQ(found(in_form(content, octet_form::dump)), content);
+      EXPECT_EQ(bytes_of(of(in_form(content, wire_form::dump)), wire_form::dump), content);
+      EXPECT_EQ(found(in_form(content, wire_form::dump)), content);
     }
   }
-  EXPECT_EQ(in_form(eighteen, octet_form::hex), "08 10 08 c1 bb 01 08 11 08 12 08 13 08 14 08 41\n08 42\n");
-  EXPECT_EQ(in_form(eighteen, octet_form::dump),
+  EXPECT_EQ(in_form(eighteen, wire_form::hex), "08 10 08 c1 bb 01 08 11 08 12 08 13 08 14 08 41\n08 42\n");
+  EXPECT_EQ(in_form(eighteen, wire_form::dump),
             "00000000  08 10 08 c1 bb 01 08 11 08 12 08 13 08 14 08 41\n00000010  08 42\n");
 }
 
@@ -108,9 +108,9 @@ TEST(a_stream, is_split_at_its_prefixes) {
   EXPECT_EQ(lengths(split(test::hex("02 08 31 00 01 08"), prefix_form::varint)), (sizes{2, 0, 1}));
   EXPECT_EQ(lengths(split(test::hex("00000002 0831 00000000"), prefix_form::be32)), (sizes{2, 0}));
   EXPECT_EQ(lengths(split(test::hex("02000000 0831 00000000"), prefix_form::le32)), (sizes{2, 0}));
-  EXPECT_EQ(lengths(split(octets{}, prefix_form::varint)), sizes{});
+  EXPECT_EQ(lengths(split(byte_string{}, prefix_form::varint)), sizes{});
   EXPECT_EQ(lengths(split(test::hex("02 08 31"), prefix_form::none)), sizes{3});
-  octets longer = test::hex("81 01");
+  byte_string longer = test::hex("81 01");
   longer.resize(2 + 129);
   EXPECT_EQ(lengths(split(longer, prefix_form::varint)), sizes{129});
 }
@@ -118,27 +118,27 @@ TEST(a_stream, is_split_at_its_prefixes) {
 TEST(a_stream, that_breaks_off_gives_what_comes_before) {
   const frames varint = split(test::hex("01 08 05 08 31"), prefix_form::varint);
   EXPECT_EQ(lengths(varint), std::vector<std::size_t>{1});
-  EXPECT_EQ(varint.failure, "message 1 of the stream, at offset 2: 5 octets are announced, 2 are left");
+  EXPECT_EQ(varint.failure, "message 1 of the stream, at offset 2: 5 bytes are announced, 2 are left");
   EXPECT_EQ(split(test::hex("80 80"), prefix_form::varint).failure,
             "message 0 of the stream, at offset 0: its length is cut off or no length");
   EXPECT_EQ(split(test::hex("00 00 00"), prefix_form::be32).failure,
             "message 0 of the stream, at offset 0: its length is cut off or no length");
   EXPECT_EQ(split(test::hex("ffffffff"), prefix_form::le32).failure,
-            "message 0 of the stream, at offset 0: 4294967295 octets are announced, 0 are left");
+            "message 0 of the stream, at offset 0: 4294967295 bytes are announced, 0 are left");
   EXPECT_TRUE(split(test::hex("ff ff ff ff ff ff ff ff ff 01 00"), prefix_form::varint).failure.has_value());
 }
 
 TEST(a_prefix, is_written_as_it_is_read) {
   for (const prefix_form form : {prefix_form::varint, prefix_form::be32, prefix_form::le32}) {
     for (const std::size_t length : {0u, 1u, 127u, 128u, 300u, 70000u}) {
-      octets stream;
+      byte_string stream;
       append_prefix(stream, length, form);
       const std::size_t size = stream.size();
       stream.resize(size + length);
       EXPECT_EQ(lengths(split(stream, form)), std::vector<std::size_t>{length});
     }
   }
-  octets stream;
+  byte_string stream;
   append_prefix(stream, 300, prefix_form::varint);
   append_prefix(stream, 300, prefix_form::be32);
   append_prefix(stream, 300, prefix_form::le32);
