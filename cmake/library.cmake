@@ -36,7 +36,7 @@ endif()
 function(pavo_zorv_objects objects)
   add_library(${objects} OBJECT ${message_sources})
   target_compile_features(${objects} PRIVATE cxx_std_20)
-  target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
   target_compile_options(${objects} PRIVATE
     ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
   target_link_libraries(${objects} PRIVATE pavo_zorv_stack_probes)

@@ -51,5 +51,5 @@ if(PAVO_ZORV_COVERAGE)
   add_compile_options(--coverage)
   add_link_options(--coverage)
   # Each function once, or once for each instantiation, so that a branch in it is one branch.
-  add_compile_definitions(always_inline=unused)
+  add_compile_definitions(PAVO_ZORV_NO_FORCED_INLINING)
 endif()

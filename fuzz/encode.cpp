@@ -118,7 +118,7 @@ class alteration {
     return dice_.percent(50) ? power - dice_.below(12) : dice_.any() >> dice_.below(64);
   }
 
-  // Around the longest encoding that is written aside, around 64 KB, and between.
+  // Around the longest encoding that is written by scratch, around 64 KB, and between.
   std::size_t goal() {
     const std::size_t near = dice_.below(64);
     if (dice_.percent(60)) return 8192 + near - 48;
@@ -243,7 +243,7 @@ void run(const trial &trial) {
   // A buffer that is long enough, or one of which nothing is missed but its end.
   const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(expected.length(), 100000));
   const std::size_t cut = trial.number % (most + 9);
-  const std::size_t aside = std::min<std::size_t>(most, 8192 - trial.extra % 32);
+  const std::size_t by_scratch = std::min<std::size_t>(most, 8192 - trial.extra % 32);
 
   const call calls[] = {
       {call::no_buffer, call::no_count},
@@ -254,7 +254,7 @@ void run(const trial &trial) {
       {most, entries + 1},
       {most, 0},
       {most - (most != 0), call::no_count},
-      {aside, call::no_count},
+      {by_scratch, call::no_count},
       {cut, call::no_count},
       {cut, some},
   };

@@ -1,5 +1,5 @@
 // For every message, and everything in it at any depth that can be as long as one likes: the message with this field so
-// long that the whole ends near 8,192 bytes, the longest encoding that is written aside, several times; for some,
+// long that the whole ends near 8,192 bytes, the longest encoding that is written by scratch, several times; for some,
 // near 65,536 and in between.
 #include "long_inputs.hpp"
 

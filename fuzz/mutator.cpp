@@ -131,7 +131,7 @@ class mutator {
     for (const piece &one : pieces) one.write(bytes);
   }
 
-  // Around the longest encoding that is written aside, around 64 KB, and between.
+  // Around the longest encoding that is written by scratch, around 64 KB, and between.
   std::size_t goal() {
     const std::size_t longest = std::min<std::size_t>(room_, 20000);
     if (room_ > 65600 && dice_.percent(10)) return 65536 + dice_.below(64) - 40;

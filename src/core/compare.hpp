@@ -8,7 +8,7 @@
 namespace pavo_zorv {
 
 template <class Record, std::size_t Index>
-PAVO_ZORV_INLINE int compare_fields(const Record &a, const Record &b) {
+inline int compare_fields(const Record &a, const Record &b) {
   const bool in_a = (a.presence & presence_bit<Record, Index>) != 0;
   const bool in_b = (b.presence & presence_bit<Record, Index>) != 0;
   if (in_a != in_b) return in_a ? 1 : -1;

@@ -1,44 +1,18 @@
-// Decoding: the loop over keys, and what becomes of unknown fields.
+// Decoding: the loop over keys.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "clear.hpp"
 #include "message.hpp"
+#include "overwrite.hpp"
 
 namespace pavo_zorv {
-
-// Steps over the value of an unknown field. One of known size that runs past the end ends the message in good order.
-PAVO_ZORV_NOINLINE inline step skip_unknown(std::uint32_t key, const byte *at, const byte *end) {
-  std::size_t size = 0;
-  switch (static_cast<wire_type>(key & 7)) {
-    case wire_type::varint:
-      at = skip_varint(at, end);
-      return at != nullptr ? step{at, CODEC_OK} : failed(CODEC_ERR_TRUNCATED);
-    case wire_type::fixed64:
-      size = 8;
-      break;
-    case wire_type::fixed32:
-      size = 4;
-      break;
-    case wire_type::delimited: {
-      const auto [next, length] = read_varint<std::uint32_t>(at, end);
-      if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
-      at = next;
-      size = length;
-      break;
-    }
-    default:
-      return failed(CODEC_ERR_BAD_WIRE_TYPE);
-  }
-  return {size < static_cast<std::size_t>(end - at) ? at + size : end, CODEC_OK};
-}
 
 template <class Record>
 class decoder {
  public:
-  PAVO_ZORV_INLINE decoder(Record &record, const decoding &input) : record_(record), input_(input) {}
+  PAVO_ZORV_INLINE decoder(Record &record, const decode_context &input) : record_(record), input_(input) {}
 
   // Reads fields until the end or the first failure.
   PAVO_ZORV_INLINE int read(const byte *at, const byte *end) {
@@ -122,13 +96,13 @@ class decoder {
   }
 
   Record &record_;
-  const decoding &input_;
+  const decode_context &input_;
   presence_of<Record> seen_ = 0;
 };
 
 // What was read before a failure stays, with its presence bits.
 template <class Record>
-int decode_message(Record &record, const byte *at, const byte *end, const decoding &input) {
+int decode_message(Record &record, const byte *at, const byte *end, const decode_context &input) {
   decoder<Record> decoder(record, input);
   const int result = decoder.read(at, end);
   record.presence = static_cast<presence_of<Record>>(record.presence | decoder.seen());
@@ -138,10 +112,10 @@ int decode_message(Record &record, const byte *at, const byte *end, const decodi
 template <class Record>
 int decode(Record &record, const byte *buffer, std::size_t length, pavo_zorv_allocate allocate, void *context,
            std::uint32_t options = 0) {
-  clear_message(record);
+  clear_record(record);
   if (length == 0) return CODEC_OK;
   return decode_message(record, buffer, buffer + length,
-                        decoding{{allocate, context}, options, {buffer, buffer + length}});
+                        decode_context{{allocate, context}, options, {buffer, buffer + length}});
 }
 
 }  // namespace pavo_zorv

@@ -3,17 +3,17 @@
 
 #include <cstring>
 
-#include "clear.hpp"
 #include "message.hpp"
+#include "overwrite.hpp"
 
 namespace pavo_zorv {
 
 template <class Record>
-void own_message(Record &record, const Record &source, copying &copy) {
-  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+void copy_members(Record &record, const Record &source, copy_context &copy) {
+  for_each_row<Record>([&](auto index) PAVO_ZORV_INLINE_LAMBDA {
     constexpr auto &row = row_at<Record, index>;
     if constexpr (row.owns()) {
-      if (!row.own(record, source, copy)) {
+      if (!row.copy(record, source, copy)) {
         record.presence = static_cast<presence_of<Record>>(record.presence & ~presence_bit<Record, index>);
         copy.complete = false;
       }
@@ -23,9 +23,9 @@ void own_message(Record &record, const Record &source, copying &copy) {
 
 template <class Record>
 int duplicate(Record &destination, const Record &source, pavo_zorv_allocate allocate, void *context) {
-  copy_over(destination, source);
-  copying copy{{allocate, context}};
-  own_message(destination, source, copy);
+  copy_record(destination, source);
+  copy_context copy{{allocate, context}};
+  copy_members(destination, source, copy);
   return copy.complete ? CODEC_OK : CODEC_ERR_NO_MEMORY;
 }
 

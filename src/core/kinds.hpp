@@ -1,5 +1,5 @@
-// The kinds of member, one file each: what its row says, and how it is decoded, measured, written, copied, released and
-// compared.
+// The kinds of member, one file each: what its row says, and how it is decoded, measured, written, copied, released
+// and compared.
 #pragma once
 
 #include "kinds/bytes.hpp"

@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "pavo_zorv.h"
-#include "wire.hpp"
 
 namespace pavo_zorv {
 
@@ -37,7 +36,7 @@ struct releaser {
   bool referenced;  // bytes members belong to the input
 
   template <class Element>
-  void give_back(Element *&pointer) const {
+  void release_block(Element *&pointer) const {
     if (pointer == nullptr) return;
     if (release != nullptr) release(pointer, context);
     pointer = nullptr;

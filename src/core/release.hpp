@@ -7,7 +7,7 @@ namespace pavo_zorv {
 
 template <class Record>
 void release_message(Record &record, const releaser &releaser) {
-  for_each_row<Record>([&](auto index) __attribute__((always_inline)) {
+  for_each_row<Record>([&](auto index) PAVO_ZORV_INLINE_LAMBDA {
     constexpr auto &row = row_at<Record, index>;
     if constexpr (row.owns()) row.release(record, releaser);
   });

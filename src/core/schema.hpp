@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "wire.hpp"
+#include "bits.hpp"
 
 namespace pavo_zorv {
 
@@ -22,8 +22,11 @@ struct row {
   unsigned number;
   const char *name;
 
-  // Whether the value is an integer of eight bits, which takes one byte or two.
-  static constexpr bool in_eight_bits() { return false; }
+  // Whether a field is a number of at least one byte, which is measured with the other scalars of its message.
+  static constexpr bool is_scalar() { return false; }
+
+  // Whether one member stands for several fields, or for a message.
+  static constexpr bool repeats_or_nests() { return false; }
 };
 
 template <class... Rows>
@@ -57,8 +60,17 @@ inline constexpr auto presence_mask = static_cast<presence_of<Record>>((std::uin
 // Calls `visit` with each row of a message, in field order: a constant, so that everything in it folds away.
 template <class Record, class Visit>
 PAVO_ZORV_INLINE constexpr void for_each_row(Visit &&visit) {
-  [&]<std::size_t... Index>(std::index_sequence<Index...>) __attribute__((always_inline)) {
+  [&]<std::size_t... Index>(std::index_sequence<Index...>) PAVO_ZORV_INLINE_LAMBDA {
     (visit(std::integral_constant<std::size_t, Index>{}), ...);
+  }
+  (std::make_index_sequence<field_count<Record>>{});
+}
+
+// The same from the last row to the first.
+template <class Record, class Visit>
+PAVO_ZORV_INLINE constexpr void for_each_row_backwards(Visit &&visit) {
+  [&]<std::size_t... Index>(std::index_sequence<Index...>) PAVO_ZORV_INLINE_LAMBDA {
+    (visit(std::integral_constant<std::size_t, sizeof...(Index) - 1 - Index>{}), ...);
   }
   (std::make_index_sequence<field_count<Record>>{});
 }
@@ -76,131 +88,21 @@ inline constexpr bool owns_memory = any_row<Record>([](const auto &row) { return
 template <class Record>
 inline constexpr bool holds_bytes = any_row<Record>([](const auto &row) { return row.holds_bytes(); });
 
-// A message of few fields, none of which is a list or a message: worth taking inline where it is nested.
+// A message of few fields, none of which is a list or a message: worth copying into the code of what contains it.
 template <class Record>
 inline constexpr bool is_small =
-    field_count<Record> <= 8 && !any_row<Record>([](const auto &row) {
-      return row.type == kind::integer_list || row.type == kind::message_list || row.type == kind::nested;
-    });
+    field_count<Record> <= 8 && !any_row<Record>([](const auto &row) { return row.repeats_or_nests(); });
 
-// --- The checks: a schema that does not fit its record does not compile. ---
-
-namespace checks {
-
-// Initialises any member: to zero, or to something else where `Marked`.
-template <bool Marked>
-struct initialiser {
-  template <class Member>
-  constexpr operator Member() const {
-    Member member{};
-    if constexpr (Marked && std::is_class_v<Member>) {
-      member.presence = 1;
-    } else if constexpr (Marked && std::is_pointer_v<Member>) {
-      member = const_cast<Member>(&somewhere<std::remove_pointer_t<Member>>);
-    } else if constexpr (Marked) {
-      member = 1;
-    }
-    return member;
-  }
-
-  template <class Object>
-  static constexpr Object somewhere{};
-};
-
-template <class Member>
-consteval bool is_marked(const Member &member) {
-  if constexpr (std::is_class_v<Member>) {
-    return member.presence != 0;
-  } else if constexpr (std::is_pointer_v<Member>) {
-    return member == &initialiser<true>::somewhere<std::remove_pointer_t<Member>>;
-  } else {
-    return member != 0;
-  }
-}
-
-// The number of members that a record can be initialised with.
-template <class Record, class... Members>
-consteval std::size_t member_count() {
-  if constexpr (requires { Record{Members{}..., initialiser<false>{}}; }) {
-    return member_count<Record, Members..., initialiser<false>>();
-  } else {
-    return sizeof...(Members);
-  }
-}
-
-// A record in which only the member at a position is not zero.
-template <class Record, std::size_t Position, std::size_t... Other>
-consteval Record marked(std::index_sequence<Other...>) {
-  return Record{initialiser<Other == Position>{}...};
-}
-
-template <class Record, std::size_t Position>
-inline constexpr Record with_mark = marked<Record, Position>(std::make_index_sequence<member_count<Record>()>{});
-
-// The members that the rows name, in row order.
+// The members that the rows name, in row order. The presence flags, which no row names, stand after them.
 template <class Record, std::size_t... Index>
 consteval auto members_of(std::index_sequence<Index...>) {
   return std::tuple_cat(row_at<Record, Index>.members()...);
 }
 
 template <class Record>
-inline constexpr auto members_with_rows = members_of<Record>(std::make_index_sequence<field_count<Record>>{});
+inline constexpr auto row_members = members_of<Record>(std::make_index_sequence<field_count<Record>>{});
 
 template <class Record>
-inline constexpr std::size_t members_with_rows_count =
-    std::tuple_size_v<std::remove_cvref_t<decltype(members_with_rows<Record>)>>;
-
-template <class Record>
-consteval bool every_member_has_a_row() {
-  return member_count<Record>() == members_with_rows_count<Record> + 1;
-}
-
-template <class Record>
-consteval bool members_stand_in_order() {
-  if constexpr (!every_member_has_a_row<Record>()) {
-    return false;
-  } else {
-    return []<std::size_t... Position>(std::index_sequence<Position...>) {
-      return (is_marked(with_mark<Record, Position>.*std::get<Position>(members_with_rows<Record>)) && ...) &&
-             is_marked(with_mark<Record, sizeof...(Position)>.presence);
-    }
-    (std::make_index_sequence<members_with_rows_count<Record>>{});
-  }
-}
-
-template <class Record>
-consteval bool numbers_run_from_one() {
-  return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-    return ((row_at<Record, Index>.number == Index + 1) && ...);
-  }
-  (std::make_index_sequence<field_count<Record>>{});
-}
-
-consteval std::size_t presence_size(std::size_t fields) { return fields <= 8 ? 1 : fields <= 16 ? 2 : 4; }
-
-template <class Record>
-consteval std::size_t bytes_rows() {
-  return [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-    return (std::size_t{row_at<Record, Index>.type == kind::bytes} + ...);
-  }
-  (std::make_index_sequence<field_count<Record>>{});
-}
-
-}  // namespace checks
-
-template <class Record>
-struct checked {
-  static_assert(field_count<Record> <= 32, "a message has at most 32 fields");
-  static_assert(checks::numbers_run_from_one<Record>(), "the rows' field numbers are 1, 2, 3 ...");
-  static_assert(checks::every_member_has_a_row<Record>(),
-                "every member of the record but the presence flags has a row");
-  static_assert(checks::members_stand_in_order<Record>(), "members stand in row order, the presence flags last");
-  static_assert(std::is_unsigned_v<presence_of<Record>>, "presence flags are unsigned");
-  static_assert(sizeof(presence_of<Record>) == checks::presence_size(field_count<Record>),
-                "presence flags take the fewest of 8, 16 or 32 bits");
-  static_assert(checks::bytes_rows<Record>() <= 1,
-                "a message has at most one bytes member: the table's pieces around a second one are not defined");
-  static constexpr bool value = true;
-};
+inline constexpr std::size_t row_member_count = std::tuple_size_v<std::remove_cvref_t<decltype(row_members<Record>)>>;
 
 }  // namespace pavo_zorv

@@ -1,18 +1,16 @@
-// The wire format: keys, varints and lengths, read forwards and written backwards. Nothing here knows a message.
+// The wire format: keys, and every routine for one varint, one length or one unknown field. Nothing here knows a
+// message.
 #pragma once
 
 #include <bit>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
-#define PAVO_ZORV_INLINE [[gnu::always_inline]] inline
-#define PAVO_ZORV_NOINLINE [[gnu::noinline]]
+#include "bits.hpp"
+#include "pavo_zorv.h"
 
 namespace pavo_zorv {
-
-using byte = unsigned char;
 
 enum class wire_type : unsigned { varint = 0, fixed64 = 1, delimited = 2, fixed32 = 5 };
 
@@ -29,67 +27,10 @@ struct buffer {
   std::size_t size() const { return static_cast<std::size_t>(limit - first); }
 };
 
-// The bytes of a vector for which the processor surely has a register: larger ones would be taken apart.
-#if defined(__AVX2__)
-inline constexpr std::size_t vector_size = 32;
-#else
-inline constexpr std::size_t vector_size = 16;
-#endif
+// --- The size of a varint ---
 
-// Eight bytes as a number, the first the lowest.
-PAVO_ZORV_INLINE std::uint64_t load_word(const byte *at) {
-  std::uint64_t word;
-  std::memcpy(&word, at, sizeof word);
-  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
-  return word;
-}
-
-// Four bytes, in the same way.
-PAVO_ZORV_INLINE std::uint32_t load_half_word(const byte *at) {
-  std::uint32_t word;
-  std::memcpy(&word, at, sizeof word);
-  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap32(word);
-  return word;
-}
-
-// One to eight bytes as a number, the first the lowest, put together from loads that overlap.
-PAVO_ZORV_INLINE std::uint64_t load_short(const byte *at, std::size_t size) {
-  if (size >= 4) {
-    return load_half_word(at) | std::uint64_t{load_half_word(at + size - 4)} << 8 * (size - 4);
-  }
-  return at[0] | std::uint32_t{at[size / 2]} << 8 * (size / 2) | std::uint32_t{at[size - 1]} << 8 * (size - 1);
-}
-
-template <class Word>
-PAVO_ZORV_INLINE void store_word(byte *at, Word word) {
-  if constexpr (std::endian::native == std::endian::big) {
-    word = sizeof word == 8 ? static_cast<Word>(__builtin_bswap64(word))
-                            : static_cast<Word>(__builtin_bswap32(static_cast<std::uint32_t>(word)));
-  }
-  std::memcpy(at, &word, sizeof word);
-}
-
-// The number of ones. Where the processor cannot be relied on to count them, the compiler would call a function; those
-// of a mask of two bits, or of one that has none beyond the eighth, are counted faster than others.
-template <std::uint64_t Mask = ~std::uint64_t{0}>
-PAVO_ZORV_INLINE unsigned count_bits(std::uint64_t bits) {
-  bits &= Mask;
-#if (defined(__x86_64__) || defined(__i386__)) && !defined(__POPCNT__)
-  constexpr std::uint64_t others = Mask & (Mask - 1);
-  if constexpr ((others & (others - 1)) == 0) return unsigned{(bits & ~others) != 0} + unsigned{(bits & others) != 0};
-  if constexpr (Mask <= 0xff)
-    return ((static_cast<std::uint32_t>(bits) * 0x08040201 >> 3) & 0x11111111) * 0x11111111 >> 28;
-  bits -= bits >> 1 & 0x5555555555555555;
-  bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
-  return static_cast<unsigned>(((bits + (bits >> 4)) & 0x0f0f0f0f0f0f0f0f) * 0x0101010101010101 >> 56);
-#else
-  return static_cast<unsigned>(std::popcount(bits));
-#endif
-}
-
-// Bytes of a value that is not 0 as a varint: one for every seven bits that are begun. The quotient is that of a
-// division by seven, of the place of the highest bit. The zeros before it are taken away by `^`, which cancels out on
-// processors that search for the place itself.
+// Bytes of a value that is not 0: its bits divided by seven, rounded up. The zeros before the highest bit are taken
+// off by `^`, which the compiler joins with the search for that bit into one instruction.
 template <class Value>
 requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t long_varint_size(Value value) {
   const auto highest = static_cast<unsigned>(std::countl_zero(value)) ^ static_cast<unsigned>(8 * sizeof value - 1);
@@ -101,6 +42,13 @@ requires(sizeof(Value) == 4 || sizeof(Value) == 8) constexpr std::size_t varint_
   return long_varint_size(static_cast<Value>(value | 1));
 }
 
+// The bytes of a length, which is written as its lowest 32 bits.
+constexpr std::size_t length_size(std::uint64_t length) {
+  return length < 0x80 ? 1 : varint_size(static_cast<std::uint32_t>(length));
+}
+
+// --- A varint as a word ---
+
 // A varint of a size up to eight bytes, as the low ones of a word. The seven-bit groups are spread by halves.
 constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
   value = (value & 0xfffffff) | (value & 0xfffffff0000000) << 4;
@@ -108,6 +56,22 @@ constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
   value = (value & 0x7f007f007f007f) | (value & 0x3f803f803f803f80) << 1;
   return value | (0x8080808080808080 & ((std::uint64_t{1} << 8 * (size - 1)) - 1));
 }
+
+// Seven bits of each of four bytes, put together.
+constexpr std::uint32_t seven_of_each(std::uint32_t word) {
+  word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
+  return (word & 0x3fff) | (word & 0x3fff0000) >> 2;
+}
+
+// The varint of up to five bytes at the low end of a word, cut to 32 bits; of longer ones, five bytes are taken.
+constexpr std::uint32_t varint_value(std::uint64_t word) {
+  const auto four = static_cast<std::uint32_t>(word), ends = ~four & 0x80808080;
+  const std::uint32_t value = seven_of_each(four & (ends ^ (ends - 1)));
+  const std::uint32_t fifth = static_cast<std::uint32_t>(word >> 32) << 28;
+  return value | (fifth & (static_cast<std::uint32_t>(ends != 0) - 1));
+}
+
+// --- Reading ---
 
 // Where reading goes on, and what was read; `next` is null when the input ended inside the varint.
 template <class Value>
@@ -117,7 +81,7 @@ struct varint {
 };
 
 // Steps over a varint; null when the input ends inside it.
-PAVO_ZORV_INLINE const byte *skip_varint(const byte *at, const byte *end) {
+inline const byte *skip_varint(const byte *at, const byte *end) {
   while (at != end) {
     if (*at++ < 0x80) return at;
   }
@@ -138,24 +102,18 @@ PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const byte *at, const byte *en
   return {skip_varint(at, end), value};
 }
 
-// Keys, lengths and elements mostly take one byte, or two.
+// For what is almost always one byte or two: keys, lengths and elements.
 template <class Value>
-PAVO_ZORV_INLINE varint<Value> read_varint(const byte *at, const byte *end) {
+inline varint<Value> read_varint(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) [[likely]]
     return {at + 1, *at};
   if (end - at >= 2 && at[1] < 0x80) return {at + 2, static_cast<Value>((at[0] & 0x7f) | at[1] << 7)};
   return read_long_varint<Value>(at, end);
 }
 
-// Seven bits of each of four bytes, put together.
-constexpr std::uint32_t seven_of_each(std::uint32_t word) {
-  word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
-  return (word & 0x3fff) | (word & 0x3fff0000) >> 2;
-}
-
-// The same for numbers of any size: up to four bytes are taken as one word, without a branch on how many they are.
+// For numbers of any size: up to four bytes are taken as one word, without a branch on how many they are.
 template <class Value>
-PAVO_ZORV_INLINE varint<Value> read_number(const byte *at, const byte *end) {
+inline varint<Value> read_number(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) [[likely]]
     return {at + 1, *at};
   if (end - at >= 4) {
@@ -175,13 +133,88 @@ struct delimited {
   std::size_t length() const { return static_cast<std::size_t>(last - first); }
 };
 
-PAVO_ZORV_INLINE delimited read_delimited(const byte *at, const byte *end) {
+inline delimited read_delimited(const byte *at, const byte *end) {
   const auto [first, length] = read_varint<std::uint32_t>(at, end);
   if (first == nullptr || length > static_cast<std::size_t>(end - first)) return {nullptr, nullptr};
   return {first, first + length};
 }
 
 // Steps over a length and the bytes after it; null when either runs past the end.
-PAVO_ZORV_INLINE const byte *skip_delimited(const byte *at, const byte *end) { return read_delimited(at, end).last; }
+inline const byte *skip_delimited(const byte *at, const byte *end) { return read_delimited(at, end).last; }
+
+// What reading a field came to: the place after it, or null and the failure.
+struct step {
+  const byte *next;
+  int result;
+};
+
+constexpr step failed(int result) { return {nullptr, result}; }
+
+// Steps over the value of an unknown field. One of known size that runs past the end ends the message in good order.
+PAVO_ZORV_NOINLINE inline step skip_unknown(std::uint32_t key, const byte *at, const byte *end) {
+  std::size_t size = 0;
+  switch (static_cast<wire_type>(key & 7)) {
+    case wire_type::varint:
+      at = skip_varint(at, end);
+      return at != nullptr ? step{at, CODEC_OK} : failed(CODEC_ERR_TRUNCATED);
+    case wire_type::fixed64:
+      size = 8;
+      break;
+    case wire_type::fixed32:
+      size = 4;
+      break;
+    case wire_type::delimited: {
+      const auto [next, length] = read_varint<std::uint32_t>(at, end);
+      if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
+      at = next;
+      size = length;
+      break;
+    }
+    default:
+      return failed(CODEC_ERR_BAD_WIRE_TYPE);
+  }
+  return {size < static_cast<std::size_t>(end - at) ? at + size : end, CODEC_OK};
+}
+
+// --- Writing, from the last byte to the first ---
+
+// A varint that ends before `at`; returns where it begins. No other byte is touched.
+template <class Value>
+PAVO_ZORV_NOINLINE byte *prepend_long_varint(byte *at, Value value) {
+  unsigned shift = 7 * (static_cast<unsigned>(varint_size(value)) - 1);
+  *--at = static_cast<byte>(value >> shift);
+  while (shift != 0) {
+    shift -= 7;
+    *--at = static_cast<byte>(value >> shift | 0x80);
+  }
+  return at;
+}
+
+template <class Value>
+inline byte *prepend_varint(byte *at, Value value) {
+  if (value >= 0x80) return prepend_long_varint(at, value);
+  *--at = static_cast<byte>(value);
+  return at;
+}
+
+// The same for a value of three bytes or more where up to eight can be stored at once: those before the varint, down
+// to `first`, are not yet written.
+template <class Value>
+PAVO_ZORV_NOINLINE byte *prepend_word(byte *first, byte *at, Value value) {
+  if (value < 0x200000) {
+    at[-1] = static_cast<byte>(value >> 14);
+    at[-2] = static_cast<byte>(value >> 7 | 0x80);
+    at[-3] = static_cast<byte>(value | 0x80);
+    return at - 3;
+  }
+  if (value < 0x10000000) {
+    store_word(at - 4, static_cast<std::uint32_t>(varint_word(value, 4)));
+    return at - 4;
+  }
+  const auto size = static_cast<unsigned>(long_varint_size(value));
+  if (size > 8 || at - first < 8) return prepend_long_varint(at, value);
+  store_word(at - 8, varint_word(value, size) << 8 * (8 - size));
+  return at - size;
+}
 
 }  // namespace pavo_zorv

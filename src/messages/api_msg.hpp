@@ -1,7 +1,7 @@
 // The message envelope.
 #pragma once
 
-#include "../core/kinds.hpp"
+#include "core/kinds.hpp"
 #include "api_msg_p2p_auto_policy.hpp"
 #include "api_msg_p2p_auto_policy_exchange.hpp"
 #include "api_msg_p2p_auto_policy_notif.hpp"
@@ -16,7 +16,7 @@ namespace pavo_zorv {
 
 template <>
 inline constexpr auto schema<api_msg> = message(
-    scalar(1, "field1", &api_msg::field1),
+    integer(1, "field1", &api_msg::field1),
     nested(2, "internal", &api_msg::internal),
     nested(3, "field3", &api_msg::field3),
     nested(4, "field4", &api_msg::field4),

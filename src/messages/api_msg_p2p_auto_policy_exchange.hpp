@@ -1,7 +1,7 @@
 // Requests, responses and sweeps of automatically created policies.
 #pragma once
 
-#include "../core/kinds.hpp"
+#include "core/kinds.hpp"
 #include "api_msg_p2p_auto_policy.hpp"
 #include "api_msg_p2p_auto_policy_notif.hpp"
 #include "pavo_zorv.h"
@@ -11,18 +11,18 @@ namespace pavo_zorv {
 template <>
 inline constexpr auto schema<api_msg_p2p_auto_policy_request> = message(
     nested(1, "policy", &api_msg_p2p_auto_policy_request::policy),
-    scalar(2, "field2", &api_msg_p2p_auto_policy_request::field2),
-    scalar(3, "field3", &api_msg_p2p_auto_policy_request::field3));
+    integer(2, "field2", &api_msg_p2p_auto_policy_request::field2),
+    integer(3, "field3", &api_msg_p2p_auto_policy_request::field3));
 
 template <>
 inline constexpr auto schema<api_msg_p2p_auto_policy_response> = message(
     nested(1, "notification", &api_msg_p2p_auto_policy_response::notification),
-    scalar(2, "field2", &api_msg_p2p_auto_policy_response::field2),
-    scalar(3, "field3", &api_msg_p2p_auto_policy_response::field3));
+    integer(2, "field2", &api_msg_p2p_auto_policy_response::field2),
+    integer(3, "field3", &api_msg_p2p_auto_policy_response::field3));
 
 template <>
 inline constexpr auto schema<api_msg_p2p_auto_policy_sweep> = message(
-    scalar(1, "field1", &api_msg_p2p_auto_policy_sweep::field1),
-    scalar(2, "field2", &api_msg_p2p_auto_policy_sweep::field2));
+    integer(1, "field1", &api_msg_p2p_auto_policy_sweep::field1),
+    integer(2, "field2", &api_msg_p2p_auto_policy_sweep::field2));
 
 }  // namespace pavo_zorv

@@ -1,7 +1,7 @@
 // The notification about an automatically created point-to-point policy.
 #pragma once
 
-#include "../core/kinds.hpp"
+#include "core/kinds.hpp"
 #include "api_addr_lbl_stack.hpp"
 #include "pavo_zorv.h"
 
@@ -11,30 +11,30 @@ template <>
 inline constexpr auto schema<api_msg_p2p_auto_policy_notif> = message(
     string(1, "field1", &api_msg_p2p_auto_policy_notif::field1),
     string(2, "field2", &api_msg_p2p_auto_policy_notif::field2),
-    scalar(3, "field3", &api_msg_p2p_auto_policy_notif::field3),
+    integer(3, "field3", &api_msg_p2p_auto_policy_notif::field3),
     flag(4, "field4", &api_msg_p2p_auto_policy_notif::field4),
     flag(5, "field5", &api_msg_p2p_auto_policy_notif::field5),
     flag(6, "field6", &api_msg_p2p_auto_policy_notif::field6),
-    scalar(7, "field7", &api_msg_p2p_auto_policy_notif::field7),
-    scalar(8, "field8", &api_msg_p2p_auto_policy_notif::field8),
+    integer(7, "field7", &api_msg_p2p_auto_policy_notif::field7),
+    integer(8, "field8", &api_msg_p2p_auto_policy_notif::field8),
     flag(9, "field9", &api_msg_p2p_auto_policy_notif::field9),
     nested(10, "label_stack", &api_msg_p2p_auto_policy_notif::label_stack),
-    scalar(11, "field11", &api_msg_p2p_auto_policy_notif::field11),
-    scalar(12, "field12", &api_msg_p2p_auto_policy_notif::field12),
+    integer(11, "field11", &api_msg_p2p_auto_policy_notif::field11),
+    integer(12, "field12", &api_msg_p2p_auto_policy_notif::field12),
     flag(13, "field13", &api_msg_p2p_auto_policy_notif::field13),
-    scalar(14, "field14", &api_msg_p2p_auto_policy_notif::field14),
-    repeated(15, "field15", &api_msg_p2p_auto_policy_notif::field15, &api_msg_p2p_auto_policy_notif::field15_count),
-    scalar(16, "field16", &api_msg_p2p_auto_policy_notif::field16),
-    scalar(17, "field17", &api_msg_p2p_auto_policy_notif::field17),
-    scalar(18, "field18", &api_msg_p2p_auto_policy_notif::field18),
-    scalar(19, "field19", &api_msg_p2p_auto_policy_notif::field19),
+    integer(14, "field14", &api_msg_p2p_auto_policy_notif::field14),
+    integer_list(15, "field15", &api_msg_p2p_auto_policy_notif::field15, &api_msg_p2p_auto_policy_notif::field15_count),
+    integer(16, "field16", &api_msg_p2p_auto_policy_notif::field16),
+    integer(17, "field17", &api_msg_p2p_auto_policy_notif::field17),
+    integer(18, "field18", &api_msg_p2p_auto_policy_notif::field18),
+    integer(19, "field19", &api_msg_p2p_auto_policy_notif::field19),
     flag(20, "field20", &api_msg_p2p_auto_policy_notif::field20),
     string(21, "field21", &api_msg_p2p_auto_policy_notif::field21),
-    repeated(22, "field22", &api_msg_p2p_auto_policy_notif::field22, &api_msg_p2p_auto_policy_notif::field22_count),
-    scalar(23, "field23", &api_msg_p2p_auto_policy_notif::field23),
-    scalar(24, "field24", &api_msg_p2p_auto_policy_notif::field24),
-    scalar(25, "field25", &api_msg_p2p_auto_policy_notif::field25),
+    integer_list(22, "field22", &api_msg_p2p_auto_policy_notif::field22, &api_msg_p2p_auto_policy_notif::field22_count),
+    integer(23, "field23", &api_msg_p2p_auto_policy_notif::field23),
+    integer(24, "field24", &api_msg_p2p_auto_policy_notif::field24),
+    integer(25, "field25", &api_msg_p2p_auto_policy_notif::field25),
     flag(26, "field26", &api_msg_p2p_auto_policy_notif::field26),
-    scalar(27, "field27", &api_msg_p2p_auto_policy_notif::field27));
+    integer(27, "field27", &api_msg_p2p_auto_policy_notif::field27));
 
 }  // namespace pavo_zorv

@@ -1,6 +1,6 @@
 // Policies.
 #include "api_policy.hpp"
 
-#include "../core/operations.hpp"
+#include "core/operations.hpp"
 
 PAVO_ZORV_OPERATIONS(api_policy)

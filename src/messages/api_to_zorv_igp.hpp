@@ -1,7 +1,7 @@
 // Messages towards the policy component and the IGP side.
 #pragma once
 
-#include "../core/kinds.hpp"
+#include "core/kinds.hpp"
 #include "api_aa_list.hpp"
 #include "api_intf_link_update.hpp"
 #include "api_nodeid_prefix.hpp"

@@ -1,7 +1,7 @@
 // OAM requests.
 #pragma once
 
-#include "../core/kinds.hpp"
+#include "core/kinds.hpp"
 #include "prefix_sid_type_binding_sid.hpp"
 #include "pavo_zorv.h"
 
@@ -9,13 +9,13 @@ namespace pavo_zorv {
 
 template <>
 inline constexpr auto schema<oam_req> = message(
-    scalar(1, "field1", &oam_req::field1),
-    scalar(2, "field2", &oam_req::field2),
+    integer(1, "field1", &oam_req::field1),
+    integer(2, "field2", &oam_req::field2),
     string(3, "field3", &oam_req::field3),
     nested(4, "prefix_sid", &oam_req::prefix_sid),
-    scalar(5, "field5", &oam_req::field5),
+    integer(5, "field5", &oam_req::field5),
     bytes(6, "field6", &oam_req::field6, &oam_req::field6_length),
-    scalar(7, "field7", &oam_req::field7),
-    scalar(8, "field8", &oam_req::field8));
+    integer(7, "field7", &oam_req::field7),
+    integer(8, "field8", &oam_req::field8));
 
 }  // namespace pavo_zorv

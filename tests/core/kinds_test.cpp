@@ -237,15 +237,15 @@ TEST(integer_list, takes_any_wire_type_inside_a_run_but_not_at_its_start) {
 }
 
 // An input that becomes another one of the same length when memory is asked for, so after a list has been counted.
-struct changing_input {
-  changing_input(const byte_string &before, const byte_string &after) : input(before), later(after) {
+struct input_changed_on_allocation {
+  input_changed_on_allocation(const byte_string &before, const byte_string &after) : input(before), later(after) {
     std::memset(static_cast<void *>(&record), 0, sizeof record);
     result = pavo_zorv::decode(record, input.data(), input.size(), allocate, this);
   }
-  ~changing_input() { pavo_zorv::release(record, accountant::release, &memory); }
+  ~input_changed_on_allocation() { pavo_zorv::release(record, accountant::release, &memory); }
 
   static void *allocate(std::size_t size, void *context) {
-    auto &self = *static_cast<changing_input *>(context);
+    auto &self = *static_cast<input_changed_on_allocation *>(context);
     std::memcpy(self.input.data(), self.later.data(), self.input.size());
     return accountant::allocate(size, &self.memory);
   }
@@ -261,14 +261,14 @@ struct changing_input {
 TEST(integer_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_zeros) {
   for (const std::size_t more : {0u, 60u}) {
     const byte_string elements = more * hex("40 05");
-    const changing_input byte_list(elements + hex("40 06 40 07"), elements + hex("40 06 40 87"));
+    const input_changed_on_allocation byte_list(elements + hex("40 06 40 07"), elements + hex("40 06 40 87"));
     EXPECT_EQ(byte_list.result, CODEC_ERR_TRUNCATED);
     ASSERT_EQ(byte_list.record.octets_count, more + 2);
     EXPECT_EQ(byte_string(byte_list.record.octets, byte_list.record.octets + more + 2), byte_string(more + 2, 0x00));
     EXPECT_EQ(fields_of(byte_list.record), 0u);
 
     const byte_string words = more * hex("48 c1 bb 01");
-    const changing_input word_list(words + hex("48 06 48 07"), words + hex("48 06 c8 87"));
+    const input_changed_on_allocation word_list(words + hex("48 06 48 07"), words + hex("48 06 c8 87"));
     EXPECT_EQ(word_list.result, CODEC_ERR_TRUNCATED);
     ASSERT_EQ(word_list.record.words_count, more + 2);
     for (std::size_t i = 0; i < more + 2; ++i) EXPECT_EQ(word_list.record.words[i], 0u) << i;
@@ -277,7 +277,7 @@ TEST(integer_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_zer
 }
 
 TEST(integer_list, that_ends_earlier_than_it_was_counted_is_refused_and_holds_zeros) {
-  const changing_input list(70 * hex("48 05"), 69 * hex("48 05") + hex("18 05"));
+  const input_changed_on_allocation list(70 * hex("48 05"), 69 * hex("48 05") + hex("18 05"));
   EXPECT_EQ(list.result, CODEC_ERR_TRUNCATED);
   ASSERT_EQ(list.record.words_count, 70u);
   for (std::size_t i = 0; i < 70; ++i) EXPECT_EQ(list.record.words[i], 0u) << i;
@@ -339,7 +339,7 @@ TEST(message_list, with_a_length_cut_off_after_its_fifth_byte_is_refused_before_
 TEST(message_list, that_is_cut_off_after_it_was_counted_is_refused_and_holds_what_was_read) {
   for (const byte_string &after : {hex("5a 02 08 05 5a 01 08"), hex("5a 02 08 05 5a 02 08"),
                                    hex("5a 02 08 05 5a 80 80"), hex("5a 02 08 05 da 80 80")}) {
-    const changing_input list(hex("5a 02 08 05 5a 01 08"), after);
+    const input_changed_on_allocation list(hex("5a 02 08 05 5a 01 08"), after);
     EXPECT_EQ(list.result, CODEC_ERR_TRUNCATED) << show(after);
     ASSERT_EQ(list.record.list_count, 2u);
     EXPECT_EQ(list.record.list[0].number, 5u);

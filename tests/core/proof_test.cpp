@@ -6,9 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/decode.hpp"
-#include "core/encode.hpp"
 #include "core/memory.hpp"
+#include "core/writer.hpp"
 #include "support.hpp"
 
 namespace {
@@ -157,11 +156,11 @@ void agree_on_number(Value value, std::size_t before, Size size_of, Long prepend
     ASSERT_EQ(std::memcmp(ours, twins, sizeof ours), 0) << what << ", " << value << ", room for " << room;
   };
   clear();
-  ASSERT_EQ(core::bytes_before{}.prepend_varint(ours + room, value) - ours, static_cast<std::ptrdiff_t>(before));
+  ASSERT_EQ(core::prepend_varint(ours + room, value) - ours, static_cast<std::ptrdiff_t>(before));
   ASSERT_EQ(prepend_long(twins + room, value) - twins, static_cast<std::ptrdiff_t>(before));
   same("byte by byte");
   clear();
-  ASSERT_EQ((core::quick_sink{ours, nullptr}.prepend_varint(ours + room, value)) - ours,
+  ASSERT_EQ(core::writer::exact(ours, nullptr, false).prepend_varint(ours + room, value) - ours,
             static_cast<std::ptrdiff_t>(before));
   ASSERT_EQ(prepend(twins, twins + room, value) - twins, static_cast<std::ptrdiff_t>(before));
   same("exact");
@@ -169,7 +168,7 @@ void agree_on_number(Value value, std::size_t before, Size size_of, Long prepend
   ASSERT_TRUE(read.next == twins + room && read.value == value) << value;
   for (const std::size_t length : {std::size_t{0}, before, before + 1, before + size / 2, room - 1, room}) {
     clear();
-    ASSERT_EQ((core::clipped_sink{ours, length, nullptr}.prepend_varint(room, value)), before);
+    ASSERT_EQ(core::clipped_writer(ours, length, nullptr, false).prepend_varint(room, value), before);
     ASSERT_EQ(clipped(twins, length, room, value), before);
     same("clipped");
   }

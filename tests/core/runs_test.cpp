@@ -1,10 +1,9 @@
 // The fast loops over runs of integers against their plain twins: on every short input, at every distance to the ends
 // of the buffer, for both sizes of key and of element.
-#include "core/runs.hpp"
-
 #include <algorithm>
 #include <random>
 
+#include "core/kinds/integer_list.hpp"
 #include "support.hpp"
 
 namespace {
@@ -319,8 +318,8 @@ TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
 
 INSTANTIATE_TEST_SUITE_P(fields, both_readers, ::testing::Values(1u, 2u, 15u, 16u, 22u, 27u));
 
-// After an odd key, elements are taken one by one until sixteen keys in a row have been in their shortest form. The run
-// begins with a value; the place is that of the next one.
+// After an odd key, elements are taken one by one until sixteen keys in a row have been in their shortest form. The
+// run begins with a value; the place is that of the next one.
 template <unsigned KeySize>
 void are_taken_one_by_one(const byte_string &run, std::size_t elements, std::size_t place) {
   const fenced_block input(run);
@@ -420,18 +419,6 @@ TEST(bits, are_counted) {
   }
 }
 
-TEST(bits, of_a_mask_are_counted) {
-  for (unsigned bits = 0; bits < 1024; ++bits) {
-    const unsigned first = bits & 1, third = bits >> 2 & 1, tenth = bits >> 9;
-    EXPECT_EQ(pavo_zorv::count_bits<0b1>(bits), first);
-    EXPECT_EQ(pavo_zorv::count_bits<0b100>(bits), third);
-    EXPECT_EQ(pavo_zorv::count_bits<0b101>(bits), first + third);
-    EXPECT_EQ(pavo_zorv::count_bits<0b1000000100>(bits), third + tenth);
-    EXPECT_EQ(pavo_zorv::count_bits<0b1000000101>(bits), first + third + tenth);
-    EXPECT_EQ(pavo_zorv::count_bits<0b11111111>(bits), pavo_zorv::count_bits(bits & 0xff));
-  }
-}
-
 // --- Measuring and writing ---
 
 template <class Element>
@@ -458,18 +445,18 @@ class both_writers : public ::testing::Test {
     ASSERT_EQ(pavo_zorv::measure_integers(data, elements.size()), values) << ::testing::PrintToString(elements);
     const std::size_t length = elements.size() * key_size + values;
     byte_string plain(before + length + 16, 0xc7), fast = plain;
-    const auto write = [&](byte_string &into, auto prepend) {
-      byte *const first = into.data();
-      return prepend(pavo_zorv::quick_sink{first, nullptr}, first + before + length) - first;
+    const auto start_of = [&](byte_string &into, auto write) {
+      auto to = pavo_zorv::writer::exact(into.data(), nullptr, false);
+      return write(to, into.data() + before + length) - into.data();
     };
-    ASSERT_EQ(write(plain,
-                    [&](const auto &sink, byte *at) {
-                      return pavo_zorv::plain::prepend_integers(sink, at, number, data, elements.size());
-                    }),
+    ASSERT_EQ(start_of(plain,
+                       [&](auto &to, byte *at) {
+                         return pavo_zorv::plain::write_integers(to, at, number, data, elements.size());
+                       }),
               static_cast<std::ptrdiff_t>(before));
     ASSERT_EQ(
-        write(fast, [&](const auto &sink,
-                        byte *at) { return pavo_zorv::prepend_integers(sink, at, number, data, elements.size()); }),
+        start_of(fast,
+                 [&](auto &to, byte *at) { return pavo_zorv::write_integers(to, at, number, data, elements.size()); }),
         static_cast<std::ptrdiff_t>(before));
     // What lies before is not yet written when the run is, and may be overwritten; what lies after is not.
     ASSERT_EQ(byte_string(fast.begin() + static_cast<std::ptrdiff_t>(before), fast.end()),
@@ -531,41 +518,40 @@ TYPED_TEST(both_writers, agree_on_long_arrays) {
   this->agree(some, 16, 0);
 }
 
-// --- Comparing ---
-
-// A list of integers asks for its room before it writes: below the floor it touches no more than one store does.
+// A list of integers is reserved before it is written: below the limit nothing is touched but by one store, and where
+// it does not fit, nothing is written.
 template <class Element>
-void asks_for_its_room(unsigned number, Element value, std::size_t bytes_of_value) {
+void is_reserved(unsigned number, Element value, std::size_t bytes_of_value) {
   const std::size_t each = (number < 16 ? 1 : 2) + bytes_of_value;
   const std::vector<Element> values(700, value);
   for (const std::size_t count : {1u, 3u, 4u, 5u, 8u, 9u, 33u, 100u, 699u, 700u}) {
     for (std::size_t above = 0; above <= 1200; above += 1 + above / 100) {
-      constexpr std::size_t below = 8192, of_one_store = 16;
-      byte_string space(below + above, 0xc7);
-      byte *const first = space.data(), *const floor = first + below, *const end = floor + above;
-      const pavo_zorv::quick_sink sink{first, nullptr, floor};
-      const auto *const start = pavo_zorv::prepend_integers(sink, end, number, values.data(), count);
-      if (each * count <= above) {
-        ASSERT_EQ(static_cast<std::size_t>(end - start), each * count) << count << " elements, " << above << " bytes";
-      } else {
-        ASSERT_TRUE(sink.is_full(start)) << count << " elements, " << above << " bytes";
-      }
-      ASSERT_EQ(std::count(first, floor - of_one_store, 0xc7), static_cast<std::ptrdiff_t>(below - of_one_store))
+      constexpr std::size_t slop = 8192, of_one_store = 16;
+      byte_string space(slop + above, 0xc7);
+      byte *const first = space.data(), *const limit = first + slop, *const end = limit + above;
+      auto to = pavo_zorv::writer::scratch(first, slop, false);
+      const auto *const start = pavo_zorv::write_integers(to, end, number, values.data(), count);
+      const std::size_t written = each * count <= above ? each * count : 0;
+      ASSERT_EQ(static_cast<std::size_t>(end - start), written) << count << " elements, " << above << " bytes";
+      ASSERT_EQ(to.overflowed(), each * count > above) << count << " elements, " << above << " bytes";
+      ASSERT_EQ(std::count(first, limit - of_one_store, 0xc7), static_cast<std::ptrdiff_t>(slop - of_one_store))
           << count << " elements, " << above << " bytes";
     }
   }
 }
 
-TEST(writing_aside, a_list_of_integers_asks_for_its_room) {
+TEST(writing_by_scratch, a_list_of_integers_is_reserved) {
   for (const unsigned number : {1u, 15u, 16u, 27u}) {
-    asks_for_its_room<std::uint32_t>(number, 0, 1);
-    asks_for_its_room<std::uint32_t>(number, 0x3fff, 2);
-    asks_for_its_room<std::uint32_t>(number, 0x1fffff, 3);
-    asks_for_its_room<std::uint32_t>(number, 0xffffffff, 5);
-    asks_for_its_room<std::uint8_t>(number, 0x7f, 1);
-    asks_for_its_room<std::uint8_t>(number, 0xff, 2);
+    is_reserved<std::uint32_t>(number, 0, 1);
+    is_reserved<std::uint32_t>(number, 0x3fff, 2);
+    is_reserved<std::uint32_t>(number, 0x1fffff, 3);
+    is_reserved<std::uint32_t>(number, 0xffffffff, 5);
+    is_reserved<std::uint8_t>(number, 0x7f, 1);
+    is_reserved<std::uint8_t>(number, 0xff, 2);
   }
 }
+
+// --- Comparing ---
 
 TEST(comparing_integers, reads_nothing_after_them) {
   for (std::size_t length = 0; length <= 40; ++length) {

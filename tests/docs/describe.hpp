@@ -31,9 +31,9 @@ std::string kind_text() {
   } else if constexpr (row::type == kind::integer_list) {
     return "list of " + integer_text<typename row::element>() + " integers";
   } else if constexpr (row::type == kind::message_list) {
-    return std::string("list of `") + pavo_zorv::message_name<typename row::nested> + "`";
+    return std::string("list of `") + pavo_zorv::message_name<typename row::message> + "`";
   } else {
-    return std::string("nested `") + pavo_zorv::message_name<typename row::nested> + "`";
+    return std::string("nested `") + pavo_zorv::message_name<typename row::message> + "`";
   }
 }
 

@@ -1,5 +1,6 @@
 // The laws on large records: an envelope with all of its sixteen members, and a list of a thousand policies.
 #include "checks.hpp"
+#include "core/encode.hpp"
 #include "messages/all.hpp"
 
 namespace test {
@@ -145,8 +146,8 @@ TEST(memory_asked_for, is_36_times_the_input_for_a_list_of_empty_policies) {
   for (const message_type *const type : subjects()) EXPECT_LE(memory_per_byte(*type), 36u) << type->name;
 }
 
-// What is written aside without asking for room, the numbers of a message and of those in it, after something that asks
-// for it: that is written first, and may leave room for the numbers, for some of them or for none.
+// What is written by scratch without being reserved, the numbers of a message and of those in it, after something that
+// is reserved: that is written first, and may leave room for the numbers, for some of them or for none.
 class numbers_before_a_block : public law {
  protected:
   // Numbers as large as they get, and nothing else; notes what could be there besides.
@@ -174,10 +175,10 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
   arena storage;
   const view record(type, storage.block(type.size));
   fill(record);
-  const std::size_t numbers = measured(record), aside = pavo_zorv::most_aside;
-  const std::vector<unsigned char> text(aside + 1000, 'x');
-  const std::vector<std::uint32_t> labels(aside, 24001);
-  const fence room(aside + 2000);
+  const std::size_t numbers = measured(record), scratch = pavo_zorv::scratch_size;
+  const std::vector<unsigned char> text(scratch + 1000, 'x');
+  const std::vector<std::uint32_t> labels(scratch, 24001);
+  const fence room(scratch + 2000);
   for (const auto &[holder, block] : blocks) {
     SCOPED_TRACE(block->name);
     holder.set_has(*block, true);
@@ -188,11 +189,11 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
       each = (block->number < 16 ? 1 : 2) + (block->width == 4 ? 3u : 1u);
     } else if (block->kind == kind::message_list) {
       each = (block->number < 16 ? 2 : 3);
-      elements.resize((aside / each + 1000) * block->nested->size);
+      elements.resize((scratch / each + 1000) * block->nested->size);
     }
     // Some fifty places in between.
     const std::size_t step = std::max(each, (numbers + 32) / 48) / each;
-    for (std::size_t count = (aside - numbers - 16) / each; count <= aside / each + 16; count += step) {
+    for (std::size_t count = (scratch - numbers - 16) / each; count <= scratch / each + 16; count += step) {
       std::vector<char> string;
       if (block->kind == kind::string) {
         string.assign(count + 1, 'x');
@@ -205,7 +206,7 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
         holder.set_count(*block, count);
       }
       const encoding_model model = model_encode(record, false);
-      for (const std::size_t length : {model.bytes.size(), aside}) {
+      for (const std::size_t length : {model.bytes.size(), scratch}) {
         ASSERT_NO_FATAL_FAILURE(check_written(record, model, room, length, 0)) << count;
       }
     }

@@ -195,7 +195,7 @@ field describe_row() {
     result.is_signed = std::is_signed_v<typename row_type::element>;
   }
   if constexpr (row.type == kind::nested || row.type == kind::message_list) {
-    result.nested = &describe<typename row_type::nested>();
+    result.nested = &describe<typename row_type::message>();
   }
   return result;
 }

@@ -22,8 +22,8 @@ inline void PrintTo(const visits &seen, std::ostream *out) {
 }
 
 template <class Record>
-struct counting_row : pavo_zorv::integer_row<Record, std::uint32_t> {
-  using base = pavo_zorv::integer_row<Record, std::uint32_t>;
+struct counting_row : pavo_zorv::integer<Record, std::uint32_t> {
+  using base = pavo_zorv::integer<Record, std::uint32_t>;
   template <class... Arguments>
   auto decode(Arguments &&...arguments) const {
     ++counted.decoded;
@@ -82,15 +82,15 @@ inline constexpr auto schema<test::nest<Depth>> = message(nested(1, "inner", &te
 
 template <>
 inline constexpr auto schema<test::nest<0>> = message(test::counting_row<test::nest<0>>{
-    scalar(1, "value", &test::nest<0>::value)});
+    integer(1, "value", &test::nest<0>::value)});
 
 template <unsigned Depth>
-inline constexpr auto schema<test::tree<Depth>> = message(repeated(1, "branches", &test::tree<Depth>::branches,
-                                                                   &test::tree<Depth>::branches_count));
+inline constexpr auto schema<test::tree<Depth>> = message(message_list(1, "branches", &test::tree<Depth>::branches,
+                                                                       &test::tree<Depth>::branches_count));
 
 template <>
 inline constexpr auto schema<test::tree<0>> = message(test::counting_row<test::tree<0>>{
-    scalar(1, "value", &test::tree<0>::value)});
+    integer(1, "value", &test::tree<0>::value)});
 
 }  // namespace pavo_zorv
 
@@ -158,29 +158,35 @@ TEST(linear_work, each_of_1024_leaves_in_lists_of_lists_is_visited_as_often_as_o
 }
 
 // Writes as the library does where everything fits, and counts the bytes that it writes.
-struct counting_sink {
-  using place = unsigned char *;
-  pavo_zorv::segment_table *table;
-  std::size_t *bytes_written;
+class counting_writer {
+ public:
+  using position = unsigned char *;
 
-  static constexpr bool is_full(place) { return false; }
-  place start_of(place message) const { return message; }
-  place prepend_byte(place at, unsigned char value) const {
-    ++*bytes_written;
+  static constexpr pavo_zorv::segment_table *table() { return nullptr; }
+  static constexpr bool referenced() { return false; }
+  static constexpr bool reserve(position, std::uint64_t) { return true; }
+  static position address(position at) { return at; }
+
+  position prepend_byte(position at, unsigned char value) const {
+    ++bytes_written;
     *--at = value;
     return at;
   }
   template <class Value>
-  place prepend_varint(place at, Value value) const {
-    return pavo_zorv::prepend_long_varint(*this, at, value);
+  position prepend_varint(position at, Value value) const {
+    position const start = pavo_zorv::prepend_varint(at, value);
+    bytes_written += static_cast<std::size_t>(at - start);
+    return start;
   }
-  place prepend_block(place at, const void *block, std::uint64_t size) const {
+  position prepend_block(position at, const void *block, std::uint64_t size) const {
     const auto length = static_cast<std::size_t>(size);
-    *bytes_written += length;
+    bytes_written += length;
     at -= length;
     if (length != 0) std::memcpy(at, block, length);
     return at;
   }
+
+  mutable std::size_t bytes_written = 0;
 };
 
 TEST(linear_work, every_byte_of_every_message_is_written_once) {
@@ -190,11 +196,10 @@ TEST(linear_work, every_byte_of_every_message_is_written_once) {
       const byte_string bytes = model_encode(record, false).bytes;
       on_trial() = bytes;
       const fenced_block buffer(bytes.size());
-      std::size_t written = 0;
-      const counting_sink sink{nullptr, &written};
-      pavo_zorv::write_message(record.as<Record>(), sink, buffer.data() + bytes.size(), false);
+      counting_writer to;
+      pavo_zorv::write_message(record.as<Record>(), to, buffer.data() + bytes.size());
       EXPECT_EQ(buffer.content(), bytes);
-      EXPECT_EQ(written, bytes.size()) << record.type().name;
+      EXPECT_EQ(to.bytes_written, bytes.size()) << record.type().name;
     });
   });
 }

@@ -20,7 +20,7 @@ TEST(bounds, are_those_of_the_greatest_record_in_a_list) {
     pavo_zorv::for_each_row<record>([&](auto index) {
       using row = std::remove_cvref_t<decltype(pavo_zorv::row_at<record, index>)>;
       if constexpr (row::type == pavo_zorv::kind::message_list)
-        greatest = std::max(greatest, sizeof(typename row::nested));
+        greatest = std::max(greatest, sizeof(typename row::message));
     });
   });
   if (sizeof(void *) == 8) {

@@ -1,5 +1,6 @@
-// Buffers around 8,192 bytes, or 3,072 in builds that use less stack, up to which an encoding is written aside:
+// Buffers around 8,192 bytes, or 3,072 in builds that use less stack, up to which an encoding is written by scratch:
 // whatever it holds, and however much that is, the buffer gets what belongs in it and nothing else.
+#include "core/encode.hpp"
 #include "message_checks.hpp"
 #include "messages/all.hpp"
 
@@ -144,17 +145,16 @@ TEST(short_buffers, get_messages_of_a_list_with_lists_inside) {
   }
 }
 
-// --- Every length from just below what is written aside to well above: where the room for it ends is a sum. ---
+// --- Every length from just below what is written by scratch to well above: where it still fits is a sum. ---
 
-// Beyond the longest encoding that is written aside lies the room for what asks for none, at most as much as an
-// envelope takes: the lengths end beyond that.
-constexpr std::size_t first_length = pavo_zorv::most_aside - 12,
-                      last_length = pavo_zorv::most_aside + pavo_zorv::bytes_unasked<api_msg>() + 72;
+// Below the limit lies the slop, for what is not reserved, of at most an envelope's: the lengths end beyond that.
+constexpr std::size_t first_length = pavo_zorv::scratch_size - 12,
+                      last_length = pavo_zorv::scratch_size + pavo_zorv::slop_of<api_msg>() + 72;
 
-// Encodes into a buffer of exactly the size, and into the longest for which an encoding is written aside.
+// Encodes into a buffer of exactly the size, and into the longest for which an encoding is written by scratch.
 template <class Record>
 void is_written_near(const Record &record, const byte_string &encoding, const block &block = {}) {
-  for (const std::size_t length : {encoding.size(), pavo_zorv::most_aside}) {
+  for (const std::size_t length : {encoding.size(), pavo_zorv::scratch_size}) {
     const fenced_block buffer(length);
     const std::size_t written = std::min(length, encoding.size());
     byte_string expected(encoding.begin(), encoding.begin() + static_cast<std::ptrdiff_t>(written));
@@ -174,7 +174,7 @@ byte_string varint_of(std::size_t value) {
 }
 
 // Labels of three bytes, and one of another size, first or last: so that every length comes up.
-TEST(lengths_near_what_is_written_aside, of_labels) {
+TEST(lengths_near_the_scratch_size, of_labels) {
   static constexpr std::uint32_t others[] = {0x0fffffff, 0xffffffff, 300, 24002};
   const byte_string other_bytes[] = {hex("08 ff ff ff 7f"), hex("08 ff ff ff ff 0f"), hex("08 ac 02"),
                                      hex("08 c2 bb 01")};
@@ -193,7 +193,7 @@ TEST(lengths_near_what_is_written_aside, of_labels) {
   }
 }
 
-TEST(lengths_near_what_is_written_aside, of_a_list_of_bytes) {
+TEST(lengths_near_the_scratch_size, of_a_list_of_bytes) {
   for (std::size_t length = first_length; length <= last_length; ++length) {
     // One of three bytes where the length is odd.
     std::vector<std::uint8_t> elements(length / 2, 5);
@@ -217,7 +217,7 @@ TEST(lengths_near_what_is_written_aside, of_a_list_of_bytes) {
 }
 
 // A key of two bytes, and numbers of ten after the list, which are written before it.
-TEST(lengths_near_what_is_written_aside, of_a_list_with_a_long_key) {
+TEST(lengths_near_the_scratch_size, of_a_list_with_a_long_key) {
   for (std::size_t length = first_length; length <= last_length; ++length) {
     api_msg_p2p_auto_policy_notif record{};
     const byte_string number = hex("d8 01 ff ff ff ff ff ff ff ff ff 01");  // field 27
@@ -232,7 +232,7 @@ TEST(lengths_near_what_is_written_aside, of_a_list_with_a_long_key) {
   }
 }
 
-TEST(lengths_near_what_is_written_aside, of_strings_and_bytes) {
+TEST(lengths_near_the_scratch_size, of_strings_and_bytes) {
   for (std::size_t length = first_length; length <= last_length; ++length) {
     const std::size_t inner = length - 3;  // a key, and a length of two bytes
     std::string text(inner, 'x');

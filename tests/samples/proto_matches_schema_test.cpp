@@ -55,9 +55,9 @@ void expect_field(const Row &row, const google::protobuf::Descriptor &message) {
   EXPECT_EQ(field->label(), is_list ? FieldDescriptor::LABEL_REPEATED : FieldDescriptor::LABEL_OPTIONAL);
   EXPECT_FALSE(field->is_packed());
   EXPECT_FALSE(field->has_default_value());
-  if constexpr (requires { typename Row::nested; }) {
+  if constexpr (requires { typename Row::message; }) {
     ASSERT_NE(field->message_type(), nullptr);
-    EXPECT_EQ(field->message_type()->name(), pavo_zorv::message_name<typename Row::nested>);
+    EXPECT_EQ(field->message_type()->name(), pavo_zorv::message_name<typename Row::message>);
   }
   google::protobuf::SourceLocation location;
   ASSERT_TRUE(field->GetSourceLocation(&location));

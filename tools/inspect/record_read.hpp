@@ -91,8 +91,8 @@ class record_reader {
           from, record.*row.count,
           [&](const node &each, typename Row::element &element) { element = number<typename Row::element>(each); });
     } else if constexpr (Row::type == kind::message_list) {
-      record.*row.elements = list<typename Row::nested>(
-          from, record.*row.count, [&](const node &each, typename Row::nested &element) { read(each, element); });
+      record.*row.elements = list<typename Row::message>(
+          from, record.*row.count, [&](const node &each, typename Row::message &element) { read(each, element); });
     } else {
       read(from, record.*row.value);
     }

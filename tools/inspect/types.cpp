@@ -81,7 +81,7 @@ field_type make_field() {
     field.bits = sizeof(typename row_type::element) * 8;
     field.is_signed = std::is_signed_v<typename row_type::element>;
   } else if constexpr (row.type == kind::nested || row.type == kind::message_list) {
-    field.nested = &type_of<typename row_type::nested>;
+    field.nested = &type_of<typename row_type::message>;
   }
   return field;
 }

@@ -13,6 +13,7 @@
 #include "arena.hpp"
 #include "bytes.hpp"
 #include "core/schema.hpp"
+#include "core/wire.hpp"
 #include "json_form.hpp"
 #include "path.hpp"
 #include "pavo_zorv.h"

@@ -5,9 +5,8 @@
 #include <concepts>
 #include <type_traits>
 
-#include "../encode.hpp"
-#include "../measure.hpp"
-#include "../message.hpp"
+#include "core/message.hpp"
+#include "core/writer.hpp"
 
 namespace pavo_zorv {
 
@@ -16,7 +15,7 @@ concept integer_member = std::same_as<Value, std::uint8_t> || std::same_as<Value
     std::same_as<Value, std::int32_t> || std::same_as<Value, std::uint64_t> || std::same_as<Value, std::int64_t>;
 
 template <class Record, integer_member Value>
-struct integer_row : row {
+struct integer : row {
   static constexpr kind type = kind::integer;
   static constexpr wire_type wire = wire_type::varint;
   using element = Value;
@@ -25,12 +24,15 @@ struct integer_row : row {
   // What travels: the member's pattern, eight bits as part of a 32-bit number.
   using on_wire = std::conditional_t<sizeof(Value) == 8, std::uint64_t, std::uint32_t>;
 
-  static constexpr bool in_eight_bits() { return sizeof(Value) == 1; }
+  consteval integer(unsigned field_number, const char *field_name, Value Record::*member)
+      : row{field_number, field_name}, value(member) {}
+
+  static constexpr bool is_scalar() { return true; }
   static constexpr bool owns() { return false; }
   static constexpr bool holds_bytes() { return false; }
   constexpr auto members() const { return std::tuple{value}; }
 
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &, bool) const {
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &, bool) const {
     const auto [next, number_read] = read_number<on_wire>(at, end);
     if (next == nullptr) return failed(CODEC_ERR_TRUNCATED);
     record.*value = static_cast<Value>(number_read);
@@ -38,26 +40,25 @@ struct integer_row : row {
   }
 
   // What the value takes beyond one byte: the rest is measured with all scalars of the message.
-  PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
-    if constexpr (in_eight_bits()) return;
+  PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {
     const auto travels = static_cast<on_wire>(record.*value);
-    if (travels >= 0x80 && present) total.bytes += long_varint_size(travels) - 1;
+    if constexpr (sizeof(Value) == 1) {
+      if (travels >= 0x80) [[unlikely]]
+        total.bytes += present;
+    } else if (travels >= 0x80 && present) {
+      total.bytes += long_varint_size(travels) - 1;
+    }
   }
 
-  template <class Sink, class Entries>
-  PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
-                                              bool present, bool, Entries &) const {
+  template <class Writer, class Entries>
+  PAVO_ZORV_INLINE typename Writer::position write(Writer &writer, typename Writer::position at, const Record &record,
+                                                   bool present, Entries &) const {
     if (!present) return at;
-    at = sink.prepend_varint(at, static_cast<on_wire>(record.*value));
-    return prepend_key(sink, at, number, wire);
+    at = writer.prepend_varint(at, static_cast<on_wire>(record.*value));
+    return prepend_key(writer, at, number, wire);
   }
 
   PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const { return compare_values(a.*value, b.*value); }
 };
-
-template <class Record, integer_member Value>
-consteval auto scalar(unsigned number, const char *name, Value Record::*value) {
-  return integer_row<Record, Value>{{number, name}, value};
-}
 
 }  // namespace pavo_zorv

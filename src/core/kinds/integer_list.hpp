@@ -5,32 +5,52 @@
 #include <concepts>
 #include <cstring>
 
-#include "../blocks.hpp"
-#include "../encode.hpp"
-#include "../glance.hpp"
-#include "../measure.hpp"
-#include "../message.hpp"
-#include "../runs.hpp"
+#include "core/blocks.hpp"
+#include "core/emptiness.hpp"
+#include "core/message.hpp"
+#include "core/runs/reading.hpp"
+#include "core/runs/writing.hpp"
+#include "core/writer.hpp"
 
 namespace pavo_zorv {
+
+// Integers element by element, unsigned: -1, 0 or 1.
+inline int compare_integers(const std::uint8_t *a, const std::uint8_t *b, std::size_t count) {
+  return count != 0 ? compare_values(std::memcmp(a, b, count), 0) : 0;
+}
+
+// Equal blocks are found equal eight elements at a time; the first difference is looked for one by one.
+inline int compare_integers(const std::uint32_t *a, const std::uint32_t *b, std::size_t count) {
+  std::size_t index = 0;
+  while (count - index >= 8 && std::memcmp(a + index, b + index, 8 * sizeof *a) == 0) index += 8;
+  for (; index < count; ++index) {
+    if (a[index] != b[index]) return compare_values(a[index], b[index]);
+  }
+  return 0;
+}
 
 template <class Element>
 concept integer_element = std::same_as<Element, std::uint8_t> || std::same_as<Element, std::uint32_t>;
 
 template <class Record, integer_element Element>
-struct integer_list_row : row {
+struct integer_list : row {
   static constexpr kind type = kind::integer_list;
   static constexpr wire_type wire = wire_type::varint;
   using element = Element;
   Element *Record::*elements;
   std::uint32_t Record::*count;
 
+  consteval integer_list(unsigned field_number, const char *field_name, Element *Record::*array,
+                         std::uint32_t Record::*array_count)
+      : row{field_number, field_name}, elements(array), count(array_count) {}
+
+  static constexpr bool repeats_or_nests() { return true; }
   static constexpr bool owns() { return true; }
   static constexpr bool holds_bytes() { return false; }
   constexpr auto members() const { return std::tuple{elements, count}; }
 
   // A second run is refused, and a missing allocator found, before the values are looked at.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
@@ -50,25 +70,25 @@ struct integer_list_row : row {
     return {next, CODEC_OK};
   }
 
-  PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
+  PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {
     if (!present || record.*count == 0) return;
     total.bytes += std::uint64_t{record.*count} * varint_size(key_of(number, wire)) +
                    measure_integers(record.*elements, record.*count);
   }
 
-  template <class Sink, class Entries>
-  PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
-                                              bool present, bool, Entries &) const {
+  template <class Writer, class Entries>
+  PAVO_ZORV_INLINE typename Writer::position write(Writer &writer, typename Writer::position at, const Record &record,
+                                                   bool present, Entries &) const {
     if (!present) return at;
-    return prepend_integers(sink, at, number, record.*elements, record.*count);
+    return write_integers(writer, at, number, record.*elements, record.*count);
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
-    all.blocks |= reinterpret_cast<std::uintptr_t>(record.*elements);
-    all.elements |= record.*count;
+  PAVO_ZORV_INLINE void collect(const Record &record, owned_memory &all) const {
+    all.pointers |= reinterpret_cast<std::uintptr_t>(record.*elements);
+    all.counts |= record.*count;
   }
 
-  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+  PAVO_ZORV_INLINE bool copy(Record &record, const Record &source, copy_context &copying) const {
     const Element *const from = source.*elements;
     const std::uint32_t length = from != nullptr ? source.*count : 0;
     Element *const copy = length != 0 ? copying.memory.array<Element>(length) : nullptr;
@@ -83,7 +103,7 @@ struct integer_list_row : row {
 
   // The count stays: a record that is encoded again must be cleared before.
   PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const {
-    releaser.give_back(record.*elements);
+    releaser.release_block(record.*elements);
   }
 
   PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const {
@@ -93,10 +113,5 @@ struct integer_list_row : row {
     return compare_values(a.*count, b.*count);
   }
 };
-
-template <class Record, integer_element Element>
-consteval auto repeated(unsigned number, const char *name, Element *Record::*elements, std::uint32_t Record::*count) {
-  return integer_list_row<Record, Element>{{number, name}, elements, count};
-}
 
 }  // namespace pavo_zorv

@@ -3,26 +3,28 @@
 
 #include <cstring>
 
-#include "../blocks.hpp"
-#include "../encode.hpp"
-#include "../glance.hpp"
-#include "../measure.hpp"
-#include "../message.hpp"
+#include "core/blocks.hpp"
+#include "core/emptiness.hpp"
+#include "core/message.hpp"
+#include "core/writer.hpp"
 
 namespace pavo_zorv {
 
 template <class Record>
-struct string_row : row {
+struct string : row {
   static constexpr kind type = kind::string;
   static constexpr wire_type wire = wire_type::delimited;
   char *Record::*value;
+
+  consteval string(unsigned field_number, const char *field_name, char *Record::*member)
+      : row{field_number, field_name}, value(member) {}
 
   static constexpr bool owns() { return true; }
   static constexpr bool holds_bytes() { return false; }
   constexpr auto members() const { return std::tuple{value}; }
 
   // A second string is refused, and a missing allocator found, before the length is read.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decoding &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
@@ -36,27 +38,27 @@ struct string_row : row {
     return {characters.last, CODEC_OK};
   }
 
-  PAVO_ZORV_INLINE void measure(measuring &total, const Record &record, bool present) const {
+  PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {
     if (!present || record.*value == nullptr) return;
     const std::size_t length = std::strlen(record.*value);
-    total.bytes += varint_size(key_of(number, wire)) + measuring::length_size(length) + length;
+    total.bytes += varint_size(key_of(number, wire)) + length_size(length) + length;
   }
 
-  template <class Sink, class Entries>
-  PAVO_ZORV_INLINE typename Sink::place write(const Sink &sink, typename Sink::place at, const Record &record,
-                                              bool present, bool, Entries &) const {
+  template <class Writer, class Entries>
+  PAVO_ZORV_INLINE typename Writer::position write(Writer &writer, typename Writer::position at, const Record &record,
+                                                   bool present, Entries &) const {
     if (!present || record.*value == nullptr) return at;
     const std::size_t length = std::strlen(record.*value);
-    at = sink.prepend_block(at, record.*value, length);
-    at = sink.prepend_varint(at, static_cast<std::uint32_t>(length));
-    return prepend_key(sink, at, number, wire);
+    at = writer.prepend_block(at, record.*value, length);
+    at = writer.prepend_varint(at, static_cast<std::uint32_t>(length));
+    return prepend_key(writer, at, number, wire);
   }
 
-  PAVO_ZORV_INLINE void collect(const Record &record, possessions &all) const {
-    all.blocks |= reinterpret_cast<std::uintptr_t>(record.*value);
+  PAVO_ZORV_INLINE void collect(const Record &record, owned_memory &all) const {
+    all.pointers |= reinterpret_cast<std::uintptr_t>(record.*value);
   }
 
-  PAVO_ZORV_INLINE bool own(Record &record, const Record &source, copying &copying) const {
+  PAVO_ZORV_INLINE bool copy(Record &record, const Record &source, copy_context &copying) const {
     const char *const text = source.*value;
     if (text == nullptr) return true;
     const std::size_t length = std::strlen(text);
@@ -67,16 +69,13 @@ struct string_row : row {
     return true;
   }
 
-  PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const { releaser.give_back(record.*value); }
+  PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const {
+    releaser.release_block(record.*value);
+  }
 
   PAVO_ZORV_INLINE int compare(const Record &a, const Record &b) const {
-    return as_it_is(std::strcmp)(a.*value, b.*value);
+    return no_builtin(std::strcmp)(a.*value, b.*value);
   }
 };
-
-template <class Record>
-consteval auto string(unsigned number, const char *name, char *Record::*value) {
-  return string_row<Record>{{number, name}, value};
-}
 
 }  // namespace pavo_zorv

@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "../encode.hpp"
-#include "../wire.hpp"
+#include "core/writer.hpp"
 
 namespace pavo_zorv {
 
@@ -57,12 +56,12 @@ std::uint64_t measure_integers(const Element *elements, std::size_t count) {
 }
 
 // Writes integers backwards, each with its key.
-template <class Sink, class Element>
-typename Sink::place prepend_integers(const Sink &sink, typename Sink::place at, unsigned number,
-                                      const Element *elements, std::size_t count) {
+template <class Writer, class Element>
+typename Writer::position write_integers(const Writer &writer, typename Writer::position at, unsigned number,
+                                         const Element *elements, std::size_t count) {
   for (std::size_t index = count; index-- != 0;) {
-    at = sink.prepend_varint(at, std::uint32_t{elements[index]});
-    at = prepend_key(sink, at, number, wire_type::varint);
+    at = writer.prepend_varint(at, std::uint32_t{elements[index]});
+    at = prepend_key(writer, at, number, wire_type::varint);
   }
   return at;
 }

@@ -7,8 +7,9 @@
 #include <cstdint>
 #include <utility>
 
+#include "labels.hpp"
 #include "plain.hpp"
-#include "vectors.hpp"
+#include "windows.hpp"
 
 namespace pavo_zorv {
 
@@ -127,15 +128,11 @@ struct element_counter {
   static constexpr std::size_t blocks_left() { return SIZE_MAX; }
 };
 
-// The varint of up to five bytes at the low end of a word, cut to 32 bits; of longer ones, five bytes are taken.
-constexpr std::uint32_t varint_value(std::uint64_t word) {
-  const auto four = static_cast<std::uint32_t>(word), ends = ~four & 0x80808080;
-  const std::uint32_t value = seven_of_each(four & (ends ^ (ends - 1)));
-  const std::uint32_t fifth = static_cast<std::uint32_t>(word >> 32) << 28;
-  return value | (fifth & (static_cast<std::uint32_t>(ends != 0) - 1));
-}
+// Two words, and four numbers.
+using word_pair [[gnu::vector_size(16)]] = std::uint64_t;
+using four_numbers [[gnu::vector_size(16)]] = std::uint32_t;
 
-// The same for four words.
+// The values of four varints of up to five bytes, each at the low end of a word.
 PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &second, std::uint32_t *values) {
   constexpr int low = std::endian::native == std::endian::little ? 0 : 1, high = 1 - low;
   four_numbers halves, others;
@@ -190,7 +187,7 @@ struct element_reader {
   PAVO_ZORV_INLINE void words(elements_seen seen) {
     std::uint64_t ends = seen.ends;
     const byte *begin = seen.at;
-    const auto take = [&]() __attribute__((always_inline)) {
+    const auto take = [&]() PAVO_ZORV_INLINE_LAMBDA {
       const std::uint64_t word = load_word(begin);
       begin = seen.at + __builtin_ctzll(ends) + 1 + KeySize;
       ends &= ends - 1;
@@ -285,8 +282,8 @@ PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const byte *at, con
                     : count_regular<Element, 2>(key, at, end, whole.limit);
 }
 
-// Reads integers that have been counted; returns the place after the last. Null where the input has changed since then,
-// and fewer are there now; of more, only as many as were counted are read.
+// Reads integers that have been counted; returns the place after the last. Null where the input has changed since
+// then, and fewer are there now; of more, only as many as were counted are read.
 template <class Element>
 PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, unsigned number, const byte *at,
                                            const byte *end, const buffer &whole) {

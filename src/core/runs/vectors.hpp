@@ -1,4 +1,5 @@
-// Some integers of a run at once.
+// What the fast loops over runs share: vectors, and keys as they are on the wire. With windows.hpp and writing.hpp,
+// the only code for particular processors; it does what portable code does, which is beside it or in plain.hpp.
 #pragma once
 
 #include <bit>
@@ -6,59 +7,60 @@
 #include <cstdint>
 #include <cstring>
 
-#include "../windows.hpp"
-#include "../wire.hpp"
+#include "core/wire.hpp"
+
+#if defined(__AVX__)
+#include <immintrin.h>
+#elif defined(__SSSE3__)
+#include <tmmintrin.h>
+#elif defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace pavo_zorv {
 
 inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
 
-// Bits that no varint of three bytes has; a smaller number has the highest when 0x4000 is taken away.
-inline constexpr std::uint32_t beyond_labels = 0xffe00000;
+// As many numbers as a vector holds.
+using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
+inline constexpr std::size_t vector_numbers = vector_size / sizeof(std::uint32_t);
 
-// As many elements as a vector holds where each takes three bytes and, with the key after or before it, a 32-bit
-// word: labels of twenty bits mostly do. A quarter of the work that windows take.
-class label_block {
- public:
-  static constexpr std::size_t size = vector_size;
-  static constexpr std::size_t elements = size / 4;
-  static constexpr bool usable = std::endian::native == std::endian::little;
+// A key in its shortest form, as the bytes that stand on the wire: one, or two for numbers from 16 on.
+template <unsigned Size>
+struct key_bytes {
+  byte first;
+  byte second;
 
-  explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
+  explicit key_bytes(std::uint32_t key)
+      : first(static_cast<byte>(Size == 1 ? key : key | 0x80)), second(static_cast<byte>(key >> 7)) {}
 
-  // On the wire: whether each word is a value of three bytes and a key of one after it.
-  PAVO_ZORV_INLINE bool regular(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
-
-  PAVO_ZORV_INLINE void read(std::uint32_t *values) const {
-    const words labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
-    std::memcpy(values, &labels, size);
-  }
-
-  // In memory: whether each value takes three bytes.
-  PAVO_ZORV_INLINE static bool all_labels(const std::uint32_t *values) {
-    const words labels = label_block(values).words_;
-    return none((labels | (labels - 0x4000)) & beyond_labels);
-  }
-
-  // Each value with the key before it.
-  PAVO_ZORV_INLINE static void write(byte *at, std::uint32_t key, const std::uint32_t *values) {
-    const words labels = label_block(values).words_;
-    const words bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
-    std::memcpy(at, &bytes, size);
-  }
-
- private:
-  using words [[gnu::vector_size(size)]] = std::uint32_t;
-
-  words words_;
+  // At the low end of a word.
+  constexpr std::uint32_t word() const { return Size == 1 ? first : first | std::uint32_t{second} << 8; }
 };
 
-// Some numbers together.
-using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
-inline constexpr std::size_t numbers_together = vector_size / sizeof(std::uint32_t);
-
-// Two words, and four numbers.
-using word_pair [[gnu::vector_size(16)]] = std::uint64_t;
-using four_numbers [[gnu::vector_size(16)]] = std::uint32_t;
+// Whether no bit of a vector is set.
+template <class Vector>
+inline bool none(const Vector &bits) {
+#if defined(__AVX__)
+  if constexpr (sizeof bits == 32) {
+    __m256i all;
+    std::memcpy(&all, &bits, sizeof all);
+    return _mm256_testz_si256(all, all) != 0;
+  }
+#endif
+#if defined(__SSE2__)
+  if constexpr (sizeof bits == 16) {
+    __m128i all;
+    std::memcpy(&all, &bits, sizeof all);
+    // No branches: there is no condition, but GCC counts how an intrinsic function might throw.
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(all, _mm_setzero_si128())) == 0xffff;
+  }
+#endif
+  std::uint64_t parts[sizeof bits / 8];
+  std::memcpy(parts, &bits, sizeof bits);
+  std::uint64_t all = 0;
+  for (const std::uint64_t part : parts) all |= part;
+  return all == 0;
+}
 
 }  // namespace pavo_zorv

@@ -1,4 +1,4 @@
-// Lists of integers, measured and written as runs, and compared.
+// Runs of integers, written.
 #pragma once
 
 #include <algorithm>
@@ -6,96 +6,60 @@
 #include <cstdint>
 #include <cstring>
 
+#include "labels.hpp"
+#include "measuring.hpp"
 #include "plain.hpp"
-#include "vectors.hpp"
 
 namespace pavo_zorv {
 
-// How many bytes of a word have the highest bit: the product adds them up in the highest byte.
-constexpr std::size_t count_high(std::uint64_t word) {
-  constexpr std::uint64_t ones = 0x0101010101010101;
-  return static_cast<std::size_t>((word >> 7 & ones) * ones >> 56);
+// Reserves the bytes of a list. What it takes is measured only where the most that it could take does not fit.
+template <unsigned KeySize, class Element>
+bool reserve_run(writer &to, const byte *at, const Element *elements, std::size_t count) {
+  constexpr std::size_t longest = KeySize + (sizeof(Element) == 1 ? 2 : 5);
+  return to.has_room(at, std::uint64_t{count} * longest) ||
+         to.reserve(at, std::uint64_t{count} * KeySize + measure_integers(elements, count));
 }
 
-// Two bytes from 128 on. With 32 bits, the bytes of a list may be more than those of memory.
-inline std::uint64_t measure_integers(const std::uint8_t *elements, std::size_t count) {
-  std::uint64_t bytes = count;
-  for (; count >= 8; elements += 8, count -= 8) bytes += count_high(load_word(elements));
-  return count == 0 ? bytes : bytes + count_high(load_short(elements, count));
-}
+// --- Lists of 32-bit integers ---
 
-// One byte more for each power of 128 that an element reaches; a vector at a time. Labels of twenty bits, all of three
-// bytes, are seen together by the bits that any of them has, and those it has when 0x4000 is taken away.
-inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
-  using words [[gnu::vector_size(vector_size)]] = std::uint32_t;
-  using counts [[gnu::vector_size(vector_size)]] = std::int32_t;
-  constexpr std::size_t together = vector_size / sizeof *elements;
-  std::uint64_t bytes = 0;
-  while (count >= together) {
-    const std::size_t stretch = std::min<std::size_t>(count / together, 16);
-    words bits = {}, values;
-    for (std::size_t index = 0; index < stretch; ++index) {
-      std::memcpy(&values, elements + index * together, sizeof values);
-      bits |= values | (values - 0x4000);
-    }
-    if (none(bits & beyond_labels)) {
-      bytes += 3 * together * stretch;
-    } else {
-      counts sums = {};
-      for (std::size_t index = 0; index < stretch; ++index) {
-        std::memcpy(&values, elements + index * together, sizeof values);
-        sums -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
-      }
-      bytes += together * stretch;
-      for (std::size_t index = 0; index < together; ++index) bytes += static_cast<std::uint64_t>(sums[index]);
-    }
-    elements += stretch * together;
-    count -= stretch * together;
-  }
-  return bytes + plain::measure_integers(elements, count);
-}
-
-// Writes integers backwards, each with its key.
-template <class Sink, class Element>
-PAVO_ZORV_INLINE typename Sink::place prepend_integers(const Sink &sink, typename Sink::place at, unsigned number,
-                                                       const Element *elements, std::size_t count) {
-  return plain::prepend_integers(sink, at, number, elements, count);
-}
-
-// Varints of some numbers: the first four bytes of each in one number, and the fifth, or 0, in another.
-PAVO_ZORV_INLINE void varint_bytes(const std::uint32_t *numbers, std::uint32_t *four, std::uint32_t *fifth) {
+// The varints of a vector of numbers: the first four bytes of each in one number, and the fifth, or 0, in another.
+inline void varint_bytes(const std::uint32_t *numbers, std::uint32_t *four, std::uint32_t *fifth) {
   number_vector values;
   std::memcpy(&values, numbers, sizeof values);
   const number_vector more = values >> 28;
   // Groups of seven bits, one in each byte.
   number_vector word = (values & 0x3fff) | (values & 0xfffc000) << 2;
   word = (word & 0x7f007f) | (word & 0x3f803f80) << 1;
-  // A byte goes on where any after it has a bit.
-  number_vector behind = word >> 8;
-  behind |= behind >> 8;
-  behind |= behind >> 16;
-  word |= ((behind + 0x7f7f7f7f) | (more != 0)) & 0x80808080;
+  // A byte goes on where any byte after it has a bit.
+  number_vector after = word >> 8;
+  after |= after >> 8;
+  after |= after >> 16;
+  word |= ((after + 0x7f7f7f7f) | (more != 0)) & 0x80808080;
   std::memcpy(four, &word, sizeof word);
   std::memcpy(fifth, &more, sizeof more);
 }
 
-// From the start of a run whose size is known: each element with its key as a word, of which the bytes after the
-// element are overwritten next. Elements less than a word before the end of the run are left to the caller: returns how
-// many are written.
+// How far a run has been written from its start on.
+struct appended {
+  byte *at;
+  std::size_t count;
+};
+
+// Writes a run forwards, from its start to less than a word before its end: each element with its key as a word, of
+// which the bytes after the element are overwritten next.
 template <unsigned KeySize>
-PAVO_ZORV_NOINLINE std::size_t append_words(byte *at, const byte *end, std::uint32_t key, const std::uint32_t *elements,
-                                            std::size_t count) {
+PAVO_ZORV_NOINLINE appended append_words(byte *at, const byte *end, std::uint32_t key, const std::uint32_t *elements,
+                                         std::size_t count) {
   const key_bytes<KeySize> bytes(key);
-  const std::uint64_t key_word = KeySize == 1 ? bytes.first : bytes.first | std::uint32_t{bytes.second} << 8;
-  const auto append = [&](std::uint64_t varint) __attribute__((always_inline)) {
-    store_word(at, key_word | varint << 8 * KeySize);
+  const auto append = [&](std::uint64_t varint) {
+    store_word(at, bytes.word() | varint << 8 * KeySize);
     at += KeySize + 1 + static_cast<unsigned>(__builtin_ctzll(~varint & highest_bits)) / 8;
   };
-  // After the elements that are written as words stand four others, of two bytes at least: so the words do not reach
-  // the end of the run.
-  constexpr std::size_t behind = 4, most = 32;
+  // After the elements that are taken by vectors there are four others, of two bytes at least with their keys: so no
+  // word reaches past the end of the run.
+  constexpr std::size_t rest = 4, most = 32;
   std::size_t done = 0;
-  while (count - done >= numbers_together + behind) {
+  while (count - done >= vector_numbers + rest) {
     if constexpr (KeySize == 1 && label_block::usable) {
       if (label_block::all_labels(elements + done)) {
         label_block::write(at, key, elements + done);
@@ -104,9 +68,9 @@ PAVO_ZORV_NOINLINE std::size_t append_words(byte *at, const byte *end, std::uint
         continue;
       }
     }
-    const std::size_t some = std::min(count - done - behind, most) / numbers_together * numbers_together;
+    const std::size_t some = std::min(count - done - rest, most) / vector_numbers * vector_numbers;
     std::uint32_t four[most], fifth[most];
-    for (std::size_t index = 0; index < some; index += numbers_together)
+    for (std::size_t index = 0; index < some; index += vector_numbers)
       varint_bytes(elements + done + index, four + index, fifth + index);
     for (std::size_t index = 0; index < some; ++index) append(four[index] | std::uint64_t{fifth[index]} << 32);
     done += some;
@@ -116,49 +80,93 @@ PAVO_ZORV_NOINLINE std::size_t append_words(byte *at, const byte *end, std::uint
     const std::uint32_t value = elements[done++];
     append(varint_word(value, static_cast<unsigned>(varint_size(value))));
   }
-  return done;
+  return {at, done};
 }
 
-// Whether a list has room: its elements are mostly not measured for that.
-template <class Element>
-PAVO_ZORV_INLINE bool has_room(const quick_sink &sink, const byte *at, std::size_t key_size, const Element *elements,
-                               std::size_t count) {
-  constexpr std::size_t longest = sizeof(Element) == 1 ? 2 : 5;
-  return sink.has_room(at, std::uint64_t{count} * (key_size + longest)) ||
-         sink.has_room(at, std::uint64_t{count} * key_size + measure_integers(elements, count));
-}
-
-// Labels from the end on, as many as stand there; then the rest from its start on, if it is worth measuring.
-inline byte *prepend_integers(const quick_sink &sink, byte *at, unsigned number, const std::uint32_t *elements,
-                              std::size_t count) {
-  const std::uint32_t key = key_of(number, wire_type::varint);
-  const std::size_t key_size = key < 0x80 ? 1 : 2;
-  if (!has_room(sink, at, key_size, elements, count)) return sink.full();
-  if (label_block::usable && key_size == 1) {
+// Labels from the end on, as many as there are in a row; then the rest from its start on, if it is worth measuring.
+template <unsigned KeySize>
+inline byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements, std::size_t count) {
+  if (!reserve_run<KeySize>(to, at, elements, count)) return at;
+  if constexpr (KeySize == 1 && label_block::usable) {
     while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
       count -= label_block::elements;
       at -= label_block::size;
       label_block::write(at, key, elements + count);
     }
   }
-  if (count < 4) return plain::prepend_integers(sink, at, number, elements, count);
-  byte *const start = at - static_cast<std::size_t>(count * key_size + measure_integers(elements, count));
-  const std::size_t done = key_size == 1 ? append_words<1>(start, at, key, elements, count)
-                                         : append_words<2>(start, at, key, elements, count);
-  // What stands before these is written already.
-  plain::prepend_integers(bytes_before{}, at, number, elements + done, count - done);
+  if (count < 4) return plain::write_integers(to, at, number_of(key), elements, count);
+  byte *const start = at - static_cast<std::size_t>(count * KeySize + measure_integers(elements, count));
+  const appended begun = append_words<KeySize>(start, at, key, elements, count);
+  const auto rest = writer::exact(begun.at, nullptr, false);
+  plain::write_integers(rest, at, number_of(key), elements + begun.count, count - begun.count);
   return start;
 }
 
-// The same for bytes: key, value, and the byte 1 that a value from 128 on takes as well.
+// --- Lists of 8-bit integers ---
+
+#if defined(__SSSE3__)
+// Four 8-bit elements as varints with their keys, put together by one shuffle: which bytes of the source go where
+// follows from which elements take a second byte, which is always 1.
 template <unsigned KeySize>
-PAVO_ZORV_INLINE void append_bytes(byte *at, std::uint32_t key, const std::uint8_t *elements, std::size_t count) {
+class four_elements {
+ public:
+  static constexpr bool usable = true;
+  static constexpr std::size_t size = 16;  // bytes that a store covers, of which the last are the elements
+
+  explicit four_elements(key_bytes<KeySize> key)
+      : others_(_mm_set_epi32(0, 0, 1 << 16 | key.second << 8 | key.first, 0)) {}
+
+  inline byte *prepend(byte *at, const byte *elements) const {
+    int four;
+    std::memcpy(&four, elements, sizeof four);
+    const __m128i values = _mm_cvtsi32_si128(four);
+    const auto longer = static_cast<unsigned>(_mm_movemask_epi8(values));
+    __m128i places;
+    std::memcpy(&places, shuffles.of[longer], sizeof places);
+    const __m128i bytes = _mm_shuffle_epi8(_mm_or_si128(values, others_), places);
+    std::memcpy(at - size, &bytes, size);
+    return at - 4 * (KeySize + 1) - count_bits(longer);
+  }
+
+ private:
+  struct shuffle_table {
+    byte of[16][16];
+  };
+
+  // In the source stand four elements, the key, and the byte 1.
+  static constexpr shuffle_table make_shuffles() {
+    shuffle_table result{};
+    for (unsigned longer = 0; longer < 16; ++longer) {
+      unsigned at = 16;
+      for (unsigned element = 4; element-- != 0;) {
+        if ((longer >> element & 1) != 0) result.of[longer][--at] = 6;
+        result.of[longer][--at] = static_cast<byte>(element);
+        if (KeySize == 2) result.of[longer][--at] = 5;
+        result.of[longer][--at] = 4;
+      }
+    }
+    return result;
+  }
+
+  static constexpr shuffle_table shuffles = make_shuffles();
+  __m128i others_;
+};
+#else
+template <unsigned KeySize>
+struct four_elements {
+  static constexpr bool usable = false;
+};
+#endif
+
+// Writes a run forwards, byte for byte up to its end: key, value, and the byte 1 that a value from 128 on takes as
+// well.
+template <unsigned KeySize>
+inline void append_bytes(byte *at, std::uint32_t key, const std::uint8_t *elements, std::size_t count) {
   const key_bytes<KeySize> bytes(key);
-  const std::uint32_t key_word = KeySize == 1 ? bytes.first : bytes.first | std::uint32_t{bytes.second} << 8;
   std::size_t index = 0;
   for (; index + 1 < count; ++index) {
     const std::uint32_t value = elements[index], more = value >> 7;
-    store_word(at, key_word | value << 8 * KeySize | more << 8 * (KeySize + 1));
+    store_word(at, bytes.word() | value << 8 * KeySize | more << 8 * (KeySize + 1));
     at += KeySize + 1 + more;
   }
   *at++ = bytes.first;
@@ -167,15 +175,15 @@ PAVO_ZORV_INLINE void append_bytes(byte *at, std::uint32_t key, const std::uint8
   if (elements[index] >= 0x80) *at = 1;
 }
 
-// Four elements at a time from the end on, where the processor can put them together; what a store covers before them
-// is not yet written, where the buffer begins far enough before.
+// Four elements at a time from the end on, where the processor can put them together and the store does not reach
+// before the buffer.
 template <unsigned KeySize>
-PAVO_ZORV_NOINLINE byte *prepend_bytes(const quick_sink &sink, byte *at, std::uint32_t key,
-                                       const std::uint8_t *elements, std::size_t count) {
-  if (!has_room(sink, at, KeySize, elements, count)) return sink.full();
+PAVO_ZORV_NOINLINE byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint8_t *elements,
+                                   std::size_t count) {
+  if (!reserve_run<KeySize>(to, at, elements, count)) return at;
   if constexpr (four_elements<KeySize>::usable) {
     const four_elements<KeySize> four{key_bytes<KeySize>(key)};
-    for (; count >= 4 && at - sink.first >= static_cast<std::ptrdiff_t>(four.room); count -= 4)
+    for (; count >= 4 && at - to.first() >= static_cast<std::ptrdiff_t>(four.size); count -= 4)
       at = four.prepend(at, elements + count - 4);
   }
   if (count == 0) return at;
@@ -184,26 +192,19 @@ PAVO_ZORV_NOINLINE byte *prepend_bytes(const quick_sink &sink, byte *at, std::ui
   return at;
 }
 
-PAVO_ZORV_INLINE byte *prepend_integers(const quick_sink &sink, byte *at, unsigned number, const std::uint8_t *elements,
-                                        std::size_t count) {
+// --- Both ---
+
+// Writes a list backwards, each element with its key.
+template <class Element>
+inline byte *write_integers(writer &to, byte *at, unsigned number, const Element *elements, std::size_t count) {
   const std::uint32_t key = key_of(number, wire_type::varint);
-  return key < 0x80 ? prepend_bytes<1>(sink, at, key, elements, count)
-                    : prepend_bytes<2>(sink, at, key, elements, count);
+  return key < 0x80 ? write_run<1>(to, at, key, elements, count) : write_run<2>(to, at, key, elements, count);
 }
 
-// Integers element by element, unsigned: -1, 0 or 1.
-inline int compare_integers(const std::uint8_t *a, const std::uint8_t *b, std::size_t count) {
-  return count != 0 ? compare_values(std::memcmp(a, b, count), 0) : 0;
-}
-
-// Equal blocks are found equal eight elements at a time; the first difference is looked for one by one.
-inline int compare_integers(const std::uint32_t *a, const std::uint32_t *b, std::size_t count) {
-  std::size_t index = 0;
-  while (count - index >= 8 && std::memcmp(a + index, b + index, 8 * sizeof *a) == 0) index += 8;
-  for (; index < count; ++index) {
-    if (a[index] != b[index]) return compare_values(a[index], b[index]);
-  }
-  return 0;
+template <class Writer, class Element>
+typename Writer::position write_integers(const Writer &to, typename Writer::position at, unsigned number,
+                                         const Element *elements, std::size_t count) {
+  return plain::write_integers(to, at, number, elements, count);
 }
 
 }  // namespace pavo_zorv

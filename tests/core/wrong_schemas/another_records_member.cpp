@@ -14,6 +14,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(1, "word", &other::word));
+    integer(1, "word", &other::word));
 
 PAVO_ZORV_OPERATIONS(parcel)

@@ -20,6 +20,6 @@ inline constexpr auto pavo_zorv::schema<parcel> = message(
 
 template <>
 inline constexpr auto pavo_zorv::schema<crate> = message(
-    repeated(1, "parcels", &crate::parcels, &crate::parcels_count));
+    message_list(1, "parcels", &crate::parcels, &crate::parcels_count));
 
 PAVO_ZORV_OPERATIONS(crate)

@@ -1,4 +1,4 @@
-// error: no matching function for call to .*bytes
+// error: no (matching function for call to|viable constructor).*bytes
 // The length of bytes has 64 bits.
 #include "core/operations.hpp"
 

@@ -1,4 +1,4 @@
-// error: no matching function for call to .*string
+// error: no (matching function for call to|viable constructor).*string
 // A string is owned, so its characters are not constant.
 #include "core/operations.hpp"
 

@@ -10,6 +10,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    repeated(1, "words", &parcel::words, &parcel::words_count));
+    integer_list(1, "words", &parcel::words, &parcel::words_count));
 
 PAVO_ZORV_OPERATIONS(parcel)

@@ -12,7 +12,7 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    repeated(1, "words", &parcel::words, &parcel::octets_count),
-    repeated(2, "octets", &parcel::octets, &parcel::words_count));
+    integer_list(1, "words", &parcel::words, &parcel::octets_count),
+    integer_list(2, "octets", &parcel::octets, &parcel::words_count));
 
 PAVO_ZORV_OPERATIONS(parcel)

@@ -1,4 +1,4 @@
-// error: no matching function for call to .*flag
+// error: no (matching function for call to|viable constructor).*flag
 // A flag is one byte.
 #include "core/operations.hpp"
 

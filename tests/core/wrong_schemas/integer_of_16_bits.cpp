@@ -1,4 +1,4 @@
-// error: no matching function for call to .*scalar
+// error: no (matching function for call to|viable constructor).*integer
 // There are integers of 8, 32 and 64 bits.
 #include "core/operations.hpp"
 
@@ -9,6 +9,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(1, "word", &parcel::word));
+    integer(1, "word", &parcel::word));
 
 PAVO_ZORV_OPERATIONS(parcel)

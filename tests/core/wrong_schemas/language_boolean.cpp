@@ -1,4 +1,4 @@
-// error: no matching function for call to .*flag
+// error: no (matching function for call to|viable constructor).*flag
 // A flag is an integer: any stored byte survives.
 #include "core/operations.hpp"
 

@@ -1,4 +1,4 @@
-// error: no matching function for call to .*repeated
+// error: no (matching function for call to|viable constructor).*integer_list
 // The count of a list has 32 bits.
 #include "core/operations.hpp"
 
@@ -10,6 +10,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    repeated(1, "words", &parcel::words, &parcel::words_count));
+    integer_list(1, "words", &parcel::words, &parcel::words_count));
 
 PAVO_ZORV_OPERATIONS(parcel)

@@ -10,6 +10,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(1, "word", &parcel::word));
+    integer(1, "word", &parcel::word));
 
 PAVO_ZORV_OPERATIONS(parcel)

@@ -10,6 +10,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(1, "first", &parcel::first));
+    integer(1, "first", &parcel::first));
 
 PAVO_ZORV_OPERATIONS(parcel)

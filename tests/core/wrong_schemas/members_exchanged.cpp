@@ -10,7 +10,7 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(1, "first", &parcel::first),
-    scalar(2, "second", &parcel::second));
+    integer(1, "first", &parcel::first),
+    integer(2, "second", &parcel::second));
 
 PAVO_ZORV_OPERATIONS(parcel)

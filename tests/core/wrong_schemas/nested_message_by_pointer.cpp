@@ -1,4 +1,4 @@
-// error: no matching function for call to .*nested
+// error: no (matching function for call to|viable constructor).*nested
 // A nested message is held inline.
 #include "core/operations.hpp"
 
@@ -14,7 +14,7 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<inner> = message(
-    scalar(1, "word", &inner::word));
+    integer(1, "word", &inner::word));
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(

@@ -17,7 +17,7 @@ namespace pavo_zorv {
 
 template <>
 inline constexpr auto schema<parcel> = message(
-    scalar(1, "word", &parcel::word));
+    integer(1, "word", &parcel::word));
 
 template <>
 inline constexpr auto schema<crate> = message(

@@ -9,6 +9,6 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(2, "word", &parcel::word));
+    integer(2, "word", &parcel::word));
 
 PAVO_ZORV_OPERATIONS(parcel)

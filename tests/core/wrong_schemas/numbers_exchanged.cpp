@@ -10,7 +10,7 @@ struct parcel {
 
 template <>
 inline constexpr auto pavo_zorv::schema<parcel> = message(
-    scalar(2, "first", &parcel::first),
-    scalar(1, "second", &parcel::second));
+    integer(2, "first", &parcel::first),
+    integer(1, "second", &parcel::second));
 
 PAVO_ZORV_OPERATIONS(parcel)

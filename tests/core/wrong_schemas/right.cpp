@@ -31,20 +31,20 @@ namespace pavo_zorv {
 template <>
 inline constexpr auto schema<parcel> = message(
     flag(1, "flag", &parcel::flag),
-    scalar(2, "word", &parcel::word),
-    scalar(3, "byte", &parcel::byte),
-    scalar(4, "signed_word", &parcel::signed_word),
-    scalar(5, "long_word", &parcel::long_word),
-    scalar(6, "signed_long_word", &parcel::signed_long_word),
+    integer(2, "word", &parcel::word),
+    integer(3, "byte", &parcel::byte),
+    integer(4, "signed_word", &parcel::signed_word),
+    integer(5, "long_word", &parcel::long_word),
+    integer(6, "signed_long_word", &parcel::signed_long_word),
     string(7, "text", &parcel::text),
     bytes(8, "content", &parcel::content, &parcel::content_length),
-    repeated(9, "words", &parcel::words, &parcel::words_count));
+    integer_list(9, "words", &parcel::words, &parcel::words_count));
 
 template <>
 inline constexpr auto schema<crate> = message(
     nested(1, "inner", &crate::inner),
-    repeated(2, "parcels", &crate::parcels, &crate::parcels_count),
-    repeated(3, "octets", &crate::octets, &crate::octets_count));
+    message_list(2, "parcels", &crate::parcels, &crate::parcels_count),
+    integer_list(3, "octets", &crate::octets, &crate::octets_count));
 
 }  // namespace pavo_zorv
 

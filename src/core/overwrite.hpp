@@ -1,5 +1,5 @@
-// Overwriting whole records, all but the presence bits of no field: those, in the record and in the ones inside it, are
-// the caller's and stay as they are.
+// Overwriting whole records, all but the presence bits of no field: those, in the record and in the ones inside it,
+// are the caller's and stay as they are.
 #pragma once
 
 #include <algorithm>
@@ -12,12 +12,12 @@
 #include <type_traits>
 #include <utility>
 
-#include "blocks.hpp"
 #include "message.hpp"
 
 namespace pavo_zorv {
 
-// A record's bytes with a one for each presence bit of no field. Members stand in row order, the presence flags last.
+// A record's bytes with a one for each presence bit of no field, those of the records inside it included. The members
+// are in row order, the presence flags last.
 template <class Record>
 inline constexpr auto spare_bits = [] {
   std::array<byte, sizeof(Record)> bits{};
@@ -29,26 +29,26 @@ inline constexpr auto spare_bits = [] {
       std::copy(spare_bits<Member>.begin(), spare_bits<Member>.end(), bits.begin() + offset);
     offset += sizeof(Member);
   };
-  std::apply([&](auto... members) { (step_over(members), ...); }, checks::members_with_rows<Record>);
+  std::apply([&](auto... members) { (step_over(members), ...); }, row_members<Record>);
   constexpr auto own = static_cast<presence_of<Record>>(~presence_mask<Record>);
   const auto bytes = std::bit_cast<std::array<byte, sizeof own>>(own);
   std::copy(bytes.begin(), bytes.end(), bits.begin() + offsetof(Record, presence));
   return bits;
 }();
 
-// Overwrites a record with zero, or with the bytes of another one: a piece of it, as large as a word or a vector, at a
-// time, in which the spare bits are merged. Nothing branches on those, which nobody may ever have written. These are
-// straight stores: what the compiler makes of memset and memcpy for some 1,000 bytes is a string instruction that
-// takes twice as long.
+// Overwrites a record with zero, or with the bytes of another one, a piece at a time: a vector, or a word of a record
+// that is shorter. The spare bits are merged into the pieces; nothing branches on them, which nobody may ever have
+// written. memset and memcpy of some 1,000 bytes become a string instruction, which takes twice as long.
 template <class Record>
-class overwriting {
+class record_overwriter {
  public:
-  PAVO_ZORV_INLINE overwriting(Record &record, const Record *source)
+  PAVO_ZORV_INLINE record_overwriter(Record &record, const Record *source)
       : target_(reinterpret_cast<byte *>(&record)), source_(reinterpret_cast<const byte *>(source)) {}
 
-  PAVO_ZORV_INLINE void whole() const { pieces<block_vector, 0>(); }
+  PAVO_ZORV_INLINE void overwrite() const { pieces<vector, 0>(); }
 
  private:
+  using vector [[gnu::vector_size(vector_size)]] = unsigned char;
   using half_vector [[gnu::vector_size(16)]] = unsigned char;
   template <std::size_t Size>
   using word = std::conditional_t<Size == 4, std::uint32_t, std::conditional_t<Size == 2, std::uint16_t, std::uint8_t>>;
@@ -88,13 +88,13 @@ class overwriting {
 };
 
 template <class Record>
-void clear_message(Record &record) {
-  overwriting<Record>(record, nullptr).whole();
+void clear_record(Record &record) {
+  record_overwriter<Record>(record, nullptr).overwrite();
 }
 
 template <class Record>
-PAVO_ZORV_INLINE void copy_over(Record &record, const Record &source) {
-  overwriting<Record>(record, &source).whole();
+PAVO_ZORV_INLINE void copy_record(Record &record, const Record &source) {
+  record_overwriter<Record>(record, &source).overwrite();
 }
 
 }  // namespace pavo_zorv

@@ -1,4 +1,4 @@
-// Writing aside: how far a message goes below the floor, whatever it holds.
+// Writing by scratch: how far a message goes below the limit, whatever it holds.
 #include <algorithm>
 #include <limits>
 
@@ -11,8 +11,8 @@ namespace {
 using namespace test;
 namespace core = pavo_zorv;
 
-// What a record is filled with besides its numbers, which are as large as they get. What asks for room, a list, a
-// string or bytes, takes the writing back to the floor when there is none: so it hides how far the others go.
+// What a record is filled with besides its numbers, which are as large as they get. Lists, strings and bytes reserve
+// what they take, and write nothing where that fails: so they hide how far the others go.
 class filling {
  public:
   static constexpr std::size_t everything = SIZE_MAX, nothing = SIZE_MAX - 1;
@@ -31,7 +31,7 @@ class filling {
       } else if constexpr (row.type == core::kind::nested) {
         fill(record.*row.value);
       } else {
-        if (!is_wanted()) return;
+        if (!is_chosen()) return;
         if constexpr (row.type == core::kind::string) {
           record.*row.value = text();
         } else if constexpr (row.type == core::kind::bytes) {
@@ -46,7 +46,7 @@ class filling {
           record.*row.count = which_ == everything ? 2 : 5;
         } else {
           // Static, so that it lives as long as the record: a list is held by one record at a time.
-          static typename this_row::nested two[2];
+          static typename this_row::message two[2];
           filling inner(which_ == everything ? everything : nothing);
           for (auto &one : two) inner.fill(one);
           record.*row.elements = two;
@@ -57,11 +57,11 @@ class filling {
     });
   }
 
-  // How many there are that can be wanted.
+  // How many there are to choose from.
   std::size_t seen() const { return seen_; }
 
  private:
-  bool is_wanted() { return seen_++ == which_ || which_ == everything; }
+  bool is_chosen() { return seen_++ == which_ || which_ == everything; }
   char *text() const {
     static char empty[] = "", some[] = "seventeen letters";
     return which_ == everything ? empty : some;
@@ -70,80 +70,83 @@ class filling {
   std::size_t which_, seen_ = 0;
 };
 
-// What is written of a record where a number of bytes lie above the floor: it stays within the room below the floor,
-// before which nothing can be written.
+// What is written of a record where a number of bytes are free above the limit: it stays inside the slop, before which
+// nothing can be written.
 template <class Record>
-void stays_in_its_room(const Record &record, const std::string &name) {
-  core::survey found{{false}};
-  const auto size = static_cast<std::size_t>(core::measured_size(record, found));
-  constexpr std::size_t below = core::bytes_unasked<Record>() + 1;
-  const fence room(below + size + 1);
-  core::byte *const first = room.first();
+void stays_in_its_slop(const Record &record, const std::string &name) {
+  core::measurement found{false};
+  const std::size_t size = core::measure(record, found);
+  constexpr std::size_t slop = core::slop_of<Record>() + 1;
+  const fence space(slop + size + 1);
+  core::byte *const first = space.first();
   for (std::size_t above = 0; above <= size; ++above) {
-    core::byte *const end = first + below + above;
-    const core::quick_sink sink{first, nullptr, first + below};
-    const auto *const start = core::write_message(record, sink, end, false);
-    ASSERT_GE(start, first) << name << ", " << above << " bytes above the floor";
-    // It is known to be worth nothing where it is not all.
-    ASSERT_TRUE(start < end - above || end - start == static_cast<std::ptrdiff_t>(size))
-        << name << ", " << above << " bytes above the floor";
+    core::byte *const end = first + slop + above;
+    auto to = core::writer::scratch(first, slop, false);
+    const auto *const start = core::write_apart(record, to, end);
+    ASSERT_GE(start, first) << name << ", " << above << " bytes above the limit";
+    // It is known to be worth nothing where it is not all: it has overflowed, or is longer than what is above the
+    // limit.
+    const auto written = static_cast<std::size_t>(end - start);
+    ASSERT_TRUE(to.overflowed() || written > above || written == size)
+        << name << ", " << above << " bytes above the limit";
   }
 }
 
 template <class Record>
-void stays_in_its_room_whatever_it_holds(const char *name) {
+void stays_in_its_slop_whatever_it_holds(const char *name) {
   std::size_t most = 0;
   for (const std::size_t which : {filling::everything, filling::nothing}) {
     Record record{};
     filling filling(which);
     filling.fill(record);
     most = filling.seen();
-    ASSERT_NO_FATAL_FAILURE(stays_in_its_room(record, name));
+    ASSERT_NO_FATAL_FAILURE(stays_in_its_slop(record, name));
   }
   for (std::size_t which = 0; which < most; ++which) {
     Record record{};
     filling filling(which);
     filling.fill(record);
-    ASSERT_NO_FATAL_FAILURE(stays_in_its_room(record, std::string(name) + ", block " + std::to_string(which)));
+    ASSERT_NO_FATAL_FAILURE(stays_in_its_slop(record, std::string(name) + ", block " + std::to_string(which)));
   }
 }
 
-TEST(writing_aside, the_room_below_the_floor_is_enough_for_every_message) {
-#define PAVO_ZORV_TEST_ROOM(message) \
-  if (!HasFatalFailure()) stays_in_its_room_whatever_it_holds<message>(#message);
-  PAVO_ZORV_ALL_MESSAGES(PAVO_ZORV_TEST_ROOM)
-#undef PAVO_ZORV_TEST_ROOM
+TEST(writing_by_scratch, the_slop_is_enough_for_every_message) {
+#define PAVO_ZORV_TEST_SLOP(message) \
+  if (!HasFatalFailure()) stays_in_its_slop_whatever_it_holds<message>(#message);
+  PAVO_ZORV_ALL_MESSAGES(PAVO_ZORV_TEST_SLOP)
+#undef PAVO_ZORV_TEST_SLOP
 }
 
-// Lists of every length that ends near the floor, above it or below, in the room that a whole encoding has.
-TEST(writing_aside, a_list_of_any_length_finds_its_room_or_none) {
-  constexpr std::size_t below = core::bytes_unasked<api_lbl_stack>() + 1, size = below + core::most_aside;
-  const fence room(size);
-  core::byte *const end = room.first() + size;
-  const core::quick_sink sink{room.first(), nullptr, end - core::most_aside};
-  std::vector<std::uint32_t> labels(core::most_aside, 24001);
-  std::vector<std::uint8_t> elements(core::most_aside, 200);
+// Lists of every length that ends near the limit, above it or below, in the space that a whole encoding has.
+TEST(writing_by_scratch, a_list_of_any_length_is_reserved_or_overflows) {
+  constexpr std::size_t slop = core::slop_of<api_lbl_stack>() + 1, size = slop + core::scratch_size;
+  const fence space(size);
+  core::byte *const end = space.first() + size;
+  std::vector<std::uint32_t> labels(core::scratch_size, 24001);
+  std::vector<std::uint8_t> numbers(core::scratch_size, 200);
   for (const std::uint32_t value : {5u, 300u, 24001u, 0x200000u, 0xffffffffu}) {
     std::ranges::fill(labels, value);
-    const std::size_t each = 1 + core::varint_size(value), fitting = core::most_aside / each;
+    const std::size_t each = 1 + core::varint_size(value), fitting = core::scratch_size / each;
     for (std::size_t count = fitting - 20; count <= fitting + 200; ++count) {
       const api_lbl_stack stack{labels.data(), static_cast<std::uint32_t>(count), API_LBL_STACK_HAS_LABELS};
-      const auto *const start = core::write_message(stack, sink, end, false);
-      ASSERT_GE(start, room.first());
-      ASSERT_EQ(start >= sink.floor, count <= fitting) << count << " of " << each;
+      auto to = core::writer::scratch(space.first(), slop, false);
+      const auto *const start = core::write_apart(stack, to, end);
+      ASSERT_GE(start, space.first());
+      ASSERT_EQ(!to.overflowed(), count <= fitting) << count << " of " << each;
       if (count <= fitting) {
         ASSERT_EQ(static_cast<std::size_t>(end - start), count * each);
       }
     }
   }
   for (const std::uint8_t value : {std::uint8_t{5}, std::uint8_t{200}}) {
-    std::ranges::fill(elements, value);
-    const std::size_t each = value < 128 ? 2 : 3, fitting = core::most_aside / each;
+    std::ranges::fill(numbers, value);
+    const std::size_t each = value < 128 ? 2 : 3, fitting = core::scratch_size / each;
     for (std::size_t count = fitting - 40; count <= fitting + 300; ++count) {
-      const prefix_sid_type sid{0, elements.data(), static_cast<std::uint32_t>(count), PREFIX_SID_TYPE_HAS_FIELD2};
-      const auto *const start = core::write_message(sid, sink, end, false);
-      ASSERT_GE(start, room.first());
-      ASSERT_EQ(start >= sink.floor, count <= fitting) << count << " of " << each;
+      const prefix_sid_type sid{0, numbers.data(), static_cast<std::uint32_t>(count), PREFIX_SID_TYPE_HAS_FIELD2};
+      auto to = core::writer::scratch(space.first(), slop, false);
+      const auto *const start = core::write_apart(sid, to, end);
+      ASSERT_GE(start, space.first());
+      ASSERT_EQ(!to.overflowed(), count <= fitting) << count << " of " << each;
       if (count <= fitting) {
         ASSERT_EQ(static_cast<std::size_t>(end - start), count * each);
       }
