@@ -1,26 +1,25 @@
 // Eight threads decode, write, copy, compare and release records of their own, and write and compare records that they
 // share. What a thread sees must be what one thread alone sees.
 //
-//   many_threads FOLDER_OF_INPUTS ROUNDS
+//   many_threads INPUTS ROUNDS     (fuzz/inputs.hpp says what inputs are)
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "fuzz/inputs.hpp"
 #include "naive/decoder.hpp"
 
 namespace {
 
-using byte_string = std::vector<unsigned char>;
+using bytes = std::vector<unsigned char>;
 
-// As in the corpus of the fuzzers: the first byte chooses the message, and the message stands after six.
+// As in the corpus of the fuzzers: the first byte chooses the message, which starts after the sixth.
 struct input {
   const naive::message *type;
-  byte_string bytes;
+  bytes content;
 };
 
 // Memory that comes back all at once: inputs in which a nested message comes again drop some.
@@ -49,9 +48,9 @@ struct record {
   alignas(16) unsigned char storage[4096] = {};
 };
 
-byte_string encoding_of(const naive::message &type, const record &from) {
+bytes encoding_of(const naive::message &type, const record &from) {
   const std::size_t size = type.functions->encode(from.storage, nullptr, 0, nullptr, nullptr, 0);
-  byte_string result(size);
+  bytes result(size);
   type.functions->encode(from.storage, result.data(), size, nullptr, nullptr, 0);
   return result;
 }
@@ -59,16 +58,17 @@ byte_string encoding_of(const naive::message &type, const record &from) {
 // A record that all threads read, and what one thread alone made of it.
 struct shared {
   const naive::message *type;
-  byte_string bytes;
+  bytes content;
   record read;
   int result;
-  byte_string written;
+  bytes written;
 };
 
 void make_shared(const input &from, shared &to, pool &memory) {
   to.type = from.type;
-  to.bytes = from.bytes;
-  to.result = from.type->functions->decode(to.read.storage, to.bytes.data(), to.bytes.size(), pool::take, &memory, 0);
+  to.content = from.content;
+  to.result =
+      from.type->functions->decode(to.read.storage, to.content.data(), to.content.size(), pool::take, &memory, 0);
   to.written = encoding_of(*to.type, to.read);
 }
 
@@ -76,7 +76,8 @@ bool agrees(const shared &with) {
   const naive::calls &calls = *with.type->functions;
   pool memory;
   record own, copy;
-  bool good = calls.decode(own.storage, with.bytes.data(), with.bytes.size(), pool::take, &memory, 0) == with.result;
+  bool good =
+      calls.decode(own.storage, with.content.data(), with.content.size(), pool::take, &memory, 0) == with.result;
   good = good && encoding_of(*with.type, own) == with.written;
   good = good && encoding_of(*with.type, with.read) == with.written;
   good = good && calls.compare(own.storage, with.read.storage) == 0;
@@ -89,26 +90,21 @@ bool agrees(const shared &with) {
   return good && memory.returned == owned;
 }
 
-std::vector<input> inputs_in(const char *folder) {
+std::vector<input> inputs_of(const char *name) {
   std::vector<input> result;
-  for (const auto &entry : std::filesystem::directory_iterator(folder)) {
-    std::ifstream file(entry.path(), std::ios::binary);
-    byte_string content(static_cast<std::size_t>(entry.file_size()));
-    file.read(reinterpret_cast<char *>(content.data()), static_cast<std::streamsize>(content.size()));
-    if (!file) std::abort();
-    if (content.size() < 6) continue;
-    const auto number = content[0];
-    content.erase(content.begin(), content.begin() + 6);
-    result.push_back({&naive::messages()[number % naive::messages().size()], std::move(content)});
-  }
+  const bool good = fuzz::for_each_input(name, [&](const char *, const unsigned char *data, std::size_t size) {
+    if (size < 6) return;
+    result.push_back({&naive::messages()[data[0] % naive::messages().size()], bytes(data + 6, data + size)});
+  });
+  if (!good) naive::broken(std::string(name) + " cannot be read");
   return result;
 }
 
 }  // namespace
 
 int main(int count, char **arguments) {
-  if (count != 3) naive::broken("usage: many_threads FOLDER_OF_INPUTS ROUNDS");
-  const std::vector<input> inputs = inputs_in(arguments[1]);
+  if (count != 3) naive::broken("usage: many_threads INPUTS ROUNDS");
+  const std::vector<input> inputs = inputs_of(arguments[1]);
   const int rounds = std::atoi(arguments[2]);
   if (inputs.empty() || rounds < 1) naive::broken("nothing to do");
   pool memory;
