@@ -1,0 +1,121 @@
+#!/usr/bin/env python3
+"""The names of mutants in equivalent.txt: they outlive what does not change the code, and nothing else."""
+import importlib.machinery
+import importlib.util
+import pathlib
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+loader = importlib.machinery.SourceFileLoader("mutate", str(pathlib.Path(__file__).with_name("mutate")))
+mutate = importlib.util.module_from_spec(importlib.util.spec_from_loader("mutate", loader))
+loader.exec_module(mutate)
+
+CODE = """
+namespace pavo_zorv {
+
+template <class Value>
+struct reader {
+  std::size_t left = 0;
+
+  bool fits(std::size_t size) const { return size <= left; }
+
+  Value read(const byte *at, const byte *end) {
+    if (end - at < 8) return {};
+    left -= 8;
+    while (at != end && *at >= 0x80) ++at;
+    if (end - at < 8) return {};
+    return std::min(*at, Value{1});
+  }
+};
+
+inline constexpr std::size_t longest = 64;
+
+}  // namespace pavo_zorv
+"""
+
+
+def names(code):
+    return [one.entry for one in mutate.mutants_of_file("src/core/file.hpp", code.split("\n"))]
+
+
+class Names(unittest.TestCase):
+    def test_say_function_and_change(self):
+        found = names(CODE)
+        for name in ["reader: _ _ = [-0-]{+1+};",
+                     "fits: return _ [-<=-]{+<+} _;",
+                     "read: if (_ - _ [-<-]{+<=+} 8) return {}; (1 of 2)",
+                     "read: if (_ - _ [-<-]{+<=+} 8) return {}; (2 of 2)",
+                     "read: if ({+true ||+} _ - _ < 8) return {}; (2 of 2)",
+                     "read: [-_ -= 8;-]",
+                     "read: while (_ != _ [-&&-]{+||+} *_ >= 0x80) ++_;",
+                     "read: return _(*_, _{[-1-]{+2+}});",
+                     "longest: _ constexpr _ _ = [-64-]{+65+};"]:
+            self.assertIn(name, found)
+        self.assertEqual(len(found), len(set(found)))
+
+    def test_outlive_other_names(self):
+        other = CODE.replace("left", "bytes_left").replace("byte *at", "unsigned_byte *at").replace("std::min", "least")
+        self.assertEqual(names(other), names(CODE))
+
+    def test_outlive_other_line_breaks(self):
+        other = CODE.replace("while (at != end && *at", "while (at != end &&\n           *at").replace(
+            "std::min(*at, Value{1})", "std::min(\n        *at,\n        Value{1})")
+        self.assertEqual(set(names(other)), set(names(CODE)))
+
+    def test_outlive_other_code_before_and_in_the_function(self):
+        other = CODE.replace("  bool fits", "  bool is_empty() const { return left == 0; }\n\n  bool fits").replace(
+            "    left -= 8;\n", "    left -= 8;\n    check(at);\n")
+        self.assertLess(set(names(CODE)), set(names(other)))
+
+    def test_do_not_outlive_another_statement(self):
+        for change in [("size <= left", "size <= left + 1"), ("*at >= 0x80", "*at >= 0x81"), ("Value{1}", "Value{2}")]:
+            before, after = set(names(CODE)), set(names(CODE.replace(*change)))
+            self.assertLess(after & before, before, change)
+
+    def test_do_not_outlive_one_more_of_the_same_statement(self):
+        other = CODE.replace("    left -= 8;\n", "    if (end - at < 8) return {};\n    left -= 8;\n")
+        self.assertNotIn("read: if (_ - _ [-<-]{+<=+} 8) return {}; (1 of 2)", names(other))
+
+
+class EquivalentsFile(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.path = pathlib.Path(self.folder.name) / "equivalent.txt"
+
+    def tidied(self, text, code, path="src/core/file.hpp"):
+        self.path.write_text(text)
+        equivalents = mutate.Equivalents(self.path)
+        stale = equivalents.stale(mutate.mutants_of_file(path, code.split("\n")))
+        return len(stale), equivalents.without(stale)
+
+    TEXT = ("# Comment.\n"
+            "\nsrc/core/file.hpp: Reason,\n    in two lines.\n"
+            "  fits: return _ [-<=-]{+<+} _;\n  read: [-_ -= 8;-]\n")
+
+    def test_stays_as_it_is(self):
+        self.assertEqual(self.tidied(self.TEXT, CODE), (0, self.TEXT))
+
+    def test_loses_what_is_no_mutant(self):
+        stale, text = self.tidied(self.TEXT, CODE.replace("    left -= 8;\n", ""))
+        self.assertEqual((stale, text), (1, self.TEXT.replace("  read: [-_ -= 8;-]\n", "")))
+
+    def test_follows_a_function_to_another_name(self):
+        stale, text = self.tidied(self.TEXT, CODE.replace("bool fits(", "bool has_room("))
+        self.assertEqual((stale, text), (1, self.TEXT.replace("fits:", "has_room:")))
+
+    def test_follows_functions_to_another_file(self):
+        stale, text = self.tidied(self.TEXT, CODE, "src/core/other.hpp")
+        self.assertEqual((stale, text), (2, self.TEXT.replace("file.hpp", "other.hpp")))
+
+    def test_does_not_follow_to_one_of_several(self):
+        code = CODE.replace("bool fits(", "bool one(").replace(
+            "  Value read", "  bool two(std::size_t size) const { return size <= left; }\n\n  Value read")
+        stale, text = self.tidied(self.TEXT, code)
+        self.assertEqual((stale, text), (1, self.TEXT.replace("  fits: return _ [-<=-]{+<+} _;\n", "")))
+
+
+if __name__ == "__main__":
+    unittest.main()
