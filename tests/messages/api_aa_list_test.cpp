@@ -56,7 +56,6 @@ TEST(api_aa_list, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_list().record, all_fields, "lum");
 }
 
-// case: api_aa_list: one empty policy alone
 TEST(api_aa_list, an_empty_policy_is_written_as_a_key_and_a_zero_length) {
   api_policy policies[1]{};
   api_aa_list record{};
@@ -67,7 +66,6 @@ TEST(api_aa_list, an_empty_policy_is_written_as_a_key_and_a_zero_length) {
   takes_entries(record, {{0, 2}});
 }
 
-// case: api_aa_list: policies in two runs around field 2
 TEST(api_aa_list, a_second_run_of_policies_is_refused_and_the_first_kept) {
   decoded<api_aa_list> read(hex("1a 00 10 05 1a 00"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -78,7 +76,6 @@ TEST(api_aa_list, a_second_run_of_policies_is_refused_and_the_first_kept) {
   EXPECT_EQ(read.memory.sizes, std::vector<std::size_t>{sizeof(api_policy)});
 }
 
-// case: api_aa_list: a policy whose prefix is cut off
 TEST(api_aa_list, a_policy_with_a_prefix_cut_off_fails_and_leaves_the_array) {
   decoded<api_aa_list> read(hex("10 05 1a 03 0a 01 61 1a 07 0a 01 62 2a 02 08 80 1a 00"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -101,7 +98,6 @@ TEST(api_aa_list, a_policy_with_a_prefix_cut_off_fails_and_leaves_the_array) {
   EXPECT_EQ(bits(beyond.record), 0u);
 }
 
-// case: api_aa_list: a copy in which one policy's string has no memory
 TEST(api_aa_list, a_copy_without_memory_for_one_string_has_every_other_policy) {
   whole_list whole;
   char second_field1[] = "second", second_field7[] = "";

@@ -19,14 +19,12 @@ std::vector<std::uint32_t> labels_of(const api_lbl_stack &stack) {
 
 // --- api_addr ---
 
-// case: api_addr: encoding 300, a present 0, and an absent address
 TEST(api_addr, is_written_when_present_whatever_its_value) {
   EXPECT_EQ(show(encoded(api_addr{300, API_ADDR_HAS_ADDRESS})), "08 ac 02");
   EXPECT_EQ(show(encoded(api_addr{0, API_ADDR_HAS_ADDRESS})), "08 00");
   EXPECT_EQ(show(encoded(api_addr{300, 0})), "");
 }
 
-// case: api_addr: decoding 300, a ten-byte value, and wire type 2
 TEST(api_addr, is_read_from_varints_only) {
   decoded<api_addr> addr(hex("08 ac 02"));
   EXPECT_EQ(addr.result, CODEC_OK);
@@ -113,7 +111,6 @@ TEST(api_addr, fails_only_by_its_input) {
 
 // --- api_lbl_stack ---
 
-// case: api_lbl_stack: the labels 16 and 24001
 TEST(api_lbl_stack, the_labels_16_and_24001_take_six_bytes_both_ways) {
   std::uint32_t labels[] = {16, 24001};
   EXPECT_EQ(show(encoded(api_lbl_stack{labels, 2, API_LBL_STACK_HAS_LABELS})), "08 10 08 c1 bb 01");
@@ -126,7 +123,6 @@ TEST(api_lbl_stack, the_labels_16_and_24001_take_six_bytes_both_ways) {
   EXPECT_EQ(stack.memory.sizes, (std::vector<std::size_t>{8}));
 }
 
-// case: api_lbl_stack: a second run after an unknown field
 TEST(api_lbl_stack, a_second_run_after_an_unknown_field_is_refused_and_the_first_is_kept) {
   decoded<api_lbl_stack> stack(hex("08 10 10 05 08 11"));
   EXPECT_EQ(stack.result, CODEC_ERR_TRUNCATED);
@@ -134,14 +130,12 @@ TEST(api_lbl_stack, a_second_run_after_an_unknown_field_is_refused_and_the_first
   EXPECT_EQ(stack->presence & 1, API_LBL_STACK_HAS_LABELS);
 }
 
-// case: api_lbl_stack: a key of wire type 2 inside the run
 TEST(api_lbl_stack, a_key_of_wire_type_2_inside_the_run_counts_as_one_of_a_label) {
   decoded<api_lbl_stack> stack(hex("08 10 0a 05"));
   EXPECT_EQ(stack.result, CODEC_OK);
   EXPECT_EQ(labels_of(stack.record), (std::vector<std::uint32_t>{16, 5}));
 }
 
-// case: api_lbl_stack: present without labels, and compared with a longer stack
 TEST(api_lbl_stack, without_labels_is_written_as_nothing_and_a_longer_stack_is_greater) {
   EXPECT_EQ(show(encoded(api_lbl_stack{nullptr, 0, API_LBL_STACK_HAS_LABELS})), "");
   std::uint32_t labels[] = {1, 2, 3};

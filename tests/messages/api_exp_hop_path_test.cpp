@@ -17,7 +17,6 @@ api_exp_hop small_hop(std::uint8_t *element) {
 
 // --- api_exp_hop ---
 
-// case: api_exp_hop: field1 1 and the single element 7 in field5
 TEST(api_exp_hop, a_number_and_one_element_take_four_bytes) {
   std::uint8_t element = 7;
   EXPECT_EQ(show(encoded(small_hop(&element))), "08 01 28 07");
@@ -109,7 +108,6 @@ TEST(api_exp_hop, is_compared_in_field_order) {
 
 // --- api_exp_path ---
 
-// case: api_exp_path: one hop and field2 2, with tables of capacity 4 and 1
 TEST(api_exp_path, takes_eight_bytes_and_two_entries_also_when_only_one_has_room) {
   std::uint8_t element = 7;
   api_exp_hop hop = small_hop(&element);
@@ -128,14 +126,12 @@ TEST(api_exp_path, takes_eight_bytes_and_two_entries_also_when_only_one_has_room
   EXPECT_EQ(one.pieces(), (std::vector<piece>{{buffer.data() + 2, 4}}));
 }
 
-// case: api_exp_path: bit 0 without hops
 TEST(api_exp_path, without_hops_writes_nothing_for_field_1) {
   api_exp_hop hop{};
   EXPECT_EQ(show(encoded(api_exp_path{&hop, 0, 2, 3})), "10 02");
   EXPECT_EQ(show(encoded(api_exp_path{nullptr, 0, 0, API_EXP_PATH_HAS_HOPS})), "");
 }
 
-// case: api_exp_path: field 1 in a second run after field 2
 TEST(api_exp_path, a_second_run_after_field_2_is_refused) {
   decoded<api_exp_path> path(hex("0a 02 08 01 10 02 0a 02 08 02"));
   EXPECT_EQ(path.result, CODEC_ERR_TRUNCATED);
@@ -145,7 +141,6 @@ TEST(api_exp_path, a_second_run_after_field_2_is_refused) {
   EXPECT_EQ(path->presence & 3, 3);
 }
 
-// case: api_exp_path: a hop whose length runs past the end
 TEST(api_exp_path, a_hop_that_runs_past_the_end_is_refused) {
   decoded<api_exp_path> path(hex("0a 05 08 01"));
   EXPECT_EQ(path.result, CODEC_ERR_TRUNCATED);

@@ -56,7 +56,6 @@ TEST(api_intf, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_intf().record, intf_fields, "us");
 }
 
-// case: api_intf: field 2 of eth0 without field 1
 TEST(api_intf, the_name_eth0_alone_takes_six_bytes) {
   whole_intf whole;
   whole.record.presence = API_INTF_HAS_FIELD2;
@@ -65,7 +64,6 @@ TEST(api_intf, the_name_eth0_alone_takes_six_bytes) {
   EXPECT_EQ(show(encoded(whole.record)), "");
 }
 
-// case: api_intf: the order of the strings 61 and 63 is that of the C library
 TEST(api_intf, the_order_of_strings_is_handed_on_as_it_is) {
   char a[] = "\x61", c[] = "\x63";
   const api_intf low = {0, a, API_INTF_HAS_FIELD2}, high = {0, c, API_INTF_HAS_FIELD2};
@@ -157,7 +155,6 @@ TEST(api_link_update, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_link_update().record, link_update_fields, "usuuL");
 }
 
-// case: api_link_update: field 2 occurring twice
 TEST(api_link_update, a_second_string_is_refused_and_what_came_before_kept) {
   decoded<api_link_update> read(hex("08 01 12 01 61 18 03 20 04 28 05 12 01 62"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -171,7 +168,6 @@ TEST(api_link_update, a_second_string_is_refused_and_what_came_before_kept) {
   EXPECT_EQ(read.memory.requests(), 2u);
 }
 
-// case: api_link_update: field 5 present with count 0
 TEST(api_link_update, a_present_but_empty_list_is_not_written_and_stays_present_in_a_copy) {
   std::uint32_t numbers[] = {1};
   api_link_update source{};
@@ -186,7 +182,6 @@ TEST(api_link_update, a_present_but_empty_list_is_not_written_and_stays_present_
   EXPECT_EQ(bits(copy.record), std::uint32_t{API_LINK_UPDATE_HAS_FIELD5});
 }
 
-// case: api_link_update: a string of length 0
 TEST(api_link_update, a_string_of_length_0_is_an_allocated_empty_string) {
   decoded<api_link_update> read(hex("12 00"));
   EXPECT_EQ(read.result, CODEC_OK);

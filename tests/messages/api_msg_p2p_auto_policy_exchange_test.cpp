@@ -72,7 +72,6 @@ TEST(api_msg_p2p_auto_policy_request, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_request().record, request_fields, "nuu");
 }
 
-// case: api_msg_p2p_auto_policy_request: an empty policy with its bit set, there and back
 TEST(api_msg_p2p_auto_policy_request, an_empty_policy_with_its_bit_set_is_a_key_and_a_zero_length) {
   request_message record{};
   record.presence = API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_POLICY;
@@ -84,7 +83,6 @@ TEST(api_msg_p2p_auto_policy_request, an_empty_policy_with_its_bit_set_is_a_key_
   EXPECT_EQ(show(encoded(read->policy)), "");
 }
 
-// case: api_msg_p2p_auto_policy_request: a policy with content but without its bit
 TEST(api_msg_p2p_auto_policy_request, a_policy_with_content_is_written_without_its_bit) {
   request_message record{};
   record.policy.field3 = 5;
@@ -362,7 +360,6 @@ TEST(api_msg_p2p_auto_policy_sweep, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(sweep_message{300, 0, 3}, sweep_fields, "uu");
 }
 
-// case: api_msg_p2p_auto_policy_sweep: both bits clear
 TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_bytes_and_no_entries) {
   const sweep_message record = {300, 7, 0};
   EXPECT_EQ(show(encoded(record)), "");
@@ -374,7 +371,6 @@ TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_bytes_and_
   }
 }
 
-// case: api_msg_p2p_auto_policy_sweep: field 1 of 300 and field 2 of 0
 TEST(api_msg_p2p_auto_policy_sweep, the_numbers_300_and_0_take_five_bytes) {
   EXPECT_EQ(show(encoded(sweep_message{300, 0, 3})), "08 ac 02 10 00");
   takes_entries(sweep_message{300, 0, 3}, {{0, 5}});

@@ -95,7 +95,6 @@ TEST(api_msg_p2p_auto_policy_notif, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_notification().record, all_fields, kinds);
 }
 
-// case: api_msg_p2p_auto_policy_notif: field 27 of -1 takes ten bytes, comes back, and is less than 0
 TEST(api_msg_p2p_auto_policy_notif, a_negative_field_27_takes_ten_bytes_and_is_less_than_0) {
   notification minus_one{}, zero{};
   minus_one.field27 = -1;
@@ -109,7 +108,6 @@ TEST(api_msg_p2p_auto_policy_notif, a_negative_field_27_takes_ten_bytes_and_is_l
   EXPECT_EQ(operations<notification>::compare(&zero, &minus_one), 1);
 }
 
-// case: api_msg_p2p_auto_policy_notif: an empty label stack with its bit set
 TEST(api_msg_p2p_auto_policy_notif, an_empty_label_stack_with_its_bit_set_is_a_key_and_a_zero_length) {
   notification record{};
   record.presence = 1u << 9;
@@ -117,7 +115,6 @@ TEST(api_msg_p2p_auto_policy_notif, an_empty_label_stack_with_its_bit_set_is_a_k
   takes_entries(record, {{0, 2}});
 }
 
-// case: api_msg_p2p_auto_policy_notif: a flag that holds 2 is written as 2 and read as 1
 TEST(api_msg_p2p_auto_policy_notif, a_flag_that_holds_2_is_written_as_it_is_and_read_as_1) {
   notification record{};
   record.field4 = 2;
@@ -128,7 +125,6 @@ TEST(api_msg_p2p_auto_policy_notif, a_flag_that_holds_2_is_written_as_it_is_and_
   EXPECT_EQ(read->field4, 1);
 }
 
-// case: api_msg_p2p_auto_policy_notif: field 21 occurring twice
 TEST(api_msg_p2p_auto_policy_notif, a_string_that_occurs_twice_is_refused) {
   decoded<notification> read(hex("aa 01 01 61 b8 01 05 aa 01 01 62"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -137,7 +133,6 @@ TEST(api_msg_p2p_auto_policy_notif, a_string_that_occurs_twice_is_refused) {
   EXPECT_EQ(bits(read.record), 1u << 20 | 1u << 22);
 }
 
-// case: api_msg_p2p_auto_policy_notif: field 28 alone
 TEST(api_msg_p2p_auto_policy_notif, an_unknown_field_28_alone_is_skipped) {
   for (const char *bytes : {"e0 01 05", "e1 01 00 00 00 00 00 00 00 00", "e2 01 01 ff", "e5 01 00 00 00 00"}) {
     SCOPED_TRACE(bytes);

@@ -99,7 +99,6 @@ TEST(api_msg_p2p_auto_policy, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_policy().record, all_fields, kinds);
 }
 
-// case: api_msg_p2p_auto_policy: an empty label stack or segment identifier with its bit set
 TEST(api_msg_p2p_auto_policy, an_empty_nested_message_with_its_bit_set_is_a_key_and_a_zero_length) {
   policy record{};
   record.presence = 1u << 6;
@@ -108,7 +107,6 @@ TEST(api_msg_p2p_auto_policy, an_empty_nested_message_with_its_bit_set_is_a_key_
   EXPECT_EQ(show(encoded(record)), "aa 01 00");
 }
 
-// case: api_msg_p2p_auto_policy: nested content without its bit is written, and decoding sets the bit
 TEST(api_msg_p2p_auto_policy, nested_content_is_written_without_its_bit) {
   const whole_policy whole;
   policy record{};
@@ -128,7 +126,6 @@ TEST(api_msg_p2p_auto_policy, nested_content_is_written_without_its_bit) {
   EXPECT_EQ(with_labels->label_stack.label_count, 2u);
 }
 
-// case: api_msg_p2p_auto_policy: a flag that holds 2 is written as 2 and read as 1
 TEST(api_msg_p2p_auto_policy, a_flag_that_holds_2_is_written_as_it_is_and_read_as_1) {
   policy record{};
   record.field5 = 2;
@@ -140,7 +137,6 @@ TEST(api_msg_p2p_auto_policy, a_flag_that_holds_2_is_written_as_it_is_and_read_a
   EXPECT_EQ(bits(read.record), 1u << 4);
 }
 
-// case: api_msg_p2p_auto_policy: an element 200 takes two bytes, an element 300 is read as 44
 TEST(api_msg_p2p_auto_policy, small_numbers_from_128_take_two_bytes_and_greater_ones_are_cut) {
   std::uint8_t elements[] = {200};
   policy record{};
@@ -154,7 +150,6 @@ TEST(api_msg_p2p_auto_policy, small_numbers_from_128_take_two_bytes_and_greater_
   EXPECT_EQ(read->field11[0], 44);
 }
 
-// case: api_msg_p2p_auto_policy: field 1 occurring twice
 TEST(api_msg_p2p_auto_policy, a_string_that_occurs_twice_is_refused) {
   decoded<policy> first(hex("0a 01 61 0a 01 62"));
   EXPECT_EQ(first.result, CODEC_ERR_TRUNCATED);
@@ -165,7 +160,6 @@ TEST(api_msg_p2p_auto_policy, a_string_that_occurs_twice_is_refused) {
   EXPECT_EQ(decoded<policy>(hex("a2 01 00 18 05 a2 01 00")).result, CODEC_ERR_TRUNCATED);
 }
 
-// case: api_msg_p2p_auto_policy: two runs of field 14
 TEST(api_msg_p2p_auto_policy, a_second_run_of_explicit_paths_is_refused) {
   decoded<policy> read(hex("72 02 10 05 78 07 72 02 10 06"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -175,7 +169,6 @@ TEST(api_msg_p2p_auto_policy, a_second_run_of_explicit_paths_is_refused) {
   EXPECT_EQ(bits(read.record), 1u << 13 | 1u << 14);
 }
 
-// case: api_msg_p2p_auto_policy: field 23 alone
 TEST(api_msg_p2p_auto_policy, an_unknown_field_23_alone_is_skipped) {
   for (const char *bytes : {"b8 01 05", "b9 01 00 00 00 00 00 00 00 00", "ba 01 01 ff", "bd 01 00 00 00 00"}) {
     SCOPED_TRACE(bytes);

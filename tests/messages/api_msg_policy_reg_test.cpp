@@ -35,7 +35,6 @@ TEST(api_msg_policy_reg, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_registration().record, all_fields, "flus");
 }
 
-// case: api_msg_policy_reg: a flag, two bytes and 300
 TEST(api_msg_policy_reg, a_flag_two_bytes_and_300_take_nine_bytes) {
   whole_registration whole;
   whole.record.field4 = nullptr;
@@ -45,7 +44,6 @@ TEST(api_msg_policy_reg, a_flag_two_bytes_and_300_take_nine_bytes) {
   EXPECT_EQ(show(encoded(whole.record)), "08 01 10 01 10 02 18 ac 02");
 }
 
-// case: api_msg_policy_reg: field 1 given as 2, and as 2^32 in five bytes
 TEST(api_msg_policy_reg, the_flag_is_the_low_32_bits_as_yes_or_no) {
   decoded<api_msg_policy_reg> two(hex("08 02"));
   EXPECT_EQ(two.result, CODEC_OK);
@@ -56,7 +54,6 @@ TEST(api_msg_policy_reg, the_flag_is_the_low_32_bits_as_yes_or_no) {
   EXPECT_EQ(bits(wide.record), std::uint32_t{API_MSG_POLICY_REG_HAS_FIELD1});
 }
 
-// case: api_msg_policy_reg: records that differ only in field 4
 TEST(api_msg_policy_reg, the_order_of_strings_is_handed_on_as_it_is) {
   whole_registration low, high;
   low.field4[0] = 'a';
@@ -66,7 +63,6 @@ TEST(api_msg_policy_reg, the_order_of_strings_is_handed_on_as_it_is) {
   EXPECT_EQ(operations<api_msg_policy_reg>::compare(&high.record, &low.record), string_order(high.field4, low.field4));
 }
 
-// case: api_msg_policy_reg: a copy without any memory
 TEST(api_msg_policy_reg, a_copy_without_memory_has_the_flag_and_the_number) {
   const whole_registration whole;
   copied<api_msg_policy_reg> copy(whole.record, accountant::never, 0);

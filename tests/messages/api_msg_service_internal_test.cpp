@@ -9,7 +9,6 @@ int (*volatile string_comparison)(const char *, const char *) = std::strcmp;
 
 // --- api_msg_service ---
 
-// case: api_msg_service: a flag decoded from 5
 TEST(api_msg_service, a_flag_read_as_5_is_stored_as_1_and_written_back_as_1) {
   decoded<api_msg_service> service(hex("08 05"));
   EXPECT_EQ(service.result, CODEC_OK);
@@ -17,7 +16,6 @@ TEST(api_msg_service, a_flag_read_as_5_is_stored_as_1_and_written_back_as_1) {
   EXPECT_EQ(show(encoded(service.record)), "08 01");
 }
 
-// case: api_msg_service: flags whose stored byte is neither 0 nor 1
 TEST(api_msg_service, a_flag_is_written_as_its_raw_byte_and_from_128_on_as_an_unterminated_varint) {
   EXPECT_EQ(show(encoded(api_msg_service{2, 0, 0, API_MSG_SERVICE_HAS_FIELD1})), "08 02");
   EXPECT_EQ(show(encoded(api_msg_service{0x7f, 0, 0, API_MSG_SERVICE_HAS_FIELD1})), "08 7f");
@@ -67,7 +65,6 @@ TEST(api_msg_service, is_compared_in_field_order_by_stored_bytes) {
 
 // --- api_msg_internal ---
 
-// case: api_msg_internal: six fields with a table of capacity 2
 TEST(api_msg_internal, takes_nineteen_bytes_and_two_entries) {
   char text[] = "ab";
   api_msg_internal internal{};
@@ -87,7 +84,6 @@ TEST(api_msg_internal, takes_nineteen_bytes_and_two_entries) {
   EXPECT_EQ(segments.pieces(), (std::vector<piece>{{buffer.data() + 15, 2}, {buffer.data(), 19}}));
 }
 
-// case: api_msg_internal: a string of 200 characters, and a buffer too short for it
 TEST(api_msg_internal, a_long_string_has_a_length_of_two_bytes_and_is_left_out_where_it_does_not_fit) {
   std::string text(200, 'x');
   api_msg_internal internal{};
@@ -101,7 +97,6 @@ TEST(api_msg_internal, a_long_string_has_a_length_of_two_bytes_and_is_left_out_w
   }
 }
 
-// case: api_msg_internal: bit 4 without content in service, and content without bit 4
 TEST(api_msg_internal, service_is_written_for_its_content_or_for_its_bit) {
   api_msg_internal internal{};
   internal.presence = API_MSG_INTERNAL_HAS_SERVICE;
@@ -111,7 +106,6 @@ TEST(api_msg_internal, service_is_written_for_its_content_or_for_its_bit) {
   EXPECT_EQ(show(encoded(internal)), "2a 02 10 01");
 }
 
-// case: api_msg_internal: a second string
 TEST(api_msg_internal, a_second_string_is_refused) {
   decoded<api_msg_internal> internal(hex("12 02 61 62 08 01 12 02 63 64 20 05"));
   EXPECT_EQ(internal.result, CODEC_ERR_TRUNCATED);
@@ -238,7 +232,6 @@ TEST(api_msg_internal, the_outer_bit_decides_whether_services_are_compared) {
 
 // --- api_msg_on_demand_color_notif ---
 
-// case: api_msg_on_demand_color_notif: the colour 300
 TEST(api_msg_on_demand_color_notif, the_colour_300_takes_three_bytes) {
   EXPECT_EQ(show(encoded(api_msg_on_demand_color_notif{300, API_MSG_ON_DEMAND_COLOR_NOTIF_HAS_COLOR})), "08 ac 02");
   decoded<api_msg_on_demand_color_notif> notif(hex("08 ac 02"));

@@ -103,7 +103,6 @@ TEST(api_msg, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_envelope().record, all_fields, kinds);
 }
 
-// case: api_msg: no presence bit and empty payloads, and no bytes decoded
 TEST(api_msg, nothing_is_no_bytes_and_no_entry_and_comes_back_as_nothing) {
   takes_entries(api_msg{}, {});
   EXPECT_EQ(show(encoded(api_msg{})), "");
@@ -119,7 +118,6 @@ TEST(api_msg, nothing_is_no_bytes_and_no_entry_and_comes_back_as_nothing) {
   EXPECT_EQ(operations<api_msg>::compare(&read.record, &nothing), 0);
 }
 
-// case: api_msg: presence bit 9 alone
 TEST(api_msg, an_empty_sweep_with_its_bit_is_a_key_and_a_zero_length) {
   api_msg record{};
   record.presence = 1u << 9;
@@ -131,7 +129,6 @@ TEST(api_msg, an_empty_sweep_with_its_bit_is_a_key_and_a_zero_length) {
   EXPECT_EQ(bits(read->p2p_auto_policy_sweep), 0u);
 }
 
-// case: api_msg: field 1 of 2^64 - 1
 TEST(api_msg, the_greatest_field_1_takes_ten_bytes_and_comes_back) {
   api_msg record{};
   record.field1 = UINT64_MAX;
@@ -148,7 +145,6 @@ TEST(api_msg, the_greatest_field_1_takes_ten_bytes_and_comes_back) {
   EXPECT_EQ(above_32_bits->field1, 0x10000000000u);
 }
 
-// case: api_msg: field 15 whose low 32 bits are 0
 TEST(api_msg, field_15_is_the_low_32_bits_as_yes_or_no_and_written_as_stored) {
   decoded<api_msg> read(hex("78 80 80 80 80 10"));
   EXPECT_EQ(read.result, CODEC_OK);
@@ -162,7 +158,6 @@ TEST(api_msg, field_15_is_the_low_32_bits_as_yes_or_no_and_written_as_stored) {
   EXPECT_EQ(show(encoded(record)), "78 81");
 }
 
-// case: api_msg: field 16 with its key of two bytes
 TEST(api_msg, field_16_has_a_key_of_two_bytes) {
   api_msg record{};
   record.policy_reg.field3 = 5;
@@ -175,7 +170,6 @@ TEST(api_msg, field_16_has_a_key_of_two_bytes) {
   EXPECT_EQ(read->policy_reg.field3, 5u);
 }
 
-// case: api_msg: field 13 twice
 TEST(api_msg, a_second_request_replaces_the_first_and_drops_its_memory) {
   decoded<api_msg> read(hex("6a 0b 08 01 1a 01 61 22 00 32 02 aa bb 6a 05 10 02 1a 01 62"));
   EXPECT_EQ(read.result, CODEC_OK);
@@ -191,7 +185,6 @@ TEST(api_msg, a_second_request_replaces_the_first_and_drops_its_memory) {
   read.dropped = 2;
 }
 
-// case: api_msg: all sixteen members there and back
 TEST(api_msg, all_sixteen_members_come_back_equal) {
   const whole_envelope whole;
   decoded<api_msg> read(encoded(whole.record));

@@ -59,7 +59,6 @@ TEST(api_nodeid, the_bytes_0a_80_take_five_bytes) {
   EXPECT_EQ(show(encoded(record)), "10 0a 10 80 01");
 }
 
-// case: api_nodeid: bytes are written by their bit and count alone
 TEST(api_nodeid, bytes_are_written_by_their_bit_and_count_alone) {
   whole_nodeid whole;
   whole.record.presence = API_NODEID_HAS_OCTETS;
@@ -75,7 +74,6 @@ TEST(api_nodeid, bytes_are_written_by_their_bit_and_count_alone) {
   EXPECT_EQ(show(encoded(whole.record)), "");
 }
 
-// case: api_nodeid: a second key of field 2 with wire type 2 belongs to the run
 TEST(api_nodeid, only_the_first_key_of_a_run_has_its_wire_type_checked) {
   decoded<api_nodeid> read(hex("10 05 12 01"));
   EXPECT_EQ(read.result, CODEC_OK);
@@ -197,7 +195,6 @@ TEST(api_prefix, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_prefix().record, prefix_fields, "lo");
 }
 
-// case: api_prefix: a second run of bytes after field 2
 TEST(api_prefix, a_second_run_of_bytes_is_refused_and_the_first_kept) {
   decoded<api_prefix> read(hex("08 01 10 18 08 02"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -208,7 +205,6 @@ TEST(api_prefix, a_second_run_of_bytes_is_refused_and_the_first_kept) {
   EXPECT_EQ(read.memory.sizes, std::vector<std::size_t>{1});
 }
 
-// case: api_prefix: field 2 of 255 there and back, 256 read as 0
 TEST(api_prefix, field_2_of_255_comes_back_and_256_is_read_as_0) {
   api_prefix record{};
   record.field2 = 255;
@@ -225,7 +221,6 @@ TEST(api_prefix, field_2_of_255_comes_back_and_256_is_read_as_0) {
   EXPECT_EQ(more->field2, 44);
 }
 
-// case: api_prefix: a copy without memory for the bytes has field 2
 TEST(api_prefix, a_copy_without_memory_for_the_bytes_has_field_2) {
   const whole_prefix whole;
   copied<api_prefix> copy(whole.record, 0);

@@ -62,7 +62,6 @@ TEST(api_policy, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_policy().record, all_fields, kinds);
 }
 
-// case: api_policy: field 9 of -1 takes five bytes, is read from ten, and is less than 0
 TEST(api_policy, a_negative_field_9_takes_five_bytes_and_is_less_than_0) {
   api_policy minus_one{}, zero{};
   minus_one.field9 = -1;
@@ -80,7 +79,6 @@ TEST(api_policy, a_negative_field_9_takes_five_bytes_and_is_less_than_0) {
   EXPECT_EQ(operations<api_policy>::compare(&zero, &minus_one), 1);
 }
 
-// case: api_policy: a flag given as 2 is read as 1, and 1 is written as 20 01
 TEST(api_policy, a_flag_of_2_is_read_as_1) {
   decoded<api_policy> read(hex("20 02 50 02"));
   EXPECT_EQ(read.result, CODEC_OK);
@@ -93,7 +91,6 @@ TEST(api_policy, a_flag_of_2_is_read_as_1) {
   EXPECT_EQ(show(encoded(record)), "20 01");
 }
 
-// case: api_policy: two prefixes, the first empty
 TEST(api_policy, an_empty_prefix_is_written_as_a_key_and_a_zero_length) {
   whole_policy whole;
   whole.record.prefixes_count = 2;
@@ -102,7 +99,6 @@ TEST(api_policy, an_empty_prefix_is_written_as_a_key_and_a_zero_length) {
   takes_entries(whole.record, {{4, 7}, {0, 11}});
 }
 
-// case: api_policy: prefixes in two runs
 TEST(api_policy, a_second_run_of_prefixes_is_refused_and_the_first_kept) {
   decoded<api_policy> read(hex("2a 00 10 01 2a 00"));
   EXPECT_EQ(read.result, CODEC_ERR_TRUNCATED);
@@ -112,7 +108,6 @@ TEST(api_policy, a_second_run_of_prefixes_is_refused_and_the_first_kept) {
   EXPECT_EQ(bits(read.record), std::uint32_t{API_POLICY_HAS_FIELD2 | API_POLICY_HAS_PREFIXES});
 }
 
-// case: api_policy: a prefix with an unknown field of wire type 7
 TEST(api_policy, a_prefix_that_fails_leaves_the_array_and_its_bit_clear) {
   decoded<api_policy> read(hex("10 05 2a 04 08 07 10 08 2a 03 08 09 1f 2a 02 08 01"));
   EXPECT_EQ(read.result, CODEC_ERR_BAD_WIRE_TYPE);
@@ -130,7 +125,6 @@ TEST(api_policy, a_prefix_that_fails_leaves_the_array_and_its_bit_clear) {
   EXPECT_EQ(read.memory.sizes, (std::vector<std::size_t>{3 * sizeof(api_prefix), 1, 1}));
 }
 
-// case: api_policy: field 1 strings that differ
 TEST(api_policy, the_order_of_strings_is_handed_on_as_it_is) {
   char a[] = "a", z[] = "z";
   for (char *api_policy::*const member : {&api_policy::field1, &api_policy::field6, &api_policy::field7}) {

@@ -74,7 +74,6 @@ TEST(api_to_zorv, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_to_zorv().record, to_zorv_fields, "nnf");
 }
 
-// case: api_to_zorv: a node identifier with content but without its outer bit
 TEST(api_to_zorv, a_node_identifier_with_content_is_written_without_its_outer_bit) {
   api_to_zorv record{};
   record.nodeid.field1 = 1;
@@ -86,7 +85,6 @@ TEST(api_to_zorv, a_node_identifier_with_content_is_written_without_its_outer_bi
   EXPECT_EQ(read->nodeid.field1, 1u);
 }
 
-// case: api_to_zorv: an empty interface with its outer bit
 TEST(api_to_zorv, an_empty_interface_with_its_outer_bit_is_a_key_and_a_zero_length) {
   api_to_zorv record{};
   record.presence = API_TO_ZORV_HAS_INTF;
@@ -96,7 +94,6 @@ TEST(api_to_zorv, an_empty_interface_with_its_outer_bit_is_a_key_and_a_zero_leng
   EXPECT_EQ(show(encoded(record)), "0a 00");
 }
 
-// case: api_to_zorv: a copy without memory for the bytes of the node identifier
 TEST(api_to_zorv, a_copy_without_memory_for_the_bytes_has_the_rest_and_all_outer_bits) {
   const whole_to_zorv whole;
   copied<api_to_zorv> copy(whole.record, 0);
@@ -285,7 +282,6 @@ TEST(api_to_igp, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_to_igp().record, to_igp_fields, "nnff");
 }
 
-// case: api_to_igp: field 1 twice, the second link update counts
 TEST(api_to_igp, a_second_link_update_replaces_the_first_and_drops_its_memory) {
   decoded<api_to_igp> read(hex("0a 09 08 01 12 01 61 28 05 28 06 0a 02 18 03"));
   EXPECT_EQ(read.result, CODEC_OK);
@@ -302,7 +298,6 @@ TEST(api_to_igp, a_second_link_update_replaces_the_first_and_drops_its_memory) {
   read.dropped = 2;
 }
 
-// case: api_to_igp: a flag given as 5
 TEST(api_to_igp, a_flag_of_5_is_read_as_1) {
   decoded<api_to_igp> read(hex("18 05 20 80 80 80 80 10"));
   EXPECT_EQ(read.result, CODEC_OK);

@@ -58,7 +58,6 @@ TEST(oam_req, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_request().record, all_fields, kinds);
 }
 
-// case: oam_req: 1000 bytes by reference with a table of capacity 8
 TEST(oam_req, a_thousand_bytes_by_reference_take_three_bytes_and_two_entries) {
   std::vector<unsigned char> data(1000, 0x55);
   const oam_req record = with_bytes(data.data(), 1000);
@@ -70,7 +69,6 @@ TEST(oam_req, a_thousand_bytes_by_reference_take_three_bytes_and_two_entries) {
   EXPECT_TRUE(call.segments.untouched_from(2));
 }
 
-// case: oam_req: 1000 bytes copied into a buffer of 100
 TEST(oam_req, a_thousand_bytes_do_not_go_into_a_buffer_of_a_hundred) {
   std::vector<unsigned char> data(1000, 0x55);
   const oam_req record = with_bytes(data.data(), 1000);
@@ -79,7 +77,6 @@ TEST(oam_req, a_thousand_bytes_do_not_go_into_a_buffer_of_a_hundred) {
   EXPECT_EQ(show(buffer.content()), show(hex("32 e8 07") + 97 * hex("c7")));
 }
 
-// case: oam_req: a string of length 0
 TEST(oam_req, a_string_of_length_0_is_an_allocated_empty_string) {
   for (const std::uint32_t options : {0u, 1u}) {
     decoded<oam_req> read(hex("1a 00"), options);
@@ -91,7 +88,6 @@ TEST(oam_req, a_string_of_length_0_is_an_allocated_empty_string) {
   }
 }
 
-// case: oam_req: requests that differ only in field 3, a and b
 TEST(oam_req, the_order_of_strings_is_handed_on_as_it_is) {
   char a[] = "a", b[] = "b", z[] = "z";
   whole_request low, high;

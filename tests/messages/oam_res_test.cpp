@@ -71,7 +71,6 @@ TEST(oam_res, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_result().record, all_fields, kinds);
 }
 
-// case: oam_res: two segment lists and one micro-SID list with a table
 TEST(oam_res, two_segment_lists_and_a_micro_sid_list_are_written_and_entered_in_order) {
   out_sid_list_info sid_lists[2]{};
   sid_lists[0].field2 = 1;
@@ -93,7 +92,6 @@ TEST(oam_res, two_segment_lists_and_a_micro_sid_list_are_written_and_entered_in_
   takes_entries(record, {{2, 2}, {6, 2}, {12, 2}, {10, 4}, {0, 14}}, by_reference);
 }
 
-// case: oam_res: decoded and released by reference
 TEST(oam_res, read_by_reference_the_arrays_are_released_and_nothing_of_the_input) {
   decoded<oam_res> read(together(all_fields), by_reference);
   ASSERT_EQ(read.result, CODEC_OK);
@@ -125,7 +123,6 @@ TEST(oam_res, read_by_reference_the_arrays_are_released_and_nothing_of_the_input
   EXPECT_EQ(whole.record.field6, whole.data);
 }
 
-// case: oam_res: field 5 interrupted by field 6
 TEST(oam_res, a_second_run_of_segment_lists_is_refused_and_the_first_kept) {
   for (const std::uint32_t options : {0u, 1u}) {
     decoded<oam_res> read(hex("2a 02 10 05 32 01 aa 2a 02 10 06"), options);
@@ -138,7 +135,6 @@ TEST(oam_res, a_second_run_of_segment_lists_is_refused_and_the_first_kept) {
   }
 }
 
-// case: oam_res: bit 4 set with an empty list
 TEST(oam_res, presence_of_an_empty_list_does_not_survive_the_wire) {
   out_sid_list_info sid_lists[1]{};
   oam_res record{};

@@ -241,7 +241,6 @@ TEST(out_srv6_usid_list_info, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_list().record, list_fields, "m");
 }
 
-// case: out_srv6_usid_list_info: present with count 0
 TEST(out_srv6_usid_list_info, a_present_but_empty_list_is_nothing_and_takes_no_entry) {
   srv6_usid usids[1]{};
   const out_srv6_usid_list_info record = {usids, 0, OUT_SRV6_USID_LIST_INFO_HAS_USIDS};
@@ -251,7 +250,6 @@ TEST(out_srv6_usid_list_info, a_present_but_empty_list_is_nothing_and_takes_no_e
   }
 }
 
-// case: out_srv6_usid_list_info: three micro-SIDs, the second empty
 TEST(out_srv6_usid_list_info, an_empty_micro_sid_is_a_key_and_a_zero_length_and_comes_back) {
   srv6_usid usids[3]{};
   usids[0].field1 = 1;
@@ -272,7 +270,6 @@ TEST(out_srv6_usid_list_info, an_empty_micro_sid_is_a_key_and_a_zero_length_and_
   EXPECT_EQ(bits(read.record), 1u);
 }
 
-// case: out_srv6_usid_list_info: decoded and released by reference
 TEST(out_srv6_usid_list_info, read_by_reference_only_the_array_is_released) {
   decoded<out_srv6_usid_list_info> read(together(list_fields), by_reference);
   EXPECT_EQ(read.result, CODEC_OK);
@@ -295,7 +292,6 @@ TEST(out_srv6_usid_list_info, read_by_reference_only_the_array_is_released) {
   EXPECT_EQ(whole.usids[2].prefix.field1, whole.other_data);
 }
 
-// case: out_srv6_usid_list_info: two elements against the same two and a third
 TEST(out_srv6_usid_list_info, a_longer_list_is_greater) {
   const whole_list longer;
   whole_list shorter;

@@ -9,7 +9,6 @@ byte_string elements_of(const prefix_sid_type &sid) { return byte_string(sid.fie
 
 // --- prefix_sid_type ---
 
-// case: prefix_sid_type: field1 3 and the elements 1 and 200
 TEST(prefix_sid_type, a_number_and_two_elements_take_seven_bytes) {
   std::uint8_t elements[] = {1, 200};
   const prefix_sid_type sid{3, elements, 2, PREFIX_SID_TYPE_HAS_FIELD1 | PREFIX_SID_TYPE_HAS_FIELD2};
@@ -23,7 +22,6 @@ TEST(prefix_sid_type, a_number_and_two_elements_take_seven_bytes) {
   EXPECT_EQ(back.memory.sizes, (std::vector<std::size_t>{2}));
 }
 
-// case: prefix_sid_type: decoding an element of 300
 TEST(prefix_sid_type, an_element_of_300_is_cut_to_44) {
   decoded<prefix_sid_type> sid(hex("10 ac 02"));
   EXPECT_EQ(sid.result, CODEC_OK);
@@ -105,7 +103,6 @@ TEST(prefix_sid_type, is_compared_by_its_number_then_its_elements) {
 
 // --- policy_binding_sid_t ---
 
-// case: policy_binding_sid_t: a segment identifier and field2 5, with a table of capacity 2
 TEST(policy_binding_sid_t, takes_eleven_bytes_and_two_entries) {
   std::uint8_t elements[] = {1, 200};
   const policy_binding_sid_t binding{
@@ -119,13 +116,11 @@ TEST(policy_binding_sid_t, takes_eleven_bytes_and_two_entries) {
   EXPECT_EQ(segments.pieces(), (std::vector<piece>{{buffer.data() + 2, 7}, {buffer.data(), 11}}));
 }
 
-// case: policy_binding_sid_t: content without bit 0, and bit 0 without content
 TEST(policy_binding_sid_t, field_1_is_written_for_its_content_or_for_its_bit) {
   EXPECT_EQ(show(encoded(policy_binding_sid_t{{3, nullptr, 0, PREFIX_SID_TYPE_HAS_FIELD1}, 0, 0})), "0a 02 08 03");
   EXPECT_EQ(show(encoded(policy_binding_sid_t{{3, nullptr, 0, 0}, 0, POLICY_BINDING_SID_T_HAS_SID})), "0a 00");
 }
 
-// case: policy_binding_sid_t: a length past the end, and a failure inside the nested bytes
 TEST(policy_binding_sid_t, a_length_past_the_end_is_refused_and_a_failure_inside_is_the_result) {
   EXPECT_EQ(decoded<policy_binding_sid_t>(hex("0a 03 08 03")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<policy_binding_sid_t>(hex("0a 02 0d 00")).result, CODEC_ERR_WRONG_WIRE_TYPE);

@@ -151,7 +151,6 @@ TEST(layout, presence_bits_are_counted_in_field_order) {
 
 // --- Decoding ---
 
-// case: record: decoding no bytes
 TEST(decode, no_bytes_give_a_cleared_record) {
   decoded<api_msg_internal> internal(hex(""));
   EXPECT_EQ(internal.result, CODEC_OK);
@@ -500,7 +499,6 @@ TEST(decode, a_nul_inside_a_string_is_copied_and_shortens_it_for_every_later_use
   EXPECT_STREQ(copy->field2, "ab");
 }
 
-// case: record: a string given twice
 TEST(decode, a_string_given_twice_is_refused) {
   decoded<api_intf> intf(hex("12 02 61 62 12 02 63 64"));
   EXPECT_EQ(intf.result, CODEC_ERR_TRUNCATED);
@@ -545,7 +543,6 @@ TEST(decode, bytes_without_bytes_ask_for_a_block_of_none) {
   EXPECT_EQ(prefix->presence & 3, SRV6_PREFIX_HAS_FIELD1);
 }
 
-// case: record: a list without an allocator, and a message without owned members
 TEST(decode, without_an_allocator_lists_fail_before_their_values_are_read_and_messages_that_own_nothing_succeed) {
   EXPECT_EQ(decode_without_memory<api_lbl_stack>(hex("08 10")), CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(decode_without_memory<api_lbl_stack>(hex("08")), CODEC_ERR_NO_MEMORY) << "there is no value to read";
@@ -1482,7 +1479,6 @@ TEST(compare, the_three_signed_members_are_compared_signed) {
   EXPECT_EQ(compared(notif(std::int64_t{1} << 32), notif(1)), 1);
 }
 
-// case: record: comparing the strings ab and b
 // The first bytes of "ab" and "b" differ by one, which is what a folded result would say as well: those of "ab" and the
 // other two by more.
 TEST(compare, the_strings_ab_and_b_give_the_result_of_the_string_comparison) {

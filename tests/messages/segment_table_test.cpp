@@ -96,7 +96,6 @@ TEST(segment_table, an_empty_message_takes_none_and_the_count_is_written_back_as
   fill_every_capacity(srv6_prefix{}, {}, reference);
 }
 
-// case: record: a table of capacity 0
 TEST(segment_table, of_capacity_0_stays_empty_and_the_count_tells_the_entries_needed) {
   const encoding<api_addr> one(api_addr{300, API_ADDR_HAS_ADDRESS}, 0);
   EXPECT_EQ(one.length, 3u);
@@ -259,7 +258,6 @@ TEST(segment_table, the_count_is_written_back_by_every_message_also_when_it_is_0
 
 // --- Nested messages ---
 
-// case: nested: content without the outer bit, and the outer bit without content
 TEST(nested, content_is_written_without_the_outer_bit_and_an_empty_record_with_it) {
   policy_binding_sid_t binding{};
   binding.sid = {3, nullptr, 0, PREFIX_SID_TYPE_HAS_FIELD1};
@@ -269,7 +267,6 @@ TEST(nested, content_is_written_without_the_outer_bit_and_an_empty_record_with_i
   EXPECT_EQ(show(encoded(binding)), "0a 00");
 }
 
-// case: nested: neither content nor the outer bit
 TEST(nested, an_empty_record_without_the_outer_bit_is_not_written_and_takes_no_entry) {
   policy_binding_sid_t binding{};
   binding.field2 = 5;
@@ -529,7 +526,6 @@ TEST_F(huge_bytes, that_add_up_to_2_to_the_64_are_counted_but_not_written_nor_li
 
 // --- Reference mode: decoding, releasing, copying ---
 
-// case: nested: bytes decoded in reference mode, released and copied
 TEST(referenced, bytes_point_into_the_input_are_not_released_and_are_copied_as_owned) {
   const fenced_block input(hex("0a 05 01 02 03 04 05"));
   srv6_prefix prefix;
@@ -630,7 +626,6 @@ TEST(referenced, a_copy_owns_bytes_at_every_depth) {
 
 // --- Reference mode: encoding ---
 
-// case: nested: a message whose only field is referenced bytes of length 5
 TEST(referenced, bytes_of_length_5_alone_take_two_bytes_and_two_entries) {
   unsigned char data[] = {1, 2, 3, 4, 5};
   const srv6_prefix prefix{data, 5, 0, SRV6_PREFIX_HAS_FIELD1};

@@ -61,7 +61,6 @@ TEST(srv6_prefix, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_prefix().record, prefix_fields, "bu");
 }
 
-// case: srv6_prefix: field 1 occurring twice, both the same
 TEST(srv6_prefix, bytes_that_occur_twice_are_refused) {
   for (const std::uint32_t options : {0u, 1u}) {
     for (const char *bytes : {"0a 01 aa 0a 01 aa", "0a 01 aa 10 05 0a 01 aa", "0a 01 aa 0a"}) {
@@ -80,7 +79,6 @@ TEST(srv6_prefix, bytes_that_occur_twice_are_refused) {
   }
 }
 
-// case: srv6_prefix: decoded by reference without an allocator, and released with the same options
 TEST(srv6_prefix, bytes_read_by_reference_lie_in_the_input_and_are_not_released) {
   const fenced_block input(hex("10 40 0a 04 aa bb cc dd"));
   srv6_prefix record;
@@ -99,7 +97,6 @@ TEST(srv6_prefix, bytes_read_by_reference_lie_in_the_input_and_are_not_released)
   EXPECT_EQ(bits(record), 3u);
 }
 
-// case: srv6_prefix: both fields by reference and copied, with a table of capacity 4
 TEST(srv6_prefix, sixteen_bytes_by_reference_take_three_entries_and_copied_one) {
   unsigned char data[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
   const srv6_prefix record = {data, 16, 64, 3};
@@ -121,7 +118,6 @@ TEST(srv6_prefix, sixteen_bytes_by_reference_take_three_entries_and_copied_one) 
   takes_entries(record, {{0, 20}});
 }
 
-// case: srv6_prefix: the order of ab and abc, and of ab and ac
 TEST(srv6_prefix, the_order_of_bytes_is_handed_on_as_it_is_and_then_the_shorter_is_less) {
   unsigned char ab[] = {97, 98}, abc[] = {97, 98, 99}, ac[] = {97, 99}, az[] = {97, 122};
   const srv6_prefix a = {ab, 2, 0, 1}, b = {abc, 3, 0, 1}, c = {ac, 2, 0, 1}, z = {az, 2, 0, 1};
@@ -344,7 +340,6 @@ TEST(srv6_sid_struct, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_struct, struct_fields, "ffoooooo");
 }
 
-// case: srv6_sid_struct: field 3 given as 300, and 200 written
 TEST(srv6_sid_struct, field_3_of_300_is_cut_to_44_and_200_takes_two_bytes) {
   decoded<srv6_sid_struct> read(hex("18 ac 02"));
   EXPECT_EQ(read.result, CODEC_OK);
@@ -408,7 +403,6 @@ TEST(srv6_usid, every_field_goes_to_the_wire_and_back) {
   goes_to_the_wire_and_back(whole_usid().record, usid_fields, "uunn");
 }
 
-// case: srv6_usid: a prefix of 16 bytes by reference with a table
 TEST(srv6_usid, the_length_of_a_prefix_leaves_referenced_bytes_out) {
   unsigned char data[16] = {};
   srv6_usid record{};

@@ -78,7 +78,6 @@ TEST(keys, of_two_bytes_are_read) {
   EXPECT_STREQ(policy->field20, "x");
 }
 
-// case: wire: an over-long key
 TEST(keys, an_over_long_key_is_accepted) {
   decoded<api_addr> addr(hex("88 80 80 80 00 07"));
   EXPECT_EQ(addr.result, CODEC_OK);
@@ -160,7 +159,6 @@ TEST(keys, of_field_0_are_unknown) {
   }
 }
 
-// case: wire: bad wire types of an unknown and of a known field
 TEST(keys, with_a_bad_wire_type_are_refused_by_whether_the_field_is_known) {
   EXPECT_EQ(decoded<api_addr>(hex("1f")).result, CODEC_ERR_BAD_WIRE_TYPE);
   EXPECT_EQ(decoded<api_addr>(hex("1b")).result, CODEC_ERR_BAD_WIRE_TYPE);
@@ -260,7 +258,6 @@ TEST(keys, that_are_over_long_are_those_of_the_next_field) {
 
 // --- Varints ---
 
-// case: wire: the values 300 and 0xffffffff in field 1
 TEST(varints, the_values_300_and_0xffffffff_take_two_and_five_bytes) {
   EXPECT_EQ(show(encoded(api_addr{300, API_ADDR_HAS_ADDRESS})), "08 ac 02");
   EXPECT_EQ(show(encoded(api_addr{0xffffffff, API_ADDR_HAS_ADDRESS})), "08 ff ff ff ff 0f");
@@ -371,7 +368,6 @@ TEST(varints, of_negative_64_bit_values_are_their_pattern_in_ten_bytes) {
   }
 }
 
-// case: wire: a 32-bit value in its ten-byte sign-extended form
 TEST(varints, a_sign_extended_32_bit_value_is_read_as_its_pattern_and_written_back_in_five_bytes) {
   decoded<api_addr> addr(hex("08 ff ff ff ff ff ff ff ff ff 01"));
   EXPECT_EQ(addr.result, CODEC_OK);
@@ -663,7 +659,6 @@ TEST(varints, of_runs_may_be_over_long_anywhere) {
 
 // --- Skipped fields ---
 
-// case: wire: an unknown length-delimited field of length 100 at the end of five bytes
 TEST(skipping, an_unknown_field_that_runs_past_the_end_ends_the_decoding) {
   decoded<api_addr> addr(hex("12 64 01 02 03"));
   EXPECT_EQ(addr.result, CODEC_OK);
@@ -877,7 +872,6 @@ void write_into_every_length(const Record &record, const byte_string &whole, con
   }
 }
 
-// case: wire: encoding into a buffer of one byte
 TEST(bounded_writing, into_one_byte_goes_the_key_and_the_result_is_the_full_length) {
   const api_addr addr{300, API_ADDR_HAS_ADDRESS};
   const fenced_block buffer(1);
