@@ -8,6 +8,7 @@ import collections
 import csv
 import glob
 import json
+import math
 import os
 import statistics
 import sys
@@ -227,44 +228,81 @@ def write_markdown(path, builds):
         text.writelines("| " + " | ".join(line) + " |\n" for line in lines)
 
 
+class Plot:
+    """A drawing with a row for each case and an axis of powers of ten. Short, since it is kept with the documents."""
+
+    left, right, top, row = 190, 690, 26, 14
+    colours = ["#1f77b4", "#ff7f0e", "#2ca02c", "#d62728"]
+
+    def __init__(self, rows, values, title, names):
+        self.bottom = self.top + self.row * rows
+        self.low, self.high = math.floor(math.log10(min(values))), math.log10(max(values)) + 0.05
+        self.lines = [
+            f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {self.right + 20} {self.bottom + 40}" '
+            'font-family="sans-serif" font-size="10">',
+            '<rect width="100%" height="100%" fill="#fff"/>',
+        ]
+        powers = [10.0**power for power in range(self.low, math.floor(self.high) + 1)]
+        steps = [step * power for power in powers for step in range(1, 10) if math.log10(step * power) <= self.high]
+        self.line("#e8e8e8", *(f"M{self.x(step)} {self.top}V{self.bottom}" for step in steps))
+        self.line("#888", f"M{self.x(1)} {self.top}V{self.bottom}")
+        for power in powers:
+            self.text(self.x(power), self.bottom + 13, f"{power:g}", "middle")
+        self.text((self.left + self.right) / 2, self.bottom + 30, title, "middle")
+        for index, name in enumerate(names):
+            self.dot(index, self.left + 6 + 90 * index, self.top - 14)
+            self.text(self.left + 14 + 90 * index, self.top - 10, name)
+
+    def x(self, ratio):
+        share = (math.log10(ratio) - self.low) / (self.high - self.low)
+        return round(self.left + share * (self.right - self.left), 1)
+
+    def y(self, place):
+        return self.top + self.row * place + self.row / 2
+
+    def line(self, colour, *parts):
+        self.lines.append(f'<path stroke="{colour}" fill="none" d="{"".join(parts)}"/>')
+
+    def text(self, x, y, text, anchor="start"):
+        self.lines.append(f'<text x="{x}" y="{y}" text-anchor="{anchor}">{text}</text>')
+
+    def dot(self, index, x, y):
+        self.lines.append(f'<circle fill="{self.colours[index]}" cx="{x}" cy="{y}" r="2.5"/>')
+
+    def range(self, index, place, middle, least, greatest):
+        y = self.y(place) + 3 * index - 1.5
+        self.line(self.colours[index], f"M{self.x(least)} {y}H{self.x(greatest)}")
+        self.dot(index, self.x(middle), y)
+
+    def goal(self, place, ratio):
+        self.line("#000", f"M{self.x(ratio)} {self.y(place) - 5}v10")
+
+    def write(self, path):
+        with open(path, "w", encoding="utf-8") as text:
+            text.writelines(line + "\n" for line in [*self.lines, "</svg>"])
+
+
 def draw(path, builds):
-    import matplotlib
-
-    matplotlib.use("svg")
-    from matplotlib import pyplot
-
-    rows = [
-        (operation, workload)
-        for operation in OPERATIONS
-        for workload in builds[0].workloads
-        if builds[0].time(operation, workload, OURS) is not None and builds[0].fastest_peer(operation, workload)
-    ]
-    if not rows:
+    rows = [(operation, workload) for operation in OPERATIONS for workload in builds[0].workloads]
+    ratios = {}
+    for row in rows:
+        for index, build in enumerate(builds):
+            fastest = build.fastest_peer(*row)
+            if fastest and (ratio := build.ratio(*row, fastest)):
+                ratios.setdefault(row, {})[index] = ratio
+    if not ratios:
         return
-    figure, axes = pyplot.subplots(figsize=(9, 1.5 + 0.22 * len(rows)))
-    for index, build in enumerate(builds):
-        places, ratios, below, above = [], [], [], []
-        for place, (operation, workload) in enumerate(rows):
-            fastest = build.fastest_peer(operation, workload)
-            ratio = build.ratio(operation, workload, fastest) if fastest else None
-            if ratio:
-                places.append(place + 0.2 * (index - (len(builds) - 1) / 2))
-                ratios.append(ratio[0])
-                below.append(ratio[0] - ratio[1])
-                above.append(ratio[2] - ratio[0])
-        axes.errorbar(ratios, places, xerr=[below, above], fmt="o", markersize=4, label=build.name)
-    goals = [(goal_of(*row)[0], place) for place, row in enumerate(rows) if goal_of(*row)[0] and not goal_of(*row)[1]]
-    if goals:
-        axes.plot(*zip(*goals), "k|", markersize=9, label="goal")
-    axes.axvline(1, color="grey", linewidth=0.8)
-    axes.set_xscale("log")
-    axes.set_yticks(range(len(rows)), [f"{operation} {workload}" for operation, workload in rows])
-    axes.set_ylim(len(rows) - 0.5, -0.5)
-    axes.grid(axis="x", which="both", alpha=0.3)
-    axes.set_xlabel("time of pavo_zorv / time of the fastest peer (bars: lowest and highest run)")
-    axes.legend(loc="upper right")
-    figure.tight_layout()
-    figure.savefig(path)
+    values = [value for each in ratios.values() for ratio in each.values() for value in ratio]
+    title = "time of pavo_zorv / time of the fastest peer (bars: lowest and highest run; upright lines: goals)"
+    plot = Plot(len(ratios), values + [1], title, [build.name for build in builds])
+    for place, (row, of_builds) in enumerate(ratios.items()):
+        plot.text(plot.left - 6, plot.y(place) + 3.5, " ".join(row), "end")
+        goal, floor = goal_of(*row)
+        if goal and not floor:
+            plot.goal(place, goal)
+        for index, ratio in of_builds.items():
+            plot.range(index, place, *ratio)
+    plot.write(path)
 
 
 def main():
