@@ -7,11 +7,12 @@ mkdir -p build
 fuzz_targets=(decode encode round_trip copy_and_compare short_buffers failing_memory unwritten
   changing_input)
 
-# Runs a command quietly; shows what it said when it fails.
+# Runs a command quietly. When it fails, shows what it said, but for the tests that passed, and where all of it is.
 quietly() {
   if ! "$@" > "$PAVO_ZORV_LOG" 2>&1; then
-    tail -n 100 "$PAVO_ZORV_LOG"
-    echo "failed: $*" >&2
+    grep -vE '^ +Start +[0-9]+:|^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* Passed |^\[ RUN  |^\[       OK' "$PAVO_ZORV_LOG" |
+      tail -n 300
+    echo "failed: $* (all of it: $PAVO_ZORV_LOG)" >&2
     return 1
   fi
 }
