@@ -22,6 +22,7 @@ def rows():
             heading = None
             continue
         cells = [cell.strip().strip("`") for cell in line.strip("|").split("|")]
+        cells = ["" if cell == "nothing" else cell for cell in cells]
         if heading is None:
             heading = cells
         elif not re.fullmatch(r"[|-]+", line):
