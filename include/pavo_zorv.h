@@ -2,8 +2,8 @@
  *  pavo-zorv: the messages of a segment-routing policy component, as plain records in the Protocol Buffers wire format.
  *
  *  Each message type has one record and five functions, `pavo_zorv_<message>_<operation>`: `decode_ext`, `encode_ext`,
- *  `duplicate`, `free_ext` and `compare`. What a function does is the same for all messages, and is said once for each
- *  operation below. The header is C11 and C++. Optional, beside it: pavo_zorv_memory.h with ready-made callbacks, and
+ *  `duplicate`, `free_ext` and `compare`. Each operation works the same way for every message, and is described once
+ *  below. The header is C11 and C++. Two more headers are optional: pavo_zorv_memory.h with ready-made callbacks, and
  *  pavo_zorv.hpp for C++17.
  *
  *  A complete program, which writes a message, reads it back and releases it:
@@ -33,24 +33,24 @@
  *
  *  @section records Records
  *
- *  The members of a record stand in the order of the message's fields, naturally aligned; a list takes two, the array
- *  and its element count, and so does a bytes member, the block and its length. The last member, `presence`, has one
- *  bit per field in field order, `<MESSAGE>_HAS_<MEMBER>`; the bits of no field are never changed by decoding or
- *  copying. A nested message is a whole record held inline, with presence bits of its own beside the containing
- *  record's bit.
+ *  The members of a record are in the order of the message's fields, naturally aligned. A list has two members, the
+ *  array and its element count, and so has a bytes field: the block and its length. The last member, `presence`, has
+ *  one bit per field in field order, `<MESSAGE>_HAS_<MEMBER>`; decoding and copying never change the bits that belong
+ *  to no field. A nested message is a whole record held inline, with presence bits of its own in addition to its bit in
+ *  the containing record.
  *
  *  **Zero a record before you fill it:** `api_msg message = {0};`, `api_msg message{};` in C++, `calloc`, or designated
- *  initialisers, which zero the rest. The presence bits of a record do not make up for it, because not everything goes
- *  by them: `encode_ext` writes a nested record that holds something even where the containing record's bit for it is
- *  0, and `duplicate` and `free_ext` follow pointers, counts and lengths whatever the bits. Only a record that is just
- *  the output of `decode_ext` or `duplicate` need not be zeroed: they overwrite it.
+ *  initialisers, which zero the rest. Presence bits of 0 are not enough, because some operations do not look at them:
+ *  `encode_ext` writes a nested record that is not empty even if its bit in the containing record is 0, and `duplicate`
+ *  and `free_ext` follow pointers, counts and lengths whatever the bits. A record that is only the output of
+ *  `decode_ext` or `duplicate` need not be zeroed: they overwrite it.
  *
  *  | kind | record | wire form |
  *  |---|---|---|
  *  | flag | one byte, 0 or 1 | varint; read as 0 or 1, written as the stored byte, whatever it is |
  *  | unsigned 8-bit, 32-bit, 64-bit | the integer | varint; wider values are cut when read |
- *  | signed 32-bit | the integer | varint of its 32-bit pattern: at most 5 bytes, also when negative |
- *  | signed 64-bit | the integer | varint of its 64-bit pattern: 10 bytes when negative |
+ *  | signed 32-bit | the integer | varint of its 32-bit pattern: at most 5 bytes, even if negative |
+ *  | signed 64-bit | the integer | varint of its 64-bit pattern: 10 bytes if negative |
  *  | string | pointer to NUL-terminated characters | length-delimited, without the NUL |
  *  | bytes | pointer and 64-bit length | length-delimited |
  *  | list of integers | array and 32-bit count | one varint field per element, never packed |
@@ -63,90 +63,93 @@
  *  @section decoding Decoding
  *
  *  `int decode_ext(out, buffer, length, allocate, context[, options])` clears @p out, whatever it held, then reads
- *  fields until @p length bytes are used up. Fields may come in any order. A number or a nested message that comes
- *  again replaces the earlier one; what an earlier nested message owned is not released, so callers that accept
- *  repeated ones want an allocator that frees in bulk. A string or bytes that comes again, and a list whose elements do
- *  not stand together, fail. Keys and lengths are read as 32-bit numbers: what is above is dropped, like the upper bits
- *  of a value that is wider than its member. Strings are copied with a NUL after them; a NUL inside shortens them for
- *  every later use.
+ *  fields until @p length bytes are used up. Fields may come in any order. A repeated number or nested message replaces
+ *  the earlier one; what an earlier nested message owned is not released, so callers that accept repeated nested
+ *  messages should use an allocator that frees in bulk. A repeated string or bytes field fails, and so does a list
+ *  whose elements have other fields between them. Keys and lengths are read as 32-bit numbers: higher bits are dropped,
+ *  as are the high bits of a value that is wider than its member. Strings are copied with a NUL after them; a NUL
+ *  inside a string shortens it for every later use.
  *
  *  Unknown fields are skipped. One of wire type 1, 2 or 5 that runs past the end of the input ends the decoding with
- *  `CODEC_OK`; a varint or a length that is cut off is `CODEC_ERR_TRUNCATED`, and wire types 3, 4, 6 and 7 are
- *  `CODEC_ERR_BAD_WIRE_TYPE`, as no one can tell where such a field ends.
+ *  `CODEC_OK`; a varint or a length that is cut off is `CODEC_ERR_TRUNCATED`; and wire types 3, 4, 6 and 7 are
+ *  `CODEC_ERR_BAD_WIRE_TYPE`, because the end of such a field cannot be found.
  *
- *  - **Null:** @p out is not null. @p buffer may be when @p length is 0. @p allocate may be: the first field that needs
- *    memory then fails. @p context is only handed on.
- *  - **Ownership:** the record owns all blocks that @p allocate gave, until `free_ext`. The input stays the caller's
- *    and is no longer needed afterwards, but in reference mode. What @p out held before is overwritten, not released.
+ *  - **Null:** @p out must not be null. @p buffer may be null if @p length is 0. @p allocate may be null: the first
+ *    field that needs memory then fails. @p context is only passed on.
+ *  - **Ownership:** the record owns all blocks that @p allocate returned, until `free_ext`. The input stays the
+ *    caller's and is not needed afterwards, except in reference mode. What @p out held before is overwritten, not
+ *    released.
  *  - **Memory:** at most 36 bytes for each byte of input, in at most one call of @p allocate for each two bytes of
  *    input; an array or a string is asked for once, in its final size. Less than 4 KB of stack. The work is linear in
  *    @p length.
  *  - **Errors:** `CODEC_OK` or the first failure, a `pavo_zorv_result`. In either case the record is defined, holds
- *    what was read so far, and is to be given to `free_ext`. After `CODEC_OK` an absent member is 0 or null. After a
- *    failure inside a nested message, or inside an element of a list, what was read of it is there, but no presence bit
- *    is set for it: `encode_ext` would write that content of a nested message, and nothing of the list.
+ *    what was read so far, and must be passed to `free_ext`. After `CODEC_OK` an absent member is 0 or null. After a
+ *    failure inside a nested message, or inside an element of a list, what was read of it is there, but its presence
+ *    bit is not set: `encode_ext` would write that content of a nested message, and nothing of the list.
  *
  *  @section encoding Encoding
  *
  *  `size_t encode_ext(in, buffer, length, segments, segment_count[, options])` writes the fields in ascending order and
- *  returns the length of the whole encoding, whatever fitted. Into a buffer that is too short goes what fits; a string
- *  or bytes that does not fit whole is left out. No byte after the encoding is touched.
+ *  returns the length of the whole encoding, however much of it fitted. If the buffer is too short, it receives what
+ *  fits; a string or bytes field that does not fit whole is left out. No byte after the encoding is touched.
  *
- *  Numbers and flags are written when their presence bit is set, whatever their value, and so are bytes, whatever their
- *  pointer and length: where the pointer is null, their place in the buffer is left as it is. Strings are written when
- *  the pointer is not null as well; lists when the count is not 0 as well; a nested message when its bit is set or its
- *  encoding is not empty. The lengths of strings, bytes and nested messages are written from their low 32 bits: one of
- *  4 GiB or more makes an encoding that no decoder reads as it was meant.
+ *  Numbers and flags are written if their presence bit is set, whatever their value. Bytes are too, whatever their
+ *  pointer and length: if the pointer is null, their place in the buffer is left unchanged. Strings are written if
+ *  their bit is set and their pointer is not null; lists if their bit is set and their count is not 0; a nested message
+ *  if its bit is set or its encoding is not empty. The lengths of strings, bytes and nested messages are written from
+ *  their low 32 bits, so no decoder correctly reads one of 4 GiB or more.
  *
  *  @p segment_count, if not null, holds the capacity of @p segments on entry and receives the number of entries that
- *  the whole encoding needs; entries beyond the capacity are not written. There is one entry for every message, nested
- *  or outermost, whose encoding is not empty: its first byte and its length. A nested message's entries come before
- *  those of the message that contains it. Lengths are those of the whole encoding, whatever fits into the buffer. The
- *  outermost message starts at @p buffer; the start of a nested one is null when @p buffer is, and when the message
+ *  the whole encoding needs; entries beyond the capacity are not written. Every message whose encoding is not empty,
+ *  nested or outermost, has one entry: its first byte and its length. The entries of a nested message come before those
+ *  of the message that contains it. Lengths are those of the whole encoding, however much of it fits into the buffer.
+ *  The outermost message starts at @p buffer; the start of a nested message is null if @p buffer is, or if the message
  *  begins at or after the end of the buffer.
  *
- *  - **Null:** @p in is not null. A null @p buffer measures, whatever @p length. Without @p segment_count there is no
- *    table work; a null @p segments counts as capacity 0.
- *  - **Ownership:** nothing changes hands; the record is only read. The entries of the table point into @p buffer, and
- *    in reference mode to the record's bytes members.
+ *  - **Null:** @p in must not be null. A null @p buffer measures, whatever @p length. Without @p segment_count the
+ *    table is ignored; a null @p segments counts as capacity 0.
+ *  - **Ownership:** does not change; the record is only read. The entries of the table point into @p buffer, and in
+ *    reference mode to the record's bytes members.
  *  - **Memory:** none is asked for. Less than 10 KB of stack. The work is linear in the length of the encoding.
- *  - **Errors:** none. The length is exact as long as `size_t` can hold it. One that it cannot hold, as bytes without a
- *    block or lists that share an array can make, is returned as `SIZE_MAX`: neither buffer nor table is touched then,
- *    but the count is received. More entries than 2^32 - 1 are counted as 2^32 - 1.
+ *  - **Errors:** none. The length is exact as long as `size_t` can hold it. If `size_t` cannot hold it, as can happen
+ *    with bytes without a block or lists that share an array, `SIZE_MAX` is returned, and neither buffer nor table is
+ *    touched, but the count is stored. More entries than 2^32 - 1 are counted as 2^32 - 1.
  *
  *  @section referencing Reference mode
  *
  *  Nine message types take an options word, as the last argument of `decode_ext`, `encode_ext` and `free_ext`; bit 0 is
  *  `PAVO_ZORV_REFERENCE`, the other bits mean nothing. In reference mode bytes members are not copied:
- *  - `decode_ext` lets them point into @p buffer, which must outlive the record, and needs no memory for them;
- *  - `encode_ext` writes key and length but not the bytes, and does not count them; with a segment count, and a length
- *    that is not 0, the message's entry is replaced by: the message up to and including the length; the referenced
- *    bytes; and what the message writes after them, if anything, as the last of its entries. The `start` of that last
- *    piece is computed as a number: the message's own start, be it null, plus the bytes that the message has written up
- *    to there. The length prefix of a containing message leaves referenced bytes out;
- *  - `free_ext` leaves them as they are. Pass it the options that `decode_ext` had.
+ *  - `decode_ext` makes them point into @p buffer, which must outlive the record, and needs no memory for them;
+ *  - `encode_ext` writes key and length but not the bytes, and does not count them. With a segment count, and a length
+ *    that is not 0, several entries replace the message's own: the message up to and including the length; the
+ *    referenced bytes; and what the message writes after them, if anything, as the last of its entries. The `start` of
+ *    that last piece is computed as a number: the message's own start, even if null, plus the number of bytes that the
+ *    message has written up to there. The length prefix of a containing message leaves referenced bytes out;
+ *  - `free_ext` does not release them. Pass it the options that `decode_ext` had.
  *
  *  @section copying Copying
  *
  *  `int duplicate(destination, source, allocate, context)` overwrites @p destination with a copy that owns all its
- *  memory, also of bytes members that @p source has only referenced. What is copied goes by pointers, counts and
- *  lengths, not by presence bits. A null array counts as empty, whatever its count; null bytes with a length do not.
+ *  memory, even for bytes members that @p source only referenced. It goes by pointers, counts and lengths, not by
+ *  presence bits. A null array counts as empty, whatever its count; null bytes with a length do not.
  *
- *  - **Null:** neither record is null, and they are two. @p allocate may be null: it counts as one that gives nothing.
+ *  - **Null:** neither record may be null, and they must be different. @p allocate may be null: it counts as one that
+ *    returns no memory.
  *  - **Ownership:** as after decoding. What @p destination held before is overwritten, not released.
- *  - **Memory:** the sizes of what the source leads to, one call of @p allocate for each string, and for each block
+ *  - **Memory:** the sizes of what the source leads to, in one call of @p allocate for each string, and for each block
  *    and array that is not empty. Less than 4 KB of stack.
  *  - **Errors:** `CODEC_OK` or `CODEC_ERR_NO_MEMORY`. A member for which there is no memory is left empty with its
- *    presence bit clear, and the copy goes on: the record is whole but for those, and is to be given to `free_ext`.
+ *    presence bit clear, and the copying continues: the record is complete except for such members, and must be passed
+ *    to `free_ext`.
  *
  *  @section releasing Releasing
  *
  *  `void free_ext(record, release, context[, options])` releases in field order what the record owns, whatever its
- *  presence bits, not the record itself, and sets each released pointer to null. The counts of lists of messages become
- *  0; other counts, lengths and the presence bits stay, so zero a record before it is filled again.
+ *  presence bits, but not the record itself, and sets each released pointer to null. The counts of lists of messages
+ *  become 0; other counts, lengths and the presence bits stay, so zero a record before you fill it again.
  *
- *  - **Null:** @p record is not null. A null @p release releases nothing but still sets the pointers, for allocators
- *    that free in bulk. @p release is never called with null.
+ *  - **Null:** @p record must not be null. A null @p release releases nothing but still clears the pointers, for
+ *    allocators that free in bulk. @p release is never called with null.
  *  - **Ownership:** every block goes back to @p release, which must match the allocator. A second call does nothing.
  *  - **Memory:** none is asked for. Less than 4 KB of stack.
  *  - **Errors:** none.
@@ -155,41 +158,42 @@
  *
  *  `int compare(a, b)` compares field by field: a present member is greater than an absent one, then the values decide,
  *  lists element by element and then by count. Flags are compared as the stored bytes, unsigned: 2 is greater than 1,
- *  though both are read as 1. Nested messages are compared only where both bits of the containing record are set. What
- *  `strcmp` or `memcmp` say of strings or bytes that differ is returned as it is; all else is 1 or -1.
+ *  although both mean true. Nested messages are compared only if their bits in both containing records are set. For
+ *  strings or bytes that differ, the result is what `strcmp` or `memcmp` return; otherwise it is 1 or -1.
  *
- *  - **Null:** neither record is null; they may be the same. A string whose presence bit is set on both sides is not
- *    null.
- *  - **Ownership:** nothing changes hands.
+ *  - **Null:** neither record may be null; they may be the same. A string whose presence bit is set in both records
+ *    must not be null.
+ *  - **Ownership:** does not change.
  *  - **Memory:** none is asked for. Less than 4 KB of stack.
- *  - **Errors:** none. Returns 0 for equal, else a number whose sign alone has a meaning.
+ *  - **Errors:** none. Returns 0 if the records are equal, otherwise a number of which only the sign has a meaning.
  *
  *  @section misuse What a caller must not do
  *
- *  Input that is given to `decode_ext` may hold anything. It should not change during the call: what is read of bytes
- *  that another thread or process changes meanwhile is anyone's guess, an error as likely as wrong values, though the
- *  bounds of the input and of every block are still kept. Copy it out of shared memory first.
+ *  The input of `decode_ext` may hold anything. It should not change during the call: if another thread or process
+ *  changes bytes meanwhile, it is unspecified what is read of them, an error as likely as wrong values, though the
+ *  bounds of the input and of every block are still kept. Copy the input out of shared memory first.
  *
- *  The rest is taken on trust: nothing of the following is checked, and what comes of it is undefined.
- *  - **A record with members that nobody wrote,** because it was neither zeroed nor the output of `decode_ext` or
+ *  Everything else is trusted: none of the following is checked, and the behaviour is undefined.
+ *  - **A record with uninitialised members,** because it was neither zeroed nor the output of `decode_ext` or
  *    `duplicate`: see @ref records.
- *  - **Memory that overlaps.** The output buffer, the table and the count share nothing with each other, nor with the
- *    record and what it leads to; a record that is written shares nothing with the input, or with the record that is
- *    copied. A record that was decoded in reference mode is not encoded into the buffer that it was read from: this
- *    works while messages are small, and spoils larger ones.
+ *  - **Memory that overlaps.** The output buffer, the table and the count must not overlap each other, nor the record
+ *    and what it leads to; a record that is written must not overlap the input, or the record that is copied. A record
+ *    that was decoded in reference mode must not be encoded into the buffer that it was read from: this works while
+ *    messages are small, and corrupts larger ones.
  *  - **Null with a count, a length or a presence bit.** An array that is null with a count, in `encode_ext` and
- *    `compare`; bytes that are null with a length, in `duplicate` and `compare`, though `encode_ext` takes them; a
+ *    `compare`; bytes that are null with a length, in `duplicate` and `compare`, although `encode_ext` accepts them; a
  *    string that is null with its presence bit set in both records, in `compare`; an input that is null with a length.
  *  - **Callbacks that throw, leave by `longjmp`, or read or change the records that the call works on.** A copy that is
- *    left halfway still holds pointers of its source.
- *  - **Releasing what the allocator did not give:** literals, arrays on the stack, blocks that were released as another
- *    record's, to which this one was assigned; or the input, by `free_ext` without the options that `decode_ext` had.
+ *    abandoned halfway still holds pointers of its source.
+ *  - **Releasing what the allocator did not return:** literals, arrays on the stack, or blocks that were already
+ *    released with a copy of the record that was made by assignment; or the input, by `free_ext` without the options
+ *    that `decode_ext` had.
  *
  *  @section threads Threads
  *
  *  The library keeps no state. Calls on different records may run at the same time; a record must not be changed while
- *  another thread uses it, and may be read by any number. Callbacks run on the caller's thread, between the call and
- *  its return.
+ *  another thread uses it, and may be read by any number of threads. Callbacks run on the caller's thread, during the
+ *  call.
  */
 #ifndef PAVO_ZORV_H
 #define PAVO_ZORV_H
@@ -204,8 +208,8 @@
 #define PAVO_ZORV_API
 #endif
 
-/** Compilers warn where the result of such a function is ignored; a cast to void ignores it on purpose. Before C++17
- *  and C23, GCC takes the same attribute as an extension: its own, `warn_unused_result`, would warn of the cast too. */
+/** Compilers warn if the result of such a function is ignored; a cast to void ignores it on purpose. Before C++17 and
+ *  C23, GCC takes the same attribute as an extension: its own, `warn_unused_result`, would warn about the cast too. */
 #if (defined(__cplusplus) && __cplusplus >= 201703L) || (defined(__STDC_VERSION__) && __STDC_VERSION__ > 201710L)
 #define PAVO_ZORV_NODISCARD [[nodiscard]]
 #elif defined(__clang__)
@@ -216,7 +220,7 @@
 #define PAVO_ZORV_NODISCARD
 #endif
 
-/** No function throws, and C++ knows. */
+/** Marks a function that never throws, in C++. */
 #ifdef __cplusplus
 #define PAVO_ZORV_NOEXCEPT noexcept
 #else
@@ -230,12 +234,12 @@ extern "C" {
 /** What `decode_ext` and `duplicate` return. */
 enum pavo_zorv_result {
   CODEC_OK = 0, /**< Success. */
-  CODEC_ERR_TRUNCATED = -1, /**< The input ends inside a key, length or value, or a field comes again that may
-                                        not. */
+  CODEC_ERR_TRUNCATED = -1, /**< The input ends inside a key, length or value, or repeats a field that may occur only
+                                 once. */
   CODEC_ERR_BAD_WIRE_TYPE = -2, /**< An unknown field has wire type 3, 4, 6 or 7. */
   CODEC_ERR_WRONG_WIRE_TYPE = -3, /**< A known field has another wire type than its own. */
-  CODEC_ERR_NO_MEMORY = -4 /**< Memory is needed, and the allocator is null, returned null, or cannot be asked
-                                        for that much. */
+  CODEC_ERR_NO_MEMORY = -4 /**< Memory is needed, and the allocator is null, returned null, or cannot be asked for that
+                                much. */
 };
 
 /** Bits of the options word. */
@@ -243,17 +247,17 @@ enum pavo_zorv_options {
   PAVO_ZORV_REFERENCE = 1 << 0 /**< Bytes members are referenced, not copied: see @ref referencing. */
 };
 
-/** Gives a block of @p size bytes, aligned for any record, or null. @p size may be 0: a block, not null, is wanted
- *  then as well. The context is the caller's own. */
+/** Returns a block of @p size bytes, aligned for any record, or null if there is no memory. If @p size is 0, it must
+ *  return a block too, not null. The context is the caller's own. */
 typedef void *(*pavo_zorv_allocate)(size_t size, void *context);
 
-/** Takes back a block that the matching allocator gave. */
+/** Releases a block that the matching allocator returned. */
 typedef void (*pavo_zorv_release)(void *block, void *context);
 
 /** One entry of the segment table: see @ref encoding. */
 typedef struct pavo_zorv_segment {
-  const unsigned char *start; /**< First byte, or null where there is no buffer for it; see also @ref referencing. */
-  uint64_t length; /**< Bytes, whatever of them fits into the buffer. */
+  const unsigned char *start; /**< First byte, or null if there is no buffer for it; see also @ref referencing. */
+  uint64_t length; /**< Bytes, however many of them fit into the buffer. */
 } pavo_zorv_segment;
 
 /** @name Addresses and label stacks
@@ -277,7 +281,7 @@ enum api_lbl_stack_presence {
 };
 
 /** An ordered stack of labels.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_lbl_stack_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_lbl_stack_free_ext` releases it. */
 typedef struct api_lbl_stack {
   uint32_t *labels; /**< The labels, in stack order. Field 1, list of unsigned 32-bit integers: owned array.
       Presence: `API_LBL_STACK_HAS_LABELS`. */
@@ -340,7 +344,7 @@ enum prefix_sid_type_presence {
 };
 
 /** A segment identifier: a number and a list of small numbers.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_prefix_sid_type_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_prefix_sid_type_free_ext` releases it. */
 typedef struct prefix_sid_type {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `PREFIX_SID_TYPE_HAS_FIELD1`. */
   uint8_t *field2; /**< Field 2, list of unsigned 8-bit integers: owned array.
@@ -356,7 +360,7 @@ enum policy_binding_sid_t_presence {
 };
 
 /** A policy's binding segment identifier.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_policy_binding_sid_t_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_policy_binding_sid_t_free_ext` releases it. */
 typedef struct policy_binding_sid_t {
   struct prefix_sid_type sid; /**< The segment identifier. Field 1, nested `prefix_sid_type`, with presence bits of its
       own. Presence: `POLICY_BINDING_SID_T_HAS_SID`. */
@@ -426,7 +430,7 @@ enum api_exp_hop_presence {
 };
 
 /** One hop of an explicit path.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_exp_hop_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_exp_hop_free_ext` releases it. */
 typedef struct api_exp_hop {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `API_EXP_HOP_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_EXP_HOP_HAS_FIELD2`. */
@@ -446,7 +450,7 @@ enum api_exp_path_presence {
 };
 
 /** An explicit path: its hops in order, and a number.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_exp_path_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_exp_path_free_ext` releases it. */
 typedef struct api_exp_path {
   api_exp_hop *hops; /**< The hops, in path order. Field 1, list of `api_exp_hop`: owned array of records.
       Presence: `API_EXP_PATH_HAS_HOPS`. */
@@ -531,7 +535,7 @@ enum api_msg_internal_presence {
 };
 
 /** An internal message of the service.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_internal_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_internal_free_ext` releases it. */
 typedef struct api_msg_internal {
   uint8_t field1; /**< Field 1, flag. Presence: `API_MSG_INTERNAL_HAS_FIELD1`. */
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_MSG_INTERNAL_HAS_FIELD2`. */
@@ -657,7 +661,7 @@ enum api_msg_p2p_auto_policy_presence {
 };
 
 /** An automatically created point-to-point policy.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_p2p_auto_policy_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_p2p_auto_policy_free_ext` releases it. */
 typedef struct api_msg_p2p_auto_policy {
   char *field1; /**< Field 1, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD1`. */
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_HAS_FIELD2`. */
@@ -750,8 +754,7 @@ enum api_msg_p2p_auto_policy_notif_presence {
 };
 
 /** The notification about an automatically created point-to-point policy.
- *  What its pointers lead to is owned by the record, and given back by
- *  `pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_p2p_auto_policy_notif_free_ext` releases it. */
 typedef struct api_msg_p2p_auto_policy_notif {
   char *field1; /**< Field 1, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD1`. */
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_MSG_P2P_AUTO_POLICY_NOTIF_HAS_FIELD2`. */
@@ -824,8 +827,7 @@ enum api_msg_p2p_auto_policy_request_presence {
 };
 
 /** A request that carries one automatically created policy.
- *  What its pointers lead to is owned by the record, and given back by
- *  `pavo_zorv_api_msg_p2p_auto_policy_request_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_p2p_auto_policy_request_free_ext` releases it. */
 typedef struct api_msg_p2p_auto_policy_request {
   struct api_msg_p2p_auto_policy policy; /**< The policy. Field 1, nested `api_msg_p2p_auto_policy`, with presence bits
       of its own. Presence: `API_MSG_P2P_AUTO_POLICY_REQUEST_HAS_POLICY`. */
@@ -842,8 +844,7 @@ enum api_msg_p2p_auto_policy_response_presence {
 };
 
 /** A response that carries one notification.
- *  What its pointers lead to is owned by the record, and given back by
- *  `pavo_zorv_api_msg_p2p_auto_policy_response_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_p2p_auto_policy_response_free_ext` releases it. */
 typedef struct api_msg_p2p_auto_policy_response {
   struct api_msg_p2p_auto_policy_notif notification; /**< The notification. Field 1, nested
       `api_msg_p2p_auto_policy_notif`, with presence bits of its own.
@@ -949,7 +950,7 @@ enum api_nodeid_presence {
 };
 
 /** A node identifier.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_nodeid_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_nodeid_free_ext` releases it. */
 typedef struct api_nodeid {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `API_NODEID_HAS_FIELD1`. */
   uint8_t *octets; /**< The bytes. Field 2, list of unsigned 8-bit integers: owned array.
@@ -965,7 +966,7 @@ enum api_prefix_presence {
 };
 
 /** A prefix.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_prefix_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_prefix_free_ext` releases it. */
 typedef struct api_prefix {
   uint8_t *octets; /**< The bytes. Field 1, list of unsigned 8-bit integers: owned array.
       Presence: `API_PREFIX_HAS_OCTETS`. */
@@ -1028,7 +1029,7 @@ enum api_intf_presence {
 };
 
 /** An interface.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_intf_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_intf_free_ext` releases it. */
 typedef struct api_intf {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `API_INTF_HAS_FIELD1`. */
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_INTF_HAS_FIELD2`. */
@@ -1045,7 +1046,7 @@ enum api_link_update_presence {
 };
 
 /** An update about a link.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_link_update_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_link_update_free_ext` releases it. */
 typedef struct api_link_update {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `API_LINK_UPDATE_HAS_FIELD1`. */
   char *field2; /**< Field 2, string: NUL-terminated, owned. Presence: `API_LINK_UPDATE_HAS_FIELD2`. */
@@ -1121,7 +1122,7 @@ enum api_policy_presence {
 };
 
 /** A policy with its prefixes.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_policy_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_policy_free_ext` releases it. */
 typedef struct api_policy {
   char *field1; /**< Field 1, string: NUL-terminated, owned. Presence: `API_POLICY_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `API_POLICY_HAS_FIELD2`. */
@@ -1172,7 +1173,7 @@ enum api_aa_list_presence {
 };
 
 /** A list of policies.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_aa_list_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_aa_list_free_ext` releases it. */
 typedef struct api_aa_list {
   uint8_t *octets; /**< The bytes. Field 1, list of unsigned 8-bit integers: owned array.
       Presence: `API_AA_LIST_HAS_OCTETS`. */
@@ -1218,7 +1219,7 @@ enum api_to_zorv_presence {
 };
 
 /** A message towards the policy component.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_to_zorv_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_to_zorv_free_ext` releases it. */
 typedef struct api_to_zorv {
   struct api_nodeid nodeid; /**< The node identifier. Field 1, nested `api_nodeid`, with presence bits of its own.
       Presence: `API_TO_ZORV_HAS_NODEID`. */
@@ -1237,7 +1238,7 @@ enum api_to_igp_presence {
 };
 
 /** A message towards the IGP side.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_to_igp_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_to_igp_free_ext` releases it. */
 typedef struct api_to_igp {
   struct api_link_update link_update; /**< The link update. Field 1, nested `api_link_update`, with presence bits of its
       own. Presence: `API_TO_IGP_HAS_LINK_UPDATE`. */
@@ -1304,7 +1305,7 @@ enum api_msg_policy_reg_presence {
 };
 
 /** The registration of a policy.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_policy_reg_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_policy_reg_free_ext` releases it. */
 typedef struct api_msg_policy_reg {
   uint8_t field1; /**< Field 1, flag. Presence: `API_MSG_POLICY_REG_HAS_FIELD1`. */
   uint8_t *octets; /**< The bytes. Field 2, list of unsigned 8-bit integers: owned array.
@@ -1350,7 +1351,7 @@ enum srv6_prefix_presence {
 };
 
 /** An SRv6 prefix: bytes of any length and a number.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_srv6_prefix_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_srv6_prefix_free_ext` releases it. */
 typedef struct srv6_prefix {
   unsigned char *field1; /**< Field 1, bytes: owned, or borrowed from the input in reference mode.
       Presence: `SRV6_PREFIX_HAS_FIELD1`. */
@@ -1394,7 +1395,7 @@ enum srv6_usid_presence {
 };
 
 /** An SRv6 micro-SID.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_srv6_usid_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_srv6_usid_free_ext` releases it. */
 typedef struct srv6_usid {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `SRV6_USID_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `SRV6_USID_HAS_FIELD2`. */
@@ -1484,7 +1485,7 @@ enum out_sid_list_info_presence {
 };
 
 /** An outgoing segment list.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_out_sid_list_info_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_out_sid_list_info_free_ext` releases it. */
 typedef struct out_sid_list_info {
   struct prefix_sid_type prefix_sid; /**< The segment identifier. Field 1, nested `prefix_sid_type`, with presence bits
       of its own. Presence: `OUT_SID_LIST_INFO_HAS_PREFIX_SID`. */
@@ -1502,7 +1503,7 @@ enum out_srv6_usid_list_info_presence {
 };
 
 /** An outgoing list of SRv6 micro-SIDs.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_out_srv6_usid_list_info_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_out_srv6_usid_list_info_free_ext` releases it. */
 typedef struct out_srv6_usid_list_info {
   srv6_usid *usids; /**< The micro-SIDs. Field 1, list of `srv6_usid`: owned array of records.
       Presence: `OUT_SRV6_USID_LIST_INFO_HAS_USIDS`. */
@@ -1574,7 +1575,7 @@ enum oam_req_presence {
 };
 
 /** An OAM (path verification) request.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_oam_req_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_oam_req_free_ext` releases it. */
 typedef struct oam_req {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `OAM_REQ_HAS_FIELD2`. */
@@ -1628,7 +1629,7 @@ enum oam_res_presence {
 };
 
 /** An OAM (path verification) result.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_oam_res_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_oam_res_free_ext` releases it. */
 typedef struct oam_res {
   uint32_t field1; /**< Field 1, unsigned 32-bit. Presence: `OAM_RES_HAS_FIELD1`. */
   uint32_t field2; /**< Field 2, unsigned 32-bit. Presence: `OAM_RES_HAS_FIELD2`. */
@@ -1693,7 +1694,7 @@ enum api_msg_presence {
 };
 
 /** The envelope: one inline member for each kind of payload, any number of them present.
- *  What its pointers lead to is owned by the record, and given back by `pavo_zorv_api_msg_free_ext`. */
+ *  The record owns what its pointers lead to; `pavo_zorv_api_msg_free_ext` releases it. */
 typedef struct api_msg {
   uint64_t field1; /**< Field 1, unsigned 64-bit. Presence: `API_MSG_HAS_FIELD1`. */
   struct api_msg_internal internal; /**< Field 2, nested `api_msg_internal`, with presence bits of its own.
