@@ -2,8 +2,8 @@
  *  pavo_zorv for C++17: records that release themselves, containers instead of pointers and lengths, presence by
  *  member.
  *
- *  Optional and header-only: every function here is a call, or two, of pavo_zorv.h, and costs what that call costs.
- *  Nothing throws but what a container or a memory resource throws.
+ *  Optional and header-only: every function here makes one or two calls of pavo_zorv.h, and costs what they cost. Only
+ *  a container or a memory resource can throw.
  *
  *  @code{.cpp}
  *  zorv::owned<api_msg> message;
@@ -33,8 +33,8 @@
 #include "pavo_zorv.h"
 #include "pavo_zorv_memory.h"
 
-/** Calls the macro @p apply with the name of each message, contained messages first. All that this header knows about
- *  them beside their names it finds in the declarations of pavo_zorv.h. */
+/** Calls the macro @p apply with the name of each message, contained messages first. This header finds everything else
+ *  about them in the declarations of pavo_zorv.h. */
 #define PAVO_ZORV_MESSAGES(apply)                                                                                    \
   apply(api_addr) apply(api_lbl_stack) apply(prefix_sid_type) apply(policy_binding_sid_t) apply(api_exp_hop)         \
       apply(api_exp_path) apply(api_msg_service) apply(api_msg_internal) apply(api_msg_on_demand_color_notif)        \
@@ -69,7 +69,7 @@ PAVO_ZORV_MESSAGES(PAVO_ZORV_FUNCTIONS)
 #undef PAVO_ZORV_FUNCTIONS
 /** @endcond */
 
-/** Whether a message's functions take the options word. Where they do not, options given to this header mean nothing.
+/** Whether a message's functions take the options word. If they do not, options passed to this header have no effect.
  */
 template <class Record>
 inline constexpr bool takes_options =
@@ -78,7 +78,7 @@ inline constexpr bool takes_options =
 /** @cond */
 namespace detail {
 
-// Hands on the options word to functions that take one.
+// Passes the options word to functions that take one.
 template <class Record, class Function, class... Arguments>
 auto call(Function function, std::uint32_t options, Arguments... arguments) noexcept {
   if constexpr (takes_options<Record>) {
@@ -96,7 +96,7 @@ inline constexpr bool is_byte = std::is_same_v<Element, unsigned char> || std::i
 template <class Container>
 using element_of = std::remove_pointer_t<decltype(std::data(std::declval<Container &>()))>;
 
-// Any contiguous sequence of bytes; not an array of characters, which is mostly a literal with a NUL after it.
+// Any contiguous sequence of bytes; but no array of characters, which is usually a literal with a NUL at its end.
 template <class Container, class = void>
 inline constexpr bool holds_bytes = false;
 template <class Container>
@@ -130,12 +130,12 @@ class bytes {
   std::size_t size_ = 0;
 };
 
-/** Where a record's memory comes from and goes to: the callbacks and their context. The context, be it a pool, a budget
- *  or a memory resource, must outlive the records. */
+/** Where a record's memory comes from and goes to: the callbacks and their context. The context (a pool, a budget, a
+ *  memory resource) must outlive the records. */
 struct memory {
-  pavo_zorv_allocate allocate; /**< Gives blocks. */
-  pavo_zorv_release release; /**< Takes them back. */
-  void *context; /**< Of both. */
+  pavo_zorv_allocate allocate; /**< Returns blocks. */
+  pavo_zorv_release release; /**< Releases them. */
+  void *context; /**< The context of both. */
 
   /** The heap. */
   constexpr memory() noexcept : allocate(pavo_zorv_heap_allocate), release(pavo_zorv_heap_release), context(nullptr) {}
@@ -149,10 +149,10 @@ struct memory {
   /** A counter over other memory. */
   memory(pavo_zorv_counter &counter) noexcept
       : memory(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter) {}
-  /** A memory resource. It is told the size of what it takes back, so each block has 8 bytes more, in which that
-   *  stands. What it throws becomes `CODEC_ERR_NO_MEMORY`. */
+  /** A memory resource. It must be told the size of what it takes back, so each block has 8 more bytes, which hold that
+   *  size. Any exception from it becomes `CODEC_ERR_NO_MEMORY`. */
   memory(std::pmr::memory_resource &resource) noexcept : memory(take, give_back, &resource) {}
-  /** The same, as memory resources are mostly passed. Not null. */
+  /** The same by pointer, as memory resources are usually passed. Not null. */
   memory(std::pmr::memory_resource *resource) noexcept : memory(*resource) {}
 
  private:
@@ -179,7 +179,7 @@ struct memory {
   }
 };
 
-// --- Members and their presence bits, found by looking at how a record can be initialised ---
+// --- Members and their presence bits, derived from how a record can be initialised ---
 
 /** @cond */
 namespace detail {
@@ -189,7 +189,7 @@ struct anything {
   constexpr operator Member() const;
 };
 
-// An array or a block: a member that has a count or a length after it.
+// An array or a block: a member followed by a count or a length.
 struct array_pointer {
   template <class Member, std::enable_if_t<std::is_pointer_v<Member> && !std::is_same_v<Member, char *>, int> = 0>
   constexpr operator Member() const;
@@ -217,11 +217,11 @@ inline constexpr bool takes_behind<
     Record, Last, std::index_sequence<Before...>, std::void_t<decltype(Record{anything_at<Before>{}..., Last{}})>> =
     true;
 
-// Whether the member at a position can be initialised with what converts to some types only.
+// Whether the member at a position can be initialised with a value that converts only to some types.
 template <class Record, std::size_t Position, class Value>
 inline constexpr bool takes = takes_behind<Record, Value, std::make_index_sequence<Position>>;
 
-// A nested message could be initialised with its own first member, without braces: that must not count.
+// A nested message can be initialised by its own first member, without braces: that must not count.
 template <class Record, std::size_t Position>
 inline constexpr bool is_array_at = takes<Record, Position, array_pointer> && !takes<Record, Position, any_record>;
 
@@ -234,7 +234,7 @@ constexpr std::size_t member_count() {
   }
 }
 
-// Initialises any member: to zero, or to something else where `Marked`.
+// Initialises any member: to something other than zero if `Marked`, else to zero.
 template <bool Marked>
 struct initialiser {
   template <class Member>
@@ -300,7 +300,7 @@ struct member_types<Member Record::*> {
 template <auto Member, class Record>
 inline constexpr bool belongs = std::is_same_v<typename member_types<decltype(Member)>::record, Record>;
 
-// A member of one byte is a flag, but for these.
+// A member of one byte is a flag, except for these.
 template <auto Member>
 inline constexpr bool is_number_of_8_bits = false;
 template <>
@@ -318,7 +318,7 @@ inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field7> = true;
 template <>
 inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field8> = true;
 
-// All about the member that a pointer leads to.
+// What this header knows about the member that a pointer leads to.
 template <auto Member>
 struct member_traits {
   using record = typename member_types<decltype(Member)>::record;
@@ -332,15 +332,15 @@ struct member_traits {
   static_assert(!is_presence && !is_count, "a count, a length or the presence flags: they have no presence bit");
   static constexpr bool is_flag = std::is_same_v<type, std::uint8_t> && !is_number_of_8_bits<Member>;
   static constexpr bool is_number = std::is_arithmetic_v<type>;
-  // What a flag or a number is in C++.
+  // The C++ type of a flag or a number.
   using value_type = std::conditional_t<is_flag, bool, type>;
   using presence_type = decltype(record::presence);
-  // Fields are numbered by their members, but a count is no field.
+  // The field's number follows from the member's position, not counting counts and lengths.
   static constexpr std::size_t field = position - arrays_among<record>(std::make_index_sequence<position>{});
   static constexpr auto bit = static_cast<presence_type>(presence_type{1} << field);
   using count_type = std::conditional_t<is_bytes, std::uint64_t, std::uint32_t>;
 
-  // The count stands directly after the pointer, as its own alignment allows.
+  // The count follows the pointer directly, at its own alignment.
   static count_type *count(record &of) {
     auto *const base = reinterpret_cast<unsigned char *>(&of);
     const auto behind =
@@ -373,7 +373,7 @@ constexpr bool fits(Value value) noexcept {
   return static_cast<Value>(number) == value && is_negative(number) == is_negative(value);
 }
 
-// Whether all values of a type fit. A flag takes nothing but `bool`.
+// Whether all values of a type fit. A flag takes only `bool`.
 template <class Number, class Value>
 constexpr bool always_fits() noexcept {
   if constexpr (std::is_same_v<Number, bool> || !std::is_integral_v<Value>) {
@@ -383,22 +383,22 @@ constexpr bool always_fits() noexcept {
   }
 }
 
-// Called where a constant does not fit, which makes it no constant.
+// Called if a constant does not fit: the expression is then not a constant, and does not compile.
 inline void the_value_does_not_fit() noexcept {}
 
 }  // namespace detail
 /** @endcond */
 
-/** A constant as a value: `zorv::constant<7>` goes where a number is expected that can hold 7. */
+/** A constant as a value: `zorv::constant<7>` is accepted wherever a number is expected that can hold 7. */
 template <auto Value>
 inline constexpr std::integral_constant<decltype(Value), Value> constant{};
 
-/** What a number or a flag is set to: any of these converts to it.
+/** The value that a number or a flag is set to. The following convert to it:
  *  - a value of a type all of whose values fit: `7u` for an unsigned member of 32 or 64 bits; for a flag, `bool` alone;
  *  - a `zorv::constant` that fits;
- *  - in C++20, where the compiler has `consteval`, any other constant that fits, such as 7.
+ *  - in C++20, if the compiler has `consteval`, any other constant that fits, such as 7.
  *
- *  Anything else does not compile: `try_set` is for values that may or may not fit. */
+ *  Nothing else compiles: `try_set` is for values that may not fit. */
 template <class Number>
 class fitting {
  public:
@@ -445,11 +445,11 @@ class fitting {
   Number number_;
 };
 
-/** A result of `set` and `try_set`, beside those of the library, which never returns it: the member cannot hold the
- *  value, and is as before. */
+/** A result of `set` and `try_set`, in addition to those of the library, which never returns it: the member cannot hold
+ *  the value, and is unchanged. */
 inline constexpr int does_not_fit = 1;
 
-/** As `pavo_zorv_result_text`, which does not know `zorv::does_not_fit`. */
+/** The same as `pavo_zorv_result_text`, which does not know `zorv::does_not_fit`. */
 [[nodiscard]] inline const char *result_text(int result) noexcept {
   return result == does_not_fit ? "the member cannot hold the value" : pavo_zorv_result_text(result);
 }
@@ -460,7 +460,7 @@ inline constexpr int does_not_fit = 1;
 template <auto Member>
 inline constexpr auto presence_bit = detail::member_traits<Member>::bit;
 
-/** Whether a member is present. A path of members leads into nested messages: all along it must be present. */
+/** Whether a member is present. A path of members leads into nested messages: every member on it must be present. */
 template <auto Member, auto... Inside, class Record>
 [[nodiscard]] constexpr bool has(const Record &record) noexcept {
   static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
@@ -472,7 +472,7 @@ template <auto Member, auto... Inside, class Record>
   }
 }
 
-/** Marks a member as present, and all along a path that leads to it. */
+/** Marks a member as present, and every member on the path that leads to it. */
 template <auto Member, auto... Inside, class Record>
 constexpr void set(Record &record) noexcept {
   static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
@@ -500,7 +500,7 @@ struct end_of_path : end_of_path<Inside...> {};
 template <auto Member>
 struct end_of_path<Member> : member_traits<Member> {};
 
-// Whether a path leads to a number or a flag. No path is none.
+// Whether a path leads to a number or a flag. An empty path does not.
 template <auto... Path>
 inline constexpr bool leads_to_number = false;
 template <auto Member, auto... Inside>
@@ -522,8 +522,8 @@ constexpr void store_number(Record &record, Number number) noexcept {
 }  // namespace detail
 /** @endcond */
 
-/** Returns a number, or a flag as `bool`. A path of members leads into nested messages. What is not present is mostly 0
- *  or false: see zorv::has. */
+/** Returns a number, or a flag as `bool`. A path of members leads into nested messages. A member that is not present is
+ *  usually 0 or false, but use zorv::has to find out. */
 template <auto Member, auto... Inside, class Record>
 [[nodiscard]] constexpr auto get(const Record &record) noexcept {
   static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
@@ -546,7 +546,7 @@ template <class Record>
       static_cast<pavo_zorv_segment *>(nullptr), static_cast<std::uint32_t *>(nullptr));
 }
 
-/** Writes the encoding to a buffer, as much of it as fits, and returns the length of the whole. */
+/** Writes as much of the encoding as fits into a buffer, and returns the length of the whole encoding. */
 template <class Record>
 std::size_t encode(const Record &record, unsigned char *buffer, std::size_t size, std::uint32_t options = 0) noexcept {
   return detail::call<Record>(
@@ -554,7 +554,7 @@ std::size_t encode(const Record &record, unsigned char *buffer, std::size_t size
       static_cast<std::uint32_t *>(nullptr));
 }
 
-/** Makes a container of bytes, a `std::string` or a vector of any allocator, hold the encoding and nothing else. */
+/** Replaces the contents of a container of bytes (a `std::string`, or a vector with any allocator) by the encoding. */
 template <class Record, class Container, class = decltype(std::declval<Container &>().resize(std::size_t{}))>
 void encode_into(Container &container, const Record &record, std::uint32_t options = 0) {
   static_assert(detail::holds_bytes<Container>);
@@ -573,7 +573,7 @@ template <class Record>
 /** An encoding with its segment table. The entries point into `bytes`, which may be moved but not copied or changed.
  */
 struct segmented {
-  std::vector<unsigned char> bytes; /**< The encoding; in reference mode without the referenced bytes. */
+  std::vector<unsigned char> bytes; /**< The encoding, in reference mode without the referenced bytes. */
   std::vector<pavo_zorv_segment> segments; /**< One entry for each message in it, and the pieces of reference mode. */
 };
 
@@ -602,28 +602,28 @@ template <class Record>
 template <class Record>
 class owned;
 
-/** Returns a record decoded from bytes; `result()` says how that went. With `PAVO_ZORV_REFERENCE` its bytes members
- *  point into @p input, which must outlive it. */
+/** Returns a record decoded from bytes; `result()` is the result of the decoding. With `PAVO_ZORV_REFERENCE` its bytes
+ *  members point into @p input, which must outlive it. */
 template <class Record>
 [[nodiscard]] owned<Record> decode(bytes input, memory from = {}, std::uint32_t options = 0) noexcept;
 
-/** Returns a copy that owns all its memory; `result()` says whether there was enough. */
+/** Returns a copy that owns all its memory; `result()` says whether there was enough memory. */
 template <class Record>
 [[nodiscard]] owned<Record> duplicate(const Record &record, memory from = {}) noexcept;
 
-/** A record that releases what it owns when it goes. It can be moved but not copied: see `duplicate`. */
+/** A record that releases what it owns when it is destroyed. It can be moved but not copied: see `duplicate`. */
 template <class Record>
 class owned {
  public:
   /** An empty record. The options are those with which bytes members are set and released. */
   explicit owned(memory from = {}, std::uint32_t options = 0) noexcept
       : record_{}, memory_(from), options_(options), result_(CODEC_OK) {}
-  /** Takes over; @p other is empty then. */
+  /** Takes over what @p other holds, and leaves it empty. */
   owned(owned &&other) noexcept
       : record_(other.record_), memory_(other.memory_), options_(other.options_), result_(other.result_) {
     other.record_ = Record{};
   }
-  /** Releases what this one holds, then takes over. */
+  /** Releases what this record holds, then takes over what @p other holds, and leaves it empty. */
   owned &operator=(owned &&other) noexcept {
     if (this == &other) return *this;
     free();
@@ -641,8 +641,8 @@ class owned {
   Record &operator*() noexcept { return record_; } /**< The record. */
   const Record &operator*() const noexcept { return record_; } /**< The record. */
 
-  [[nodiscard]] int result() const noexcept { return result_; } /**< Of the decoding or copying; else `CODEC_OK`. */
-  [[nodiscard]] bool ok() const noexcept { return result_ == CODEC_OK; } /**< Whether that went well. */
+  [[nodiscard]] int result() const noexcept { return result_; } /**< Of decoding or copying; otherwise `CODEC_OK`. */
+  [[nodiscard]] bool ok() const noexcept { return result_ == CODEC_OK; } /**< Whether it is `CODEC_OK`. */
   /** The options that the record was made with. */
   [[nodiscard]] std::uint32_t options() const noexcept { return options_; }
   [[nodiscard]] const zorv::memory &source() const noexcept { return memory_; } /**< Where its memory comes from. */
@@ -660,7 +660,8 @@ class owned {
     result_ = CODEC_OK;
   }
 
-  /** Gives up the record with all that it owns, to be released by `free_ext` with this one's callbacks and options. */
+  /** Hands over the record with all that it owns. The caller releases it by `free_ext` with this object's callbacks and
+   *  options. */
   [[nodiscard]] Record release() noexcept { return std::exchange(record_, Record{}); }
 
   /** Whether a member is present: see zorv::has. */
@@ -684,24 +685,24 @@ class owned {
     zorv::clear<Path...>(record_);
   }
 
-  /** Gives a number or a flag a value, and marks it and the path to it as present. What does not fit does not compile:
+  /** Sets a number or a flag, and marks it and the path to it as present. A value that does not fit does not compile:
    *  see zorv::fitting. */
   template <auto... Path, std::enable_if_t<detail::leads_to_number<Path...>, int> = 0>
   void set(fitting<detail::value_at<Path...>> value) noexcept {
     detail::store_number<Path...>(record_, value.get());
   }
 
-  /** The same with a value of any type of whole numbers. Returns `CODEC_OK`, or zorv::does_not_fit. */
+  /** The same with a value of any integer type. Returns `CODEC_OK`, or zorv::does_not_fit. */
   template <auto... Path, class Value>
   [[nodiscard]] int try_set(Value value) noexcept {
     return try_set_in<Path...>(record_, value);
   }
 
-  /** Gives another member a value, and marks it and the path to it as present. A string takes a `std::string_view`
-   *  without a NUL, a list of numbers or bytes any contiguous container of elements; they are copied into memory of the
-   *  record's source, and what was there before is released. Returns `CODEC_OK`, or `CODEC_ERR_NO_MEMORY` or
-   *  zorv::does_not_fit, after which the member is as before. In reference mode bytes are not copied, and must outlive
-   *  the record. */
+  /** Sets any other member, and marks it and the path to it as present. A string takes a `std::string_view` without a
+   *  NUL; a list of numbers or bytes takes any contiguous container of elements. They are copied into memory from the
+   *  record's source, and what was there before is released. Returns `CODEC_OK`, `CODEC_ERR_NO_MEMORY` or
+   *  zorv::does_not_fit; after a failure the member is unchanged. In reference mode bytes are not copied, and must
+   *  outlive the record. */
   template <auto... Path, class Value, std::enable_if_t<!detail::leads_to_number<Path...>, int> = 0>
   [[nodiscard]] int set(const Value &value) noexcept {
     return set_in<Path...>(record_, value);
@@ -740,8 +741,9 @@ class owned {
   }
   /** @} */
 
-  /** Gives a list of messages @p count empty elements, and marks it and the path to it as present. Returns the first,
-   *  or null when there is no memory for them or they are more than a list can have; the list is as before then. */
+  /** Gives a list of messages @p count empty elements, and marks it and the path to it as present. Returns the first
+   *  element. If there is no memory for them, or a list cannot have so many, returns null and leaves the list
+   *  unchanged. */
   template <auto... Path>
   [[nodiscard]] auto *resize(std::size_t count) noexcept {
     return resize_in<Path...>(record_, count);
@@ -777,7 +779,7 @@ class owned {
   friend owned zorv::decode<Record>(bytes, memory, std::uint32_t) noexcept;
   friend owned zorv::duplicate<Record>(const Record &, memory) noexcept;
 
-  // Leaves the record to whoever fills it: what fills it clears it first.
+  // Leaves the record uninitialised: the operation that fills it clears it first.
   struct unfilled {};
   owned(unfilled, memory from, std::uint32_t options) noexcept : memory_(from), options_(options) {}
 
@@ -799,7 +801,7 @@ class owned {
     return memory_.allocate(count * size, memory_.context);
   }
 
-  // Puts another block in the place of the one that a member has.
+  // Replaces the block that a member has by another.
   template <auto Member, class Inner, class Element>
   void replace(Inner &inner, Element *block, std::size_t count) noexcept {
     using traits = detail::member_traits<Member>;
@@ -825,7 +827,7 @@ class owned {
       replace<Member>(inner, block, 0);
       return CODEC_OK;
     } else {
-      static_assert(traits::is_array, "a nested message has no value of its own: go on to a member of it");
+      static_assert(traits::is_array, "a nested message has no value of its own: name one of its members");
       return store_elements<Member>(inner, value);
     }
   }

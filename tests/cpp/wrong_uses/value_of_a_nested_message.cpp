@@ -1,4 +1,4 @@
-// error: .*go on to a member of it
+// error: .*name one of its members
 // A nested message has no value of its own.
 #include "pavo_zorv.hpp"
 
