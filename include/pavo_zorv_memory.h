@@ -1,16 +1,16 @@
 /** @file
- *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11, all of it inline: nothing here is
- *  exported by the library, and a program that does not use it does not carry it.
+ *  Ready-made callbacks for pavo_zorv.h, and names for its results. C11 and C++11. All of it is inline: the library
+ *  exports nothing of it, and a program that does not use it does not contain it.
  *
  *  | callbacks | context | what they do |
  *  |---|---|---|
  *  | `pavo_zorv_heap_*` | null | `malloc` and `free` |
- *  | `pavo_zorv_pool_*` | a `pavo_zorv_pool` | take from the caller's block; all of it comes back at once |
- *  | `pavo_zorv_budget_*` | a `pavo_zorv_budget` | hand on to other callbacks, up to a limit |
- *  | `pavo_zorv_counter_*` | a `pavo_zorv_counter` | keep count, and fail on request, for tests |
+ *  | `pavo_zorv_pool_*` | a `pavo_zorv_pool` | take from the caller's block; a reset frees all of it |
+ *  | `pavo_zorv_budget_*` | a `pavo_zorv_budget` | call other callbacks, up to a limit |
+ *  | `pavo_zorv_counter_*` | a `pavo_zorv_counter` | count calls, and fail chosen ones, for tests |
  *
  *  Each is a pair `..._allocate` and `..._release`, to be passed with its context. Blocks are aligned for any record.
- *  None of them may be used by two threads at once with the same context; different contexts are independent.
+ *  Two threads must not use the same context at once; different contexts are independent.
  *
  *  @code{.c}
  *  unsigned char block[4096];
@@ -18,7 +18,7 @@
  *  pavo_zorv_pool_init(&pool, block, sizeof block);
  *  int result = pavo_zorv_api_msg_decode_ext(&message, bytes, length, pavo_zorv_pool_allocate, &pool, 0);
  *  if (result != CODEC_OK) fprintf(stderr, "%s\n", pavo_zorv_result_name(result));
- *  pavo_zorv_pool_reset(&pool); // instead of free_ext: all that the message owned is gone
+ *  pavo_zorv_pool_reset(&pool); // instead of free_ext: frees all that the message owned
  *  @endcode
  */
 #ifndef PAVO_ZORV_MEMORY_H
@@ -30,7 +30,7 @@
 
 #include "pavo_zorv.h"
 
-/** How the functions of this header are declared: C wants a copy in each source, C++ one in the program. */
+/** How the functions of this header are declared: C needs a copy in each source, C++ one in the program. */
 #ifdef __cplusplus
 #define PAVO_ZORV_INLINE_FUNCTION inline
 /** @cond */
@@ -44,13 +44,13 @@ extern "C" {
 #define PAVO_ZORV_ADDRESS_(pointer) ((uintptr_t)(pointer))
 #endif
 
-/** What a record may be aligned to. */
+/** The strictest alignment of a record. */
 typedef union pavo_zorv_alignment {
   uint64_t number; /**< The widest number in a record. */
   void *pointer; /**< Any pointer in a record. */
 } pavo_zorv_alignment;
 
-/** The alignment of every block that the callbacks of this header give, a power of two. */
+/** The alignment of every block that the callbacks of this header return, a power of two. */
 #ifdef __cplusplus
 #define PAVO_ZORV_ALIGNMENT alignof(pavo_zorv_alignment)
 #else
@@ -58,15 +58,15 @@ typedef union pavo_zorv_alignment {
 #endif
 
 /** @name Bounds
- *  What any input, hostile ones included, can make `decode_ext` ask for. The worst is a list of policies that hold
- *  nothing: 72 bytes of memory for 2 bytes of input. Copying what was decoded with `duplicate` asks for no more than
- *  decoding it did, or than decoding it without reference mode would have: the bounds hold for it as well.
+ *  How much memory any input, even a hostile one, can make `decode_ext` ask for. The worst input is a list of empty
+ *  policies: 72 bytes of memory for 2 bytes of input. Copying a decoded record with `duplicate` asks for no more than
+ *  decoding it did, or would have done without reference mode: the bounds hold for the copy as well.
  *  @{ */
 
-/** Bytes of memory that decoding asks for, per byte of input, at most; what a pool loses to alignment included. */
+/** Bytes of memory that decoding asks for, per byte of input, at most; including what a pool loses to alignment. */
 #define PAVO_ZORV_MEMORY_PER_BYTE 36
 
-/** The same with a budget, which keeps 8 bytes beside each block. */
+/** The same with a budget, which adds 8 bytes to each block. */
 #define PAVO_ZORV_BUDGET_PER_BYTE 40
 
 /** Bytes of input for each call of the allocator, at least. */
@@ -84,8 +84,8 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION size_t pavo_zorv_pool_size_for(siz
 /** @name Results in words
  *  @{ */
 
-/** Returns the name of a result, for example "CODEC_ERR_TRUNCATED". Never null: of other numbers it says that they are
- *  no result. The text is constant and needs no release. */
+/** Returns the name of a result, for example "CODEC_ERR_TRUNCATED". Never null: for any other number, a text that says
+ *  that it is not a result. The text is constant and must not be released. */
 PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_name(int result) {
   switch (result) {
     case CODEC_OK:
@@ -103,13 +103,13 @@ PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_name(int result) {
   }
 }
 
-/** Returns what a result means, as half a sentence for a log. Never null, constant, as above. */
+/** Returns what a result means, as a phrase for a log. Never null, constant, as above. */
 PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_text(int result) {
   switch (result) {
     case CODEC_OK:
       return "success";
     case CODEC_ERR_TRUNCATED:
-      return "the input ends inside a field, or a field that may not come again does";
+      return "the input ends inside a field, or repeats a field that may occur only once";
     case CODEC_ERR_BAD_WIRE_TYPE:
       return "an unknown field has a wire type that cannot be skipped";
     case CODEC_ERR_WRONG_WIRE_TYPE:
@@ -126,13 +126,13 @@ PAVO_ZORV_INLINE_FUNCTION const char *pavo_zorv_result_text(int result) {
 /** @name The heap
  *  @{ */
 
-/** Gives a block of @p size bytes from `malloc`; one of 1 byte for 0. */
+/** Returns a block of @p size bytes from `malloc`, of 1 byte if @p size is 0. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_heap_allocate(size_t size, void *context) {
   (void)context;
   return malloc(size != 0 ? size : 1);
 }
 
-/** Takes a block back with `free`. */
+/** Releases a block with `free`. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_heap_release(void *block, void *context) {
   (void)context;
   free(block);
@@ -141,21 +141,20 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_heap_release(void *block, void *context
 /** @} */
 
 /** @name Pool
- *  Takes from one block of the caller's, from its beginning to its end. A release does nothing; a reset makes all of
- *  the block free again. So no message can leak: what a nested message that came twice owned at first goes with the
- *  rest.
+ *  Takes memory from one block of the caller's, from its beginning to its end. A release does nothing; a reset frees
+ *  the whole block. So no message can leak: if a nested message is repeated, the reset also frees what the first one
+ *  owned.
  *  @{ */
 
-/** A pool over a block. Made by `pavo_zorv_pool_init`; the members are for reading. */
+/** A pool over a block, initialised by `pavo_zorv_pool_init`. The members are only to be read. */
 typedef struct pavo_zorv_pool {
-  unsigned char *start; /**< The first byte of the block that is aligned. */
-  size_t size; /**< Bytes from there. */
-  size_t used; /**< Bytes that are given out, those lost to alignment included. */
+  unsigned char *start; /**< The first aligned byte of the block. */
+  size_t size; /**< Bytes from there on. */
+  size_t used; /**< Bytes in use, including those lost to alignment. */
 } pavo_zorv_pool;
 
-/** Makes a pool over @p block, which stays the caller's and must outlive all that is taken from it. It need not be
- *  aligned: up to `PAVO_ZORV_ALIGNMENT` - 1 bytes at its beginning are lost then. A null block counts as one of 0
- *  bytes. */
+/** Makes a pool over @p block, which stays the caller's and must outlive all that is taken from it. If it is not
+ *  aligned, up to `PAVO_ZORV_ALIGNMENT` - 1 bytes at its beginning are lost. A null block counts as one of 0 bytes. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *block, size_t size) {
   const size_t misplaced = PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ADDRESS_(block) & (PAVO_ZORV_ALIGNMENT - 1));
   const size_t lost = misplaced != 0 ? PAVO_ZORV_ALIGNMENT - misplaced : 0;
@@ -165,11 +164,11 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_init(pavo_zorv_pool *pool, void *b
   pool->used = 0;
 }
 
-/** Gives @p size bytes, rounded up to the alignment and at least one unit of it, or null when the rest of the block is
+/** Returns @p size bytes, rounded up to the alignment and at least one unit of it, or null if the rest of the block is
  *  too small. The context is the pool. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size_t size, void *context) {
   pavo_zorv_pool *pool = PAVO_ZORV_CAST_(pavo_zorv_pool *, context);
-  /* The rest may end in part of a unit, which nothing can be placed in. */
+  /* The rest may end in part of a unit, which cannot be used. */
   const size_t rest = (pool->size - pool->used) & ~PAVO_ZORV_CAST_(size_t, PAVO_ZORV_ALIGNMENT - 1);
   unsigned char *block;
   if (size == 0) size = 1;
@@ -179,33 +178,33 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_pool_allocate(size
   return block;
 }
 
-/** Does nothing: blocks come back with `pavo_zorv_pool_reset`. Passing null for the release callback does the same. */
+/** Does nothing: `pavo_zorv_pool_reset` frees the blocks. A null release callback has the same effect. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_release(void *block, void *context) {
   (void)block;
   (void)context;
 }
 
-/** Makes the whole block free again. Records that own memory of the pool must not be used any more. */
+/** Frees the whole block. Records that own memory of the pool must not be used any more. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool->used = 0; }
 
 /** @} */
 
 /** @name Budget
- *  Bounds the memory that is out at any time: one number for a connection, whatever its peer sends. Each block is
- *  charged with its own size and 8 bytes, in which the budget keeps that size; releasing the block gives both back.
+ *  Limits the memory in use at any time: one number for a connection, whatever its peer sends. Each block is charged
+ *  with its own size plus 8 bytes, in which the budget keeps that size; releasing the block returns both.
  *  @{ */
 
-/** A budget over other callbacks. Made by `pavo_zorv_budget_init`; the limit may be changed at any time. */
+/** A budget over other callbacks, initialised by `pavo_zorv_budget_init`. The limit may be changed at any time. */
 typedef struct pavo_zorv_budget {
   pavo_zorv_allocate allocate; /**< Where memory comes from. */
-  pavo_zorv_release release; /**< Where it goes back to; null where nothing need be released. */
+  pavo_zorv_release release; /**< Where it goes back to; null if nothing needs to be released. */
   void *context; /**< The context of both. */
-  size_t limit; /**< Bytes that may be out. */
-  size_t spent; /**< Bytes that are out. */
+  size_t limit; /**< Bytes that may be in use. */
+  size_t spent; /**< Bytes in use. */
 } pavo_zorv_budget;
 
-/** Makes a budget of @p limit bytes over the callbacks @p allocate and @p release, whose blocks must be aligned for
- *  any record. */
+/** Makes a budget of @p limit bytes over the callbacks @p allocate and @p release, whose blocks must be aligned for any
+ *  record. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(
     pavo_zorv_budget *budget, size_t limit, pavo_zorv_allocate allocate, pavo_zorv_release release, void *context) {
   budget->allocate = allocate;
@@ -215,8 +214,8 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_init(
   budget->spent = 0;
 }
 
-/** Gives a block, or null when the limit would be passed or the callback beneath gives none. The context is the budget.
- */
+/** Returns a block, or null if the limit would be exceeded or the underlying callback returns none. The context is the
+ *  budget. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(size_t size, void *context) {
   pavo_zorv_budget *budget = PAVO_ZORV_CAST_(pavo_zorv_budget *, context);
   const size_t left = budget->spent < budget->limit ? budget->limit - budget->spent : 0;
@@ -230,7 +229,7 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(si
   return block + 1;
 }
 
-/** Takes back a block that this budget gave; null is ignored. */
+/** Releases a block that this budget returned; null is ignored. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_release(void *block, void *context) {
   pavo_zorv_budget *budget = PAVO_ZORV_CAST_(pavo_zorv_budget *, context);
   pavo_zorv_alignment *whole = PAVO_ZORV_CAST_(pavo_zorv_alignment *, block);
@@ -243,20 +242,21 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_release(void *block, void *conte
 /** @} */
 
 /** @name Counter
- *  Keeps count of what the library does, and refuses chosen requests: for tests of a program's own error handling.
+ *  Counts calls of the callbacks, and refuses chosen requests: for tests of a program's own error handling.
  *  @{ */
 
-/** No request: for `fail_at` and `fail_from`. */
+/** No request, as the value of `fail_at` and `fail_from`. */
 #define PAVO_ZORV_NEVER SIZE_MAX
 
-/** A counter over other callbacks. Made by `pavo_zorv_counter_init`; all members may be read and set at any time. */
+/** A counter over other callbacks, initialised by `pavo_zorv_counter_init`. All members may be read and set at any
+ *  time. */
 typedef struct pavo_zorv_counter {
   pavo_zorv_allocate allocate; /**< Where memory comes from. */
-  pavo_zorv_release release; /**< Where it goes back to; null where nothing need be released. */
+  pavo_zorv_release release; /**< Where it goes back to; null if nothing needs to be released. */
   void *context; /**< The context of both. */
-  size_t requests; /**< Calls of the allocator, refused ones included. */
-  size_t bytes; /**< Bytes given, all in all. */
-  size_t live; /**< Blocks that are out. */
+  size_t requests; /**< Calls of the allocator, including refused ones. */
+  size_t bytes; /**< Bytes returned, in total. */
+  size_t live; /**< Blocks in use. */
   size_t fail_at; /**< This request is refused, counted from 0. */
   size_t fail_from; /**< This request and all later ones are refused. */
 } pavo_zorv_counter;
@@ -274,8 +274,8 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_init(
   counter->fail_from = PAVO_ZORV_NEVER;
 }
 
-/** Gives a block, or null when this request is to fail or the callback beneath gives none. The context is the counter.
- */
+/** Returns a block, or null if this request is to fail or the underlying callback returns none. The context is the
+ *  counter. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(size_t size, void *context) {
   pavo_zorv_counter *counter = PAVO_ZORV_CAST_(pavo_zorv_counter *, context);
   const size_t request = counter->requests++;
@@ -288,7 +288,7 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(s
   return block;
 }
 
-/** Takes back a block that this counter gave. */
+/** Releases a block that this counter returned. */
 PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_counter_release(void *block, void *context) {
   pavo_zorv_counter *counter = PAVO_ZORV_CAST_(pavo_zorv_counter *, context);
   counter->live -= 1;

@@ -1,4 +1,4 @@
-// A pool for each message: no release, no leak, and a size that is enough for anything that may come.
+// A pool that is reset for each message: nothing to release, no leak, and a block that is large enough for any input.
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -8,7 +8,7 @@
 enum { longest_message = 64 };
 
 static const unsigned char node[] = {0x0a, 0x07, 0x08, 0x01, 0x10, 0xc6, 0x01, 0x10, 0x33};
-// A nested message that comes twice: what the first one owned is dropped, and would be lost on a heap.
+// A repeated nested message: what the first one owned is dropped, and would leak on a heap.
 static const unsigned char twice[] = {0x12, 0x06, 0x12, 0x04, 'e', 't', 'h', '0',
                                       0x12, 0x06, 0x12, 0x04, 'e', 't', 'h', '1'};
 

@@ -1,5 +1,5 @@
 // Two processes that exchange envelopes over a socket: a client asks for policies, an engine answers. Each connection
-// has one buffer, one budget of memory, and one rule for whatever it cannot read: say so and hang up.
+// has one buffer, one memory budget, and one rule for input that cannot be decoded: report it and close the connection.
 #define _POSIX_C_SOURCE 200809L
 #define _DEFAULT_SOURCE
 #include <stdio.h>
@@ -17,7 +17,7 @@ enum { longest_message = 4096, most_memory = 64 * 1024 };
 typedef struct connection {
   int socket;
   const char *name;
-  pavo_zorv_budget memory;                // whatever the peer sends, no more than this is out
+  pavo_zorv_budget memory;                // whatever the peer sends, no more than this is allocated
   unsigned char buffer[longest_message];  // one message at a time
 } connection;
 
@@ -32,7 +32,7 @@ static connection *open_connection(int socket, const char *name) {
 //! [connection]
 
 //! [send]
-// The socket keeps messages apart (SOCK_SEQPACKET); over a stream a length would have to go before each.
+// The socket preserves message boundaries (SOCK_SEQPACKET); on a stream each message would need a length prefix.
 static int send_message(connection *to, const api_msg *message) {
   size_t length = pavo_zorv_api_msg_encode_ext(message, to->buffer, sizeof to->buffer, NULL, NULL, 0);
   if (length > sizeof to->buffer) return -1;
@@ -41,8 +41,8 @@ static int send_message(connection *to, const api_msg *message) {
 //! [send]
 
 //! [receive]
-// Returns 1 for a message, 0 at the end of the conversation, -1 for an input that is none. Only a message is to be
-// released.
+// Returns 1 for a message, 0 at the end of the connection, -1 for input that cannot be decoded. Only a message needs to
+// be released.
 static int receive_message(connection *from, api_msg *message) {
   ssize_t length = read(from->socket, from->buffer, sizeof from->buffer);
   if (length <= 0) return (int)length;
@@ -67,7 +67,7 @@ static int answer(connection *client, const api_msg *request) {
   reply.presence = API_MSG_HAS_FIELD1 | API_MSG_HAS_P2P_AUTO_POLICY_RESPONSE;
   api_msg_p2p_auto_policy_response *response = &reply.p2p_auto_policy_response;
   response->presence = API_MSG_P2P_AUTO_POLICY_RESPONSE_HAS_NOTIFICATION;
-  // The reply borrows from the request: only what was decoded is released.
+  // The reply borrows memory of the request, so only the request is released.
   response->notification.field1 = policy->field1;
   response->notification.label_stack = policy->label_stack;
   response->notification.presence =
@@ -83,7 +83,7 @@ static int run_engine(connection *client) {
     release_message(client, &message);
     if (status < 0) break;
   }
-  printf("engine: done, %zu bytes of memory out\n", client->memory.spent);
+  printf("engine: done, %zu bytes of memory not released\n", client->memory.spent);
   return client->memory.spent == 0 ? 0 : 1;
 }
 
@@ -113,7 +113,7 @@ static int run_client(connection *engine) {
   uint32_t labels[] = {16, 24001, 16051};
   if (ask(engine, 1, "to-node-51", labels, 3) != 0) return 1;
   if (ask(engine, 2, "to-node-52", labels, 2) != 0) return 1;
-  // The engine survives what is no message, and hangs up.
+  // The engine survives invalid input, and closes the connection.
   static const unsigned char rubbish[] = {0x08, 0xff};
   if (write(engine->socket, rubbish, sizeof rubbish) != (ssize_t)sizeof rubbish) return 1;
   api_msg reply;

@@ -1,4 +1,4 @@
-// What can go wrong, and what there is to do about it: look at the result, then release the record in any case.
+// What can go wrong, and what to do about it: check the result, and release the record in any case.
 #include <stdio.h>
 #include <string.h>
 
@@ -14,11 +14,11 @@ static void try_to_decode(const char *what, const unsigned char *bytes, size_t l
   int result = pavo_zorv_api_intf_decode_ext(&intf, bytes, length, pavo_zorv_budget_allocate, &budget);
   printf("%s: %s", what, pavo_zorv_result_name(result));
   if (result != CODEC_OK) printf(" (%s)", pavo_zorv_result_text(result));
-  // After a failure the record holds what was read before it.
+  // After a failure the record holds what was read before.
   if ((intf.presence & API_INTF_HAS_FIELD1) != 0) printf(", number %u", (unsigned)intf.field1);
   if ((intf.presence & API_INTF_HAS_FIELD2) != 0) printf(", name %s", intf.field2);
   pavo_zorv_api_intf_free_ext(&intf, pavo_zorv_budget_release, &budget);
-  printf(", %zu bytes still out\n", budget.spent);
+  printf(", %zu bytes not released\n", budget.spent);
 }
 //! [decode]
 
@@ -31,21 +31,21 @@ int main(void) {
 
   try_to_decode("whole", whole, sizeof whole, plenty);
   try_to_decode("cut off", whole, sizeof whole - 1, plenty);
-  try_to_decode("a string that comes twice", twice, sizeof twice, plenty);
+  try_to_decode("a repeated string", twice, sizeof twice, plenty);
   try_to_decode("an unknown group", group, sizeof group, plenty);
   try_to_decode("a name as a fixed-width number", wrong, sizeof wrong, plenty);
   try_to_decode("with 12 bytes of memory", whole, sizeof whole, 12);
 
   //! [short]
-  // Encoding does not fail: it returns the length of the whole, and writes what fits.
+  // Encoding does not fail: it returns the full length, and writes what fits.
   api_intf intf = {.field1 = 7, .field2 = "eth0", .presence = API_INTF_HAS_FIELD1 | API_INTF_HAS_FIELD2};
   unsigned char buffer[5];
   size_t length = pavo_zorv_api_intf_encode_ext(&intf, buffer, sizeof buffer, NULL, NULL);
-  if (length > sizeof buffer) printf("%zu bytes wanted, %zu there\n", length, sizeof buffer);
+  if (length > sizeof buffer) printf("%zu bytes needed, %zu available\n", length, sizeof buffer);
   //! [short]
 
   //! [copy]
-  // A copy leaves empty what there is no memory for, and goes on.
+  // A copy leaves members empty for which there is no memory, and continues.
   pavo_zorv_counter counter;
   pavo_zorv_counter_init(&counter, pavo_zorv_heap_allocate, pavo_zorv_heap_release, NULL);
   counter.fail_at = 0;

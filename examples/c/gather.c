@@ -1,4 +1,4 @@
-// Sending a large block of bytes without copying it: reference mode, the segment table and writev; and receiving it so.
+// Sending and receiving a large block of bytes without copying it: reference mode, the segment table and writev.
 #define _POSIX_C_SOURCE 200809L
 #define _DEFAULT_SOURCE
 #include <stdio.h>
@@ -13,9 +13,8 @@
 enum { most_pieces = 3, most_entries = 8 };
 
 //! [pieces]
-// How many entries at the end of the table are the outermost message itself. In reference mode a message is in pieces:
-// its bytes up to the block, the block, and what stands after it, if anything. Entries of nested messages come
-// before.
+// How many entries at the end of the table belong to the outermost message. In reference mode it has several pieces:
+// its bytes up to the block, the block, and the bytes after it, if any. Entries of nested messages come before.
 static uint32_t pieces_of_message(const pavo_zorv_segment *table, uint32_t count, const unsigned char *buffer,
                                   size_t length) {
   const pavo_zorv_segment *last = &table[count - 1];
@@ -53,7 +52,7 @@ static int receive_request(int socket) {
   ssize_t length = read(socket, input, sizeof input);
   if (length < 0) return -1;
 
-  // The lists and strings of a request are short; the probe stays where it is, in `input`.
+  // The lists and strings of a request are short; the probe is not copied out of `input`.
   unsigned char block[256];
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, block, sizeof block);

@@ -1,5 +1,5 @@
-// What the segment table says: where each message lies in an encoding, and in reference mode what to send in which
-// order.
+// What the segment table contains: where each message is in an encoding and, in reference mode, which pieces to send in
+// which order.
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -49,7 +49,7 @@ int main(void) {
 
   if (show("copied", &request, 0) != 0) return 1;
   if (show("referenced", &request, PAVO_ZORV_REFERENCE) != 0) return 1;
-  // Without the field after the block there is no last piece.
+  // Without a field after the block there is no last piece.
   request.presence = OAM_REQ_HAS_FIELD1 | OAM_REQ_HAS_FIELD6;
   request.prefix_sid.presence = 0;
   return show("referenced, block last", &request, PAVO_ZORV_REFERENCE) == 0 ? 0 : 1;

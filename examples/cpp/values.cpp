@@ -1,4 +1,4 @@
-// Setting numbers and flags in C++: what is certain to fit, what may not fit, and what does not compile.
+// Setting numbers and flags in C++: values that always fit, values that may not fit, and what does not compile.
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
@@ -8,11 +8,11 @@
 int main() {
   zorv::owned<srv6_sid_struct> sid;
   //! [certain]
-  sid.set<&srv6_sid_struct::field1>(true);                // a flag: bool and nothing else
-  sid.set<&srv6_sid_struct::field3>(std::uint8_t{40});    // a type all of whose values fit
+  sid.set<&srv6_sid_struct::field1>(true);                // a flag takes only bool
+  sid.set<&srv6_sid_struct::field3>(std::uint8_t{40});    // every value of this type fits
   sid.set<&srv6_sid_struct::field4>(zorv::constant<24>);  // a constant that fits
   // sid.set<&srv6_sid_struct::field5>(zorv::constant<256>);  does not compile
-  // sid.set<&srv6_sid_struct::field2>(1);                    neither does this: a flag is no number
+  // sid.set<&srv6_sid_struct::field2>(1);                    nor does this: a flag is not a number
   //! [certain]
 
   zorv::owned<api_addr> address;

@@ -1,4 +1,4 @@
-"""What can go wrong in Python: bytes that are no message, and one that asks for more memory than it may have."""
+"""What can go wrong in Python: input that is not a message, and a message that needs more memory than it may have."""
 
 import pavo_zorv
 
@@ -10,7 +10,7 @@ for data in (b"\x08\x07\x12\x04eth0", b"\x08\x07\x12\x04et", b"\x08\x07\x1b"):
         print(error.name, "after", error.partial.to_dict())
 #! [decode]
 
-# Two bytes for each policy of 72 bytes: what an attacker would send.
+# Two bytes of input for each policy of 72 bytes: what an attacker would send.
 try:
     pavo_zorv.api_aa_list.from_bytes(b"\x1a\x00" * 1000, limit=4096)
 except pavo_zorv.DecodeError as error:
