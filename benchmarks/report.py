@@ -207,23 +207,15 @@ def write_csv(path, builds):
 
 
 def write_markdown(path, builds):
-    """The table of docs/performance.md."""
-    heads = ["work", "bytes"]
-    for build in builds:
-        heads += [f"{build.name}, ns", "to the fastest peer"]
-    lines = [heads + ["goal"], ["---", "--:"] + ["--:", "---"] * len(builds) + ["--:"]]
-    for operation in OPERATIONS:
-        for workload in builds[0].workloads:
-            row = [f"{operation} {workload}", str(builds[0].workloads[workload][1])]
-            for build in builds:
-                fastest = build.fastest_peer(operation, workload)
-                ratio = build.ratio(operation, workload, fastest) if fastest else None
-                if ratio is None:
-                    break
-                row += [duration(build.time(operation, workload, OURS)), f"{ratio[0]:.2f} {fastest}"]
-            else:
-                goal, floor = goal_of(operation, workload)
-                lines.append(row + [shown(goal) if not floor else f"{goal:.1f} {floor}"])
+    """The table of docs/performance.md: a row for each workload, and for each operation the ratios of all builds."""
+    lines = [["workload", "bytes", *OPERATIONS], ["---", "--:"] + [":-:"] * len(OPERATIONS)]
+    for workload, (_, size) in builds[0].workloads.items():
+        row = [workload, str(size)]
+        for operation in OPERATIONS:
+            peers = [(build, build.fastest_peer(operation, workload)) for build in builds]
+            ratios = [build.ratio(operation, workload, peer) if peer else None for build, peer in peers]
+            row.append(" / ".join(f"{ratio[0]:.2f}" for ratio in ratios) if all(ratios) else "-")
+        lines.append(row)
     with open(path, "w", encoding="utf-8") as text:
         text.writelines("| " + " | ".join(line) + " |\n" for line in lines)
 
