@@ -211,15 +211,15 @@ template <std::size_t>
 using anything_at = anything;
 
 template <class Record, class Last, class Before, class = void>
-inline constexpr bool takes_behind = false;
+inline constexpr bool takes_after = false;
 template <class Record, class Last, std::size_t... Before>
-inline constexpr bool takes_behind<
+inline constexpr bool takes_after<
     Record, Last, std::index_sequence<Before...>, std::void_t<decltype(Record{anything_at<Before>{}..., Last{}})>> =
     true;
 
 // Whether the member at a position can be initialised with a value that converts only to some types.
 template <class Record, std::size_t Position, class Value>
-inline constexpr bool takes = takes_behind<Record, Value, std::make_index_sequence<Position>>;
+inline constexpr bool takes = takes_after<Record, Value, std::make_index_sequence<Position>>;
 
 // A nested message can be initialised by its own first member, without braces: that must not count.
 template <class Record, std::size_t Position>
@@ -274,14 +274,14 @@ constexpr Record with_mark(std::index_sequence<Other...>) {
 }
 
 template <class Record, std::size_t Position, class Member>
-constexpr bool stands_at(Member Record::*member) {
+constexpr bool is_at(Member Record::*member) {
   constexpr Record record = with_mark<Record, Position>(std::make_index_sequence<member_count<Record>()>{});
   return is_marked(record.*member);
 }
 
 template <class Record, class Member, std::size_t... Position>
 constexpr std::size_t position_among(Member Record::*member, std::index_sequence<Position...>) {
-  return ((stands_at<Record, Position>(member) ? Position : 0) + ...);
+  return ((is_at<Record, Position>(member) ? Position : 0) + ...);
 }
 
 template <class Record, std::size_t... Position>
@@ -343,9 +343,8 @@ struct member_traits {
   // The count follows the pointer directly, at its own alignment.
   static count_type *count(record &of) {
     auto *const base = reinterpret_cast<unsigned char *>(&of);
-    const auto behind =
-        static_cast<std::size_t>(reinterpret_cast<unsigned char *>(&(of.*Member)) - base) + sizeof(type);
-    const std::size_t offset = (behind + alignof(count_type) - 1) / alignof(count_type) * alignof(count_type);
+    const auto end = static_cast<std::size_t>(reinterpret_cast<unsigned char *>(&(of.*Member)) - base) + sizeof(type);
+    const std::size_t offset = (end + alignof(count_type) - 1) / alignof(count_type) * alignof(count_type);
     return reinterpret_cast<count_type *>(base + offset);
   }
 };
