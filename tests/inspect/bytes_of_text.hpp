@@ -1,4 +1,4 @@
-// Bytes that a test gives as text.
+// Bytes given as text.
 #pragma once
 
 #include <string_view>

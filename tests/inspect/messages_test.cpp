@@ -1,10 +1,11 @@
-// Every message through every form and back: what the library writes comes out as the same bytes.
+// Round trips of every message through every form: the result is the bytes that the library wrote.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "annotate.hpp"
+#include "byte_forms.hpp"
 #include "colour.hpp"
 #include "difference.hpp"
 #include "examine.hpp"
@@ -16,7 +17,6 @@
 #include "text_format.hpp"
 #include "types.hpp"
 #include "walk.hpp"
-#include "wire_forms.hpp"
 
 namespace inspect {
 namespace {
@@ -56,30 +56,30 @@ class every_message : public test::law {
   static byte_string owned(byte_view view) { return byte_string(view.begin(), view.end()); }
 };
 
-TEST_P(every_message, comes_back_from_json) {
+TEST_P(every_message, survives_a_round_trip_through_json) {
   for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::base64), owned(input)); });
 }
 
-TEST_P(every_message, comes_back_from_json_with_hexadecimal_bytes) {
+TEST_P(every_message, survives_a_round_trip_through_json_with_hexadecimal_bytes) {
   for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::hex), owned(input)); });
 }
 
-TEST_P(every_message, comes_back_from_the_text_form) {
+TEST_P(every_message, survives_a_round_trip_through_the_text_form) {
   for_canonical([&](byte_view input) {
     const std::string text = to_text_format(type(), input);
     ASSERT_EQ(from_node(parse_text_format(type(), view_of(text))), owned(input)) << text;
   });
 }
 
-TEST_P(every_message, comes_back_from_its_annotated_bytes) {
+TEST_P(every_message, survives_a_round_trip_through_its_annotated_bytes) {
   for_canonical([&](byte_view input) {
     if (input.empty()) return;
     const std::string text = hex_text(input, annotate(input, walk_message(type(), input)), painter(false));
-    ASSERT_EQ(bytes_of(owned(view_of(text)), wire_form::dump), owned(input)) << text;
+    ASSERT_EQ(parse_bytes(owned(view_of(text)), byte_form::dump), owned(input)) << text;
   });
 }
 
-TEST_P(every_message, is_canonical_as_the_library_writes_it) {
+TEST_P(every_message, is_canonical_if_the_library_wrote_it) {
   examiner examiner;
   for_canonical([&](byte_view input) {
     const findings found = examiner.examine(type(), input);
@@ -89,7 +89,7 @@ TEST_P(every_message, is_canonical_as_the_library_writes_it) {
   });
 }
 
-TEST_P(every_message, has_a_segment_table_that_is_understood) {
+TEST_P(every_message, has_a_segment_table_with_the_expected_entries) {
   for_canonical([&](byte_view input) {
     for (const bool referenced : {false, true}) {
       const segment_table table = segments_of(type(), input, referenced);
@@ -101,8 +101,8 @@ TEST_P(every_message, has_a_segment_table_that_is_understood) {
   });
 }
 
-// Differences in the JSON are differences to `compare`, and the other way round.
-TEST_P(every_message, differs_where_compare_says_so) {
+// `diff` finds differences exactly where `compare` does.
+TEST_P(every_message, has_differences_exactly_if_compare_says_so) {
   std::size_t equal = 0, different = 0;
   test::for_seeds(200, [&](test::dice &dice) {
     test::random_record changed(*GetParam(), dice, test::recipes::alike);
@@ -127,7 +127,7 @@ TEST_P(every_message, differs_where_compare_says_so) {
 
 INSTANTIATE_TEST_SUITE_P(messages, every_message, testing::ValuesIn(test::subjects()), test::name_of_subject);
 
-TEST(names, are_read_in_both_spellings) {
+TEST(names, are_accepted_in_both_spellings) {
   EXPECT_TRUE(is_name_of("p2p_auto_policy_sweep", "p2p_auto_policy_sweep"));
   EXPECT_TRUE(is_name_of("p2p_auto_policy_sweep", "p2pAutoPolicySweep"));
   EXPECT_TRUE(is_name_of("field1", "field1"));
@@ -137,7 +137,7 @@ TEST(names, are_read_in_both_spellings) {
   }
 }
 
-TEST(the_nearest_name, is_one_with_few_letters_changed) {
+TEST(the_nearest_name, differs_in_few_letters) {
   EXPECT_STREQ(nearest_type("api_adr")->name, "api_addr");
   EXPECT_STREQ(nearest_type("apimsg")->name, "api_msg");
   EXPECT_STREQ(nearest_type("oam_request")->name, "oam_req");

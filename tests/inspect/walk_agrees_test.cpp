@@ -1,5 +1,4 @@
-// The tool's walk against the library: the same result for every input, whole, cut off or damaged; and nothing read
-// from past the end.
+// The tool's walk agrees with the library on every input, complete, cut off or damaged; and reads nothing past the end.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,7 +39,7 @@ std::vector<sample> samples() {
   return result;
 }
 
-// How many of each result have been seen.
+// How often each result has occurred.
 struct tally {
   std::size_t ok = 0, truncated = 0, bad_wire_type = 0, wrong_wire_type = 0;
 
@@ -52,7 +51,7 @@ struct tally {
   }
 };
 
-// Whether the fields of a walk and what its failure leaves over are the whole input, each byte once.
+// Whether the fields of a walk, and the rest after a failure, cover the input without overlap.
 bool covers(const byte_string &input, const walk &walked) {
   std::size_t at = 0;
   for (const walked_field &field : walked.fields) {
@@ -62,11 +61,11 @@ bool covers(const byte_string &input, const walk &walked) {
   return walked.failure ? at <= walked.failure->offset && walked.failure->offset <= input.size() : at == input.size();
 }
 
-// Whether the rows of the annotation are the whole input, each byte once.
+// Whether the rows of the annotation cover the input without overlap.
 bool covers(const byte_string &input, const std::vector<annotation> &rows) {
   std::size_t at = 0;
   for (const annotation &row : rows) {
-    if (row.start != at || row.roles.size() != row.end - row.start || row.whole_end < row.end) return false;
+    if (row.start != at || row.roles.size() != row.end - row.start || row.field_end < row.end) return false;
     at = row.end;
   }
   return at == input.size();
@@ -84,7 +83,7 @@ void expect_agreement(const message_type &type, const byte_string &input, tally 
                                      << hex_text(view, annotate(view, walked), painter(false));
 }
 
-TEST(the_walk, agrees_about_every_sample_and_every_beginning_of_one) {
+TEST(the_walk, agrees_on_every_sample_and_every_beginning_of_one) {
   tally seen;
   for (const sample &each : samples()) {
     for (std::size_t length = 0; length <= each.content.size(); ++length) {
@@ -96,7 +95,7 @@ TEST(the_walk, agrees_about_every_sample_and_every_beginning_of_one) {
   EXPECT_GT(seen.truncated, 1000u);
 }
 
-TEST(the_walk, agrees_about_every_sample_read_as_every_message) {
+TEST(the_walk, agrees_on_every_sample_read_as_every_message) {
   tally seen;
   for (const sample &each : samples()) {
     for (const message_type *type : all_types()) {
@@ -106,7 +105,7 @@ TEST(the_walk, agrees_about_every_sample_read_as_every_message) {
   EXPECT_GT(seen.wrong_wire_type, 500u);
 }
 
-TEST(the_walk, agrees_about_damaged_samples) {
+TEST(the_walk, agrees_on_damaged_samples) {
   tally seen;
   std::mt19937 random(20240610);
   const auto below = [&](std::size_t bound) { return random() % bound; };
@@ -138,8 +137,8 @@ TEST(the_walk, agrees_about_damaged_samples) {
   EXPECT_GT(seen.wrong_wire_type, 500u);
 }
 
-// Bytes that are mostly small keys and small values find their way into lists and nested messages.
-TEST(the_walk, agrees_about_random_bytes) {
+// Random bytes, most of them likely keys and small values, so that lists and nested messages occur.
+TEST(the_walk, agrees_on_random_bytes) {
   tally seen;
   std::mt19937 random(7);
   static constexpr unsigned char likely[] = {0x00, 0x01, 0x02, 0x03, 0x05, 0x08, 0x0a, 0x0b, 0x0d,
@@ -169,18 +168,18 @@ TEST(a_disagreement, is_called_a_defect_with_both_results) {
             "  pavo_zorv_api_addr_decode_ext: CODEC_OK (0)\n"
             "  the walk: CODEC_ERR_TRUNCATED (-1), offset 1 (0x1), address: field 1 of api_addr: the value is cut off "
             "by the end of the input\n"
-            "One of them is wrong: please report it together with the input.\n");
+            "One of them is wrong: please report this together with the input.\n");
 
   const walk whole = walk_message(type, test::hex("08 01"));
   EXPECT_FALSE(agree(CODEC_ERR_WRONG_WIRE_TYPE, whole));
   EXPECT_NE(explain(type, CODEC_ERR_WRONG_WIRE_TYPE, whole).find("the walk: CODEC_OK (0)\n"), std::string::npos);
 }
 
-TEST(a_lack_of_memory, is_no_disagreement) {
+TEST(running_out_of_memory, is_not_a_disagreement) {
   const message_type &type = *find_type("api_lbl_stack");
   const walk whole = walk_message(type, test::hex("08 01"));
   EXPECT_TRUE(agree(CODEC_ERR_NO_MEMORY, whole));
-  EXPECT_EQ(explain(type, CODEC_ERR_NO_MEMORY, whole), "CODEC_ERR_NO_MEMORY (-4): there is not enough memory for it\n");
+  EXPECT_EQ(explain(type, CODEC_ERR_NO_MEMORY, whole), "CODEC_ERR_NO_MEMORY (-4): not enough memory to decode it\n");
 }
 
 }  // namespace

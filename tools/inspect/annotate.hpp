@@ -1,5 +1,4 @@
-// What every byte of a message means, in rows that any page can be made of: the one description behind the text and
-// the HTML of `hex`.
+// What every byte of a message means, as rows: the one description from which `hex` makes both its text and its HTML.
 #pragma once
 
 #include <cstddef>
@@ -12,35 +11,34 @@
 
 namespace inspect {
 
-// How a row stands out.
-enum class standing {
+enum class row_state {
   plain,
-  unknown,    // skipped: no field of this message
-  tolerated,  // read, but no encoder of this library writes it so
-  unread,     // lost to a failure further on
-  failed,     // from the byte on that cannot be read
+  unknown,    // skipped: not a field of this message
+  tolerated,  // read, but this library would write it differently
+  unread,     // not stored, because of a failure further on
+  failed,     // from the byte that cannot be read to the end
 };
 
-enum class role { key, length, value, excess };  // excess: bytes of a varint that add nothing
+enum class role { key, length, value, excess };  // excess: bytes that a shorter varint would not have
 
-// One field, without the fields inside it, or what is left over after a failure.
+// One field without the fields inside it, or the rest of the input after a failure.
 struct annotation {
-  standing stands = standing::plain;
+  row_state state = row_state::plain;
   unsigned depth = 0;
   std::size_t start = 0;
   std::size_t end = 0;        // of the bytes of this row
-  std::size_t whole_end = 0;  // of the field with all that lies in it
-  std::string around;         // the way to the containing message: "hops[1]."
+  std::size_t field_end = 0;  // of the field with everything inside it
+  std::string parent;         // the path to the containing message: "hops[1]."
   std::string name;           // "field5[0]"; "unknown field 31"
   std::string key;            // "5 varint"
   std::string kind;           // "unsigned 32-bit"
   std::string meaning;        // " = 7", ": 12 bytes", ...
   std::string remarks;        // ", over-long key"
-  std::vector<role> roles;    // of each byte of the row
-  bool is_container = false;  // the rows that follow, one deeper, are inside
+  std::vector<role> roles;    // one for each byte of the row
+  bool is_container = false;  // the rows that follow, one level deeper, are inside
 };
 
-// Every byte of the input stands in one row, also those after a failure.
+// Every byte of the input is in exactly one row, including those after a failure.
 std::vector<annotation> annotate(byte_view input, const walk &walked);
 
 }  // namespace inspect

@@ -1,4 +1,4 @@
-// The memory of records: handed out piece by piece, given back as a whole.
+// The memory of a record: allocated piece by piece, released as a whole.
 #pragma once
 
 #include <cstddef>

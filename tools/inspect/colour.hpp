@@ -1,4 +1,4 @@
-// Colours of a terminal, and whether they are wanted.
+// Terminal colours, and whether to use them.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@ namespace inspect {
 
 enum class colour { plain, faint, bold, red, green, yellow, blue, magenta, cyan, failure };
 
-// Whether the standard output is a terminal that shows colours, and NO_COLOR (no-color.org) does not forbid them.
+// Whether the standard output is a terminal with colours, and NO_COLOR (no-color.org) is not set.
 bool terminal_has_colours();
 
-// Paints text, or leaves it as it is.
+// Colours text, or leaves it unchanged.
 class painter {
  public:
   explicit painter(bool is_on) : is_on_(is_on) {}

@@ -11,7 +11,7 @@
 #include "commands.hpp"
 #include "completion.hpp"
 #include "input.hpp"
-#include "subject.hpp"
+#include "target.hpp"
 
 namespace inspect {
 namespace {
@@ -19,14 +19,14 @@ namespace {
 template <class Value>
 using choices = std::map<std::string, Value>;
 
-const choices<wire_form> wire_forms{{"auto", wire_form::detected},
-                                    {"raw", wire_form::raw},
-                                    {"hex", wire_form::hex},
-                                    {"dump", wire_form::dump},
-                                    {"base64", wire_form::base64}};
-const choices<message_form> message_forms{{"auto", message_form::detected}, {"raw", message_form::raw},
-                                          {"hex", message_form::hex},       {"dump", message_form::dump},
-                                          {"base64", message_form::base64}, {"json", message_form::as_json},
+const choices<byte_form> byte_forms{{"auto", byte_form::automatic},
+                                    {"raw", byte_form::raw},
+                                    {"hex", byte_form::hex},
+                                    {"dump", byte_form::dump},
+                                    {"base64", byte_form::base64}};
+const choices<message_form> message_forms{{"auto", message_form::automatic}, {"raw", message_form::raw},
+                                          {"hex", message_form::hex},        {"dump", message_form::dump},
+                                          {"base64", message_form::base64},  {"json", message_form::as_json},
                                           {"text", message_form::as_text}};
 const choices<prefix_form> prefix_forms{
     {"varint", prefix_form::varint}, {"be32", prefix_form::be32}, {"le32", prefix_form::le32}};
@@ -35,12 +35,12 @@ const choices<bytes_form> bytes_forms{
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
 
-// Help in the words of this tool, and in the shape from which help2man makes a manual page.
+// Help in this tool's own layout, from which help2man can make a manual page.
 class help_format : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App *app, std::string name) const override {
     const bool has_commands = !commands_of(*app).empty();
-    return fmt::format("Usage: {} [OPTIONS]{}{}\n", name, has_commands ? " COMMAND" : "", words_of(*app));
+    return fmt::format("Usage: {} [OPTIONS]{}{}\n", name, has_commands ? " COMMAND" : "", operands_of(*app));
   }
 
   std::string make_subcommands(const CLI::App *app, CLI::AppFormatMode mode) const override {
@@ -52,8 +52,8 @@ class help_format : public CLI::Formatter {
   }
 
   std::string make_expanded(const CLI::App *command) const override {
-    std::string text =
-        fmt::format("\nCommand {}{}:\n  {}\n\n", command->get_name(), words_of(*command), command->get_description());
+    std::string text = fmt::format("\nCommand {}{}:\n  {}\n\n", command->get_name(), operands_of(*command),
+                                   command->get_description());
     for (const CLI::Option *option :
          command->get_options([](const CLI::Option *each) { return each->nonpositional(); })) {
       if (option->get_group() == "Options" && option != command->get_help_ptr() &&
@@ -64,7 +64,7 @@ class help_format : public CLI::Formatter {
     return text;
   }
 
-  // Words are called by what they mean, not by a name of their own.
+  // Positional arguments are shown by their placeholder ("[FILE]"), not by an option name.
   std::string make_option_name(const CLI::Option *option, bool is_positional) const override {
     if (is_positional) return option->get_option_text();
     std::string name = Formatter::make_option_name(option, is_positional);
@@ -81,7 +81,7 @@ class help_format : public CLI::Formatter {
     return app.get_subcommands([](const CLI::App *) { return true; });
   }
 
-  static std::string words_of(const CLI::App &app) {
+  static std::string operands_of(const CLI::App &app) {
     std::string text;
     for (const CLI::Option *each :
          app.get_options([](const CLI::Option *option) { return option->get_positional(); })) {
@@ -99,12 +99,14 @@ class command_line {
     app_.set_version_flag("--version", std::string("zorv-inspect ") + PAVO_ZORV_VERSION);
     app_.set_help_all_flag("--help-all", "Print the help of all commands");
     app_.footer(
-        "FILE is the standard input when it is missing or \"-\". TYPE, a message's name, may be left out where only\n"
-        "one message reads the input completely.\n\n"
-        "Exit status: 0 done; 1 a message does not decode, or differs, or other input is refused; 2 wrong usage, or a\n"
-        "file cannot be read or written; 3 the library and this tool disagree about the input.");
+        "Without FILE, or if FILE is \"-\", the standard input is read. TYPE is the name of a message; it may be "
+        "omitted if only\n"
+        "one message reads every byte of the input.\n\n"
+        "Exit status: 0 success; 1 a message cannot be decoded, two messages differ, or other input is refused; 2 "
+        "wrong usage,\n"
+        "or a file cannot be read or written; 3 the library and this tool disagree about the input.");
     add_reading_commands();
-    add_judging_commands();
+    add_checking_commands();
     add_writing_commands();
     add_completion();
   }
@@ -112,24 +114,24 @@ class command_line {
   int run(int count, char **arguments) {
     try {
       app_.parse(count, arguments);
-      return chosen_(asked_);
+      return action_(options_);
     } catch (const CLI::ParseError &error) {
-      return app_.exit(error) == 0 ? all_well : not_usable;
-    } catch (const refused &error) {
-      complain(fmt::format("{}\n", error.what()));
-      return input_refused;
+      return app_.exit(error) == 0 ? ok : bad_usage;
+    } catch (const input_error &error) {
+      print_error(fmt::format("{}\n", error.what()));
+      return bad_input;
     } catch (const std::exception &error) {
-      complain(fmt::format("{}\n", error.what()));
-      return not_usable;
+      print_error(fmt::format("{}\n", error.what()));
+      return bad_usage;
     }
   }
 
  private:
-  using action = std::function<exit_status(const request &)>;
+  using action = std::function<exit_status(const command_options &)>;
 
-  CLI::App *command(const char *name, const char *purpose, action chosen) {
+  CLI::App *command(const char *name, const char *purpose, action selected) {
     CLI::App *const added = app_.add_subcommand(name, purpose);
-    added->callback([this, chosen] { chosen_ = chosen; });
+    added->callback([this, selected] { action_ = selected; });
     return added;
   }
 
@@ -143,115 +145,117 @@ class command_line {
         ->option_text("FORM");
   }
 
-  CLI::Option *add_words(CLI::App *command, const char *text, const char *purpose) {
-    return command->add_option("words", asked_.words, purpose)->option_text(text);
+  CLI::Option *add_operands(CLI::App *command, const char *text, const char *purpose) {
+    return command->add_option("operands", options_.operands, purpose)->option_text(text);
   }
 
   void add_output(CLI::App *command) {
-    command->add_option("-o,--output", asked_.output, "Write to this file instead of the standard output")
+    command->add_option("-o,--output", options_.output, "Write to this file instead of the standard output")
         ->option_text("FILE");
   }
 
   void add_input(CLI::App *command) {
-    add_choice(command, "-i,--input", asked_.input, wire_forms, "Form of the input");
-    add_stream(command, "The input is a stream of messages, each after its length");
+    add_choice(command, "-i,--input", options_.input, byte_forms, "Form of the input");
+    add_stream(command, "The input is a stream of length-prefixed messages");
   }
 
   void add_single_input(CLI::App *command) {
     add_input(command);
-    command->add_option("-n,--at", asked_.at, "Only this message of the stream, counted from 0")->option_text("N");
+    command->add_option("-n,--at", options_.at, "Read only this message of the stream, counted from 0")
+        ->option_text("N");
   }
 
   void add_stream(CLI::App *command, const char *purpose) {
-    add_choice(command, "-s,--stream", asked_.stream, prefix_forms, purpose);
+    add_choice(command, "-s,--stream", options_.stream, prefix_forms, purpose);
   }
 
-  void add_bytes(CLI::App *command, const char *purpose, bytes_form most) {
+  void add_bytes(CLI::App *command, const char *purpose, bytes_form last) {
     choices<bytes_form> values = bytes_forms;
-    if (most != bytes_form::length) values.erase("length");
-    add_choice(command, "-b,--bytes", asked_.bytes, values, purpose);
+    if (last != bytes_form::length) values.erase("length");
+    add_choice(command, "-b,--bytes", options_.bytes, values, purpose);
   }
 
   void add_reading_commands() {
-    add_words(
-        command("types", "List the messages, or the fields of one with their keys and places in the record", types),
-        "[TYPE]", "Message")
+    add_operands(command("types", "List the messages, or the fields of one with their keys and record offsets", types),
+                 "[TYPE]", "Message type")
         ->expected(0, 1);
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
-    add_words(decoding, "[TYPE] [FILE]", "Message, and file to read");
+    add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
-    add_bytes(decoding, "How bytes are shown", bytes_form::length);
+    add_bytes(decoding, "How to show bytes", bytes_form::length);
 
     CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
-    add_words(annotating, "[TYPE] [FILE]", "Message, and file to read");
+    add_operands(annotating, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(annotating);
-    add_choice(annotating, "--color", asked_.colours, colour_choices,
-               "Colours; without this, on a terminal unless NO_COLOR is set");
-    annotating->add_flag("--html", asked_.html, "As a page for a browser");
+    add_choice(annotating, "--color", options_.colours, colour_choices,
+               "When to use colours; auto is on a terminal, unless NO_COLOR is set");
+    annotating->add_flag("--html", options_.html, "Write a page for a browser");
 
-    CLI::App *const drawing = command("segments", "Show the segment table of an encoding in both modes", segments);
-    add_words(drawing, "[TYPE] [FILE]", "Message, and file to read");
+    CLI::App *const drawing =
+        command("segments", "Show the segment table of an encoding, without and with reference mode", segments);
+    add_operands(drawing, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(drawing);
   }
 
-  void add_judging_commands() {
+  void add_checking_commands() {
     CLI::App *const comparing = command("diff", "Show where two messages differ", diff);
-    add_words(comparing, "[TYPE] A B", "Message, and the files to compare");
+    add_operands(comparing, "[TYPE] A B", "Message type, and the files to compare");
     add_single_input(comparing);
-    comparing->add_flag("-a,--all", asked_.all, "Show all differences, not only the first");
+    comparing->add_flag("-a,--all", options_.all, "Show all differences, not only the first");
 
     CLI::App *const checking = command(
-        "check", "Decode many messages: which are refused, which would be written otherwise, what they cost", check);
-    add_words(checking, "[TYPE] FILE...", "Message, and the files and folders to check");
+        "check", "Decode many messages: which are refused, which are not canonical, how much memory they take", check);
+    add_operands(checking, "[TYPE] FILE...", "Message type, and the files and folders to check");
     add_input(checking);
-    checking->add_flag("-a,--all", asked_.all, "A line for every message");
-    checking->add_flag("--strict", asked_.strict, "What is not canonical counts as refused");
-    checking->add_flag("--timing", asked_.timing, "Say how long it took");
+    checking->add_flag("-a,--all", options_.all, "Print a line for every message");
+    checking->add_flag("--strict", options_.strict, "Treat messages that are not canonical as refused");
+    checking->add_flag("--timing", options_.timing, "Print how long it took");
 
     CLI::App *const guessing =
-        command("guess", "List the messages that an input could be, the likeliest first", guess_type);
-    add_words(guessing, "[FILE]", "File to read")->expected(0, 1);
+        command("guess", "List the messages that an input may be, the most likely first", guess_type);
+    add_operands(guessing, "[FILE]", "File to read")->expected(0, 1);
     add_single_input(guessing);
-    guessing->add_flag("-a,--all", asked_.all, "Also those that do not decode");
+    guessing->add_flag("-a,--all", options_.all, "Also list those that cannot decode it");
 
     CLI::App *const listing = command("index", "List the messages of a stream", index_stream);
-    add_words(listing, "[TYPE] [FILE]", "Message, and file to read");
+    add_operands(listing, "[TYPE] [FILE]", "Message type, and file to read");
     add_input(listing);
   }
 
   void add_writing_commands() {
-    CLI::App *const encoding = command("encode", "Make a message from JSON", encode);
-    add_words(encoding, "TYPE [FILE]", "Message, and file to read");
+    CLI::App *const encoding = command("encode", "Encode a message from JSON", encode);
+    add_operands(encoding, "TYPE [FILE]", "Message type, and file to read");
     add_output(encoding);
-    add_stream(encoding, "Write a stream, of all JSON values in the input");
-    add_bytes(encoding, "How bytes are written in the JSON", bytes_form::hex);
+    add_stream(encoding, "Write a stream of length-prefixed messages, one for each JSON value in the input");
+    add_bytes(encoding, "How bytes are given in the JSON", bytes_form::hex);
 
-    CLI::App *const converting = command("convert", "Write a message in another form", convert);
-    add_words(converting, "[TYPE] [FILE]", "Message, and file to read");
+    CLI::App *const converting = command("convert", "Convert a message to another form", convert);
+    add_operands(converting, "[TYPE] [FILE]", "Message type, and file to read");
     choices<message_form> targets = message_forms;
     targets.erase("auto");
-    add_choice(converting, "-f,--from", asked_.from, message_forms, "Form of the input; text is that of protoc");
-    add_choice(converting, "-t,--to", asked_.to, targets, "Form of the output");
+    add_choice(converting, "-f,--from", options_.from, message_forms,
+               "Form of the input; text is the text form of protoc");
+    add_choice(converting, "-t,--to", options_.to, targets, "Form of the output");
     add_output(converting);
-    add_bytes(converting, "How bytes stand in JSON", bytes_form::length);
+    add_bytes(converting, "How bytes are given in JSON", bytes_form::length);
   }
 
   void add_completion() {
     CLI::App *const completing =
-        command("completion", "Print a script with which a shell completes commands", [this](const request &asked) {
-          print(asked.words.front() == "bash" ? bash_completion(app_) : zsh_completion(app_));
-          return all_well;
+        command("completion", "Print the completion script for a shell", [this](const command_options &options) {
+          print(options.operands.front() == "bash" ? bash_completion(app_) : zsh_completion(app_));
+          return ok;
         });
-    completing->add_option("words", asked_.words, "bash or zsh")
+    completing->add_option("operands", options_.operands, "bash or zsh")
         ->option_text("SHELL")
         ->required()
         ->expected(1)
         ->check(CLI::IsMember({"bash", "zsh"}).description(""));
   }
 
-  CLI::App app_{"See any message of pavo_zorv, fix any message.", "zorv-inspect"};
-  request asked_;
-  action chosen_;
+  CLI::App app_{"Inspect and edit the messages of pavo-zorv.", "zorv-inspect"};
+  command_options options_;
+  action action_;
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The command line: its commands, options and help, and what shells and manuals are told about them.
+// The command line: commands, options, help, and the completion scripts derived from them.
 #pragma once
 
 namespace inspect {

@@ -1,4 +1,4 @@
-// Completion scripts: lists of words for each command, and one function that chooses among them.
+// Completion scripts: lists of candidates for each command, and one function that chooses among them.
 #include "completion.hpp"
 
 #include <fmt/format.h>
@@ -22,12 +22,12 @@ std::vector<const CLI::App *> commands(const CLI::App &app) {
   return app.get_subcommands([](const CLI::App *) { return true; });
 }
 
-// The options of a command as they are typed; not its positional words.
+// The options of a command, without its operands.
 std::vector<const CLI::Option *> options(const CLI::App &command) {
   return command.get_options([](const CLI::Option *option) { return option->nonpositional(); });
 }
 
-// The values that an option's description lists after its colon; empty for other options.
+// The values that an option's description lists after the colon; empty if it lists none.
 std::string values(const CLI::Option &option) {
   if (option.get_option_text() != "FORM") return {};
   std::string text = option.get_description();
@@ -45,13 +45,13 @@ std::string option_names(const CLI::App &command) {
   return names.empty() ? names : names.substr(1);
 }
 
-// What the words of a command may be, by what its help calls them.
-struct word_kinds {
-  std::string first;  // for the first word, besides files
+// What the operands of a command may be, judged by their placeholders.
+struct operand_kinds {
+  std::string first;  // candidates for the first operand, besides files
   bool files;
 };
 
-word_kinds words_of(const CLI::App &command) {
+operand_kinds operands_of(const CLI::App &command) {
   std::string text;
   for (const CLI::Option *each : command.get_options()) {
     if (each->get_positional()) text += each->get_option_text();
@@ -62,7 +62,7 @@ word_kinds words_of(const CLI::App &command) {
 
 // --- bash ---
 
-// The values of an option, by the word before.
+// The values of an option, selected by the word before.
 std::string bash_values(const CLI::App &command) {
   std::string text;
   for (const CLI::Option *option : options(command)) {
@@ -75,14 +75,14 @@ std::string bash_values(const CLI::App &command) {
 }
 
 std::string bash_case(const CLI::App &command) {
-  const word_kinds kinds = words_of(command);
+  const operand_kinds kinds = operands_of(command);
   return fmt::format("    {})\n      options='{}' first='{}' files={}\n{}      ;;\n", command.get_name(),
                      option_names(command), kinds.first, kinds.files ? "yes" : "no", bash_values(command));
 }
 
 // --- zsh ---
 
-// A description without what means something in a zsh list.
+// A description without characters that are special in a zsh list.
 std::string zsh_text(std::string text) {
   for (char &each : text) {
     if (std::string_view("[]':").find(each) != std::string_view::npos) each = ' ';
@@ -112,7 +112,7 @@ std::string zsh_option(const CLI::Option &option) {
 }
 
 std::string zsh_case(const CLI::App &command) {
-  const word_kinds kinds = words_of(command);
+  const operand_kinds kinds = operands_of(command);
   std::string text = fmt::format("    {})\n      first=({})\n      _arguments -s", command.get_name(), kinds.first);
   for (const CLI::Option *option : options(command)) text += fmt::format(" \\\n        {}", zsh_option(*option));
   return text + fmt::format(" \\\n        '1: :_zorv_inspect_first{}'{}\n      ;;\n", kinds.files ? " files" : "",
@@ -128,7 +128,7 @@ _zorv_inspect() {{
     mapfile -t COMPREPLY < <(compgen -W '{commands} {options}' -- "$current")
     return
   fi
-  # --input=hex comes as three words.
+  # --input=hex arrives as three words.
   if [[ $current == = ]]; then
     current=
   elif [[ $previous == = ]]; then

@@ -1,4 +1,4 @@
-// Differences of two messages, from their JSON.
+// Finds the differences between two messages from their JSON.
 #include "difference.hpp"
 
 #include <fmt/format.h>
@@ -8,11 +8,11 @@
 namespace inspect {
 namespace {
 
-// A value on one line, and of a long one the beginning.
+// A value on one line; only the beginning of a long one.
 std::string shown(const json &value) {
-  constexpr std::size_t most = 72;
+  constexpr std::size_t max_size = 72;
   const std::string text = value.dump();
-  return text.size() <= most ? text : text.substr(0, most) + "...";
+  return text.size() <= max_size ? text : text.substr(0, max_size) + "...";
 }
 
 class comparison {
@@ -21,7 +21,7 @@ class comparison {
     for (const field_type &field : type.fields) {
       const auto in_a = a.find(field.name), in_b = b.find(field.name);
       if (in_a == a.end() && in_b == b.end()) continue;
-      way_.push_back({&field, {}});
+      path_.push_back({&field, {}});
       if (in_a == a.end() || in_b == b.end()) {
         add(in_a == a.end() ? "absent" : shown(*in_a), in_b == b.end() ? "absent" : shown(*in_b));
       } else if (field.is_list()) {
@@ -29,7 +29,7 @@ class comparison {
       } else {
         values(field, *in_a, *in_b);
       }
-      way_.pop_back();
+      path_.pop_back();
     }
   }
 
@@ -46,20 +46,20 @@ class comparison {
 
   void lists(const field_type &field, const json &a, const json &b) {
     for (std::size_t index = 0; index < std::min(a.size(), b.size()); ++index) {
-      way_.back().index = index;
+      path_.back().index = index;
       values(field, a[index], b[index]);
     }
-    way_.back().index.reset();
-    if (a.size() != b.size()) add(counted(a), counted(b));
+    path_.back().index.reset();
+    if (a.size() != b.size()) add(element_count(a), element_count(b));
   }
 
-  static std::string counted(const json &list) {
+  static std::string element_count(const json &list) {
     return fmt::format("{} element{}", list.size(), list.size() == 1 ? "" : "s");
   }
 
-  void add(std::string a, std::string b) { found.push_back({to_string(way_), std::move(a), std::move(b)}); }
+  void add(std::string a, std::string b) { found.push_back({to_string(path_), std::move(a), std::move(b)}); }
 
-  path way_;
+  path path_;
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Decode, encode, compare the bytes, release.
+// Decodes, encodes, compares the bytes and releases.
 #include "examine.hpp"
 
 #include <algorithm>
@@ -6,13 +6,13 @@
 namespace inspect {
 
 findings examiner::examine(const message_type &type, byte_view input) {
-  account_.clear();
+  memory_.clear();
   record_.resize(std::max(record_.size(), type.record_size / sizeof(std::max_align_t) + 1));
   void *const record = record_.data();
 
   findings found;
-  found.result = type.decode(record, input, &account::allocate, &account_, 0);
-  found.memory = account_.asked;
+  found.result = type.decode(record, input, &counting_memory::allocate, &memory_, 0);
+  found.memory = memory_.allocated;
   if (found.result == CODEC_OK) {
     found.encoded = type.encode(record, nullptr, 0, nullptr, nullptr, 0);
     if (found.encoded == input.size()) {
@@ -21,9 +21,9 @@ findings examiner::examine(const message_type &type, byte_view input) {
       found.is_canonical = std::equal(input.begin(), input.end(), encoding_.begin());
     }
   }
-  type.release(record, &account::release, &account_, 0);
-  found.dropped.blocks = found.memory.blocks - account_.returned.blocks;
-  found.dropped.bytes = found.memory.bytes - account_.returned.bytes;
+  type.release(record, &counting_memory::release, &memory_, 0);
+  found.dropped.blocks = found.memory.blocks - memory_.released.blocks;
+  found.dropped.bytes = found.memory.bytes - memory_.released.bytes;
   return found;
 }
 

@@ -1,4 +1,4 @@
-// What the tool gives up on, and the exit status that says so.
+// Errors that end a command, and the exit status of each.
 #pragma once
 
 #include <stdexcept>
@@ -6,17 +6,17 @@
 namespace inspect {
 
 enum exit_status {
-  all_well = 0,
-  input_refused = 1,  // the input is not what it should be
-  not_usable = 2,     // wrong usage, or a file that cannot be read or written
-  disagreement = 3,   // the library and the tool's own walk do not agree about an input
+  ok = 0,
+  bad_input = 1,     // the input cannot be read, or two messages differ
+  bad_usage = 2,     // wrong usage, or a file that cannot be read or written
+  disagreement = 3,  // the library and the tool's own walk disagree about an input
 };
 
-struct refused : std::runtime_error {
+struct input_error : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-struct unusable : std::runtime_error {
+struct usage_error : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 

@@ -1,4 +1,4 @@
-// Guessing by reading the input as every message.
+// Guesses by decoding the input as every message.
 #include "guess.hpp"
 
 #include <fmt/format.h>
@@ -9,7 +9,7 @@
 #include <tuple>
 
 #include "failure.hpp"
-#include "text_forms.hpp"
+#include "text_encodings.hpp"
 #include "walk.hpp"
 
 namespace inspect {
@@ -37,48 +37,49 @@ int evidence_of(byte_view input, const walked_field &here) {
   }
 }
 
-reading read_as(const message_type &type, byte_view input) {
+candidate read_as(const message_type &type, byte_view input) {
   const walk walked = walk_message(type, input);
-  reading made{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0, 0};
+  candidate result{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0, 0};
   for (const walked_field &each : walked.fields) {
-    made.evidence += evidence_of(input, each);
-    if (each.field == nullptr) made.unknown += each.end - each.start;
+    result.evidence += evidence_of(input, each);
+    if (each.field == nullptr) result.unknown += each.end - each.start;
   }
-  if (walked.failure) return made;
+  if (walked.failure) return result;
   record content(type);
-  if (content.decode(input) != CODEC_OK) return made;
-  made.fit = std::ranges::equal(content.encode(), input) ? fit::canonical
-             : made.unknown == 0                         ? fit::complete
-                                                         : fit::partial;
-  return made;
+  if (content.decode(input) != CODEC_OK) return result;
+  result.fit = std::ranges::equal(content.encode(), input) ? fit::canonical
+               : result.unknown == 0                       ? fit::complete
+                                                           : fit::partial;
+  return result;
 }
 
 }  // namespace
 
-std::vector<reading> guess(byte_view input) {
-  std::vector<reading> readings;
-  for (const message_type *type : all_types()) readings.push_back(read_as(*type, input));
-  const auto order = [](const reading &each) {
+std::vector<candidate> guess(byte_view input) {
+  std::vector<candidate> candidates;
+  for (const message_type *type : all_types()) candidates.push_back(read_as(*type, input));
+  const auto order = [](const candidate &each) {
     return std::tuple(each.fit, each.unknown, -each.evidence, ~each.reached);
   };
-  std::ranges::stable_sort(readings, {}, order);
-  return readings;
+  std::ranges::stable_sort(candidates, {}, order);
+  return candidates;
 }
 
-const message_type &only_guess(byte_view input, const std::string &name) {
-  const std::vector<reading> readings = guess(input);
-  const fit best = readings.front().fit;
+const message_type &unique_guess(byte_view input, const std::string &name) {
+  const std::vector<candidate> candidates = guess(input);
+  const fit best = candidates.front().fit;
   if (best == fit::partial || best == fit::none) {
-    throw unusable(fmt::format("{}: TYPE is needed: no message reads every byte of it", name));
+    throw usage_error(fmt::format("{}: TYPE is required: no message reads every byte of it", name));
   }
-  const auto count = std::ranges::count(readings, best, &reading::fit);
-  if (count == 1) return *readings.front().type;
+  const auto count = std::ranges::count(candidates, best, &candidate::fit);
+  if (count == 1) return *candidates.front().type;
   std::string names;
-  for (const reading &each : std::span(readings).first(static_cast<std::size_t>(std::min<std::ptrdiff_t>(count, 4)))) {
+  for (const candidate &each :
+       std::span(candidates).first(static_cast<std::size_t>(std::min<std::ptrdiff_t>(count, 4)))) {
     names += fmt::format("{}{}", names.empty() ? "" : ", ", each.type->name);
   }
-  throw unusable(fmt::format("{}: TYPE is needed: {} messages read it alike ({}{})", name, count, names,
-                             count > 4 ? ", ..." : ""));
+  throw usage_error(fmt::format("{}: TYPE is required: {} messages fit equally well ({}{})", name, count, names,
+                                count > 4 ? ", ..." : ""));
 }
 
 }  // namespace inspect

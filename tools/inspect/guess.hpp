@@ -1,4 +1,4 @@
-// Which messages an input could be.
+// Which messages an input may be.
 #pragma once
 
 #include <string>
@@ -8,27 +8,27 @@
 
 namespace inspect {
 
-// How a message reads an input, from the best down.
+// How well a message type fits an input, best first.
 enum class fit {
-  canonical,  // every byte, and encoding gives the same ones
+  canonical,  // every byte belongs to a field, and encoding gives the same bytes
   complete,   // every byte belongs to a field
   partial,    // some fields are unknown
   none,       // it does not decode
 };
 
-struct reading {
+struct candidate {
   const message_type *type;
   inspect::fit fit;
-  std::size_t reached;  // bytes before the failure; all without one
-  std::size_t unknown;  // bytes of unknown fields
-  int evidence;         // what speaks for it: nested messages that read well, texts that are text
+  std::size_t reached;  // bytes before the failure; all of them if there is none
+  std::size_t unknown;  // bytes in unknown fields
+  int evidence;         // points for plausible values: nested messages that decode, strings that are text
 };
 
-// The best first.
-std::vector<reading> guess(byte_view input);
+// Best first.
+std::vector<candidate> guess(byte_view input);
 
-// The one message that fits best, if it reads every byte and no other fits as well. Else wrong usage: it says which
-// messages there are to choose from. `name` is that of the input.
-const message_type &only_guess(byte_view input, const std::string &name);
+// The message type that reads every byte, if no other fits as well. Otherwise a usage error that lists the types to
+// choose from. `name` is that of the input.
+const message_type &unique_guess(byte_view input, const std::string &name);
 
 }  // namespace inspect

@@ -1,5 +1,5 @@
-// The annotated bytes as one page that needs nothing beside it: foldable, and with what the pointer is on lit up on
-// both sides.
+// The annotated bytes as one self-contained page: fields fold, and the field or bytes under the pointer are highlighted
+// on both sides.
 #pragma once
 
 #include <string>

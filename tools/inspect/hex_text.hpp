@@ -1,4 +1,4 @@
-// The bytes of a message with what they mean beside them, one field to a line, nested ones indented: as text.
+// The annotated bytes as text: one field to a line, nested fields indented.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace inspect {
 
-// After the offset stands a mark: ? for an unknown field, ~ for what is read but would be written otherwise, ! for
-// where the reading ends.
+// The mark after the offset is ? for an unknown field, ~ for what is read but would be written differently, and ! for
+// what cannot be read.
 std::string hex_text(byte_view input, const std::vector<annotation> &rows, const painter &paint);
 
 }  // namespace inspect

@@ -1,4 +1,4 @@
-// Reading and writing files.
+// Reads and writes files.
 #include "input.hpp"
 
 #include <fcntl.h>
@@ -19,17 +19,17 @@ namespace {
 
 bool is_standard(const std::string &name) { return name.empty() || name == "-"; }
 
-[[noreturn]] void fail(const std::string &name, std::string_view doing) {
-  throw unusable(fmt::format("{}: cannot be {}: {}", name, doing, std::strerror(errno)));
+[[noreturn]] void fail(std::string_view action, const std::string &name) {
+  throw usage_error(fmt::format("cannot {} {}: {}", action, name, std::strerror(errno)));
 }
 
-// A file that is open for reading; the standard input stays open.
+// A file open for reading. The standard input is not closed.
 class source {
  public:
   explicit source(const std::string &name)
       : name_(is_standard(name) ? "standard input" : name),
         file_(is_standard(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (file_ < 0) fail(name_, "read");
+    if (file_ < 0) fail("read", name_);
   }
   source(const source &) = delete;
   source &operator=(const source &) = delete;
@@ -37,7 +37,7 @@ class source {
     if (file_ != STDIN_FILENO) ::close(file_);
   }
 
-  // What `stat` says it will be; of pipes and the like, a first guess.
+  // The size that `fstat` reports; for pipes and the like, an initial guess.
   std::size_t expected_size() const {
     struct stat status {};
     if (::fstat(file_, &status) == 0 && status.st_size > 0) return static_cast<std::size_t>(status.st_size);
@@ -49,7 +49,7 @@ class source {
     do {
       taken = ::read(file_, into, size);
     } while (taken < 0 && errno == EINTR);
-    if (taken < 0) fail(name_, "read");
+    if (taken < 0) fail("read", name_);
     return static_cast<std::size_t>(taken);
   }
 
@@ -67,7 +67,7 @@ struct file_closer {
 void read_file(const std::string &name, byte_string &content) {
   const source from(name);
   std::size_t filled = 0;
-  content.resize(from.expected_size() + 1);  // one more, so that the end is seen without growing
+  content.resize(from.expected_size() + 1);  // one more, to see the end without growing
   while (const std::size_t taken = from.read(content.data() + filled, content.size() - filled)) {
     filled += taken;
     if (filled == content.size()) content.resize(2 * filled);
@@ -86,7 +86,7 @@ void write_file(const std::string &name, byte_view content) {
   std::FILE *const target = is_standard(name) ? stdout : opened.get();
   const bool complete = target != nullptr && std::fwrite(content.data(), 1, content.size(), target) == content.size() &&
                         std::fflush(target) == 0;
-  if (!complete) fail(is_standard(name) ? "standard output" : name, "written");
+  if (!complete) fail("write", is_standard(name) ? "standard output" : name);
 }
 
 void print(std::string_view text) {

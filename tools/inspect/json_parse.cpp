@@ -1,4 +1,4 @@
-// JSON text as nodes, by way of the events of nlohmann's reader.
+// Builds nodes from the SAX events of nlohmann's parser.
 #include "json_parse.hpp"
 
 #include <fmt/format.h>
@@ -14,7 +14,7 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-// Counts what the reader has taken: it says where it is only when it fails.
+// Tracks the position of the parser, which reports it only on failure.
 struct counting_iterator {
   using iterator_category = std::input_iterator_tag;
   using value_type = char;
@@ -23,11 +23,11 @@ struct counting_iterator {
   using reference = char;
 
   const unsigned char *place;
-  const unsigned char **taken;
+  const unsigned char **consumed;
 
   char operator*() const { return static_cast<char>(*place); }
   counting_iterator &operator++() {
-    *taken = ++place;
+    *consumed = ++place;
     return *this;
   }
   bool operator==(const counting_iterator &) const = default;
@@ -37,8 +37,8 @@ bool is_digits(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// "1.50e1" is a whole number, 15; nothing for one that is not, or too long to be of use.
-std::optional<std::string> whole_number(std::string_view written) {
+// "1.50e1" is the integer 15. Empty if the number is not an integer, or longer than any member could hold.
+std::optional<std::string> to_integer(std::string_view written) {
   const bool is_negative = written.starts_with('-');
   if (is_negative) written.remove_prefix(1);
   const std::size_t mark = std::min(written.find_first_of("eE"), written.size());
@@ -63,14 +63,14 @@ std::optional<std::string> whole_number(std::string_view written) {
 // Receives the events and builds the tree.
 class builder {
  public:
-  builder(byte_view text, std::size_t begin) : text_(text), taken_(text.data() + begin), behind_last_(begin) {}
+  builder(byte_view text, std::size_t begin) : text_(text), consumed_(text.data() + begin), after_last_(begin) {}
 
   bool null() { return add(node::null{}); }
   bool boolean(bool value) { return add(value); }
   bool number_integer(std::int64_t value) { return add(node::number{std::to_string(value)}); }
   bool number_unsigned(std::uint64_t value) { return add(node::number{std::to_string(value)}); }
   bool number_float(double, const std::string &written) {
-    return add(node::number{whole_number(written).value_or(written)});
+    return add(node::number{to_integer(written).value_or(written)});
   }
   bool string(std::string &value) { return add(std::move(value)); }
   bool binary(const json::binary_t &) { return false; }
@@ -81,40 +81,40 @@ class builder {
   bool end_array() { return close(); }
 
   bool key(const std::string &name) {
-    std::get<node::object>(open_.back()->value).push_back({name, {}, token()});
+    std::get<node::object>(open_.back()->value).push_back({name, {}, token_offset()});
     return true;
   }
 
   bool parse_error(std::size_t position, const std::string &, const nlohmann::detail::exception &error) {
-    // Of the reader's words, what comes after its own name and the place.
+    // The parser's message, without its own prefix and position.
     std::string_view what = error.what();
     for (const std::string_view before : {"] ", "syntax error "}) {
       if (const std::size_t found = what.find(before); found != what.npos) what.remove_prefix(found + before.size());
     }
-    throw misread(position == 0 ? 0 : position - 1 + begin_, where(), fmt::format("this is not JSON: {}", what));
+    throw text_error(position == 0 ? 0 : position - 1 + begin_, current_path(), fmt::format("invalid JSON: {}", what));
   }
 
-  node take(std::size_t begin, bool whole, std::size_t &end) {
+  node build(std::size_t begin, bool whole, std::size_t &end) {
     begin_ = begin;
     const unsigned char *const limit = text_.data() + text_.size();
-    json::sax_parse(counting_iterator{text_.data() + begin, &taken_}, counting_iterator{limit, &taken_}, this,
+    json::sax_parse(counting_iterator{text_.data() + begin, &consumed_}, counting_iterator{limit, &consumed_}, this,
                     nlohmann::detail::input_format_t::json, whole);
-    end = behind_last_;
+    end = after_last_;
     return std::move(root_);
   }
 
  private:
-  // Where the token begins that has just been read: after the last one and what separates them.
-  std::size_t token() {
-    std::size_t at = behind_last_;
+  // The offset of the token that has just been read: after the previous one and any separators.
+  std::size_t token_offset() {
+    std::size_t at = after_last_;
     while (at < text_.size() &&
            std::string_view(" \t\r\n,:").find(static_cast<char>(text_[at])) != std::string_view::npos)
       ++at;
-    behind_last_ = static_cast<std::size_t>(taken_ - text_.data());
+    after_last_ = static_cast<std::size_t>(consumed_ - text_.data());
     return at;
   }
 
-  // The place for the next value: the root, the last name's, or after the last element.
+  // The node for the next value: the root, the member just named, or a new element.
   node &next() {
     if (open_.empty()) return root_;
     if (auto *const object = std::get_if<node::object>(&open_.back()->value)) return object->back().content;
@@ -125,7 +125,7 @@ class builder {
   bool add(Value value) {
     node &target = next();
     target.value = std::move(value);
-    target.at = token();
+    target.at = token_offset();
     return true;
   }
 
@@ -133,20 +133,20 @@ class builder {
   bool open(Container container) {
     node &target = next();
     target.value = std::move(container);
-    target.at = token();
-    if (open_.size() == greatest_depth) throw misread(target.at, "", "nested too deep");
+    target.at = token_offset();
+    if (open_.size() == max_depth) throw text_error(target.at, "", "nested too deeply");
     open_.push_back(&target);
     return true;
   }
 
   bool close() {
-    behind_last_ = static_cast<std::size_t>(taken_ - text_.data());
+    after_last_ = static_cast<std::size_t>(consumed_ - text_.data());
     open_.pop_back();
     return true;
   }
 
-  // The way to the value that is being read, as far as it is known.
-  std::string where() const {
+  // The path to the value that is being read, as far as it is known.
+  std::string current_path() const {
     std::string path;
     for (std::size_t depth = 0; depth < open_.size(); ++depth) {
       if (const auto *const list = std::get_if<node::list>(&open_[depth]->value)) {
@@ -159,8 +159,8 @@ class builder {
   }
 
   byte_view text_;
-  const unsigned char *taken_;
-  std::size_t behind_last_;
+  const unsigned char *consumed_;
+  std::size_t after_last_;
   std::size_t begin_ = 0;
   node root_;
   std::vector<node *> open_;
@@ -169,7 +169,7 @@ class builder {
 }  // namespace
 
 node parse_json(byte_view text, std::size_t begin, bool whole, std::size_t &end) {
-  return builder(text, begin).take(begin, whole, end);
+  return builder(text, begin).build(begin, whole, end);
 }
 
 }  // namespace inspect

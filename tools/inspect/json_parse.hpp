@@ -5,8 +5,8 @@
 
 namespace inspect {
 
-// Reads one value; throws `misread` where the text is not JSON. `end` is where it ended: with `whole`, only blanks may
-// follow.
+// Reads one value and sets `end` to the position after it; throws `text_error` if the text is not JSON. With `whole`,
+// only whitespace may follow the value.
 node parse_json(byte_view text, std::size_t begin, bool whole, std::size_t &end);
 
 inline node parse_json(byte_view text) {

@@ -1,4 +1,4 @@
-// JSON as text.
+// Writes JSON as text.
 #include "json_text.hpp"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 namespace inspect {
 namespace {
 
-// Whether something in it takes lines of its own.
+// Whether its members or elements go on lines of their own.
 bool needs_lines(const json &value) {
   return value.is_object() ? !value.empty()
                            : std::ranges::any_of(value, [](const json &each) { return each.is_structured(); });

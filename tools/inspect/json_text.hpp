@@ -1,4 +1,4 @@
-// JSON as text that is easy on the eye: one member to a line, lists of numbers on one line.
+// JSON as readable text: one member to a line, lists of numbers on one line.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// A value as it was read from JSON or from the Protocol Buffers text form: not yet held against any message, but with
-// its place, so that every complaint can name it.
+// A value as read from JSON or from the Protocol Buffers text form: not yet checked against a message, but with its
+// position, so that an error can report it.
 #pragma once
 
 #include <cstddef>
@@ -20,17 +20,17 @@ struct member;
 struct node {
   struct null {};
   struct number {
-    std::string digits;  // a whole number in decimal, or whatever was written when it is not one
+    std::string digits;  // an integer in decimal, or the original text when it is not one
   };
   struct raw {
-    byte_string content;  // a string of the text form: the bytes themselves, also those of bytes members
+    byte_string content;  // a string of the text form: its bytes, which may also be meant for a bytes member
   };
   using list = std::vector<node>;
   using object = std::vector<member>;
 
   using shape = std::variant<null, bool, number, std::string, raw, list, object>;
 
-  // Where a member is known as a whole: after it.
+  // Defined below, where `member` is complete.
   node();
   node(shape what, std::size_t offset);
   node(node &&) noexcept;
@@ -38,7 +38,7 @@ struct node {
   ~node();
 
   shape value;
-  std::size_t at = 0;  // in the text
+  std::size_t at = 0;  // its offset in the text
 };
 
 struct member {
@@ -53,19 +53,19 @@ inline node::node(node &&) noexcept = default;
 inline node &node::operator=(node &&) noexcept = default;
 inline node::~node() = default;
 
-// What text cannot be read, and where. `path` is where in the message, if anywhere.
-struct misread : std::runtime_error {
-  misread(std::size_t offset, std::string place, const std::string &why)
-      : std::runtime_error(why), at(offset), path(std::move(place)) {}
+// Why text cannot be read, and where: the offset in the text, and the path in the message if there is one.
+struct text_error : std::runtime_error {
+  text_error(std::size_t offset, std::string where, const std::string &why)
+      : std::runtime_error(why), at(offset), path(std::move(where)) {}
 
   std::size_t at;
   std::string path;
 };
 
-// The same with line and column: "line 3, column 7: hops[2].field5[0]: 300 is not 0 to 255".
-refused refusal(const misread &what, byte_view text);
+// The same with line and column: "line 3, column 7: hops[2].field5[0]: 300 is out of range 0 to 255".
+input_error with_position(const text_error &error, byte_view text);
 
-// Nesting beyond this is refused while it is read: no message goes as deep.
-inline constexpr std::size_t greatest_depth = 64;
+// Deeper nesting is refused while reading: no message is nested as deeply.
+inline constexpr std::size_t max_depth = 64;
 
 }  // namespace inspect

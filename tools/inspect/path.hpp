@@ -1,4 +1,4 @@
-// The way from the outermost message to a field.
+// The path from the outermost message to a field.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ struct step {
 using path = std::vector<step>;
 using path_view = std::span<const step>;
 
-// "hops[2].field5"; nothing for the outermost message.
+// "hops[2].field5"; empty for the outermost message.
 std::string to_string(path_view steps);
 
 }  // namespace inspect

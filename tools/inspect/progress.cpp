@@ -1,4 +1,4 @@
-// The bar, drawn ten times a second.
+// The progress bar, redrawn at most ten times a second.
 #include "progress.hpp"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// A bar on the standard error that says how far a long command has come; nothing where that is no terminal.
+// A progress bar on the standard error, if that is a terminal.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@ namespace inspect {
 
 class progress {
  public:
-  // `count` tells how many steps there will be. It is asked only when there is a bar to draw.
+  // `count` returns the number of steps. It is called only when there is a bar to draw.
   explicit progress(const std::function<std::size_t()> &count);
   progress(const progress &) = delete;
   progress &operator=(const progress &) = delete;
@@ -17,7 +17,7 @@ class progress {
 
   void step();
 
-  // Wipes the bar away, so that something can be printed.
+  // Erases the bar, so that something can be printed.
   void clear();
 
  private:

@@ -1,4 +1,4 @@
-// Records from what JSON or the text form says. What is there becomes present; nothing else does.
+// Builds records from JSON or the text form. Exactly the fields that are given become present.
 #pragma once
 
 #include <fmt/format.h>
@@ -13,7 +13,7 @@
 
 #include "core/kinds.hpp"
 #include "node.hpp"
-#include "text_forms.hpp"
+#include "text_encodings.hpp"
 #include "types.hpp"
 
 namespace inspect {
@@ -26,35 +26,35 @@ class record_reader {
   void read(const node &from, Record &record) {
     std::uint32_t seen = 0;
     for (const member &each : expect<node::object>(from, "an object")) {
-      way_.push_back({each.name, 0});
+      path_.push_back({each.name, 0});
       read_named(each, record, seen);
-      way_.pop_back();
+      path_.pop_back();
     }
   }
 
  private:
-  // A name, or the index of a list's element.
-  struct way_step {
+  // The name of a field, or the index of a list element.
+  struct path_step {
     std::string_view name;
     std::size_t index;
   };
 
   [[noreturn]] void refuse(std::size_t at, const std::string &why) const {
     std::string where;
-    for (const auto &[name, index] : way_) {
+    for (const auto &[name, index] : path_) {
       if (name.empty()) {
         where += fmt::format("[{}]", index);
       } else {
         where += where.empty() ? name : fmt::format(".{}", name);
       }
     }
-    throw misread(at, where, why);
+    throw text_error(at, where, why);
   }
 
   template <class Shape>
   const Shape &expect(const node &from, const char *shape) const {
     const auto *const found = std::get_if<Shape>(&from.value);
-    if (found == nullptr) refuse(from.at, fmt::format("{} is wanted", shape));
+    if (found == nullptr) refuse(from.at, fmt::format("expected {}", shape));
     return *found;
   }
 
@@ -65,7 +65,7 @@ class record_reader {
       constexpr auto &row = pavo_zorv::row_at<Record, index>;
       if (known || !is_name_of(row.name, named.name)) return;
       known = true;
-      if ((seen >> index & 1) != 0) refuse(named.at, "it is given a second time");
+      if ((seen >> index & 1) != 0) refuse(named.at, "duplicate field");
       seen |= 1u << index;
       if (std::holds_alternative<node::null>(named.content.value)) return;
       read_member(row, named.content, record);
@@ -98,7 +98,7 @@ class record_reader {
     }
   }
 
-  // Numbers may stand in quotes: those of 64 bits have to, for the sake of other readers.
+  // Numbers may be in quotes. 64-bit numbers are written in quotes, for JSON readers that would round them.
   template <class Value>
   Value number(const node &from) const {
     const auto *const quoted = std::get_if<std::string>(&from.value);
@@ -107,20 +107,19 @@ class record_reader {
     Value value = 0;
     const auto [rest, error] = std::from_chars(digits.data(), end, value);
     if (rest == end && error == std::errc{}) return value;
-    const bool is_whole = !digits.empty() && digits.find_first_not_of("0123456789", digits[0] == '-') == digits.npos;
+    const bool is_integer = !digits.empty() && digits.find_first_not_of("0123456789", digits[0] == '-') == digits.npos;
     using limits = std::numeric_limits<Value>;
-    refuse(from.at, is_whole
-                        ? fmt::format("{} is not {} to {}", digits, +limits::min(), +limits::max())
-                        : fmt::format("{} is not a whole number", quoted != nullptr ? '"' + digits + '"' : digits));
+    refuse(from.at, is_integer ? fmt::format("{} is out of range {} to {}", digits, +limits::min(), +limits::max())
+                               : fmt::format("{} is not an integer", quoted != nullptr ? '"' + digits + '"' : digits));
   }
 
   byte_string raw(const node &from) const {
     if (const auto *const content = std::get_if<node::raw>(&from.value)) return content->content;
     const bool is_hex = bytes_ == bytes_form::hex;
-    const char *const wanted = is_hex ? "a string of hexadecimal digits" : "a string of base64";
-    const std::string &written = expect<std::string>(from, wanted);
+    const char *const expected = is_hex ? "a string of hexadecimal digits" : "a string in base64";
+    const std::string &written = expect<std::string>(from, expected);
     auto content = is_hex ? from_hex(written) : from_base64(written);
-    if (!content) refuse(from.at, fmt::format("{} is wanted", wanted));
+    if (!content) refuse(from.at, fmt::format("expected {}", expected));
     return *std::move(content);
   }
 
@@ -132,17 +131,17 @@ class record_reader {
       const byte_string decoded = raw(unwrapped(from));
       content.assign(decoded.begin(), decoded.end());
     }
-    if (content.find('\0') != content.npos) refuse(from.at, "a string cannot hold a NUL");
+    if (content.find('\0') != content.npos) refuse(from.at, "a string cannot contain a NUL");
     return block<char>(content.c_str(), content.size() + 1);
   }
 
-  // The bytes of a string that is not UTF-8 come as the only member of an object.
+  // A string that is not UTF-8 is an object with a single member, its bytes.
   const node &unwrapped(const node &from) const {
     if (std::holds_alternative<node::raw>(from.value)) return from;
     const char *const name = bytes_ == bytes_form::hex ? "hex" : "base64";
     const auto *const object = std::get_if<node::object>(&from.value);
     if (object == nullptr || object->size() != 1 || object->front().name != name) {
-      refuse(from.at, fmt::format("a string, or an object with only \"{}\", is wanted", name));
+      refuse(from.at, fmt::format("expected a string, or an object with the single member \"{}\"", name));
     }
     return object->front().content;
   }
@@ -157,12 +156,13 @@ class record_reader {
   template <class Element, class Read>
   Element *list(const node &from, std::uint32_t &count, Read read_element) {
     const auto &written = expect<node::list>(from, "an array");
-    if (!std::in_range<std::uint32_t>(written.size())) refuse(from.at, "an array has fewer than 4294967296 elements");
+    if (!std::in_range<std::uint32_t>(written.size()))
+      refuse(from.at, "an array cannot have more than 4294967295 elements");
     auto *const elements = memory_.array<Element>(written.size());
     for (std::size_t index = 0; index < written.size(); ++index) {
-      way_.push_back({{}, index});
+      path_.push_back({{}, index});
       read_element(written[index], elements[index]);
-      way_.pop_back();
+      path_.pop_back();
     }
     count = static_cast<std::uint32_t>(written.size());
     return elements;
@@ -170,7 +170,7 @@ class record_reader {
 
   arena &memory_;
   bytes_form bytes_;
-  std::vector<way_step> way_;
+  std::vector<path_step> path_;
 };
 
 }  // namespace inspect

@@ -1,7 +1,7 @@
-// Records as JSON: one member for each field that is present, under the field's name.
+// Writes records as JSON: one member, named like the field, for each field that is present.
 //
-// 64-bit numbers are strings, because JSON readers lose their last digits; bytes are base64. A string that is not UTF-8
-// is an object, {"base64": "..."}. For people, hexadecimal digits or the length can stand in place of base64.
+// 64-bit numbers are strings, because many JSON readers would round them; bytes are base64. A string that is not UTF-8
+// is an object, {"base64": "..."}. Hexadecimal digits or the length can be written instead of base64.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "core/kinds.hpp"
-#include "text_forms.hpp"
+#include "text_encodings.hpp"
 #include "types.hpp"
 
 namespace inspect {
@@ -18,7 +18,7 @@ namespace inspect {
 template <class Record>
 json to_json(const Record &record, const json_form &form);
 
-// The form of what lies in a member, whose own step on the way to where decoding stopped is left behind.
+// The form for the content of a member: the path to where decoding stopped, without the member's own step.
 inline json_form inside(json_form form) {
   if (!form.stopped.empty()) form.stopped = form.stopped.subspan(1);
   return form;
@@ -40,7 +40,7 @@ inline std::string bytes_to_text(byte_view content, bytes_form form) {
     case bytes_form::hex:
       return to_hex(content);
     case bytes_form::length:
-      return counted(content.size());
+      return byte_count(content.size());
   }
   return {};
 }
@@ -52,7 +52,7 @@ inline json text_to_json(std::string_view text, bytes_form form) {
   return {{names[static_cast<std::size_t>(form)], bytes_to_text(raw, form)}};
 }
 
-// The elements of a list of messages. In one that decoding stopped inside, those after were not reached.
+// The elements of a list of messages. If decoding stopped inside one, the elements after it were not reached.
 template <class Nested>
 json list_to_json(const Nested *elements, std::size_t count, const json_form &form) {
   json list = json::array();
@@ -85,7 +85,7 @@ json member_to_json(const Row &row, const Record &record, const json_form &form)
   }
 }
 
-// Whether decoding left something in a member whose presence bit it did not get to set.
+// Whether decoding stored something in a member but failed before setting its presence bit.
 template <class Row, class Record>
 bool holds_part(const Row &row, const Record &record, const json_form &form) {
   if constexpr (Row::type == kind::message_list) {
@@ -103,9 +103,9 @@ json to_json(const Record &record, const json_form &form) {
   pavo_zorv::for_each_row<Record>([&](auto index) {
     constexpr auto &row = pavo_zorv::row_at<Record, index>;
     const bool present = (record.presence & pavo_zorv::presence_bit<Record, index>) != 0;
-    const bool on_the_way = !form.stopped.empty() && form.stopped.front().field->number == row.number;
-    const json_form here = on_the_way ? form : json_form{form.bytes};
-    if (present || (on_the_way && holds_part(row, record, here))) object[row.name] = member_to_json(row, record, here);
+    const bool on_path = !form.stopped.empty() && form.stopped.front().field->number == row.number;
+    const json_form here = on_path ? form : json_form{form.bytes};
+    if (present || (on_path && holds_part(row, record, here))) object[row.name] = member_to_json(row, record, here);
   });
   return object;
 }

@@ -1,4 +1,4 @@
-// What a result means in words.
+// Results in words.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace inspect {
 
-// Of a failed decode: the result, the place and the reason, in lines. The library found the result, the walk the place:
-// they must agree.
+// For a failed decode, lines with the result, the position and the reason; empty for a success. The result comes from
+// the library, position and reason from the walk.
 std::string explain(const message_type &type, int result, const walk &walked);
 
-// Whether the walk bears out what the library said. It knows nothing of memory.
+// Whether the walk confirms the library's result. The walk cannot run out of memory.
 bool agree(int result, const walk &walked);
 
 }  // namespace inspect

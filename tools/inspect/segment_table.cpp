@@ -1,4 +1,4 @@
-// The segment table, made by the library and named by a walk.
+// The segment table as the library writes it, with names from a walk.
 #include "segment_table.hpp"
 
 #include <fmt/format.h>
@@ -15,7 +15,7 @@ struct expected_entry {
   bool is_referenced;
 };
 
-// The entries that an encoding needs, in the order of the table: those inside a message come before its own.
+// The entries that an encoding should have, in the order of the table: nested messages come before their parent.
 class expectation {
  public:
   expectation(const walk &walked, bool referenced) : fields_(walked.fields), referenced_(referenced) {}
@@ -26,29 +26,29 @@ class expectation {
   }
 
  private:
-  // In reference mode bytes that are referenced cut their message in two, or three.
+  // In reference mode, referenced bytes split their message into two or three entries.
   void message(const std::string &name, unsigned depth, bool has_content) {
-    bool is_cut = false, has_rest = false;
+    bool is_split = false, has_rest = false;
     while (next_ != fields_.size() && fields_[next_].depth == depth) {
       const walked_field &here = fields_[next_++];
-      has_rest = is_cut;
-      way_.push_back({here.field, here.index});
+      has_rest = is_split;
+      path_.push_back({here.field, here.index});
       if (here.field->nested != nullptr) {
-        message(to_string(way_), depth + 1, here.end != here.content);
+        message(to_string(path_), depth + 1, here.end != here.content);
       } else if (referenced_ && here.field->kind == kind::bytes && here.end != here.content) {
         entries_.push_back({name + ", up to the bytes of " + here.field->name, depth, false});
-        entries_.push_back({to_string(way_) + ", referenced", depth, true});
-        is_cut = true;
+        entries_.push_back({to_string(path_) + ", referenced", depth, true});
+        is_split = true;
       }
-      way_.pop_back();
+      path_.pop_back();
     }
-    if (is_cut ? has_rest : has_content) entries_.push_back({is_cut ? name + ", the rest" : name, depth, false});
+    if (is_split ? has_rest : has_content) entries_.push_back({is_split ? name + ", the rest" : name, depth, false});
   }
 
   const std::vector<walked_field> &fields_;
   bool referenced_;
   std::size_t next_ = 0;
-  path way_;
+  path path_;
   std::vector<expected_entry> entries_;
 };
 
@@ -69,14 +69,14 @@ segment_table segments_of(const message_type &type, byte_view input, bool refere
   const byte_string whole = copied.encode();
   const auto expected = expectation(walk_message(type, whole), referenced).of(type, whole);
 
-  segment_table made{buffer.size(), {}, expected.size() == table.size()};
+  segment_table result{buffer.size(), {}, expected.size() == table.size()};
   for (std::size_t index = 0; index < table.size(); ++index) {
     const expected_entry entry = index < expected.size() ? expected[index] : expected_entry{"?", 0, false};
     const unsigned char *const base = entry.is_referenced ? input.data() : buffer.data();
-    made.entries.push_back({entry.name, entry.depth, static_cast<std::size_t>(table[index].start - base),
-                            table[index].length, entry.is_referenced});
+    result.entries.push_back({entry.name, entry.depth, static_cast<std::size_t>(table[index].start - base),
+                              table[index].length, entry.is_referenced});
   }
-  return made;
+  return result;
 }
 
 }  // namespace inspect

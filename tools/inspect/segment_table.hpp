@@ -1,4 +1,4 @@
-// The segment table of an encoding, with what each entry is.
+// The segment table of an encoding, with a name for each entry.
 #pragma once
 
 #include <cstddef>
@@ -10,20 +10,20 @@
 namespace inspect {
 
 struct segment {
-  std::string name;   // "hops[1]", "field6, referenced"; the message's own name for the outermost
-  unsigned depth;     // of the message
-  std::size_t start;  // in the encoding; of referenced bytes, in the input
+  std::string name;   // "hops[1]", "field6, referenced"; for the outermost message its type
+  unsigned depth;     // of the message in the nesting
+  std::size_t start;  // in the encoding, or in the input for referenced bytes
   std::uint64_t length;
   bool is_referenced;
 };
 
 struct segment_table {
-  std::size_t length;  // of the encoding, without the referenced bytes
+  std::size_t length;  // of the encoding, without referenced bytes
   std::vector<segment> entries;
-  bool as_expected;  // whether the library gives as many entries as the encoding has messages and pieces
+  bool as_expected;  // the library's table has one entry for each message or piece of a message in the encoding
 };
 
-// Decodes the input, encodes it again and names the entries. With `referenced`, both are done in reference mode.
+// Decodes the input, encodes it again and names the entries. With `referenced`, uses reference mode for both.
 segment_table segments_of(const message_type &type, byte_view input, bool referenced);
 
 }  // namespace inspect

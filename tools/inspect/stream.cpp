@@ -15,7 +15,7 @@ struct prefix {
   std::size_t size;
 };
 
-// Nothing when the input ends inside it, or when it is longer than that of any length.
+// Empty if the input ends inside the prefix, or if it is longer than any prefix can be.
 std::optional<prefix> read_prefix(byte_view input, prefix_form form) {
   if (form == prefix_form::varint) {
     std::uint64_t length = 0;
@@ -41,18 +41,18 @@ frames split(byte_view input, prefix_form form) {
   std::size_t at = 0;
   while (at != input.size()) {
     const auto prefix = read_prefix(input.subspan(at), form);
-    const std::string which = fmt::format("message {} of the stream, at offset {}", found.whole.size(), at);
+    const std::string which = fmt::format("message {} of the stream, at offset {}", found.complete.size(), at);
     if (!prefix) {
-      found.failure = fmt::format("{}: its length is cut off or no length", which);
+      found.failure = fmt::format("{}: the length prefix is cut off or invalid", which);
       break;
     }
     const std::size_t left = input.size() - at - prefix->size;
     if (prefix->length > left) {
-      found.failure = fmt::format("{}: {} bytes are announced, {} are left", which, prefix->length, left);
+      found.failure = fmt::format("{}: length {} exceeds the {} bytes left", which, prefix->length, left);
       break;
     }
     const auto length = static_cast<std::size_t>(prefix->length);
-    found.whole.push_back({at, at + prefix->size, length});
+    found.complete.push_back({at, at + prefix->size, length});
     at += prefix->size + length;
   }
   return found;
@@ -65,7 +65,8 @@ void append_prefix(byte_string &stream, std::size_t length, prefix_form form) {
     stream.push_back(static_cast<unsigned char>(length));
     return;
   }
-  if (length > 0xffffffff) throw refused("a message of 4294967296 bytes or more does not fit after 32 bits");
+  if (length > 0xffffffff)
+    throw input_error("a message of more than 4294967295 bytes cannot have a 32-bit length prefix");
   for (unsigned index = 0; index < 4; ++index) {
     stream.push_back(static_cast<unsigned char>(length >> 8 * (form == prefix_form::be32 ? 3 - index : index)));
   }

@@ -1,4 +1,4 @@
-// Streams of messages, each after its length.
+// Streams of length-prefixed messages.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@ namespace inspect {
 enum class prefix_form {
   none,
   varint,  // as Protocol Buffers libraries write "delimited" messages
-  be32,    // 32 bits, the highest byte first
-  le32,    // 32 bits, the lowest byte first
+  be32,    // 32 bits, big-endian
+  le32,    // 32 bits, little-endian
 };
 
 // One message of a stream.
@@ -25,11 +25,11 @@ struct frame {
 };
 
 struct frames {
-  std::vector<frame> whole;
-  std::optional<std::string> failure;  // of the stream after these
+  std::vector<frame> complete;
+  std::optional<std::string> failure;  // why the rest of the stream cannot be read
 };
 
-// Without prefixes the input is one message.
+// Without length prefixes the input is one message.
 frames split(byte_view input, prefix_form form);
 
 void append_prefix(byte_string &stream, std::size_t length, prefix_form form);

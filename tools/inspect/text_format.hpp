@@ -8,10 +8,10 @@
 
 namespace inspect {
 
-// Of a message up to where its reading ends, without unknown fields.
+// The fields that can be read, without unknown ones.
 std::string to_text_format(const message_type &type, byte_view message);
 
-// Throws `misread`.
+// Throws `text_error`.
 node parse_text_format(const message_type &type, byte_view text);
 
 }  // namespace inspect

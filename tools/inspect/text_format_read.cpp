@@ -1,15 +1,15 @@
-// Reading the text form. Of values only the shape is told here; whether they fit the message, the record's reader says.
+// Parses the text form. Only the shape of values is determined here; record_reader checks whether they fit the message.
 #include <fmt/format.h>
 
 #include <charconv>
 
+#include "text_encodings.hpp"
 #include "text_format.hpp"
-#include "text_forms.hpp"
 
 namespace inspect {
 namespace {
 
-bool is_name_byte(unsigned char each) {
+bool is_name_character(unsigned char each) {
   return (each >= 'a' && each <= 'z') || (each >= 'A' && each <= 'Z') || (each >= '0' && each <= '9') || each == '_';
 }
 
@@ -17,14 +17,14 @@ class parser {
  public:
   explicit parser(byte_view text) : text_(text) {}
 
-  // Fields up to the closing mark, or up to the end when it is 0. Of an unknown message, `type` is null.
+  // Fields up to the closing bracket, or up to the end if that is NUL. `type` is null inside an unknown field.
   node::object fields(const message_type *type, char closing) {
-    if (++depth_ > greatest_depth) fail("nested too deep");
+    if (++depth_ > max_depth) fail("nested too deeply");
     node::object members;
     while (!closes(closing)) {
       const std::size_t at = at_;
       const std::string name(word());
-      if (name.empty()) fail("a field's name is wanted");
+      if (name.empty()) fail("expected a field name");
       const field_type *const field = type != nullptr ? type->field(std::string_view(name)) : nullptr;
       add(members, {name, {}, at}, field);
       if (skip_blanks(); peek() == ',' || peek() == ';') ++at_;
@@ -34,7 +34,7 @@ class parser {
   }
 
  private:
-  [[noreturn]] void fail(const char *why) const { throw misread(at_, "", why); }
+  [[noreturn]] void fail(const char *why) const { throw text_error(at_, "", why); }
 
   char peek() const { return at_ < text_.size() ? static_cast<char>(text_[at_]) : '\0'; }
 
@@ -52,7 +52,7 @@ class parser {
 
   bool closes(char closing) {
     skip_blanks();
-    if (at_ == text_.size() && closing != '\0') fail("the text ends inside a message");
+    if (at_ == text_.size() && closing != '\0') fail("unexpected end of text inside a message");
     if (closing == '\0') return at_ == text_.size();
     if (peek() != closing) return false;
     ++at_;
@@ -61,11 +61,11 @@ class parser {
 
   std::string_view word() {
     const std::size_t start = at_;
-    while (at_ < text_.size() && is_name_byte(text_[at_])) ++at_;
+    while (at_ < text_.size() && is_name_character(text_[at_])) ++at_;
     return {reinterpret_cast<const char *>(text_.data()) + start, at_ - start};
   }
 
-  // The elements of a list come one by one, or several in brackets.
+  // The elements of a list are given one by one, or several in brackets.
   void add(node::object &members, member named, const field_type *field) {
     skip_blanks();
     if (peek() == ':') {
@@ -88,7 +88,7 @@ class parser {
       if (skip_blanks(); peek() == ',') {
         ++at_;
       } else if (peek() != ']') {
-        fail("a comma or ] is wanted");
+        fail("expected a comma or ]");
       }
     }
     ++at_;
@@ -122,13 +122,13 @@ class parser {
   }
 
   node plain(std::string_view written, std::size_t at) const {
-    if (written.empty()) fail("a value is wanted");
+    if (written.empty()) fail("expected a value");
     if (written == "true" || written == "t" || written == "True") return {true, at};
     if (written == "false" || written == "f" || written == "False") return {false, at};
     return {node::number{number(written)}, at};
   }
 
-  // Decimal, or in C's forms for the bases 16 and 8.
+  // Decimal, or hexadecimal or octal as in C.
   static std::string number(std::string_view written) {
     int base = 10;
     std::string_view digits = written;
@@ -144,13 +144,13 @@ class parser {
     return is_number ? std::to_string(value) : std::string(written);
   }
 
-  // A string, or several that follow each other and mean one.
+  // A string, or several adjacent ones that are concatenated.
   byte_string characters() {
     byte_string content;
     for (; peek() == '"' || peek() == '\''; skip_blanks()) {
       const char closing = static_cast<char>(text_[at_++]);
       while (peek() != closing || at_ == text_.size()) {
-        if (at_ == text_.size() || peek() == '\n') fail("the string does not end");
+        if (at_ == text_.size() || peek() == '\n') fail("unterminated string");
         content.push_back(peek() == '\\' ? escape() : text_[at_++]);
       }
       ++at_;
@@ -165,7 +165,7 @@ class parser {
     if (letter >= '0' && letter <= '7') return code(8, 3);
     const bool is_code = letter == 'x' || letter == 'X';
     const std::size_t index = letters.find(letter);
-    if (!is_code && index == letters.npos) fail("no such escape");
+    if (!is_code && index == letters.npos) fail("unknown escape sequence");
     ++at_;
     return is_code ? code(16, 2) : static_cast<unsigned char>(meanings[index]);
   }
@@ -178,7 +178,7 @@ class parser {
       value = value * base + digit;
       ++at_;
     }
-    if (count == 0 || value > 0xff) fail("no such byte");
+    if (count == 0 || value > 0xff) fail("escape sequence without a byte value from 0 to 255");
     return static_cast<unsigned char>(value);
   }
 

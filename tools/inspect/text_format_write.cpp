@@ -1,4 +1,4 @@
-// Writing the text form, from a walk.
+// Writes the text form from a walk.
 #include <fmt/format.h>
 
 #include "text_format.hpp"
@@ -48,8 +48,8 @@ std::string to_text_format(const message_type &type, byte_view message) {
   std::string text;
   unsigned depth = 0;
   const auto margin = [&] { return std::string(2 * depth, ' '); };
-  const auto close_down_to = [&](unsigned wanted) {
-    while (depth > wanted) {
+  const auto close_down_to = [&](unsigned level) {
+    while (depth > level) {
       --depth;
       text += margin() + "}\n";
     }

@@ -136,9 +136,8 @@ const field_type *message_type::field(std::uint32_t number) const {
   return number - 1 < fields.size() ? &fields[number - 1] : nullptr;
 }
 
-const field_type *message_type::field(std::string_view wanted) const {
-  const auto found =
-      std::ranges::find_if(fields, [&](const field_type &each) { return is_name_of(each.name, wanted); });
+const field_type *message_type::field(std::string_view given) const {
+  const auto found = std::ranges::find_if(fields, [&](const field_type &each) { return is_name_of(each.name, given); });
   return found != fields.end() ? &*found : nullptr;
 }
 
@@ -146,11 +145,11 @@ bool is_name_of(std::string_view field, std::string_view given) {
   if (field == given) return true;
   std::size_t at = 0;
   for (std::size_t index = 0; index < field.size(); ++index, ++at) {
-    char wanted = field[index];
-    if (wanted == '_' && ++index < field.size()) {
-      wanted = static_cast<char>(std::toupper(static_cast<unsigned char>(field[index])));
+    char expected = field[index];
+    if (expected == '_' && ++index < field.size()) {
+      expected = static_cast<char>(std::toupper(static_cast<unsigned char>(field[index])));
     }
-    if (at == given.size() || given[at] != wanted) return false;
+    if (at == given.size() || given[at] != expected) return false;
   }
   return at == given.size();
 }

@@ -1,4 +1,4 @@
-// The messages as data: their names, their fields, and what can be done with a record whose type is known only now.
+// The messages as data: their names, their fields, and operations on records whose type is known only at run time.
 #pragma once
 
 #include <cstddef>
@@ -32,11 +32,11 @@ struct field_type {
   const char *name;
   inspect::kind kind;
   wire_type wire;
-  unsigned bits;  // of the number, or of a list's elements; else 0
+  unsigned bits;  // of the integer, or of a list's elements; otherwise 0
   bool is_signed;
-  const message_type *nested;               // of a message or a list of them; else null
+  const message_type *nested;               // of a nested message or a list of messages; otherwise null
   std::size_t offset;                       // of the member in the record
-  std::optional<std::size_t> count_offset;  // of the count or length beside it
+  std::optional<std::size_t> count_offset;  // of the member's count or length
 
   std::uint32_t presence_bit() const { return 1u << (number - 1); }
   bool is_list() const { return kind == kind::integer_list || kind == kind::message_list; }
@@ -50,7 +50,7 @@ struct message_type {
   unsigned presence_bits;
   bool takes_options;
 
-  // The exported functions. Messages that take no options word leave it aside.
+  // The exported functions. Those without an options word ignore it.
   int (*decode)(void *record, byte_view input, pavo_zorv_allocate allocate, void *context, std::uint32_t options);
   std::size_t (*encode)(const void *record, unsigned char *buffer, std::size_t length, pavo_zorv_segment *segments,
                         std::uint32_t *count, std::uint32_t options);
@@ -60,7 +60,7 @@ struct message_type {
   json (*write)(const void *record, const json_form &form);
   void (*read)(const node &from, void *record, arena &memory, bytes_form bytes);
 
-  // Null for a number or a name that the message does not have.
+  // Null if the message has no such field.
   const field_type *field(std::uint32_t number) const;
   const field_type *field(std::string_view name) const;
 };
@@ -68,21 +68,21 @@ struct message_type {
 std::span<const message_type *const> all_types();
 const message_type *find_type(std::string_view name);
 
-// The message whose name is most like this one; null when none is much like it.
+// The message with the most similar name; null if none is similar.
 const message_type *nearest_type(std::string_view name);
 
-// Whether a name in JSON means a field: the field's own name, or the same in lowerCamelCase.
+// Whether a name in JSON denotes a field: the field's name, as it is or in lowerCamelCase.
 bool is_name_of(std::string_view field, std::string_view given);
 
 // "flag", "signed 32-bit", "api_addr", "list of unsigned 8-bit", ...
 std::string describe(const field_type &field);
 
-// Of one element, for a list: "unsigned 8-bit", "api_addr".
+// The same for one element of a list: "unsigned 8-bit", "api_addr".
 std::string describe_element(const field_type &field);
 
 const char *wire_type_name(std::uint32_t key);
 
-// A record of any message, with all memory that it leads to.
+// A record of any message, with all memory that it points to.
 class record {
  public:
   explicit record(const message_type &type) : type_(type), content_(memory_.zeroed(type.record_size)) {}

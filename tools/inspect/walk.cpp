@@ -1,4 +1,4 @@
-// The walk, rule by rule as the library decodes.
+// The walk: every rule of decoding, written a second time.
 #include "walk.hpp"
 
 #include <fmt/format.h>
@@ -19,20 +19,20 @@ class walker {
  public:
   explicit walker(byte_view input) : input_(input) {}
 
-  // False when the reading ends here; `done.failure` says why.
+  // False on failure; `done.failure` says why.
   bool message(const message_type &type, std::size_t at, std::size_t end) {
-    std::array<std::optional<std::size_t>, 32> seen;  // where each field began first
+    std::array<std::optional<std::size_t>, 32> seen;  // where each field first occurs
     type_ = &type;
     while (at != end) {
       const auto key = read_varint(at, end, 32);
       if (!key) return cut_off(at, "the key");
       const field_type *const field = type.field(static_cast<std::uint32_t>(key->value >> 3));
-      walked_field here = begun(field, *key, at);
+      walked_field here = started(field, *key, at);
       if (field == nullptr) {
         if (!unknown(here, end)) return false;
       } else {
         auto &first = seen[field->number - 1];
-        here.again = first.has_value();
+        here.is_repeated = first.has_value();
         if (!known(here, first.value_or(at), end)) return false;
         if (!first) first = at;
       }
@@ -44,7 +44,7 @@ class walker {
   walk done;
 
  private:
-  // Any number of bytes: of those beyond the width, nothing is kept.
+  // Of any number of bytes; bits beyond the width are dropped.
   std::optional<varint> read_varint(std::size_t at, std::size_t end, unsigned width) const {
     std::uint64_t value = 0;
     for (unsigned shift = 0; at != end; ++at) {
@@ -58,8 +58,8 @@ class walker {
   }
 
   // A field of which only the key has been read.
-  walked_field begun(const field_type *field, varint key, std::size_t start,
-                     std::optional<std::size_t> index = {}) const {
+  walked_field started(const field_type *field, varint key, std::size_t start,
+                       std::optional<std::size_t> index = {}) const {
     return {.field = field,
             .index = index,
             .depth = depth_,
@@ -80,21 +80,21 @@ class walker {
     return fail(result, offset, fmt::format("{}: {}", field, reason));
   }
 
-  std::string around() const { return path_.empty() ? "the input" : to_string(path_); }
+  std::string container() const { return path_.empty() ? "the input" : to_string(path_); }
 
   bool cut_off(std::size_t offset, std::string_view what) {
     return fail(CODEC_ERR_TRUNCATED, offset,
-                fmt::format("{}: {} is cut off by the end of {}", type_->name, what, around()));
+                fmt::format("{}: {} is cut off by the end of {}", type_->name, what, container()));
   }
 
   bool cut_off_in(const walked_field &here, std::string_view what) {
     return fail_in({here.field, here.index}, CODEC_ERR_TRUNCATED, here.value,
-                   fmt::format("{} is cut off by the end of {}", what, around()));
+                   fmt::format("{} is cut off by the end of {}", what, container()));
   }
 
   // --- Unknown fields ---
 
-  // One of known size that runs past the end of its message ends the message in good order.
+  // A field of known size that runs past the end of its message is accepted, and ends the message.
   bool unknown(walked_field &here, std::size_t end) {
     switch (static_cast<wire_type>(here.key & 7)) {
       case wire_type::varint:
@@ -127,13 +127,13 @@ class walker {
     return true;
   }
 
-  // --- Known fields: first the wire type, then whether the field may come again, then what it holds ---
+  // --- Known fields: the wire type is checked first, then whether the field may be repeated, then the content ---
 
   bool known(walked_field &here, std::size_t first, std::size_t end) {
     const field_type &field = *here.field;
     if ((here.key & 7) != static_cast<unsigned>(field.wire)) {
       return fail_in({&field, {}}, CODEC_ERR_WRONG_WIRE_TYPE, here.start,
-                     fmt::format("the key says {}, the field is {}", wire_type_name(here.key),
+                     fmt::format("wire type {} instead of {}", wire_type_name(here.key),
                                  wire_type_name(static_cast<unsigned>(field.wire))));
     }
     switch (field.kind) {
@@ -142,7 +142,8 @@ class walker {
         return scalar(here, end);
       case kind::string:
       case kind::bytes:
-        if (here.again) return fail_again(here, fmt::format("it comes a second time, first at offset {}", first));
+        if (here.is_repeated)
+          return fail_again(here, fmt::format("second occurrence; the first is at offset {}", first));
         if (!delimited(here, end)) return false;
         done.fields.push_back(here);
         return true;
@@ -152,7 +153,8 @@ class walker {
         return inside(here);
       case kind::integer_list:
       case kind::message_list:
-        if (here.again) return fail_again(here, fmt::format("a second run, first run at offset {}", first));
+        if (here.is_repeated)
+          return fail_again(here, fmt::format("second run of a list; the first starts at offset {}", first));
         return run(here, end);
     }
     return false;
@@ -171,14 +173,14 @@ class walker {
     return true;
   }
 
-  // The length, and that what it announces is there.
+  // The length, which must not exceed what is left.
   bool delimited(walked_field &here, std::size_t end) {
     const auto length = read_varint(here.value, end, 32);
     if (!length) return cut_off_in(here, "the length");
     const std::size_t left = end - length->next;
     if (length->value > left) {
       return fail_in({here.field, here.index}, CODEC_ERR_TRUNCATED, here.value,
-                     fmt::format("{} bytes are announced, {} are left in {}", length->value, left, around()));
+                     fmt::format("length {} exceeds the {} bytes left in {}", length->value, left, container()));
     }
     here.number = length->value;
     here.content = length->next;
@@ -199,38 +201,39 @@ class walker {
 
   // --- Lists ---
 
-  // The whole run is measured before anything of it is read: when that fails, nothing of it counts. Of the keys inside,
-  // only the number matters, not the wire type.
+  // All elements are delimited before any is read: if that fails, none of the run is kept. In the keys within a run
+  // only the field number matters, not the wire type.
   bool run(walked_field &here, std::size_t end) {
     const std::size_t before = done.fields.size();
     here.index = 0;
     while (true) {
-      const bool whole = here.field->kind == kind::integer_list ? scalar(here, end) : measured(here, end);
-      if (!whole) return forget_from(before);
+      const bool is_complete =
+          here.field->kind == kind::integer_list ? scalar(here, end) : delimited_element(here, end);
+      if (!is_complete) return discard_from(before);
       if (here.end == end) break;
       const auto key = read_varint(here.end, end, 32);
       if (!key) {
         cut_off(here.end, fmt::format("the key after {}[{}]", here.field->name, *here.index));
-        return forget_from(before);
+        return discard_from(before);
       }
       if (key->value >> 3 != here.field->number) break;
-      here = begun(here.field, *key, here.end, *here.index + 1);
+      here = started(here.field, *key, here.end, *here.index + 1);
     }
     return here.field->kind == kind::integer_list || elements(before);
   }
 
-  bool measured(walked_field &here, std::size_t end) {
+  bool delimited_element(walked_field &here, std::size_t end) {
     if (!delimited(here, end)) return false;
     done.fields.push_back(here);
     return true;
   }
 
-  bool forget_from(std::size_t first) {
+  bool discard_from(std::size_t first) {
     done.fields.resize(first);
     return false;
   }
 
-  // Goes into the elements of a run that has been measured; each is followed by its own fields.
+  // Reads the elements of a run that has been delimited; each is followed by its own fields.
   bool elements(std::size_t first) {
     const std::vector<walked_field> run(done.fields.begin() + static_cast<std::ptrdiff_t>(first), done.fields.end());
     done.fields.resize(first);

@@ -1,5 +1,5 @@
-// An independent walk over the bytes of a message: what the library reads where, in which order, and where it gives
-// up. It shares the schema with the library, and no reading code, so that each can be held against the other.
+// An independent walk over the bytes of a message: what the library reads, where, in which order, and where it fails.
+// It shares the schema with the library but no decoding code, so that each can be checked against the other.
 #pragma once
 
 #include <cstddef>
@@ -15,27 +15,27 @@
 
 namespace inspect {
 
-// One field of the input. Those inside a nested message follow it, one deeper.
+// One field of the input. The fields inside a nested message follow it, one level deeper.
 struct walked_field {
   const field_type *field = nullptr;      // null for an unknown field, which is skipped
-  std::optional<std::size_t> index = {};  // of a list's element
-  bool again = false;                     // replaces an earlier occurrence
+  std::optional<std::size_t> index = {};  // of a list element
+  bool is_repeated = false;               // an earlier occurrence exists
   unsigned depth = 0;
   std::uint32_t key = 0;
   std::size_t start = 0;    // of the key
-  std::size_t value = 0;    // of the varint, the length or the fixed bytes after the key
-  std::size_t content = 0;  // of the bytes after a length; else the same as `value`
+  std::size_t value = 0;    // of what follows the key: varint, length or fixed bytes
+  std::size_t content = 0;  // of what follows the length; without a length the same as `value`
   std::size_t end = 0;
-  std::uint64_t number = 0;  // the varint's or the length's value, before it is cut to a member's width
+  std::uint64_t number = 0;  // the value of the varint or length, before it is truncated to the member's width
 };
 
-// Where and why the reading ends.
+// Where and why decoding fails.
 struct walk_failure {
   int result;
   std::size_t offset;  // of the key, length or value that cannot be read
   inspect::path path;
-  unsigned depth;      // as of a field
-  std::string reason;  // "field 2 of api_exp_path: a second run, first run at offset 0"
+  unsigned depth;      // as for a field
+  std::string reason;  // "field 2 of api_exp_path: second run of a list; the first starts at offset 0"
 };
 
 struct walk {
@@ -45,7 +45,7 @@ struct walk {
   int result() const { return failure ? failure->result : CODEC_OK; }
 };
 
-// As the library decodes it with an allocator that never fails.
+// What decoding does with an allocator that never fails.
 walk walk_message(const message_type &type, byte_view input);
 
 }  // namespace inspect

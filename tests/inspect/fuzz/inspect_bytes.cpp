@@ -1,10 +1,11 @@
-// The readers of bytes in their forms, for a fuzzer: any input is refused, or gives bytes that come back from every
-// form; a stream is cut into pieces that lie one after the other; and of each piece the walk says what the library
-// says, with every byte in one row. The last byte of the input says which form, which prefix and which message.
+// A fuzzing target for binary input: any input is refused, or gives bytes that survive a round trip through every form;
+// a stream is split into messages that do not overlap; for each message the walk agrees with the library, and every
+// byte is in exactly one row. The last byte of the input selects the form, the length prefix and the message type.
 #include <algorithm>
 #include <string>
 
 #include "annotate.hpp"
+#include "byte_forms.hpp"
 #include "colour.hpp"
 #include "failure.hpp"
 #include "hex_text.hpp"
@@ -13,7 +14,6 @@
 #include "stream.hpp"
 #include "types.hpp"
 #include "walk.hpp"
-#include "wire_forms.hpp"
 
 namespace {
 
@@ -27,29 +27,31 @@ void try_message(const message_type &type, byte_view message) {
   const auto rows = annotate(message, walked);
   std::size_t at = 0;
   for (const annotation &row : rows) {
-    require(row.start == at && row.roles.size() == row.end - row.start, "every byte stands in one row");
+    require(row.start == at && row.roles.size() == row.end - row.start, "rows do not overlap");
     at = row.end;
   }
-  require(at == message.size(), "every byte stands in a row");
+  require(at == message.size(), "every byte is in a row");
   if (message.empty()) return;
-  const byte_string again = bytes_of(owned(hex_text(message, rows, painter(false))), wire_form::dump);
-  require(std::ranges::equal(again, message), "annotated bytes can be read again");
+  const byte_string again = parse_bytes(owned(hex_text(message, rows, painter(false))), byte_form::dump);
+  require(std::ranges::equal(again, message), "annotated bytes can be read as a dump");
 }
 
 void try_forms(const byte_string &content) {
-  for (const wire_form form : {wire_form::hex, wire_form::base64}) {
-    require(bytes_of(owned(in_form(content, form)), form) == content, "bytes come back from their form");
+  for (const byte_form form : {byte_form::hex, byte_form::base64}) {
+    require(parse_bytes(owned(format_bytes(content, form)), form) == content,
+            "bytes survive a round trip through each form");
   }
   if (content.empty()) return;
-  require(bytes_of(owned(in_form(content, wire_form::dump)), wire_form::detected) == content, "a dump is detected");
+  require(parse_bytes(owned(format_bytes(content, byte_form::dump)), byte_form::automatic) == content,
+          "a dump is detected");
 }
 
 void try_stream(const message_type &type, const byte_string &content, prefix_form form) {
   const frames found = split(content, form);
   std::size_t at = 0;
-  for (const frame &each : found.whole) {
+  for (const frame &each : found.complete) {
     require(each.offset == at && each.start >= at && each.start + each.length <= content.size(),
-            "pieces do not overlap");
+            "messages do not overlap");
     at = each.start + each.length;
     try_message(type, byte_view(content).subspan(each.start, each.length));
   }
@@ -64,10 +66,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t siz
   const auto types = inspect::all_types();
   const message_type &type = *types[choice % types.size()];
   try {
-    const byte_string content = bytes_of(byte_string(data, data + size - 1), static_cast<wire_form>(choice % 5));
+    const byte_string content = parse_bytes(byte_string(data, data + size - 1), static_cast<byte_form>(choice % 5));
     try_forms(content);
     try_stream(type, content, static_cast<prefix_form>(choice / 5 % 4));
-  } catch (const refused &) {
+  } catch (const input_error &) {
   }
   return 0;
 }

@@ -1,6 +1,5 @@
-// The readers of JSON and of the text form, for a fuzzer: any text is refused with a place inside it, or gives a
-// message that comes back from both forms as the same bytes. The last byte of the input says which message and which
-// form.
+// A fuzzing target for JSON and the text form: any text is refused with a position inside it, or gives a message that
+// survives a round trip through both forms. The last byte of the input selects the message type and the form.
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -28,18 +27,19 @@ void try_text(const message_type &type, bool is_json, bytes_form bytes, byte_vie
   byte_string message;
   try {
     message = encoded(type, is_json ? parse_json(text) : parse_text_format(type, text), bytes);
-  } catch (const misread &what) {
-    require(what.at <= text.size(), "a complaint lies in the text");
-    require(std::string(refusal(what, text).what()).starts_with("line "), "a complaint names its line");
+  } catch (const text_error &error) {
+    require(error.at <= text.size(), "the position of an error is in the text");
+    require(std::string(with_position(error, text).what()).starts_with("line "), "an error names its line");
     return;
   }
   record content(type);
-  require(content.decode(message) == CODEC_OK, "what was read makes a message");
+  require(content.decode(message) == CODEC_OK, "what was read is encoded to a valid message");
   const std::string json_text = to_text(content.write({bytes, {}}));
-  require(encoded(type, parse_json(view_of(json_text)), bytes) == message, "a message comes back from JSON");
+  require(encoded(type, parse_json(view_of(json_text)), bytes) == message,
+          "a message survives a round trip through JSON");
   const std::string plain_text = to_text_format(type, message);
   require(encoded(type, parse_text_format(type, view_of(plain_text)), bytes) == message,
-          "a message comes back from the text form");
+          "a message survives a round trip through the text form");
 }
 
 }  // namespace

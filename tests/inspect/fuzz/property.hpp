@@ -1,4 +1,4 @@
-// What a fuzzing target demands: when it does not hold, the program ends, and the fuzzer keeps the input.
+// A property of a fuzzing target: if it does not hold, the program aborts, so that the fuzzer keeps the input.
 #pragma once
 
 #include <cstdio>

@@ -1,57 +1,57 @@
-// `diff`: two messages held against each other. The library's `compare` says whether they differ and which is greater;
-// where, this tool finds from their JSON.
+// `diff`: where two messages differ. The library's `compare` says whether they differ and which is greater; this tool
+// finds where, from their JSON.
 #include <fmt/format.h>
 
 #include "../commands.hpp"
 #include "../difference.hpp"
 #include "../input.hpp"
-#include "../subject.hpp"
+#include "../target.hpp"
 
 namespace inspect {
 namespace {
 
-byte_string message_in(const request &asked, const std::string &file) {
+byte_string message_in(const command_options &options, const std::string &file) {
   byte_string result;
   std::size_t count = 0;
-  for_each_message(asked, file, [&](const std::string &, byte_view message) {
+  for_each_message(options, file, [&](const std::string &, byte_view message) {
     result.assign(message.begin(), message.end());
     ++count;
   });
-  if (count != 1) throw unusable(fmt::format("{}: {} messages; --at says which one", file, count));
+  if (count != 1) throw usage_error(fmt::format("{}: {} messages in the stream; choose one with --at", file, count));
   return result;
 }
 
-std::string listed(const std::vector<difference> &found, bool all) {
+std::string list_text(const std::vector<difference> &found, bool all) {
   std::string text;
   for (const difference &each : found) {
     text += fmt::format("{}: {} | {}\n", each.path, each.a, each.b);
     if (!all) break;
   }
-  if (!all && found.size() > 1) text += fmt::format("({} more: --all shows them)\n", found.size() - 1);
+  if (!all && found.size() > 1) text += fmt::format("({} more; --all shows them)\n", found.size() - 1);
   return text;
 }
 
 }  // namespace
 
-exit_status diff(const request &asked) {
-  const subject about = subject_of(asked, 2);
-  if (about.files.size() != 2) throw unusable("two files are needed");
-  const byte_string a = message_in(asked, about.files[0]), b = message_in(asked, about.files[1]);
-  const message_type &type = type_of(about.type, about.files[0], a);
+exit_status diff(const command_options &options) {
+  const target target = target_of(options, 2);
+  if (target.files.size() != 2) throw usage_error("diff takes two files");
+  const byte_string a = message_in(options, target.files[0]), b = message_in(options, target.files[1]);
+  const message_type &type = type_of(target.type, target.files[0], a);
   const decoded first(type, a), second(type, b);
   const exit_status status = worse(first.report(), second.report());
 
   const int order = first.content.compare(second.content);
   const std::vector<difference> found = differences(type, first.to_json(), second.to_json());
   if (order == 0 && found.empty()) return status;
-  print(fmt::format("{} | {}: the {} is greater\n{}", about.files[0], about.files[1], order > 0 ? "first" : "second",
-                    listed(found, asked.all)));
-  if (status == all_well && (order == 0) != found.empty()) {
-    complain(fmt::format("*** DEFECT: pavo_zorv_{}_compare says {}, and there are {} differences ***\n", type.name,
-                         order, found.size()));
+  print(fmt::format("{} | {}: the {} is greater\n{}", target.files[0], target.files[1], order > 0 ? "first" : "second",
+                    list_text(found, options.all)));
+  if (status == ok && (order == 0) != found.empty()) {
+    print_error(fmt::format("*** DEFECT: pavo_zorv_{}_compare returns {}, but {} differences were found ***\n",
+                            type.name, order, found.size()));
     return disagreement;
   }
-  return worse(status, input_refused);
+  return worse(status, bad_input);
 }
 
 }  // namespace inspect

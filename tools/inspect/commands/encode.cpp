@@ -1,8 +1,8 @@
-// `encode`: messages from JSON. In a stream, one value follows the other.
+// `encode`: messages from JSON; for a stream, from one value after another.
 #include "../commands.hpp"
 #include "../input.hpp"
 #include "../json_parse.hpp"
-#include "../subject.hpp"
+#include "../target.hpp"
 
 namespace inspect {
 namespace {
@@ -14,34 +14,34 @@ bool is_blank(byte_view text) {
   return true;
 }
 
-void append_message(byte_string &stream, const message_type &type, const node &from, const request &asked) {
+void append_message(byte_string &stream, const message_type &type, const node &from, const command_options &options) {
   record content(type);
-  content.read(from, asked.bytes);
+  content.read(from, options.bytes);
   const byte_string message = content.encode();
-  append_prefix(stream, message.size(), asked.stream);
+  append_prefix(stream, message.size(), options.stream);
   stream.insert(stream.end(), message.begin(), message.end());
 }
 
 }  // namespace
 
-exit_status encode(const request &asked) {
-  const auto [type, file] = single_subject_of(asked);
-  if (type == nullptr) throw unusable("TYPE is needed: JSON does not tell which message it is");
+exit_status encode(const command_options &options) {
+  const auto [type, file] = single_target_of(options);
+  if (type == nullptr) throw usage_error("TYPE is required: JSON does not say which message it is");
   const byte_string text = read_file(file);
   byte_string result;
   try {
-    if (asked.stream == prefix_form::none) {
-      append_message(result, *type, parse_json(text), asked);
+    if (options.stream == prefix_form::none) {
+      append_message(result, *type, parse_json(text), options);
     } else {
       for (std::size_t at = 0; !is_blank(byte_view(text).subspan(at));) {
-        append_message(result, *type, parse_json(text, at, false, at), asked);
+        append_message(result, *type, parse_json(text, at, false, at), options);
       }
     }
-  } catch (const misread &what) {
-    throw refusal(what, text);
+  } catch (const text_error &error) {
+    throw with_position(error, text);
   }
-  write_file(asked.output, result);
-  return all_well;
+  write_file(options.output, result);
+  return ok;
 }
 
 }  // namespace inspect

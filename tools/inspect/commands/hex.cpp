@@ -1,4 +1,4 @@
-// `hex`: every byte of a message with its meaning, as text or as a page.
+// `hex`: every byte of a message with its meaning, as text or as a page for a browser.
 #include <fmt/format.h>
 
 #include "../annotate.hpp"
@@ -7,8 +7,8 @@
 #include "../hex_html.hpp"
 #include "../hex_text.hpp"
 #include "../input.hpp"
-#include "../subject.hpp"
-#include "../text_forms.hpp"
+#include "../target.hpp"
+#include "../text_encodings.hpp"
 
 namespace inspect {
 namespace {
@@ -19,25 +19,25 @@ bool has_colours(colour_choice choice) {
 
 }  // namespace
 
-exit_status hex(const request &asked) {
-  const auto [type, file] = single_subject_of(asked);
-  const painter paint(has_colours(asked.colours));
-  exit_status status = all_well;
+exit_status hex(const command_options &options) {
+  const auto [type, file] = single_target_of(options);
+  const painter paint(has_colours(options.colours));
+  exit_status status = ok;
   std::string page;
-  for_each_message(asked, file, [&, type = type](const std::string &name, byte_view message) {
+  for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
     const decoded read(type_of(type, name, message), message);
     const std::vector<annotation> rows = annotate(message, read.walked);
-    if (asked.html) {
+    if (options.html) {
       page += html_section({name, read.type.name, message, rows});
     } else {
-      if (asked.stream != prefix_form::none) {
-        print(paint(colour::bold, fmt::format("{}: {}, {}", name, read.type.name, counted(message.size()))) + '\n');
+      if (options.stream != prefix_form::none) {
+        print(paint(colour::bold, fmt::format("{}: {}, {}", name, read.type.name, byte_count(message.size()))) + '\n');
       }
       print(hex_text(message, rows, paint));
     }
     status = worse(status, read.report());
   });
-  if (asked.html) print(html_page(page));
+  if (options.html) print(html_page(page));
   return status;
 }
 

@@ -1,10 +1,10 @@
-// `index`: the messages of a stream, with their places.
+// `index`: the messages of a stream, with their offsets.
 #include <fmt/format.h>
 
 #include "../commands.hpp"
 #include "../guess.hpp"
 #include "../input.hpp"
-#include "../subject.hpp"
+#include "../target.hpp"
 #include "pavo_zorv_memory.h"
 
 namespace inspect {
@@ -12,29 +12,30 @@ namespace {
 
 std::string state(const message_type *type, byte_view message) {
   if (type != nullptr) return pavo_zorv_result_name(walk_message(*type, message).result());
-  const std::vector<reading> readings = guess(message);
+  const std::vector<candidate> candidates = guess(message);
   if (message.empty()) return "any";
-  if (readings[0].fit == fit::none) return "no message reads it";
-  return fmt::format("{}{}", readings[0].type->name, readings[0].fit == readings[1].fit ? "?" : "");
+  if (candidates[0].fit == fit::none) return "no message reads it";
+  return fmt::format("{}{}", candidates[0].type->name, candidates[0].fit == candidates[1].fit ? "?" : "");
 }
 
 }  // namespace
 
-exit_status index_stream(const request &asked) {
-  const auto [type, file] = single_subject_of(asked);
-  if (asked.stream == prefix_form::none) throw unusable("--stream is needed: it says how the lengths are written");
-  const byte_string content = bytes_of(read_file(file), asked.input);
-  const frames found = split(content, asked.stream);
+exit_status index_stream(const command_options &options) {
+  const auto [type, file] = single_target_of(options);
+  if (options.stream == prefix_form::none)
+    throw usage_error("--stream is required: it says how the lengths are encoded");
+  const byte_string content = parse_bytes(read_file(file), options.input);
+  const frames found = split(content, options.stream);
   std::string text =
       fmt::format("{:>8}  {:>10}  {:>8}  {}\n", "number", "offset", "bytes", type != nullptr ? "result" : "message");
-  for (std::size_t index = 0; index < found.whole.size(); ++index) {
-    const frame &each = found.whole[index];
+  for (std::size_t index = 0; index < found.complete.size(); ++index) {
+    const frame &each = found.complete[index];
     text += fmt::format("{:>8}  {:>10}  {:>8}  {}\n", index, each.offset, each.length,
                         state(type, byte_view(content).subspan(each.start, each.length)));
   }
   print(text);
-  if (found.failure) throw refused(*found.failure);
-  return all_well;
+  if (found.failure) throw input_error(*found.failure);
+  return ok;
 }
 
 }  // namespace inspect

@@ -1,4 +1,4 @@
-// `segments`: the table that encoding fills, drawn as ranges of the encoding.
+// `segments`: the segment table of an encoding, drawn as ranges of bytes.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -6,15 +6,15 @@
 #include "../commands.hpp"
 #include "../input.hpp"
 #include "../segment_table.hpp"
-#include "../subject.hpp"
-#include "../text_forms.hpp"
+#include "../target.hpp"
+#include "../text_encodings.hpp"
 
 namespace inspect {
 namespace {
 
 constexpr std::size_t width = 40;
 
-// The range of an entry as part of a line that stands for the whole encoding.
+// The range of an entry, as part of a bar that represents the whole encoding.
 std::string bar(const segment &entry, std::size_t length) {
   if (entry.is_referenced) return fmt::format("{:<{}}", fmt::format("(at offset {} of the input)", entry.start), width);
   const std::size_t first = std::min(entry.start * width / length, width - 1);
@@ -22,8 +22,8 @@ std::string bar(const segment &entry, std::size_t length) {
   return std::string(first, '.') + std::string(last - first, '#') + std::string(width - last, '.');
 }
 
-std::string drawn(const segment_table &table, const char *mode) {
-  std::string text = fmt::format("{}: {}, {} entr{}\n", mode, counted(table.length), table.entries.size(),
+std::string drawing_of(const segment_table &table, const char *mode) {
+  std::string text = fmt::format("{}: {}, {} entr{}\n", mode, byte_count(table.length), table.entries.size(),
                                  table.entries.size() == 1 ? "y" : "ies");
   if (!table.entries.empty()) text += fmt::format("{:>5}  {:>7}  {:>7}\n", "entry", "start", "length");
   for (std::size_t index = 0; index < table.entries.size(); ++index) {
@@ -37,18 +37,18 @@ std::string drawn(const segment_table &table, const char *mode) {
 
 }  // namespace
 
-exit_status segments(const request &asked) {
-  const auto [type, file] = single_subject_of(asked);
-  exit_status status = all_well;
-  for_each_message(asked, file, [&, type = type](const std::string &name, byte_view message) {
+exit_status segments(const command_options &options) {
+  const auto [type, file] = single_target_of(options);
+  exit_status status = ok;
+  for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
     const message_type &known = type_of(type, name, message);
     status = worse(status, decoded(known, message).report());
     const segment_table copied = segments_of(known, message, false);
     const segment_table referenced = segments_of(known, message, true);
-    if (asked.stream != prefix_form::none) print(name + '\n');
-    print(drawn(copied, "copied") + '\n' + drawn(referenced, "referenced"));
+    if (options.stream != prefix_form::none) print(name + '\n');
+    print(drawing_of(copied, "copied") + '\n' + drawing_of(referenced, "referenced"));
     if (!copied.as_expected || !referenced.as_expected) {
-      complain("*** DEFECT: the table has not as many entries as the encoding has messages and pieces ***\n");
+      print_error("*** DEFECT: the segment table does not have one entry for each message or piece of a message ***\n");
       status = disagreement;
     }
   });

@@ -1,11 +1,11 @@
-// `types`: the messages, or one with its fields, their keys, and where they lie in the record.
+// `types`: the messages, or the fields of one with their keys and offsets in the record.
 #include <fmt/format.h>
 
 #include <algorithm>
 
 #include "../commands.hpp"
 #include "../input.hpp"
-#include "../subject.hpp"
+#include "../target.hpp"
 #include "core/wire.hpp"
 
 namespace inspect {
@@ -21,7 +21,7 @@ std::string all_messages() {
   return text;
 }
 
-// The key's bytes: one for the numbers up to 15, else two.
+// The bytes of the key: one for field numbers up to 15, two for higher ones.
 std::string key_bytes(const field_type &field) {
   const std::uint32_t key = pavo_zorv::key_of(field.number, field.wire);
   return key < 0x80 ? fmt::format("{:02x}", key) : fmt::format("{:02x} {:02x}", (key & 0x7f) | 0x80, key >> 7);
@@ -52,9 +52,9 @@ std::string one_message(const message_type &type) {
 
 }  // namespace
 
-exit_status types(const request &asked) {
-  print(asked.words.empty() ? all_messages() : one_message(type_named(asked.words.front())));
-  return all_well;
+exit_status types(const command_options &options) {
+  print(options.operands.empty() ? all_messages() : one_message(type_named(options.operands.front())));
+  return ok;
 }
 
 }  // namespace inspect

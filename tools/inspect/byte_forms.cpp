@@ -1,5 +1,5 @@
-// Reading and writing bytes as text.
-#include "wire_forms.hpp"
+// Reads and writes bytes as text.
+#include "byte_forms.hpp"
 
 #include <fmt/format.h>
 
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "failure.hpp"
-#include "text_forms.hpp"
+#include "text_encodings.hpp"
 
 namespace inspect {
 namespace {
@@ -19,7 +19,7 @@ std::string_view text_of(byte_view input) { return {reinterpret_cast<const char 
 
 bool is_blank(char character) { return character == ' ' || character == '\t' || character == '\r'; }
 
-// No byte that text does not have: this alone tells most messages apart from text.
+// Only characters that occur in text: this alone rules out most messages.
 bool is_text(byte_view input) {
   return std::ranges::all_of(input, [](unsigned char each) {
     return (each >= ' ' && each <= '~') || each == '\t' || each == '\n' || each == '\r';
@@ -32,7 +32,7 @@ std::string_view trimmed(std::string_view line) {
   return line;
 }
 
-// Takes the next line off the text.
+// Removes the next line from the text.
 std::string_view next_line(std::string_view &text) {
   const std::size_t end = std::min(text.find('\n'), text.size());
   const std::string_view line = text.substr(0, end);
@@ -42,7 +42,7 @@ std::string_view next_line(std::string_view &text) {
 
 // --- Digits ---
 
-// The digits of hexadecimal text; nothing when it holds something else.
+// The digits of hexadecimal text; empty if it contains anything else.
 std::optional<std::string> hex_digits(std::string_view text) {
   std::string digits;
   while (!text.empty()) {
@@ -58,13 +58,13 @@ std::optional<std::string> hex_digits(std::string_view text) {
 
 byte_string bytes_of_digits(const std::string &digits) {
   auto result = from_hex(digits);
-  if (!result) throw refused("hexadecimal text with half a byte (or bytes: then say --input=raw)");
+  if (!result) throw input_error("odd number of hexadecimal digits (use --input=raw if the input is not text)");
   return *std::move(result);
 }
 
 // --- Dumps ---
 
-// One line of a dump: its offset as it is written, and what follows.
+// One line of a dump: its offset, not yet converted, and what follows.
 struct dump_line {
   std::string_view offset;
   std::string_view rest;
@@ -78,7 +78,7 @@ std::optional<dump_line> dump_line_of(std::string_view line) {
   const auto digits = static_cast<std::size_t>(std::ranges::find_if_not(line, is_digit) - line.begin());
   if (digits < 4 || digits > 16) return std::nullopt;
   dump_line found{line.substr(0, digits), line.substr(digits)};
-  // A mark of this tool's own, or the colon of others.
+  // A mark of the command `hex`, or the colon that other tools print.
   if (!found.rest.empty() && std::string_view(":!?~").find(found.rest.front()) != std::string_view::npos) {
     found.has_colon = found.rest.front() == ':';
     found.rest.remove_prefix(1);
@@ -95,19 +95,19 @@ std::optional<std::size_t> offset_of(const dump_line &line, int base) {
   return value;
 }
 
-// The bytes of a line, up to the characters that stand beside them: after a bar, after a gap, or the first thing
-// that is not pairs of digits. `wanted` says how many there must be, where the next offset tells.
-byte_string bytes_of_line(const dump_line &line, std::optional<std::size_t> wanted) {
+// The bytes of a line, without the text column, which begins with a bar, after a gap, or with the first word that is
+// not pairs of digits. `size` is the number of bytes in the line, if the next offset tells.
+byte_string bytes_of_line(const dump_line &line, std::optional<std::size_t> size) {
   byte_string found;
   std::string_view rest = line.rest.substr(0, line.rest.find('|'));
   const std::size_t gap = line.has_colon ? 2 : 3;
-  while (!rest.empty() && (!wanted || found.size() < *wanted)) {
+  while (!rest.empty() && (!size || found.size() < *size)) {
     const std::size_t blanks = std::min(rest.find_first_not_of(" \t\r"), rest.size());
-    if (!wanted && !found.empty() && blanks >= gap) break;
+    if (!size && !found.empty() && blanks >= gap) break;
     rest.remove_prefix(blanks);
     const std::string_view word = rest.substr(0, rest.find_first_of(" \t\r"));
     const auto pairs = from_hex(word);
-    // Longer words stand for numbers whose bytes may be swapped, but after a colon they do not.
+    // Longer words may be numbers in the byte order of the machine; after a colon they are not.
     if (!pairs || (word.size() > 2 && !line.has_colon)) break;
     found.insert(found.end(), pairs->begin(), pairs->end());
     rest.remove_prefix(word.size());
@@ -115,7 +115,7 @@ byte_string bytes_of_line(const dump_line &line, std::optional<std::size_t> want
   return found;
 }
 
-// Nothing unless every offset is the number of bytes before it: so no other text is taken for a dump.
+// Empty unless every offset is the number of bytes before it, so that no other text is taken for a dump.
 std::optional<byte_string> bytes_of_dump(std::string_view text, int base) {
   std::vector<dump_line> lines;
   while (!text.empty()) {
@@ -128,14 +128,14 @@ std::optional<byte_string> bytes_of_dump(std::string_view text, int base) {
   byte_string result;
   for (std::size_t index = 0; index < lines.size(); ++index) {
     if (offset_of(lines[index], base) != result.size()) return std::nullopt;
-    std::optional<std::size_t> wanted;
+    std::optional<std::size_t> size;
     if (index + 1 < lines.size()) {
       const auto next = offset_of(lines[index + 1], base);
       if (!next || *next < result.size()) return std::nullopt;
-      wanted = *next - result.size();
+      size = *next - result.size();
     }
-    const byte_string more = bytes_of_line(lines[index], wanted);
-    if (wanted && more.size() != *wanted) return std::nullopt;
+    const byte_string more = bytes_of_line(lines[index], size);
+    if (size && more.size() != *size) return std::nullopt;
     result.insert(result.end(), more.begin(), more.end());
   }
   if (result.empty()) return std::nullopt;
@@ -155,7 +155,7 @@ std::optional<byte_string> bytes_of_base64(std::string_view text) {
   return from_base64(digits);
 }
 
-byte_string detected(byte_string input) {
+byte_string detect_and_parse(byte_string input) {
   if (input.empty() || !is_text(input)) return input;
   const std::string_view text = text_of(input);
   if (auto dump = bytes_of_dump(text)) return *std::move(dump);
@@ -166,39 +166,39 @@ byte_string detected(byte_string input) {
 
 }  // namespace
 
-byte_string bytes_of(byte_string input, wire_form form) {
+byte_string parse_bytes(byte_string input, byte_form form) {
   std::optional<byte_string> found;
   switch (form) {
-    case wire_form::detected:
-      return detected(std::move(input));
-    case wire_form::raw:
+    case byte_form::automatic:
+      return detect_and_parse(std::move(input));
+    case byte_form::raw:
       return input;
-    case wire_form::hex: {
+    case byte_form::hex: {
       const auto digits = hex_digits(text_of(input));
-      if (!digits) throw refused("the input is not hexadecimal text");
+      if (!digits) throw input_error("the input is not hexadecimal text");
       return bytes_of_digits(*digits);
     }
-    case wire_form::dump:
+    case byte_form::dump:
       found = bytes_of_dump(text_of(input));
-      if (!found) throw refused("the input is not a hex dump: not every line has its offset");
+      if (!found) throw input_error("the input is not a hex dump: a line has no offset, or the wrong one");
       return *std::move(found);
-    case wire_form::base64:
+    case byte_form::base64:
       found = bytes_of_base64(text_of(input));
-      if (!found) throw refused("the input is not base64");
+      if (!found) throw input_error("the input is not base64");
       return *std::move(found);
   }
   return input;
 }
 
-std::string in_form(byte_view input, wire_form form) {
-  if (form == wire_form::base64) return to_base64(input) + '\n';
-  if (form != wire_form::hex && form != wire_form::dump) return std::string(text_of(input));
+std::string format_bytes(byte_view input, byte_form form) {
+  if (form == byte_form::base64) return to_base64(input) + '\n';
+  if (form != byte_form::hex && form != byte_form::dump) return std::string(text_of(input));
   std::string text;
   for (std::size_t at = 0; at < input.size(); at += 16) {
-    if (form == wire_form::dump) text += fmt::format("{:08x} ", at);
+    if (form == byte_form::dump) text += fmt::format("{:08x} ", at);
     const byte_view line = input.subspan(at, std::min<std::size_t>(16, input.size() - at));
     for (std::size_t index = 0; index < line.size(); ++index) {
-      text += fmt::format("{}{:02x}", index == 0 && form == wire_form::hex ? "" : " ", line[index]);
+      text += fmt::format("{}{:02x}", index == 0 && form == byte_form::hex ? "" : " ", line[index]);
     }
     text += '\n';
   }

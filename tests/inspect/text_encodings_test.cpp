@@ -1,5 +1,5 @@
 // Base64, hexadecimal digits and UTF-8, as JSON needs them.
-#include "text_forms.hpp"
+#include "text_encodings.hpp"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ TEST(base64, is_read_without_padding_and_in_the_alphabet_for_urls) {
   EXPECT_EQ(from_base64("--__"), test::hex("fb ef ff"));
 }
 
-TEST(base64, is_refused_with_anything_else_in_it_or_bits_left_over) {
+TEST(base64, is_refused_with_other_characters_or_unused_bits) {
   for (const std::string_view text :
        {"Z", "Zg=", "Z===", "====", "=", "Zg==Zg==", "Zm9v ", "Zh==", "Zh", "Zm9=", "Z=m8", "Zm9vZg=", "Zg\n"}) {
     EXPECT_EQ(from_base64(text), std::nullopt) << text;
@@ -61,7 +61,7 @@ TEST(utf8, has_characters_of_one_to_four_bytes) {
   }
 }
 
-TEST(utf8, has_no_long_forms_no_surrogates_and_no_halves) {
+TEST(utf8, has_no_over_long_forms_surrogates_or_incomplete_characters) {
   for (const std::string_view text :
        {"\x80", "\xc0\x80", "\xc1\xbf", "\xe0\x9f\xbf", "\xed\xa0\x80", "\xf0\x8f\xbf\xbf", "\xf4\x90\x80\x80",
         "\xf5\x80\x80\x80", "\xff", "\xc3", "\xe2\x82", "\xf0\x9f\x98", "\xc3(", "\xe2\x82("}) {

@@ -1,5 +1,5 @@
 // Base64, hexadecimal digits and UTF-8.
-#include "text_forms.hpp"
+#include "text_encodings.hpp"
 
 #include <fmt/format.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view base64_digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// The bytes of a UTF-8 character by its first one; 0 when none begins with it.
+// The length of the UTF-8 character that begins with this byte; 0 if none does.
 std::size_t utf8_length(unsigned char first) {
   if (first < 0x80) return 1;
   if (first < 0xc2) return 0;
@@ -21,7 +21,7 @@ std::size_t utf8_length(unsigned char first) {
   return first < 0xf5 ? 4 : 0;
 }
 
-// Not the long form of a shorter character, no surrogate, nothing above U+10FFFF: the second byte tells.
+// Whether the second byte excludes over-long forms, surrogates and characters above U+10FFFF.
 bool second_fits(unsigned char first, unsigned char second) {
   switch (first) {
     case 0xe0:
@@ -103,7 +103,7 @@ std::optional<byte_string> from_hex(std::string_view text) {
   return result;
 }
 
-std::string counted(std::uint64_t count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); }
+std::string byte_count(std::uint64_t count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); }
 
 bool is_utf8(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
