@@ -1,4 +1,4 @@
-"""Writes a capture with one UDP datagram on loopback addresses for each file: write_capture.py PORT CAPTURE FILE..."""
+"""Writes a capture with one UDP datagram for each file: write_capture.py PORT CAPTURE FILE..."""
 import struct
 import sys
 
@@ -11,7 +11,7 @@ def checksum(words: bytes) -> int:
 
 
 def datagram(payload: bytes, port: int) -> bytes:
-    """The packet as it stands on a loopback interface, from 127.0.0.1 to 127.0.0.2; UDP's own checksum is left out."""
+    """An IP packet from 127.0.0.1 to 127.0.0.2, without the optional UDP checksum."""
     udp = struct.pack("!HHHH", 40000, port, 8 + len(payload), 0) + payload
     head = struct.pack("!BBHHHBBH4s4s", 0x45, 0, 20 + len(udp), 0, 0, 64, 17, 0, bytes([127, 0, 0, 1]), bytes([127, 0, 0, 2]))
     return head[:10] + struct.pack("!H", checksum(head)) + head[12:] + udp

@@ -1,11 +1,11 @@
--- Wireshark and tshark: UDP payloads to or from a port of your choice as api_msg of zorv.proto.
+-- For Wireshark and tshark: shows UDP payloads to or from a port of your choice as api_msg of zorv.proto.
 --
 --   tshark -X lua_script:zorv.lua -X lua_script1:4711 -o 'uat:protobuf_search_paths:"/path/to/proto","TRUE"' -r file.pcap
 --
--- The port stands after lua_script1, or in the preferences of the protocol "zorv".
+-- The port is given by lua_script1, or in the preferences of the protocol "zorv".
 
 local zorv = Proto("zorv", "pavo-zorv messages")
-zorv.prefs.port = Pref.uint("UDP port", tonumber((...)) or 0, "Datagrams of this port are api_msg; 0 for none")
+zorv.prefs.port = Pref.uint("UDP port", tonumber((...)) or 0, "Datagrams to or from this port are api_msg; 0 disables")
 
 local protobuf = Dissector.get("protobuf")
 local registered = 0
