@@ -9,16 +9,17 @@ Each of the 31 messages is a class of its C name:
     >>> pavo_zorv.api_lbl_stack.from_bytes(stack.to_bytes()) == stack
     True
 
-Fields are properties: None while absent. Nested messages are there always, and setting a field of one marks the way to
-it as present:
+Fields are properties, None if absent. Nested messages always exist; setting a field of one marks it and the messages
+around it as present:
 
     >>> message = pavo_zorv.api_msg()
     >>> message.to_zorv.intf.field2 = "eth0"
     >>> message.to_dict()
     {'to_zorv': {'intf': {'field2': 'eth0'}}}
 
-The library is found as the dynamic loader finds libpavo_zorv.so.1, or at PAVO_ZORV_LIBRARY; its header beside this
-package, or at PAVO_ZORV_HEADER.
+The environment variables PAVO_ZORV_LIBRARY and PAVO_ZORV_HEADER may name the library and its header. Otherwise the
+dynamic loader searches for libpavo_zorv.so.1, and the header is searched for beside this package, in the source tree
+and in /usr/include.
 """
 
 from ._messages import CLASSES, REFERENCE, DecodeError, Message

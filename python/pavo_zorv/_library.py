@@ -6,12 +6,12 @@ import re
 
 import cffi
 
-# The binary interface that this package is written for.
+# The version of the binary interface that this package is written for.
 _LIBRARY = "libpavo_zorv.so.1"
 
 _HERE = pathlib.Path(__file__).resolve().parent
 
-# Beside the package where it is installed; in the source tree otherwise.
+# Beside the installed package, in the source tree, or where the header is installed.
 _HEADERS = (
     _HERE / "pavo_zorv.h",
     _HERE.parent.parent / "include" / "pavo_zorv.h",
@@ -30,16 +30,17 @@ _DECLARATION = re.compile(
 
 
 def _header():
-    named = os.environ.get("PAVO_ZORV_HEADER")
-    candidates = (pathlib.Path(named),) if named else _HEADERS
-    for path in candidates:
-        if path.is_file():
-            return path.read_text(encoding="utf-8")
-    raise ImportError("pavo_zorv.h is in none of " + ", ".join(map(str, candidates)) + "; PAVO_ZORV_HEADER may name it")
+    path = os.environ.get("PAVO_ZORV_HEADER")
+    candidates = (pathlib.Path(path),) if path else _HEADERS
+    for candidate in candidates:
+        if candidate.is_file():
+            return candidate.read_text(encoding="utf-8")
+    tried = ", ".join(map(str, candidates))
+    raise ImportError(f"pavo_zorv.h is not found; tried {tried}. Set PAVO_ZORV_HEADER to its path")
 
 
 def declarations(header):
-    """What a header declares, without comments and all that only a compiler wants."""
+    """The declarations of a header, without comments and what only a compiler needs."""
     text = _COMMENT.sub(" ", header)
     found = "\n".join(match.group() for match in _DECLARATION.finditer(text))
     return re.sub(r"\bPAVO_ZORV_(API|NOEXCEPT)\b", "", found)

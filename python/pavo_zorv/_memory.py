@@ -1,10 +1,10 @@
-"""The memory that records lead to: blocks that live as long as the message that owns them."""
+"""The memory that records point to: blocks that live as long as the message that owns them."""
 
 from ._library import ffi
 
 
 class Arena:
-    """Blocks for one message. They go when the message goes; nothing is released before."""
+    """The blocks of one message. They are released together with the message, not before."""
 
     def __init__(self, limit=None):
         self.limit = limit
@@ -13,8 +13,8 @@ class Arena:
         self.blocks = []
         self.handle = ffi.new_handle(self)
 
-    def take(self, size):
-        """A block of zeroes, or null beyond the limit."""
+    def allocate(self, size):
+        """A zeroed block, or null if it would exceed the limit."""
         self.requests += 1
         if self.limit is not None and self.bytes + size > self.limit:
             return ffi.NULL
@@ -24,7 +24,7 @@ class Arena:
         return block
 
     def array(self, element, count):
-        """An array of zeroed elements of a C type."""
+        """A zeroed array of elements of a C type."""
         block = ffi.new(element + "[]", count)
         self.blocks.append(block)
         return block
@@ -32,4 +32,4 @@ class Arena:
 
 @ffi.callback("void *(size_t, void *)", error=ffi.NULL)
 def allocate(size, context):
-    return ffi.from_handle(context).take(size)
+    return ffi.from_handle(context).allocate(size)

@@ -1,4 +1,4 @@
-"""A class for each message, made from what the header declares: records, presence bits and functions."""
+"""A class for each message, derived from the declarations in the header: records, presence bits and functions."""
 
 import functools
 import re
@@ -13,7 +13,7 @@ _RESULTS = ffi.typeof("enum pavo_zorv_result").elements
 
 
 class DecodeError(ValueError):
-    """Bytes that are no message. `result` is the library's code, `name` its name, `partial` what was read before."""
+    """Input that cannot be decoded: `result` is the code, `name` its name, `partial` the message as far as it was read."""
 
     def __init__(self, message, result):
         self.partial = message
@@ -22,10 +22,10 @@ class DecodeError(ValueError):
         super().__init__(f"{type(message).__name__}: {self.name}")
 
 
-# --- The kinds of member: how a value is read from a record, written to one, and shown ---
+# --- The kinds of member: how a value is read from a record, stored in one, and converted for to_dict ---
 
 
-class _Number:
+class _Integer:
     def __init__(self, member):
         self.member = member
 
@@ -35,11 +35,11 @@ class _Number:
     def put(self, message, value):
         setattr(message._record, self.member, value)
 
-    plain = staticmethod(lambda value: value)
+    to_plain = staticmethod(lambda value: value)
 
 
-class _Flag(_Number):
-    """An 8-bit number of which only yes and no are kept."""
+class _Flag(_Integer):
+    """An 8-bit number that is used as a bool."""
 
     def get(self, message):
         return bool(super().get(message))
@@ -49,7 +49,7 @@ class _Flag(_Number):
 
 
 class _String:
-    """Bytes that need not be UTF-8: what is not becomes a surrogate, and the same byte again."""
+    """A string that need not be UTF-8: other bytes become surrogates, which are written as the same bytes."""
 
     def __init__(self, member):
         self.member = member
@@ -61,12 +61,12 @@ class _String:
     def put(self, message, value):
         data = value.encode("utf-8", "surrogateescape") if isinstance(value, str) else bytes(value)
         if 0 in data:
-            raise ValueError(f"{self.member}: a string ends at its first NUL")
+            raise ValueError(f"{self.member}: a string cannot contain a NUL")
         block = message._arena.array("char", len(data) + 1)
         ffi.memmove(block, data, len(data))
         setattr(message._record, self.member, block)
 
-    plain = staticmethod(lambda value: value)
+    to_plain = staticmethod(lambda value: value)
 
 
 class _Bytes:
@@ -85,10 +85,10 @@ class _Bytes:
         setattr(message._record, self.member, block)
         setattr(message._record, self.length, len(value))
 
-    plain = staticmethod(lambda value: value)
+    to_plain = staticmethod(lambda value: value)
 
 
-class _Numbers:
+class _IntegerList:
     def __init__(self, member, count, element):
         self.member = member
         self.count = count
@@ -104,7 +104,7 @@ class _Numbers:
         setattr(message._record, self.member, message._arena.array(self.element, values) if values else ffi.NULL)
         setattr(message._record, self.count, len(values))
 
-    plain = staticmethod(list)
+    to_plain = staticmethod(list)
 
 
 class _Nested:
@@ -118,10 +118,10 @@ class _Nested:
     def put(self, message, value):
         _copy_into(CLASSES[self.name], message._arena, ffi.addressof(message._record, self.member), value)
 
-    plain = staticmethod(lambda value: value.to_dict())
+    to_plain = staticmethod(lambda value: value.to_dict())
 
 
-class _NestedList:
+class _MessageList:
     def __init__(self, member, count, name):
         self.member = member
         self.count = count
@@ -142,14 +142,14 @@ class _NestedList:
         setattr(message._record, self.member, elements)
         setattr(message._record, self.count, len(values))
 
-    plain = staticmethod(lambda value: [each.to_dict() for each in value])
+    to_plain = staticmethod(lambda value: [each.to_dict() for each in value])
 
 
 def _copy_into(cls, arena, record, value):
-    """Fills a record with a copy of a message, or of what a mapping says."""
+    """Copies a message, or the fields given by a mapping, into a record."""
     source = cls(**value) if isinstance(value, Mapping) else value
     if type(source) is not cls:
-        raise TypeError(f"{cls.__name__} or a mapping, not {type(value).__name__}")
+        raise TypeError(f"expected {cls.__name__} or a mapping, not {type(value).__name__}")
     if source._record == record:
         return
     if cls._duplicate(record, source._record, allocate, arena.handle) != library.CODEC_OK:
@@ -160,8 +160,8 @@ def _copy_into(cls, arena, record, value):
 
 
 class _Field:
-    """A property: the value of a present member, or None; setting it marks it as present, None as absent. A nested
-    message is there always; setting a member of it marks the way to it as present."""
+    """A property: the value of a member, or None if it is absent. Setting a value marks the member as present, setting
+    None as absent. A nested message always exists; setting a member of it marks the messages around that as present."""
 
     def __init__(self, kind, bit, nested):
         self.kind = kind
@@ -179,25 +179,25 @@ class _Field:
             return
         self.kind.put(message, value)
         message._record.presence |= self.bit
-        message._mark()
+        message._mark_present()
 
 
 @functools.total_ordering
 class Message:
-    """What all messages have. A message owns a record of the library and all that it leads to."""
+    """The base of all messages. A message owns a record of the library and all memory that the record points to."""
 
     __slots__ = ("_record", "_arena", "_parent", "_member", "_input", "_options")
     __hash__ = None
     fields = {}
 
     def __init__(self, **values):
-        self._own(Arena())
+        self._create(Arena())
         for name, value in values.items():
             if name not in self.fields:
                 raise TypeError(f"{type(self).__name__} has no field {name!r}")
             setattr(self, name, value)
 
-    def _own(self, arena):
+    def _create(self, arena):
         self._record = ffi.new(type(self).__name__ + " *")
         self._arena = arena
         self._parent = self._member = self._input = None
@@ -205,7 +205,7 @@ class Message:
 
     @classmethod
     def _within(cls, parent, record, member):
-        """A message inside another one, which it keeps alive."""
+        """A message nested in another, which it keeps alive."""
         self = cls.__new__(cls)
         self._record = record
         self._arena = parent._arena
@@ -215,11 +215,11 @@ class Message:
         self._options = parent._options
         return self
 
-    def _mark(self):
-        """Marks the way to this message as present, from the outermost on."""
+    def _mark_present(self):
+        """Marks this message and all messages around it as present."""
         if self._parent is not None:
             self._parent._record.presence |= type(self._parent).fields[self._member].bit
-            self._parent._mark()
+            self._parent._mark_present()
 
     @classmethod
     def _call(cls, function, options, *arguments):
@@ -227,23 +227,23 @@ class Message:
 
     @classmethod
     def from_bytes(cls, data, *, reference=False, limit=None):
-        """The message that `data` encodes, or a DecodeError. With `reference`, bytes members stay in `data`, which
-        the message keeps alive. `limit` bounds the memory, in bytes, that the library may ask for."""
+        """Decodes a message, or raises DecodeError. With `reference`, bytes members are not copied but refer to `data`,
+        which the message keeps alive. `limit` bounds the memory, in bytes, that the library may allocate."""
         self = cls.__new__(cls)
-        self._own(Arena(limit))
+        self._create(Arena(limit))
         self._options = REFERENCE if reference else 0
-        data = ffi.from_buffer(data)
+        buffer = ffi.from_buffer(data)
         if reference:
-            self._input = data
+            self._input = buffer
         result = cls._call(
-            cls._decode, self._options, self._record, ffi.cast("const unsigned char *", data), len(data), allocate,
+            cls._decode, self._options, self._record, ffi.cast("const unsigned char *", buffer), len(buffer), allocate,
             self._arena.handle)
         if result != library.CODEC_OK:
             raise DecodeError(self, result)
         return self
 
     def to_bytes(self):
-        """The encoding, whatever the message was decoded from; bytes members are copied into it."""
+        """The encoding of the message. Bytes members are copied into it, also those that refer to the input."""
         size = self._call(self._encode, 0, self._record, ffi.NULL, 0, ffi.NULL, ffi.NULL)
         buffer = bytearray(size)
         written = self._call(self._encode, 0, self._record, ffi.from_buffer(buffer), size, ffi.NULL, ffi.NULL)
@@ -251,7 +251,7 @@ class Message:
         return bytes(buffer)
 
     def copy(self):
-        """A message of its own with the same content."""
+        """An independent message with the same content."""
         result = type(self)()
         _copy_into(type(self), result._arena, result._record, self)
         return result
@@ -266,16 +266,16 @@ class Message:
         return bool(self._record.presence & self.fields[name].bit)
 
     def to_dict(self):
-        """The present fields by name: numbers, str, bytes, lists and dicts. The class takes them again as arguments."""
-        return {name: field.kind.plain(getattr(self, name)) for name, field in self.fields.items() if self.has(name)}
+        """The present fields by name, as int, bool, str, bytes, list and dict: keyword arguments of the class."""
+        return {name: field.kind.to_plain(getattr(self, name)) for name, field in self.fields.items() if self.has(name)}
 
     def __repr__(self):
         return f"{type(self).__name__}({', '.join(f'{k}={v!r}' for k, v in self.to_dict().items())})"
 
     def compare(self, other):
-        """Negative, 0 or positive, as the library orders messages."""
+        """Negative, 0 or positive, in the order that the library defines."""
         if type(self) is not type(other):
-            raise TypeError(f"{type(self).__name__} and {type(other).__name__} have no order")
+            raise TypeError(f"cannot compare {type(self).__name__} with {type(other).__name__}")
         return self._compare(self._record, other._record)
 
     def __eq__(self, other):
@@ -285,19 +285,19 @@ class Message:
         return self.compare(other) < 0 if type(self) is type(other) else NotImplemented
 
 
-def _kind(member, ctype, follower):
-    """The kind of a member, and whether a count follows it."""
+def _kind(member, ctype, next_member):
+    """The kind of a member, and whether its count or length follows it."""
     if ctype.kind == "struct":
         return _Nested(member, re.sub(r"^struct ", "", ctype.cname)), False
     if ctype.kind != "pointer":
-        return _Number(member), False
+        return _Integer(member), False
     if ctype.item.cname == "char":
         return _String(member), False
     if ctype.item.kind == "struct":
-        return _NestedList(member, follower[0], re.sub(r"^struct ", "", ctype.item.cname)), True
-    if ffi.sizeof(follower[1].type) == 8:
-        return _Bytes(member, follower[0]), True
-    return _Numbers(member, follower[0], ctype.item.cname), True
+        return _MessageList(member, next_member[0], re.sub(r"^struct ", "", ctype.item.cname)), True
+    if ffi.sizeof(next_member[1].type) == 8:
+        return _Bytes(member, next_member[0]), True
+    return _IntegerList(member, next_member[0], ctype.item.cname), True
 
 
 def _fields(name):
@@ -305,25 +305,25 @@ def _fields(name):
     bits = ffi.typeof(f"enum {name}_presence").relements
     members = iter(zip(ffi.typeof(name).fields, ffi.typeof(name).fields[1:]))
     fields = {}
-    for (member, detail), follower in members:
-        kind, counted = _kind(member, detail.type, follower)
+    for (member, detail), next_member in members:
+        kind, has_count = _kind(member, detail.type, next_member)
         fields[member] = _Field(kind, bits[f"{name.upper()}_HAS_{member.upper()}"], isinstance(kind, _Nested))
-        if counted:
+        if has_count:
             next(members, None)
     return fields
 
 
-def _tell_flags(cls):
-    """Flags are declared as 8-bit numbers are, and do not read as they do: 2 becomes 1."""
+def _detect_flags(cls):
+    """Tells flags from 8-bit numbers, which are declared alike: 2 is decoded as 1 if it is a flag."""
     for number, (name, field) in enumerate(cls.fields.items(), start=1):
-        if type(field.kind) is _Number and ffi.sizeof(dict(ffi.typeof(cls.__name__).fields)[name].type) == 1:
+        if type(field.kind) is _Integer and ffi.sizeof(dict(ffi.typeof(cls.__name__).fields)[name].type) == 1:
             key = number << 3
             data = bytes([key, 2] if key < 0x80 else [key & 0x7F | 0x80, key >> 7, 2])
             if getattr(cls.from_bytes(data), name) == 1:
                 field.kind = _Flag(name)
 
 
-def _make(name):
+def _make_class(name):
     def function(operation):
         return getattr(library, f"pavo_zorv_{name}_{operation}")
 
@@ -331,7 +331,7 @@ def _make(name):
     return type(name, (Message,), {
         **fields,
         "__slots__": (),
-        "__doc__": f"The message {name}: {', '.join(fields)}.",
+        "__doc__": f"The message {name}, with the fields {', '.join(fields)}.",
         "__module__": "pavo_zorv",
         "fields": fields,
         "_takes_options": len(ffi.typeof(function("free_ext")).args) == 4,
@@ -343,7 +343,7 @@ def _make(name):
 
 
 # A record with presence bits is a message.
-CLASSES = {name: _make(name) for name in ffi.list_types()[0]
+CLASSES = {name: _make_class(name) for name in ffi.list_types()[0]
            if ffi.typeof(name).kind == "struct" and dict(ffi.typeof(name).fields).get("presence")}
 for _cls in CLASSES.values():
-    _tell_flags(_cls)
+    _detect_flags(_cls)

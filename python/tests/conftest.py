@@ -1,4 +1,4 @@
-"""The same examples in every run, and as many as fit into a few seconds; PAVO_ZORV_ROUNDS=<n> tries n times as many."""
+"""The same random examples in every run, limited to a few seconds; PAVO_ZORV_ROUNDS=<n> tries n times as many."""
 
 import os
 

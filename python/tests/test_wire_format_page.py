@@ -1,4 +1,4 @@
-"""Every row of docs/wire_format.md: what is said to be read is read, and what is said to be written is written."""
+"""Checks every row of docs/wire_format.md: its bytes decode, or its content encodes, as the page says."""
 
 import json
 import pathlib
@@ -32,17 +32,17 @@ def rows():
 ROWS = list(rows())
 
 
-def shown(value):
-    """A content as the page spells it: bytes as hexadecimal text."""
+def notation(value):
+    """Content in the notation of the page: bytes as hexadecimal text."""
     if isinstance(value, bytes):
         return value.hex(" ")
     if isinstance(value, dict):
-        return {name: shown(each) for name, each in value.items()}
-    return [shown(each) for each in value] if isinstance(value, list) else value
+        return {name: notation(each) for name, each in value.items()}
+    return [notation(each) for each in value] if isinstance(value, list) else value
 
 
-def filled(cls, content):
-    """A message of a content that the page spells."""
+def message_with(cls, content):
+    """The message with content in the notation of the page."""
     message = cls()
     for name, value in content.items():
         kind = type(cls.fields[name].kind).__name__
@@ -61,19 +61,19 @@ def test_every_row_is_true(heading, cells):
     cls = pavo_zorv.CLASSES[cells[0]]
     if heading == WRITING:
         content = json.loads(cells[1])
-        assert filled(cls, content).to_bytes().hex(" ") == cells[2]
+        assert message_with(cls, content).to_bytes().hex(" ") == cells[2]
         return
     assert heading in (READING, READING_AND_WRITING)
     failure = re.fullmatch(r"(CODEC_\w+)(?: after (.*))?", cells[2])
-    raw = bytes.fromhex(cells[1])
+    data = bytes.fromhex(cells[1])
     if failure is None:
-        message = cls.from_bytes(raw)
-        assert shown(message.to_dict()) == json.loads(cells[2])
+        message = cls.from_bytes(data)
+        assert notation(message.to_dict()) == json.loads(cells[2])
     else:
         with pytest.raises(pavo_zorv.DecodeError) as caught:
-            cls.from_bytes(raw)
+            cls.from_bytes(data)
         assert caught.value.name == failure[1]
         message = caught.value.partial
-        assert shown(message.to_dict()) == json.loads(failure[2] or "{}")
+        assert notation(message.to_dict()) == json.loads(failure[2] or "{}")
     if heading == READING_AND_WRITING:
         assert message.to_bytes().hex(" ") == cells[3]
