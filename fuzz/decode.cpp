@@ -1,5 +1,5 @@
-// Decoding agrees with the naive decoder: result, record, what was asked for, and what is still out. The input is
-// only read, and only up to its end.
+// Decoding agrees with the naive decoder: result, record, allocations, and blocks not released. The input is not
+// written, and not read past its end.
 #include "harness.hpp"
 
 namespace fuzz {

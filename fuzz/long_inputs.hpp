@@ -1,4 +1,4 @@
-// Inputs that are too long for a corpus: messages that end near a length that matters, made anew for each replay and
+// Inputs that are too long for a corpus: messages that end near a length that matters, generated for each replay and
 // always the same.
 #pragma once
 
@@ -6,7 +6,7 @@
 
 namespace fuzz {
 
-// Hands each of them to a function; returns how many there were.
+// Calls a function with each of them; returns their number.
 std::size_t for_each_long_input(void (*use)(const unsigned char *data, std::size_t size));
 
 }  // namespace fuzz

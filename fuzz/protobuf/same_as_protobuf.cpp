@@ -1,5 +1,5 @@
-// What this library and Protocol Buffers' own for C++ both accept means the same to both: what either of them makes of
-// it is written the same by this library. Left out are the few inputs that both accept and take differently on purpose.
+// Input that both this library and the Protocol Buffers C++ library accept means the same to both: this library encodes
+// what either has decoded to the same bytes. Inputs that the two interpret differently on purpose are left out.
 #include <google/protobuf/descriptor.h>
 #include <google/protobuf/message.h>
 #include <google/protobuf/stubs/logging.h>
@@ -15,12 +15,12 @@ namespace {
 
 namespace protobuf = google::protobuf;
 
-// One message of each type, used again and again.
+// One message of each type, reused for every input.
 protobuf::Message &peer_of(const message &type) {
   static std::vector<std::unique_ptr<protobuf::Message>> peers;
   if (peers.empty()) {
     protobuf::SetLogHandler(nullptr);
-    zorv::api_msg::descriptor();  // the file is loaded when one of its messages is asked for
+    zorv::api_msg::descriptor();  // loads the descriptors of the file
     const protobuf::DescriptorPool *const pool = protobuf::DescriptorPool::generated_pool();
     for (const message &one : naive::messages()) {
       const protobuf::Descriptor *const found = pool->FindMessageTypeByName(std::string("zorv.") + one.name);
@@ -31,10 +31,10 @@ protobuf::Message &peer_of(const message &type) {
   return *peers[static_cast<std::size_t>(&type - naive::messages().data())];
 }
 
-// Whether a message, or one in it, holds what is taken differently on purpose: a nested message that comes again, which
-// replaces the first here and is merged with it there; and a flag of more than 32 bits, of which the lower count here.
-// The message is one that was accepted.
-bool is_taken_differently(const message &type, const unsigned char *bytes, std::size_t length) {
+// Whether an accepted message, or one nested in it, has something that the two interpret differently on purpose: a
+// repeated nested message, which replaces the first here and is merged with it there; or a flag of more than 32 bits,
+// of which only the lower ones count here.
+bool is_interpreted_differently(const message &type, const unsigned char *bytes, std::size_t length) {
   std::uint32_t seen = 0;
   for (std::size_t at = 0; at < length;) {
     std::uint32_t key = 0, size = 0;
@@ -54,7 +54,7 @@ bool is_taken_differently(const message &type, const unsigned char *bytes, std::
     }
     if (known && field->what == sort::message && (seen >> (key >> 3) & 1) != 0) return true;
     if (known) seen |= std::uint32_t{1} << (key >> 3);
-    if (known && field->nested != nullptr && is_taken_differently(*field->nested, bytes + at, size)) return true;
+    if (known && field->nested != nullptr && is_interpreted_differently(*field->nested, bytes + at, size)) return true;
     at += size;
   }
   return false;
@@ -68,9 +68,9 @@ void run(const trial &trial) {
   if (here.result != CODEC_OK) return;
   protobuf::Message &there = peer_of(*trial.type);
   if (!there.ParseFromArray(input, static_cast<int>(trial.length))) return;
-  // After an element of a list, a key of another wire type is taken for one more element here.
+  // Here, after an element of a list, a key with another wire type is one more element.
   const expected expected(trial, input, trial.length);
-  if (expected.decoder.run_of_other_types || is_taken_differently(*trial.type, input, trial.length)) return;
+  if (expected.decoder.run_of_other_types || is_interpreted_differently(*trial.type, input, trial.length)) return;
 
   there.DiscardUnknownFields();
   const std::string bytes = there.SerializeAsString();
