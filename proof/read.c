@@ -1,8 +1,7 @@
-/* The twin of what src/core/wire.hpp and decode.hpp read: varints, lengths, and what is skipped. README.md says what is
-   proved. */
+/* Reference implementation of the readers in src/core/wire.hpp and decode.hpp: varints, lengths, skipping. README.md
+   says what is proved. */
 #include "wire.h"
 
-/* Reading. */
 /*@ predicate readable{L}(byte *at, byte *end) =
       \base_addr(at) == \base_addr(end) && at <= end && end - at <= PTRDIFF_MAX &&
       \valid_read(at + (0 .. end - at - 1));
@@ -10,7 +9,7 @@
     predicate within(byte *at, byte *next, byte *end) =
       \base_addr(next) == \base_addr(at) && at <= next <= end;
 
-    // So many bytes have the top bit.
+    // The first `size` bytes have the top bit set.
     predicate open{L}(byte *at, integer size) =
       \forall byte *p; \base_addr(p) == \base_addr(at) && at <= p < at + size ==> *p >= 0x80;
 
@@ -25,7 +24,7 @@
       0 <= size && open(at, size) && varint_of(at + size, more) ==> varint_of(at, size + more);
 */
 
-/* Two to the power of a multiple of seven. */
+/* Powers of two whose exponent is a multiple of seven. */
 /*@ predicate sevenfold(integer k) = k == 0 || k == 7 || k == 14 || k == 21 || k == 28 || k == 35 || k == 42 ||
       k == 49 || k == 56 || k == 63;
 
@@ -35,8 +34,8 @@
       0x8000000000000000;
 */
 
-/* What the operators on bits do, in numbers: Frama-C's own theory does not say so. bits.mlw proves each of these on
-   vectors of 64 bits. */
+/* What bitwise operators do to numbers, which Frama-C's own theory does not say. bits.mlw proves each axiom for 64-bit
+   vectors. */
 /*@ axiomatic bits {
       axiom and_below: \forall integer x, m; 0 <= x && 0 <= m ==> 0 <= (x & m) <= m;
       axiom low_seven: \forall integer x; 0 <= x < 0x80 ==> (x & 0x7f) == x;
@@ -61,7 +60,7 @@
 
 /*@ logic integer group{L}(byte *at, integer size, integer i) = i < size ? (at[i] & 0x7f) : 0;
 
-    // The groups of seven bits, the first the lowest.
+    // The sum of the groups of seven bits, the lowest first.
     logic integer sum_32{L}(byte *at, integer size) =
       group(at, size, 0) + 0x80 * group(at, size, 1) + 0x4000 * group(at, size, 2) +
       0x200000 * group(at, size, 3) + 0x10000000 * group(at, size, 4);
@@ -255,8 +254,8 @@ static uint32_t with_byte(uint32_t low, byte next, unsigned shift) {
       word == a + 0x100 * b + 0x10000 * c + 0x1000000 * d;
 */
 
-/* Four bytes as a number, the first the lowest: at[0] | at[1] << 8 | at[2] << 16 | at[3] << 24. The core loads them at
-   once, and swaps them where the first would be the highest. */
+/* Four bytes as a little-endian number: at[0] | at[1] << 8 | at[2] << 16 | at[3] << 24. The core loads them at once,
+   and swaps them on a big-endian machine. */
 /*@ requires \valid_read(at + (0 .. 3));
     terminates \true;
     assigns \result \from at[0 .. 3];
@@ -270,13 +269,13 @@ static uint32_t load_half_word(const byte *at) {
   return with_byte(three, at[3], 24);
 }
 
-/* A varint of up to four bytes in a word: how many they are, 0 when none of the four ends it, and its value. */
+/* A varint of up to four bytes in a word: its size, or 0 if it does not end in the word, and its value. */
 struct short_varint {
   unsigned size;
   uint32_t value;
 };
 
-/* bits.mlw proves this one's contract, on vectors of 32 bits. */
+/* bits.mlw proves this contract, for 32-bit vectors. */
 /*@ terminates \true;
     assigns \result \from word;
     ensures \forall integer a, b, c, d; bytes(word, a, b, c, d) && a < 0x80 ==>

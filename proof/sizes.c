@@ -1,4 +1,4 @@
-/* The twin of src/core/memory.hpp: sizes that cannot wrap. README.md says what is proved. */
+/* Reference implementation of src/core/memory.hpp: sizes that cannot wrap. README.md says what is proved. */
 #include "wire.h"
 
 /*@ requires \valid(size) && element != 0;

@@ -1,4 +1,4 @@
-/* The types and functions of the proved twin. Their contracts stand where they are defined; README.md says more. */
+/* The types and functions of the reference implementation. Their contracts are where they are defined. */
 #ifndef PAVO_ZORV_PROOF_WIRE_H
 #define PAVO_ZORV_PROOF_WIRE_H
 

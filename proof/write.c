@@ -1,14 +1,14 @@
-/* The twin of what src/core/encode.hpp and wire.hpp write: sizes of varints, and varints written backwards. README.md
-   says what is proved. */
+/* Reference implementation of the writers in src/core/encode.hpp and wire.hpp: sizes of varints, and varints written
+   backwards. README.md says what is proved. */
 #include "wire.h"
 
-/*@ // Groups of seven bits, and one for 0.
+/*@ // The number of groups of seven bits, and one for 0.
     logic integer groups(integer value) =
       value < 0x80 ? 1 : value < 0x4000 ? 2 : value < 0x200000 ? 3 : value < 0x10000000 ? 4 :
       value < 0x800000000 ? 5 : value < 0x40000000000 ? 6 : value < 0x2000000000000 ? 7 :
       value < 0x100000000000000 ? 8 : value < 0x8000000000000000 ? 9 : 10;
 
-    // The byte at a place of a varint: the last has no top bit.
+    // Byte i of a varint: all but the last have the top bit set.
     logic integer byte_of(integer value, integer size, integer i) =
       i == size - 1 ? (uint8_t)(value >> 7 * i) : (uint8_t)((value >> 7 * i) | 0x80);
 
@@ -25,7 +25,7 @@
     }
 */
 
-/* The compiler's own, so that its contract is taken as given. */
+/* A function of the compiler, whose contract is assumed. */
 /*@ requires value != 0;
     terminates \true;
     assigns \result \from value;
@@ -184,7 +184,7 @@ static void store_half_word(byte *at, uint32_t word) {
   for (unsigned i = 0; i < 4; ++i) at[i] = (byte)(word >> 8 * i);
 }
 
-/* bits.mlw proves this one's contract, on vectors of 64 bits. */
+/* bits.mlw proves this contract, for 64-bit vectors. */
 /*@ requires size == groups(value) && 1 <= size <= 8;
     terminates \true;
     assigns \result \from value, size;
