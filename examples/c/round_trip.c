@@ -36,10 +36,10 @@ int main(void) {
   api_msg received;
   int result = pavo_zorv_api_msg_decode_ext(&received, bytes, length, pavo_zorv_heap_allocate, NULL, 0);
   if (result == CODEC_OK && (received.presence & API_MSG_HAS_P2P_AUTO_POLICY_REQUEST) != 0) {
-    const api_msg_p2p_auto_policy *wanted = &received.p2p_auto_policy_request.policy;
-    if ((wanted->presence & API_MSG_P2P_AUTO_POLICY_HAS_FIELD1) != 0) printf("policy %s", wanted->field1);
-    for (uint32_t i = 0; i < wanted->label_stack.label_count; ++i) {
-      printf(", label %u", (unsigned)wanted->label_stack.labels[i]);
+    const api_msg_p2p_auto_policy *requested = &received.p2p_auto_policy_request.policy;
+    if ((requested->presence & API_MSG_P2P_AUTO_POLICY_HAS_FIELD1) != 0) printf("policy %s", requested->field1);
+    for (uint32_t i = 0; i < requested->label_stack.label_count; ++i) {
+      printf(", label %u", (unsigned)requested->label_stack.labels[i]);
     }
     printf("\n");
   }

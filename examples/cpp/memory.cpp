@@ -1,4 +1,4 @@
-// Where a record's memory comes from in C++: the heap, a memory resource, a pool, a budget.
+// The sources of a record's memory in C++: the heap, a memory resource, a pool, a budget.
 #include <array>
 #include <cstdio>
 #include <memory_resource>
