@@ -1,8 +1,8 @@
-# What is installed, in two components of the library: runtime, and development. The tools are a third.
+# What is installed: the components runtime and development; the tools are a third one.
 install(TARGETS pavo_zorv pavo_zorv_static EXPORT pavo_zorv
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development)
-# Here the dynamic loader looks first, on processors that run it.
+# Where the dynamic loader looks first on processors that support x86-64-v3.
 set(second_folder ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3)
 if(PAVO_ZORV_X86_64_V3)
   install(TARGETS pavo_zorv_x86_64_v3
@@ -25,7 +25,7 @@ write_basic_package_version_file(pavo_zorvConfigVersion.cmake COMPATIBILITY Same
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pavo_zorvConfigVersion.cmake
   DESTINATION ${config_folder} COMPONENT development)
 
-# For pkg-config. Only the installation knows the prefix, so the file is written then.
+# For pkg-config. The file is written during installation, when the prefix is known.
 foreach(folder IN ITEMS LIBDIR INCLUDEDIR)
   set(pc_${folder} "\${prefix}")
   cmake_path(APPEND pc_${folder} ${CMAKE_INSTALL_${folder}})
@@ -40,7 +40,7 @@ install(CODE "
   COMPONENT development)
 install(FILES ${pc_file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# All of that again.
+# Removes all of that.
 if(PROJECT_IS_TOP_LEVEL)
   add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D BUILD_FOLDER=${CMAKE_BINARY_DIR}
     -P ${CMAKE_CURRENT_SOURCE_DIR}/cmake/uninstall.cmake VERBATIM)

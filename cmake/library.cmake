@@ -1,29 +1,29 @@
-# How the library is compiled and linked: once for the processor that the flags name, once more for x86-64-v3.
+# How the library is compiled and linked: for the processor that the flags select, and a second time for x86-64-v3.
 
-# The flags with which the compiler touches every page of a frame in order, so that the stack is never left by stepping
-# over the page that guards its end; none where it cannot. The code keeps its frames smaller than a page then.
+# The flags with which the compiler touches every page of a stack frame in order, so that no frame skips the guard page;
+# empty if it cannot. The code then keeps its frames smaller than a page.
 function(pavo_zorv_find_stack_probes result)
   include(CheckCXXSourceCompiles)
   set(flags -fstack-clash-protection)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    # Pages have 4 KB: on some processors GCC takes the guard to be larger.
+    # Pages have 4 KB; for some processors GCC assumes a larger guard.
     list(APPEND flags --param=stack-clash-protection-guard-size=12)
   endif()
   list(JOIN flags " " CMAKE_REQUIRED_FLAGS)
-  # A compiler that takes the flag and does nothing says so; elsewhere GCC takes it for frames of variable size only.
+  # A compiler that ignores the flag says so; on other processors GCC applies it to frames of variable size only.
   check_cxx_source_compiles("
     #if !defined(__x86_64__) && !defined(__i386__) && !defined(__aarch64__) && \
       !defined(__s390x__) && !defined(__powerpc__)
-    #error the frames are not touched
+    #error frames are not probed
     #endif
-    int main() { return 0; }" pavo_zorv_compiler_touches_frames FAIL_REGEX "argument unused|not supported")
-  if(NOT pavo_zorv_compiler_touches_frames)
+    int main() { return 0; }" pavo_zorv_compiler_probes_frames FAIL_REGEX "argument unused|not supported")
+  if(NOT pavo_zorv_compiler_probes_frames)
     set(flags)
   endif()
   set(${result} ${flags} PARENT_SCOPE)
 endfunction()
 
-# For all that is compiled from the core.
+# For everything that compiles code of the core.
 pavo_zorv_find_stack_probes(stack_probes)
 add_library(pavo_zorv_stack_probes INTERFACE)
 if(stack_probes)
@@ -45,15 +45,15 @@ function(pavo_zorv_objects objects)
     UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
 endfunction()
 
-# What both kinds of library have in common. Linked as C: nothing of the C++ runtime is needed.
+# What the shared and the static library have in common. They are linked as C: no C++ runtime is needed.
 function(pavo_zorv_interface library)
   target_include_directories(${library} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   set_target_properties(${library} PROPERTIES OUTPUT_NAME pavo_zorv LINKER_LANGUAGE C)
 endfunction()
 
-# The export list, and no start-up objects: the library has nothing to set up, so it has no data section either. The
-# loader finds all functions at once: nothing can be written afterwards, and no first call takes more stack.
+# With an export list, and without start-up objects: the library needs no initialisation. The loader binds all functions
+# at once, so that nothing stays writable afterwards, and no first call takes more stack.
 function(pavo_zorv_shared_library library objects)
   add_library(${library} SHARED $<TARGET_OBJECTS:${objects}>)
   pavo_zorv_interface(${library})
@@ -61,29 +61,29 @@ function(pavo_zorv_shared_library library objects)
   set_target_properties(${library} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${pavo_zorv_abi} LINK_DEPENDS ${export_list})
   target_link_options(${library} PRIVATE LINKER:--version-script=${export_list} LINKER:-z,relro LINKER:-z,now)
-  # Instrumented code calls a runtime that only the program has.
+  # Instrumented code calls a runtime that only the program links.
   if(NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE AND NOT "${CMAKE_CXX_FLAGS}" MATCHES "-fsanitize=")
     target_link_options(${library} PRIVATE -nostartfiles LINKER:-z,defs LINKER:--as-needed)
   endif()
 endfunction()
 
-# Whether a second build for x86-64-v3 makes sense: on a machine where the dynamic loader looks for one, with a compiler
-# that can make one, and unless the flags ask for that much already.
+# Whether a second build for x86-64-v3 makes sense: if the dynamic loader looks for one, the compiler supports it, and
+# the flags do not select it already.
 function(pavo_zorv_x86_64_v3_makes_sense result)
   include(CheckCXXCompilerFlag)
   include(CheckCXXSourceCompiles)
-  check_cxx_compiler_flag(-march=x86-64-v3 pavo_zorv_compiler_knows_x86_64_v3)
+  check_cxx_compiler_flag(-march=x86-64-v3 pavo_zorv_compiler_supports_x86_64_v3)
   check_cxx_source_compiles("
     #include <stdlib.h>
     #if !defined(__linux__) || !defined(__x86_64__) || defined(__ILP32__) || !defined(__GLIBC__)
     #error not x86-64 Linux with glibc
     #elif !__GLIBC_PREREQ(2, 33)
-    #error the dynamic loader knows no glibc-hwcaps
+    #error the dynamic loader does not support glibc-hwcaps
     #elif defined(__AVX2__) && defined(__BMI2__) && defined(__FMA__) && defined(__LZCNT__) && defined(__MOVBE__)
-    #error the flags ask for x86-64-v3 already
+    #error the flags select x86-64-v3 already
     #endif
     int main() { return 0; }" pavo_zorv_below_x86_64_v3)
-  if(pavo_zorv_compiler_knows_x86_64_v3 AND pavo_zorv_below_x86_64_v3)
+  if(pavo_zorv_compiler_supports_x86_64_v3 AND pavo_zorv_below_x86_64_v3)
     set(${result} ON PARENT_SCOPE)
   else()
     set(${result} OFF PARENT_SCOPE)

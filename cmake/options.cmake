@@ -1,19 +1,19 @@
-# What can be chosen, and the compiler flags that follow.
-option(PAVO_ZORV_TOOLS "Build zorv-inspect where its packages are found" ${PROJECT_IS_TOP_LEVEL})
-option(PAVO_ZORV_TESTS "Build the tests where their packages are found" ${PROJECT_IS_TOP_LEVEL})
+# Options, and the compiler flags that follow from them.
+option(PAVO_ZORV_TOOLS "Build zorv-inspect if its packages are found" ${PROJECT_IS_TOP_LEVEL})
+option(PAVO_ZORV_TESTS "Build the tests if their packages are found" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
-option(PAVO_ZORV_BENCHMARKS "Build the benchmarks where their packages are found" OFF)
-option(PAVO_ZORV_INSTALL "Have rules for installing" ${PROJECT_IS_TOP_LEVEL})
+option(PAVO_ZORV_BENCHMARKS "Build the benchmarks if their packages are found" OFF)
+option(PAVO_ZORV_INSTALL "Add the rules for installing" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_PACKAGES "Make Debian packages with cpack" OFF)
 set(PAVO_ZORV_PACKAGE_MAINTAINER "pavo-zorv maintainers <maintainers@pavo-zorv.invalid>" CACHE STRING
-  "Name and mail address in the packages")
+  "Name and mail address of the maintainer in the packages")
 option(PAVO_ZORV_FUZZING "Instrument for libFuzzer and build the fuzzing programs; needs clang" OFF)
-option(PAVO_ZORV_REQUIRE_ALL "A part that cannot be built for want of a package is an error" OFF)
-option(PAVO_ZORV_WERROR "Warnings are errors" OFF)
+option(PAVO_ZORV_REQUIRE_ALL "Fail if a part cannot be built because a package is missing" OFF)
+option(PAVO_ZORV_WERROR "Treat warnings as errors" OFF)
 option(PAVO_ZORV_COVERAGE "Instrument for coverage" OFF)
 set(PAVO_ZORV_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
 
-# The second build is for what is released; instrumented builds do without it unless they are asked for it.
+# The second build is for releases; instrumented builds have it only on request.
 set(pavo_zorv_x86_64_v3_default OFF)
 if(PROJECT_IS_TOP_LEVEL AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
   pavo_zorv_x86_64_v3_makes_sense(pavo_zorv_x86_64_v3_default)
@@ -21,7 +21,7 @@ endif()
 option(PAVO_ZORV_X86_64_V3 "Build the shared library a second time, for x86-64-v3" ${pavo_zorv_x86_64_v3_default})
 
 if(PAVO_ZORV_PACKAGES)
-  # Debian's place for libraries, under any prefix.
+  # Debian's folder for libraries, under any prefix.
   set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE})
 endif()
 include(GNUInstallDirs)
@@ -34,8 +34,8 @@ endif()
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
-# Sources of tools and tests are compiled several at once, in half the time. In a debug build, where one is changed
-# after the other, each is compiled by itself, which also shows an include that is missing.
+# Sources of tools and tests are compiled several at once, which halves the time. In a debug build, where single sources
+# change, each is compiled by itself, which also detects missing includes.
 set(pavo_zorv_several_at_once ON)
 if(CMAKE_BUILD_TYPE STREQUAL Debug)
   set(pavo_zorv_several_at_once OFF)

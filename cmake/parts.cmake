@@ -1,4 +1,4 @@
-# The parts beside the library. Each says in one line why it is left out when its packages are missing.
+# The parts other than the library. If packages are missing, one line says what is left out and why.
 function(pavo_zorv_part folder)
   set(missing)
   foreach(package IN LISTS ARGN)
@@ -19,8 +19,8 @@ function(pavo_zorv_part folder)
   endif()
 endfunction()
 
-# Finds a program. When it is missing, what needs it is left out, with a line that says so; the variable of its name is
-# false then.
+# Finds a program and sets the variable of its name. If it is missing, one line says what is left out, and the variable
+# is false.
 function(pavo_zorv_program name what)
   find_program(${name} ${name})
   if(NOT ${name} AND PAVO_ZORV_REQUIRE_ALL)
@@ -48,7 +48,7 @@ if(PAVO_ZORV_TESTS OR PAVO_ZORV_FUZZING)
   enable_testing()
   pavo_zorv_part(fuzz)
 endif()
-# Of what is released, on the machine that it is for.
+# Only for releases, on the machine that they are built for.
 if(PAVO_ZORV_TESTS AND CMAKE_BUILD_TYPE STREQUAL Release AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE AND
     NOT CMAKE_CROSSCOMPILING)
   add_subdirectory(tests/memcheck)

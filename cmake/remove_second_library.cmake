@@ -1,5 +1,6 @@
-# Removes the second library that an earlier installation has left in FOLDER, with its links: the dynamic loader would
-# take it instead of the one that is installed now. The library has SONAME; one of another binary interface stays.
+# Removes from FOLDER the second library of an earlier installation and its links, because the dynamic loader would
+# prefer it to the library that is installed now. Only a library with SONAME is removed, not one with another binary
+# interface.
 file(GLOB candidates "${FOLDER}/libpavo_zorv.so.*")
 set(links)
 set(removed)
@@ -17,7 +18,7 @@ endforeach()
 if(removed)
   file(REMOVE ${removed})
 endif()
-# Those that lead nowhere now.
+# Links that are dangling now.
 foreach(link IN LISTS links)
   if(NOT EXISTS "${link}")
     file(REMOVE "${link}")
@@ -25,9 +26,9 @@ foreach(link IN LISTS links)
   endif()
 endforeach()
 foreach(file IN LISTS removed)
-  message(STATUS "Removed, of an earlier installation: ${file}")
+  message(STATUS "Removed from an earlier installation: ${file}")
 endforeach()
-# Its folders, where nothing else is in them.
+# Its folders, if they are empty.
 if(removed)
   cmake_path(GET FOLDER PARENT_PATH parent)
   execute_process(COMMAND rmdir "${FOLDER}" "${parent}" ERROR_QUIET)

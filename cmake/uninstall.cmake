@@ -1,5 +1,6 @@
-# Removes what was installed: the files that the lists in the build folder name, whole installations and components, and
-# the folders of the library's own that are empty then. Run by the target `uninstall`, with BUILD_FOLDER.
+# Removes what was installed: the files listed in the manifests of the build folder, of full installations and of
+# components, and the folders that only the library uses, if they are empty then. The target `uninstall` runs it, with
+# BUILD_FOLDER.
 file(GLOB lists "${BUILD_FOLDER}/install_manifest*.txt")
 if(NOT lists)
   message(FATAL_ERROR "nothing is installed from ${BUILD_FOLDER}: it has no install_manifest.txt")
@@ -14,25 +15,25 @@ foreach(list IN LISTS lists)
       message(STATUS "Removing: ${file}")
       file(REMOVE "${file}")
       if(EXISTS "${file}" OR IS_SYMLINK "${file}")
-        message(FATAL_ERROR "cannot be removed: ${file}")
+        message(FATAL_ERROR "cannot remove ${file}")
       endif()
     endif()
     cmake_path(GET file PARENT_PATH folder)
     if(folder MATCHES "/(cmake/pavo_zorv|glibc-hwcaps/x86-64-v3|doc/(libpavo-zorv[^/]*|zorv-inspect))$")
       list(APPEND folders "${folder}")
     endif()
-    # It has folders for processors alone.
+    # It contains folders for processors only.
     if(folder MATCHES "^(.*/glibc-hwcaps)/x86-64-v3$")
       list(APPEND folders "${CMAKE_MATCH_1}")
     endif()
   endforeach()
 endforeach()
 
-# Deepest first. One that holds something else stays.
+# Deepest first. Folders that are not empty stay.
 list(REMOVE_DUPLICATES folders)
 list(SORT folders ORDER DESCENDING)
 foreach(folder IN LISTS folders)
   execute_process(COMMAND rmdir "${folder}" ERROR_QUIET)
 endforeach()
-# What comes to the same places later is somebody else's.
+# Files that appear in the same places later are not ours.
 file(REMOVE ${lists})
