@@ -1,4 +1,4 @@
-// What the bump allocator does rarely.
+// The parts of the bump allocator that are not inlined.
 #include "contest.hpp"
 
 #include <algorithm>

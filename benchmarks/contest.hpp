@@ -1,5 +1,5 @@
-// The contest: who is timed doing what. A case is one contestant doing one operation on one workload; it is prepared
-// and checked when it is first wanted, and timed by repeating it.
+// The contestants and cases of the benchmark. A case is one contestant that performs one operation on one workload; it
+// is prepared and checked on first use, and timed by repeating it.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace contest {
 using byte_string = std::vector<unsigned char>;
 using repeat = std::function<void(std::size_t times)>;
 
-// What a reader of the results has to know about a contestant to compare it.
+// What readers of the results need to know about a contestant.
 struct contestant {
   const char *name;
   const char *memory;
@@ -33,14 +33,14 @@ struct contest_case {
   std::string name() const { return operation + "/" + workload + "/" + contestant; }
 };
 
-// A contestant that does not do the work is not timed.
+// A contestant whose result is wrong is not timed.
 inline void require(bool holds, const char *what, const std::string &workload) {
   if (holds) return;
   std::cerr << "contestant failed its check: " << what << ", workload " << workload << "\n";
   std::abort();
 }
 
-// Makes the optimiser believe that an object is read and that all memory may have changed.
+// Makes the optimiser assume that the object is read and that all memory may change.
 inline void keep(const void *object) { asm volatile("" : : "r"(object) : "memory"); }
 
 // The timed loop: one indirect call for all repetitions.
@@ -56,9 +56,9 @@ repeat repeated(Step step) {
 
 class roll {
  public:
-  void introduce(const contestant &who) { contestants.push_back(who); }
+  void add_contestant(const contestant &who) { contestants.push_back(who); }
 
-  void enter(const char *operation, const std::string &workload, const char *who, std::function<repeat()> prepare) {
+  void add_case(const char *operation, const std::string &workload, const char *who, std::function<repeat()> prepare) {
     cases.push_back({operation, workload, who, std::move(prepare)});
   }
 
@@ -66,7 +66,7 @@ class roll {
   std::vector<contest_case> cases;
 };
 
-// A bump allocator: what ours, protobuf-c, nanopb and protozero take memory from. Blocks are aligned for any record.
+// The bump allocator for pavo_zorv, protobuf-c, nanopb and protozero. Blocks are aligned for any record.
 class pool {
  public:
   explicit pool(std::size_t capacity) : capacity_(capacity), block_(new unsigned char[capacity]) {}
@@ -81,16 +81,16 @@ class pool {
     return result;
   }
 
-  // Makes the newest block smaller.
+  // Shrinks the newest block.
   void trim(void *newest, std::size_t size) {
     used_ =
         static_cast<std::size_t>(static_cast<unsigned char *>(newest) - block_.get()) + ((size + 7) & ~std::size_t{7});
   }
 
-  // Makes a block larger: where it stands if it is the newest one.
+  // Enlarges a block: in place if it is the newest one.
   void *grow(void *block, std::size_t size, std::size_t larger);
 
-  // As the callbacks of the library.
+  // Callbacks for the library.
   static void *allocate(std::size_t size, void *context) { return static_cast<pool *>(context)->take(size); }
   static void ignore(void *, void *) {}
 
@@ -100,14 +100,14 @@ class pool {
   std::unique_ptr<unsigned char[]> block_;
 };
 
-// The callbacks of the library over the C library's allocator.
+// Callbacks for the library that use the C library's allocator.
 inline void *allocate_from_heap(std::size_t size, void *) { return std::malloc(size != 0 ? size : 1); }
 inline void release_to_heap(void *block, void *) { std::free(block); }
 
-// Room for whatever any contestant makes of an encoding of this size; untouched pages cost nothing.
-constexpr std::size_t roomy(std::size_t length) { return length * 96 + (std::size_t{1} << 16); }
+// Enough for what any contestant decodes from an encoding of this length; untouched pages cost nothing.
+constexpr std::size_t pool_capacity(std::size_t length) { return length * 96 + (std::size_t{1} << 16); }
 
-// The contestants, each in a file of its own.
+// The contestants, one file each.
 void enter_library(roll &all);
 void enter_floors(roll &all);
 void enter_protobuf(roll &all);
@@ -115,7 +115,7 @@ void enter_protobuf_c(roll &all);
 void enter_nanopb(roll &all);
 void enter_protozero(roll &all);
 
-// Everybody, on every workload.
-roll everybody();
+// All contestants and cases.
+roll all_cases();
 
 }  // namespace contest

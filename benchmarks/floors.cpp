@@ -1,5 +1,5 @@
-// The floors: what remains when nothing is understood. The bytes are moved, and memory of the same sizes as ours is
-// taken; no codec that owns its memory can be faster.
+// Lower bounds: the bytes are moved and blocks of the same sizes are allocated, but nothing is decoded. No codec that
+// owns its memory can be faster.
 #include <cstring>
 
 #include "contest.hpp"
@@ -16,13 +16,13 @@ constexpr const char *bytes_compared = "floor_memcmp";
 constexpr const char *record_overwritten = "floor_record";
 constexpr const char *presence_read = "floor_presence";
 
-// Notes the sizes that are asked for.
-struct surveyor {
+// An allocator that records the requested sizes.
+struct size_recorder {
   std::vector<std::size_t> sizes;
   pool memory;
 
   static void *allocate(std::size_t size, void *context) {
-    auto *const self = static_cast<surveyor *>(context);
+    auto *const self = static_cast<size_recorder *>(context);
     self->sizes.push_back(size);
     return self->memory.take(size);
   }
@@ -30,11 +30,12 @@ struct surveyor {
 
 template <class Record>
 struct bench {
-  explicit bench(const workload<Record> &what) : work(what), memory(roomy(what.longest())), output(what.longest()) {
+  explicit bench(const workload<Record> &what)
+      : work(what), memory(pool_capacity(what.longest())), output(what.longest()) {
     for (const byte_string &message : what.wire) {
-      surveyor notes{{}, pool(roomy(message.size()))};
-      operations<Record>::decode(&record, message, surveyor::allocate, &notes, what.options);
-      blocks.push_back(std::move(notes.sizes));
+      size_recorder recorder{{}, pool(pool_capacity(message.size()))};
+      operations<Record>::decode(&record, message, size_recorder::allocate, &recorder, what.options);
+      blocks.push_back(std::move(recorder.sizes));
       most = std::max(most, blocks.back().size());
     }
     taken.resize(most);
@@ -63,7 +64,7 @@ repeat move_bytes(const workload<Record> &work) {
 template <class Record>
 repeat move_bytes_and_take_from_pool(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
-  // Through a pointer, as the library calls it.
+  // Called through a pointer, as in the library.
   const auto allocate = std::make_shared<pavo_zorv_allocate>(pool::allocate);
   return repeated([on, allocate] {
     for (std::size_t i = 0; i < on->work.wire.size(); ++i) {
@@ -106,7 +107,7 @@ repeat compare_bytes(const workload<Record> &work) {
   });
 }
 
-// What a record costs whatever it holds, as decoding and copying overwrite all of it.
+// The cost of a record whatever its content: decoding and copying overwrite all of it.
 template <class Record>
 repeat clear_record(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
@@ -134,7 +135,7 @@ repeat copy_record(const workload<Record> &work) {
   });
 }
 
-// The presence flags of a message and of those nested in it, put together.
+// The presence flags of a message and of all messages nested in it, combined.
 template <class Record>
 std::uint32_t presence_of_all(const Record &record) {
   std::uint32_t bits = record.presence;
@@ -145,7 +146,7 @@ std::uint32_t presence_of_all(const Record &record) {
   return bits;
 }
 
-// The presence flags of all messages inside a record, which each call of encoding has to look at.
+// What every call that encodes has to read at least.
 template <class Record>
 repeat read_presence(const workload<Record> &work, unsigned calls) {
   auto sources = std::make_shared<std::vector<Record>>(work.wire.size());
@@ -162,26 +163,27 @@ repeat read_presence(const workload<Record> &work, unsigned calls) {
 }  // namespace
 
 void enter_floors(roll &all) {
-  all.introduce({bytes_only, "none", "the encoding is copied by memcpy, nothing is read", "none"});
-  all.introduce({bytes_and_pool, "the record cleared, and our block sizes from a pool", "as above", "none"});
-  all.introduce({bytes_and_heap, "the record cleared, and our block sizes from malloc, freed", "as above", "none"});
-  all.introduce({bytes_compared, "none", "two encodings are compared by memcmp", "none"});
-  all.introduce({record_overwritten, "none", "the record alone is cleared or copied", "none"});
-  all.introduce({presence_read, "none", "the presence flags are read: once to measure, twice to encode", "none"});
+  all.add_contestant({bytes_only, "none", "the encoding is copied by memcpy, nothing is read", "none"});
+  all.add_contestant({bytes_and_pool, "the record cleared, and our block sizes from a pool", "as above", "none"});
+  all.add_contestant(
+      {bytes_and_heap, "the record cleared, and our block sizes from malloc, freed", "as above", "none"});
+  all.add_contestant({bytes_compared, "none", "two encodings are compared by memcmp", "none"});
+  all.add_contestant({record_overwritten, "none", "the record alone is cleared or copied", "none"});
+  all.add_contestant({presence_read, "none", "the presence flags are read: once to measure, twice to encode", "none"});
   all_workloads().each([&](const auto &work) {
     const bool copyable = work.options == 0;
     for (const char *operation : {"decode", "copy"}) {
       if (!copyable && std::strcmp(operation, "copy") == 0) continue;
-      all.enter(operation, work.name, bytes_only, [&] { return move_bytes(work); });
-      all.enter(operation, work.name, bytes_and_pool, [&] { return move_bytes_and_take_from_pool(work); });
-      all.enter(operation, work.name, bytes_and_heap, [&] { return move_bytes_and_take_from_heap(work); });
+      all.add_case(operation, work.name, bytes_only, [&] { return move_bytes(work); });
+      all.add_case(operation, work.name, bytes_and_pool, [&] { return move_bytes_and_take_from_pool(work); });
+      all.add_case(operation, work.name, bytes_and_heap, [&] { return move_bytes_and_take_from_heap(work); });
     }
-    all.enter("encode", work.name, bytes_only, [&] { return move_bytes(work); });
-    all.enter("decode", work.name, record_overwritten, [&] { return clear_record(work); });
-    if (copyable) all.enter("copy", work.name, record_overwritten, [&] { return copy_record(work); });
-    all.enter("measure", work.name, presence_read, [&] { return read_presence(work, 1); });
-    all.enter("encode", work.name, presence_read, [&] { return read_presence(work, 2); });
-    if (copyable) all.enter("compare", work.name, bytes_compared, [&] { return compare_bytes(work); });
+    all.add_case("encode", work.name, bytes_only, [&] { return move_bytes(work); });
+    all.add_case("decode", work.name, record_overwritten, [&] { return clear_record(work); });
+    if (copyable) all.add_case("copy", work.name, record_overwritten, [&] { return copy_record(work); });
+    all.add_case("measure", work.name, presence_read, [&] { return read_presence(work, 1); });
+    all.add_case("encode", work.name, presence_read, [&] { return read_presence(work, 2); });
+    if (copyable) all.add_case("compare", work.name, bytes_compared, [&] { return compare_bytes(work); });
   });
 }
 

@@ -1,4 +1,4 @@
-// Ours: the library under test, with a bump allocator and with the C library's.
+// The library, with a bump allocator and with the C library's.
 #include <algorithm>
 #include <cstring>
 
@@ -12,11 +12,11 @@ constexpr const char *with_pool = "pavo_zorv";
 constexpr const char *with_pool_released = "pavo_zorv_released";
 constexpr const char *with_heap = "pavo_zorv_malloc";
 
-// A record decoded from each message, from the heap; and a record, a pool and a buffer to work with.
+// A record on the heap, decoded from each message; and a record, a pool and a buffer to work with.
 template <class Record>
 struct bench {
   explicit bench(const workload<Record> &what)
-      : work(what), sources(what.wire.size()), memory(roomy(what.longest())), output(what.longest()) {
+      : work(what), sources(what.wire.size()), memory(pool_capacity(what.longest())), output(what.longest()) {
     for (std::size_t i = 0; i < sources.size(); ++i) {
       const int result = operations<Record>::decode(&sources[i], what.wire[i], allocate_from_heap, nullptr, 0);
       require(result == CODEC_OK, "pavo_zorv decodes the workload", what.name);
@@ -114,7 +114,7 @@ repeat encode(const workload<Record> &work) {
   });
 }
 
-// As reference mode is meant: with the table of pieces to send. Its capacity is found once.
+// In reference mode, with the table of pieces to send. Its capacity is determined once.
 template <class Record>
 repeat encode_by_reference(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
@@ -129,7 +129,7 @@ repeat encode_by_reference(const workload<Record> &work) {
     if (piece.start < written.data() || piece.start >= written.data() + length) referenced += piece.length;
   const std::size_t whole = work.wire[0].size();
   require(referenced != 0 && length + referenced <= whole && whole - length - referenced < whole / 16,
-          "pavo_zorv refers to what it does not write", work.name);
+          "pavo_zorv refers to the bytes that it does not write", work.name);
   return repeated([on] {
     for (const Record &source : on->sources) {
       auto count = static_cast<std::uint32_t>(on->pieces.size());
@@ -186,7 +186,7 @@ repeat copy_with_malloc(const workload<Record> &work) {
   });
 }
 
-// With an equal record elsewhere in memory: everything is looked at.
+// With an equal record elsewhere in memory, so that everything is compared.
 template <class Record>
 repeat compare(const workload<Record> &work) {
   auto on = std::make_shared<bench<Record>>(work);
@@ -207,23 +207,25 @@ repeat compare(const workload<Record> &work) {
 }  // namespace
 
 void enter_library(roll &all) {
-  all.introduce({with_pool, "pool, reset for each message; nothing is released", "copied, NUL-terminated", "no UTF-8"});
-  all.introduce({with_pool_released, "the same, and free_ext with a callback that does nothing", "copied", "no UTF-8"});
-  all.introduce({with_heap, "malloc, and free_ext with free", "copied", "no UTF-8"});
+  all.add_contestant(
+      {with_pool, "pool, reset for each message; nothing is released", "copied, NUL-terminated", "no UTF-8"});
+  all.add_contestant(
+      {with_pool_released, "the same, and free_ext with a callback that does nothing", "copied", "no UTF-8"});
+  all.add_contestant({with_heap, "malloc, and free_ext with free", "copied", "no UTF-8"});
   all_workloads().each([&](const auto &work) {
-    all.enter("decode", work.name, with_pool, [&] { return decode_into_pool(work); });
-    all.enter("decode", work.name, with_pool_released, [&] { return decode_into_pool_and_release(work); });
-    all.enter("decode", work.name, with_heap, [&] { return decode_with_malloc(work); });
-    all.enter("measure", work.name, with_pool, [&] { return measure(work); });
+    all.add_case("decode", work.name, with_pool, [&] { return decode_into_pool(work); });
+    all.add_case("decode", work.name, with_pool_released, [&] { return decode_into_pool_and_release(work); });
+    all.add_case("decode", work.name, with_heap, [&] { return decode_with_malloc(work); });
+    all.add_case("measure", work.name, with_pool, [&] { return measure(work); });
     if (work.options != 0) {
-      all.enter("encode", work.name, with_pool, [&] { return encode_by_reference(work); });
-      return;  // copying and comparing know no reference mode
+      all.add_case("encode", work.name, with_pool, [&] { return encode_by_reference(work); });
+      return;  // copying and comparing have no reference mode
     }
-    all.enter("encode", work.name, with_pool, [&] { return encode(work); });
-    all.enter("copy", work.name, with_pool, [&] { return copy_into_pool(work); });
-    all.enter("copy", work.name, with_pool_released, [&] { return copy_into_pool_and_release(work); });
-    all.enter("copy", work.name, with_heap, [&] { return copy_with_malloc(work); });
-    all.enter("compare", work.name, with_pool, [&] { return compare(work); });
+    all.add_case("encode", work.name, with_pool, [&] { return encode(work); });
+    all.add_case("copy", work.name, with_pool, [&] { return copy_into_pool(work); });
+    all.add_case("copy", work.name, with_pool_released, [&] { return copy_into_pool_and_release(work); });
+    all.add_case("copy", work.name, with_heap, [&] { return copy_with_malloc(work); });
+    all.add_case("compare", work.name, with_pool, [&] { return compare(work); });
   });
 }
 

@@ -1,4 +1,4 @@
-// The timed program: every case under Google Benchmark, as operation/workload/contestant.
+// Runs every case under Google Benchmark, as operation/workload/contestant.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// What the compiler was allowed to use; nothing is chosen at run time.
+// The processor features that the compiler may use; nothing is selected at run time.
 std::string features() {
   std::string result;
 #if defined(__SSE2__)
@@ -46,8 +46,8 @@ std::string features() {
   return result.empty() ? "portable" : result.substr(1);
 }
 
-// Blocks of many sizes, taken first and kept: whatever comes later lies elsewhere.
-std::vector<std::vector<char>> displaced(unsigned layout) {
+// Blocks of many sizes, allocated first and kept, so that later blocks have other addresses.
+std::vector<std::vector<char>> displacing_blocks(unsigned layout) {
   std::vector<std::vector<char>> blocks;
   std::size_t state = layout;
   for (unsigned i = 0; i < 40 * layout; ++i) {
@@ -73,7 +73,7 @@ std::string option(int &count, char **arguments, const char *name) {
   return value;
 }
 
-// What the report says about the contest besides times: lines of a word and what it stands for, separated by tabs.
+// What the report needs besides times: lines of a keyword and its values, separated by tabs.
 void describe(const contest::roll &all) {
   std::cout << "features\t" << features() << '\n';
   for (const contest::contestant &one : all.contestants)
@@ -87,8 +87,8 @@ void describe(const contest::roll &all) {
 
 int main(int count, char **arguments) {
   const std::string layout = option(count, arguments, "layout");
-  const auto blocks = displaced(layout.empty() ? 0 : static_cast<unsigned>(std::stoul(layout)));
-  contest::roll all = contest::everybody();
+  const auto blocks = displacing_blocks(layout.empty() ? 0 : static_cast<unsigned>(std::stoul(layout)));
+  contest::roll all = contest::all_cases();
   if (count == 2 && std::strcmp(arguments[1], "--describe") == 0) {
     describe(all);
     return 0;

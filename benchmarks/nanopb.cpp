@@ -1,6 +1,6 @@
-// nanopb: one callback for strings, bytes and lists, which collects them in a pool. Its own pointer fields take a
+// nanopb, with one callback for strings, bytes and lists that collects them in a pool. Its own pointer fields call
 // realloc for every element of a list, and its encoder packs them; so callbacks are the faster setup, and the only one
-// that writes these bytes.
+// that produces these bytes.
 #include <pb_decode.h>
 #include <pb_encode.h>
 
@@ -17,10 +17,10 @@ namespace {
 
 constexpr const char *with_callbacks = "nanopb";
 
-// Where the callback takes memory from: nanopb hands no context to a callback that is bound by name.
+// The memory for the callback: nanopb passes no context to a callback that is bound by name.
 pool *memory_in_use = nullptr;
 
-// The size of a list's element.
+// The size of a list element.
 std::size_t element_size(const pb_field_t &field) {
   if (PB_LTYPE(field.type) != PB_LTYPE_SUBMESSAGE) return sizeof(std::uint32_t);
   const struct {
@@ -123,8 +123,8 @@ struct bench {
 
   explicit bench(const workload<Record> &what)
       : work(what),
-        memory(roomy(what.longest())),
-        source_memory(2 * roomy(what.size())),
+        memory(pool_capacity(what.longest())),
+        source_memory(2 * pool_capacity(what.size())),
         output(what.longest()),
         sources(what.wire.size()) {
     for (std::size_t i = 0; i < sources.size(); ++i) {
@@ -196,12 +196,12 @@ repeat encode(const workload<Record> &work) {
 }  // namespace
 
 void enter_nanopb(roll &all) {
-  all.introduce({with_callbacks, "pool, reset for each message; lists grow in it",
-                 "copied, NUL-terminated, by a callback", "no UTF-8"});
+  all.add_contestant({with_callbacks, "pool, reset for each message; lists grow in it",
+                      "copied, NUL-terminated, by a callback", "no UTF-8"});
   all_workloads().each([&](const auto &work) {
-    all.enter("decode", work.name, with_callbacks, [&] { return decode(work); });
-    all.enter("measure", work.name, with_callbacks, [&] { return measure(work); });
-    all.enter("encode", work.name, with_callbacks, [&] { return encode(work); });
+    all.add_case("decode", work.name, with_callbacks, [&] { return decode(work); });
+    all.add_case("measure", work.name, with_callbacks, [&] { return measure(work); });
+    all.add_case("encode", work.name, with_callbacks, [&] { return encode(work); });
   });
 }
 

@@ -1,28 +1,28 @@
-// One case, a number of times, and nothing else: for a profiler or a debugger. What is repeated runs inside `timed`, so
-// that a profiler can leave out the preparations: valgrind --tool=callgrind --toggle-collect=timed pavo_zorv_once ...
+// Runs a single case a number of times, for a profiler or a debugger. The repetitions run inside `timed`, so that a
+// profiler can exclude the preparation: valgrind --tool=callgrind --toggle-collect=timed pavo_zorv_once ...
 #include <cstdlib>
 
 #include "contest.hpp"
 
 extern "C" [[gnu::noinline]] void timed(const contest::repeat &run, std::size_t times) {
   run(times);
-  contest::keep(&run);  // so that the call above is not the last thing done, and stays inside
+  contest::keep(&run);  // so that the call above is not a tail call
 }
 
 int main(int count, char **arguments) {
-  const contest::roll all = contest::everybody();
+  const contest::roll all = contest::all_cases();
   if (count < 4) {
     std::cerr << "usage: " << arguments[0] << " OPERATION WORKLOAD TIMES [CONTESTANT]\nCases:\n";
     for (const contest::contest_case &one : all.cases) std::cerr << "  " << one.name() << '\n';
     return 2;
   }
   const std::string contestant = count > 4 ? arguments[4] : "pavo_zorv";
-  const std::string wanted = std::string(arguments[1]) + "/" + arguments[2] + "/" + contestant;
+  const std::string name = std::string(arguments[1]) + "/" + arguments[2] + "/" + contestant;
   for (const contest::contest_case &one : all.cases) {
-    if (one.name() != wanted) continue;
+    if (one.name() != name) continue;
     timed(one.prepare(), std::strtoul(arguments[3], nullptr, 10));
     return 0;
   }
-  std::cerr << "no such case: " << wanted << "\n";
+  std::cerr << "no such case: " << name << "\n";
   return 2;
 }

@@ -1,4 +1,4 @@
-// Protocol Buffers C++: a fresh object on the heap for each message, a fresh object on an arena, one object reused.
+// Protocol Buffers for C++: a new object on the heap for each message, a new object on an arena, or one reused object.
 #include <google/protobuf/arena.h>
 #include <google/protobuf/util/message_differencer.h>
 
@@ -54,7 +54,7 @@ byte_string serialized(const Message &object) {
   return result;
 }
 
-// An arena whose first block is large enough for any message of the workload: it never asks for another.
+// An arena whose first block is large enough for any message of the workload, so that it never allocates another.
 struct spacious_arena {
   explicit spacious_arena(std::size_t length) : block(new char[length]), arena(block.get(), length) {}
   std::unique_ptr<char[]> block;
@@ -66,7 +66,10 @@ struct bench {
   using message = typename counterpart<Record>::type;
 
   explicit bench(const workload<Record> &what)
-      : work(what), arena(roomy(what.longest())), source_arena(roomy(what.size())), output(what.longest()) {
+      : work(what),
+        arena(pool_capacity(what.longest())),
+        source_arena(pool_capacity(what.size())),
+        output(what.longest()) {
     for (const byte_string &wire : what.wire) {
       heap_sources.push_back(std::make_unique<message>());
       arena_sources.push_back(Arena::CreateMessage<message>(&source_arena.arena));
@@ -202,27 +205,28 @@ repeat compare(const workload<Record> &work) {
 }  // namespace
 
 void enter_protobuf(roll &all) {
-  all.introduce({on_heap, "a fresh object for each message, deleted; compare: MessageDifferencer, by reflection",
-                 "copied into std::string", "no UTF-8 (proto2)"});
-  all.introduce({on_arena, "a fresh object on an arena with a first block that suffices, reset for each message",
-                 "copied into std::string", "no UTF-8 (proto2)"});
-  all.introduce({reused,
-                 "one object, cleared by each parse or copy: it keeps its memory, and after the first takes none",
-                 "copied into strings that exist", "no UTF-8 (proto2)"});
+  all.add_contestant({on_heap, "a new object for each message, deleted; compare: MessageDifferencer, by reflection",
+                      "copied into std::string", "no UTF-8 (proto2)"});
+  all.add_contestant({on_arena, "a new object on an arena whose first block suffices, reset for each message",
+                      "copied into std::string", "no UTF-8 (proto2)"});
+  all.add_contestant({reused,
+                      "one object, cleared by each parse or copy: it keeps its memory, and after the first takes none",
+                      "copied into strings that exist", "no UTF-8 (proto2)"});
   all_workloads().each([&]<class Record>(const workload<Record> &work) {
     using at = bench<Record>;
-    all.enter("decode", work.name, on_heap, [&] { return decode_on_heap(work); });
-    all.enter("decode", work.name, on_arena, [&] { return decode_on_arena(work); });
-    all.enter("decode", work.name, reused, [&] { return decode_reused(work); });
-    all.enter("measure", work.name, on_heap, [&] { return measure(std::make_shared<at>(work), &at::heap_sources); });
-    all.enter("measure", work.name, on_arena, [&] { return measure(std::make_shared<at>(work), &at::arena_sources); });
-    all.enter("encode", work.name, on_heap, [&] { return encode(std::make_shared<at>(work), &at::heap_sources); });
-    all.enter("encode", work.name, on_arena, [&] { return encode(std::make_shared<at>(work), &at::arena_sources); });
+    all.add_case("decode", work.name, on_heap, [&] { return decode_on_heap(work); });
+    all.add_case("decode", work.name, on_arena, [&] { return decode_on_arena(work); });
+    all.add_case("decode", work.name, reused, [&] { return decode_reused(work); });
+    all.add_case("measure", work.name, on_heap, [&] { return measure(std::make_shared<at>(work), &at::heap_sources); });
+    all.add_case("measure", work.name, on_arena,
+                 [&] { return measure(std::make_shared<at>(work), &at::arena_sources); });
+    all.add_case("encode", work.name, on_heap, [&] { return encode(std::make_shared<at>(work), &at::heap_sources); });
+    all.add_case("encode", work.name, on_arena, [&] { return encode(std::make_shared<at>(work), &at::arena_sources); });
     if (work.options != 0) return;
-    all.enter("copy", work.name, on_heap, [&] { return copy_on_heap(work); });
-    all.enter("copy", work.name, on_arena, [&] { return copy_on_arena(work); });
-    all.enter("copy", work.name, reused, [&] { return copy_reused(work); });
-    all.enter("compare", work.name, on_heap, [&] { return compare(work); });
+    all.add_case("copy", work.name, on_heap, [&] { return copy_on_heap(work); });
+    all.add_case("copy", work.name, on_arena, [&] { return copy_on_arena(work); });
+    all.add_case("copy", work.name, reused, [&] { return copy_reused(work); });
+    all.add_case("compare", work.name, on_heap, [&] { return compare(work); });
   });
 }
 

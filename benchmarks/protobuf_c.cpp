@@ -1,4 +1,4 @@
-// protobuf-c: messages unpacked into a pool and into the heap.
+// protobuf-c, with a pool and with malloc.
 #include <cstring>
 
 #include "contest.hpp"
@@ -30,7 +30,7 @@ struct bench {
   explicit bench(const workload<Record> &what)
       : descriptor(descriptor_of(what.records[0])),
         wire(what.wire),
-        memory(roomy(what.longest())),
+        memory(pool_capacity(what.longest())),
         allocator{take_from_pool, give_to_pool, &memory},
         output(what.longest()) {
     for (const byte_string &message : wire) {
@@ -97,13 +97,13 @@ repeat encode(std::shared_ptr<bench> on) {
 }  // namespace
 
 void enter_protobuf_c(roll &all) {
-  all.introduce({with_pool, "pool, reset for each message", "copied, NUL-terminated", "no UTF-8"});
-  all.introduce({with_heap, "malloc, and free_unpacked", "copied, NUL-terminated", "no UTF-8"});
+  all.add_contestant({with_pool, "pool, reset for each message", "copied, NUL-terminated", "no UTF-8"});
+  all.add_contestant({with_heap, "malloc, and free_unpacked", "copied, NUL-terminated", "no UTF-8"});
   all_workloads().each([&](const auto &work) {
-    all.enter("decode", work.name, with_pool, [&] { return decode_into_pool(std::make_shared<bench>(work)); });
-    all.enter("decode", work.name, with_heap, [&] { return decode_with_malloc(std::make_shared<bench>(work)); });
-    all.enter("measure", work.name, with_heap, [&] { return measure(std::make_shared<bench>(work)); });
-    all.enter("encode", work.name, with_heap, [&] { return encode(std::make_shared<bench>(work)); });
+    all.add_case("decode", work.name, with_pool, [&] { return decode_into_pool(std::make_shared<bench>(work)); });
+    all.add_case("decode", work.name, with_heap, [&] { return decode_with_malloc(std::make_shared<bench>(work)); });
+    all.add_case("measure", work.name, with_heap, [&] { return measure(std::make_shared<bench>(work)); });
+    all.add_case("encode", work.name, with_heap, [&] { return encode(std::make_shared<bench>(work)); });
   });
 }
 

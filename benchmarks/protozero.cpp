@@ -1,5 +1,5 @@
-// protozero: a reader and a writer for our records, as one writes them with it. The loops over a message's fields are
-// unrolled from the schema; the compiler makes a switch of them.
+// protozero: a reader and a writer for our records, in its usual style. The loops over the fields of a message are
+// unrolled from the schema; the compiler turns them into a switch.
 #include <protozero/basic_pbf_writer.hpp>
 #include <protozero/buffer_fixed.hpp>
 #include <protozero/pbf_reader.hpp>
@@ -34,7 +34,7 @@ struct reading {
 template <class Record>
 void read(pbf_reader in, Record &record, const reading &how);
 
-// Whether the next field has this key; it becomes the current one. A key of one byte is looked at where it lies.
+// Whether the next field has this key; if so, makes it the current one. A one-byte key is compared in place.
 inline __attribute__((always_inline)) bool next_is(pbf_reader &in, std::uint32_t key) {
   if (key < 0x80) {
     const auto rest = in.data();
@@ -46,7 +46,7 @@ inline __attribute__((always_inline)) bool next_is(pbf_reader &in, std::uint32_t
   return true;
 }
 
-// A list of integers: its elements take at least two bytes each, and what is not needed is given back.
+// A list of integers: each element takes at least two bytes; unused memory is released.
 template <class Element>
 inline __attribute__((always_inline)) std::uint32_t read_integers(pbf_reader &in, Element *&elements, std::uint32_t key,
                                                                   const reading &how) {
@@ -59,7 +59,7 @@ inline __attribute__((always_inline)) std::uint32_t read_integers(pbf_reader &in
   return count;
 }
 
-// A list of messages: counted, then read.
+// A list of messages: counted first, then read.
 template <class Nested>
 std::uint32_t read_messages(pbf_reader &in, Nested *&elements, std::uint32_t key, const reading &how) {
   std::uint32_t count = 0;
@@ -119,7 +119,7 @@ inline __attribute__((always_inline)) void read_row(pbf_reader &in, Record &reco
       static_cast<pavo_zorv::presence_of<Record>>(record.presence | pavo_zorv::presence_bit<Record, Index>);
 }
 
-// Into a clear record.
+// Into a zeroed record.
 template <class Record>
 void read(pbf_reader in, Record &record, const reading &how) {
   while (in.next()) {
@@ -168,11 +168,11 @@ void write(pbf_writer &out, const Record &record) {
 
 template <class Record>
 struct bench {
-  // The lengths of nested messages are first given five bytes each, then moved together.
+  // Each length of a nested message first takes five bytes; the gaps are closed afterwards.
   static constexpr std::size_t slack = 64;
 
   explicit bench(const workload<Record> &what)
-      : work(what), memory(roomy(what.longest())), output(what.longest() + slack) {
+      : work(what), memory(pool_capacity(what.longest())), output(what.longest() + slack) {
     for (std::size_t i = 0; i < what.wire.size(); ++i) {
       memory.reset();
       decode(what.wire[i]);
@@ -228,11 +228,12 @@ repeat encode(const workload<Record> &work) {
 }  // namespace
 
 void enter_protozero(roll &all) {
-  all.introduce({into_records, "pool, reset for each message; encodes in one pass, into room that is known to suffice",
-                 "copied, NUL-terminated; bytes referenced in the workload by reference", "no UTF-8"});
+  all.add_contestant({into_records,
+                      "pool, reset for each message; encodes in one pass, into a buffer that is known to suffice",
+                      "copied, NUL-terminated; bytes referenced in the workload by reference", "no UTF-8"});
   all_workloads().each([&](const auto &work) {
-    all.enter("decode", work.name, into_records, [&] { return decode(work); });
-    all.enter("encode", work.name, into_records, [&] { return encode(work); });
+    all.add_case("decode", work.name, into_records, [&] { return decode(work); });
+    all.add_case("encode", work.name, into_records, [&] { return encode(work); });
   });
 }
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Reads what the benchmark's runs have measured; prints the ratios, writes them as CSV and draws them.
+"""Reads the measurements of the benchmark; prints the ratios, writes them as CSV and plots them.
 
 Usage: report.py FOLDER BUILD...   with FOLDER/BUILD.describe and FOLDER/BUILD-*.json for each build
 """
@@ -34,7 +34,7 @@ FLOORS = [
 ]
 OPERATIONS = ["decode", "encode", "copy", "measure", "compare"]
 
-# What we want to reach: the ratio to the fastest peer, or for plain bytes to the floor.
+# Goals: the ratio to the fastest peer, or for plain bytes to the floor.
 GOALS = {
     "decode": {
         "colour": 0.45, "notification": 0.38, "request": 0.41, "1000_policies": 0.45, "10_labels": 0.35,
@@ -58,7 +58,7 @@ GOALS_TO_FLOOR = {
 
 
 class Build:
-    """The times of one build: for each case, a list of times for each run of the program."""
+    """The times of one build: for each case, the fastest time of each run of the program."""
 
     def __init__(self, folder, name):
         self.name = name
@@ -81,8 +81,8 @@ class Build:
                 for entry in json.load(text)["benchmarks"]:
                     if entry["run_type"] == "iteration":
                         times[tuple(entry["run_name"].split("/"))].append(entry["cpu_time"])
-            # The fastest of a run's repetitions: what disturbs one only adds to it, and the clock of a virtual machine
-            # may change by half for some of them.
+            # The fastest of a run's repetitions: disturbances only add to the time, and the clock rate of a virtual
+            # machine may change by half during some of them.
             for case, values in times.items():
                 self.runs[case].append(min(values))
 
@@ -91,7 +91,7 @@ class Build:
         return statistics.median(values) if values else None
 
     def ratio(self, operation, workload, contestant, ours=OURS):
-        """The median of the runs' ratios, the least and the greatest; the same run on both sides of each."""
+        """The median, lowest and highest of the ratios, each within one run."""
         mine = self.runs.get((operation, workload, ours), [])
         other = self.runs.get((operation, workload, contestant), [])
         ratios = [a / b for a, b in zip(mine, other)]
@@ -104,7 +104,7 @@ class Build:
 
 
 def goal_of(operation, workload):
-    """The goal, and the floor it is measured by if it is not the fastest peer."""
+    """The goal, and the floor it refers to if that is not the fastest peer."""
     floor = GOALS_TO_FLOOR.get((operation, workload))
     return (1.0, floor) if floor else (GOALS.get(operation, {}).get(workload), None)
 
@@ -126,8 +126,8 @@ def print_table(build):
         if not rows:
             continue
         variants = operation in ("decode", "copy")
-        print(f"\n{operation}: ours is {'with a pool' if variants else 'the only way'}; ratios are ours to each, "
-              "below 1 is faster")
+        print(f"\n{operation}{' with a pool' if variants else ''}: ratios are the time of pavo_zorv to that of each "
+              "contestant; below 1 is faster")
         line = f"{'workload':24}{'bytes':>7} {'ours ns':>8} {'fastest':>15} {'ns':>8} {'ratio':>6} {'runs':>11} "
         line += f"{'goal':>5}  |"
         line += "".join(f"{head:>10}" for head in heads) + " |" + "".join(f"{head:>8}" for head in floor_heads)
@@ -160,7 +160,7 @@ def print_row(build, operation, workload, variants):
 
 
 def print_goals(builds):
-    print("\n== Goals: ours to the fastest peer, or to memcpy and memcmp (*). Reached: at most 3 % above, for the noise")
+    print("\n== Goals: the ratio to the fastest peer, or to memcpy and memcmp (*). Reached: at most 3 % above")
     heads = "".join(f"{build.name:>10}{'runs':>12}{'':10}{'to':26}" for build in builds)
     print(f"{'':33}{'goal':>7}{heads}".rstrip())
     reached = dict.fromkeys((build.name for build in builds), 0)
@@ -184,13 +184,13 @@ def print_goals(builds):
 
 
 def print_contestants(builds):
-    print("What each contestant does. All of them reproduced the library's bytes before they were timed.")
+    print("What each contestant does. Each one reproduced the library's bytes before it was timed.")
     table = [("name", "memory", "strings", "checks"), *builds[0].contestants]
     widths = [max(map(len, column)) + 2 for column in zip(*table)]
     for row in table:
         print("".join(f"{text:{width}}" for text, width in zip(row, widths)).rstrip())
-    print("Times are CPU time per operation, the medians of the runs' fastest; 'runs' are the least and the greatest ratio among runs with")
-    print("different heap layouts. * the goal's ratio is to memcpy or memcmp, not to a peer.")
+    print("Times are CPU times per operation: the median of the fastest times of all runs. 'runs' is the lowest and")
+    print("the highest ratio of runs with different heap layouts. * marks goals relative to memcpy or memcmp.")
 
 
 def write_csv(path, builds):

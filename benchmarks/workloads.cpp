@@ -1,5 +1,5 @@
-// The workloads, built with a fixed sequence of numbers. What a message holds is what a policy component would say:
-// 20-bit labels, IPv6 addresses byte by byte, names of ordinary length.
+// The workloads, built from a fixed sequence of pseudo-random numbers. The content is that of a policy component:
+// 20-bit labels, IPv6 addresses as lists of bytes, names of ordinary length.
 #include "workloads.hpp"
 
 #include <cstring>
@@ -11,12 +11,12 @@
 namespace contest {
 namespace {
 
-// Owns what the records point to, and draws the numbers.
+// Owns the memory of the records, and generates the numbers.
 class builder {
  public:
-  std::uint32_t number(std::uint32_t below) {
+  std::uint32_t number(std::uint32_t limit) {
     state_ = state_ * 6364136223846793005u + 1442695040888963407u;
-    return static_cast<std::uint32_t>((state_ >> 33) % below);
+    return static_cast<std::uint32_t>((state_ >> 33) % limit);
   }
   std::uint32_t label() { return (1u << 19) + number(1u << 19); }  // three bytes on the wire
   std::uint32_t address() { return 0x0a000000u + number(1u << 24); }
@@ -34,16 +34,16 @@ class builder {
   }
   char *name(const char *prefix) { return text(std::string(prefix) + std::to_string(10000 + number(90000))); }
 
-  std::uint8_t *bytes_of_an_address(std::size_t count) {
+  std::uint8_t *address_bytes(std::size_t count) {
     std::uint8_t *const result = array<std::uint8_t>(count);
     for (std::size_t i = 0; i < count; ++i) result[i] = static_cast<std::uint8_t>(number(256));
     return result;
   }
 
-  template <class Draw>
-  std::uint32_t *numbers(std::size_t count, Draw draw) {
+  template <class Generate>
+  std::uint32_t *numbers(std::size_t count, Generate generate) {
     std::uint32_t *const result = array<std::uint32_t>(count);
-    for (std::size_t i = 0; i < count; ++i) result[i] = draw();
+    for (std::size_t i = 0; i < count; ++i) result[i] = generate();
     return result;
   }
 
@@ -52,7 +52,7 @@ class builder {
   std::deque<std::unique_ptr<unsigned char[]>> blocks_;
 };
 
-// A member that is not zero, null or without content of its own is present.
+// Marks members as present unless they are zero, null or empty.
 template <class Record>
 void mark_presence(Record &record) {
   pavo_zorv::for_each_row<Record>([&](auto index) {
@@ -80,10 +80,10 @@ api_addr address(builder &make) {
   return result;
 }
 
-template <class Draw>
-api_lbl_stack labels(builder &make, std::uint32_t count, Draw draw) {
+template <class Generate>
+api_lbl_stack labels(builder &make, std::uint32_t count, Generate generate) {
   api_lbl_stack result{};
-  result.labels = make.numbers(count, draw);
+  result.labels = make.numbers(count, generate);
   result.label_count = count;
   return result;
 }
@@ -92,7 +92,7 @@ api_lbl_stack labels(builder &make, std::uint32_t count) {
   return labels(make, count, [&] { return make.label(); });
 }
 
-// One to five bytes, each as often.
+// One to five bytes on the wire, equally often.
 api_lbl_stack labels_of_mixed_sizes(builder &make, std::uint32_t count) {
   return labels(make, count, [&] {
     const std::uint32_t septets = make.number(5);
@@ -104,7 +104,7 @@ api_lbl_stack labels_of_mixed_sizes(builder &make, std::uint32_t count) {
 prefix_sid_type prefix_sid(builder &make) {
   prefix_sid_type result{};
   result.field1 = 1 + make.number(3);
-  result.field2 = make.bytes_of_an_address(16);
+  result.field2 = make.address_bytes(16);
   result.field2_count = 16;
   return result;
 }
@@ -130,12 +130,12 @@ api_msg_p2p_auto_policy_notif notification(builder &make) {
   result.field11 = make.label();
   result.field12 = 1 + make.number(16);
   result.field13 = 1;
-  result.field15 = make.bytes_of_an_address(16);
+  result.field15 = make.address_bytes(16);
   result.field15_count = 16;
   result.field16 = 128 + make.number(1000);
   result.field18 = 1 + make.number(8);
   result.field20 = 1;
-  result.field22 = make.bytes_of_an_address(16);
+  result.field22 = make.address_bytes(16);
   result.field22_count = 16;
   result.field24 = 1 + make.number(8);
   result.field27 = 1'700'000'000 + static_cast<std::int64_t>(make.number(1u << 24));
@@ -148,9 +148,9 @@ api_exp_hop hop(builder &make) {
   result.field2 = make.label();
   result.field3 = make.address();
   result.field4 = 1u << 14;
-  result.field5 = make.bytes_of_an_address(4);
+  result.field5 = make.address_bytes(4);
   result.field5_count = 4;
-  result.field6 = make.bytes_of_an_address(16);
+  result.field6 = make.address_bytes(16);
   result.field6_count = 16;
   return result;
 }
@@ -162,7 +162,7 @@ api_msg_p2p_auto_policy policy_with_paths(builder &make, std::uint32_t paths, st
   result.field4 = 100 + make.number(1000);
   result.field5 = 1;
   result.field8 = make.address();
-  result.field11 = make.bytes_of_an_address(16);
+  result.field11 = make.address_bytes(16);
   result.field11_count = 16;
   result.field12 = make.label();
   result.exp_paths = make.array<api_exp_path>(paths);
@@ -196,7 +196,7 @@ api_policy policy(builder &make, std::uint32_t prefixes) {
   result.prefixes = make.array<api_prefix>(prefixes);
   result.prefixes_count = prefixes;
   for (std::uint32_t i = 0; i < prefixes; ++i) {
-    result.prefixes[i].octets = make.bytes_of_an_address(16);
+    result.prefixes[i].octets = make.address_bytes(16);
     result.prefixes[i].octets_count = 16;
     result.prefixes[i].field2 = static_cast<std::uint8_t>(32 + make.number(97));
   }
@@ -215,7 +215,7 @@ api_to_igp igp(builder &make, std::uint32_t policies, std::uint32_t prefixes) {
   result.link_update.field3 = make.address();
   result.link_update.field5 = make.numbers(4, [&] { return make.label(); });
   result.link_update.field5_count = 4;
-  result.aa_list.octets = make.bytes_of_an_address(16);
+  result.aa_list.octets = make.address_bytes(16);
   result.aa_list.octets_count = 16;
   result.aa_list.field2 = 1;
   result.aa_list.policies = make.array<api_policy>(policies);
@@ -227,7 +227,7 @@ api_to_igp igp(builder &make, std::uint32_t policies, std::uint32_t prefixes) {
 
 srv6_prefix prefix(builder &make, std::size_t length) {
   srv6_prefix result{};
-  result.field1 = make.bytes_of_an_address(length);
+  result.field1 = make.address_bytes(length);
   result.field1_length = length;
   result.field2 = 48 + make.number(80);
   return result;
@@ -261,10 +261,10 @@ oam_res oam_result(builder &make, std::uint32_t sid_lists, std::uint32_t usid_li
     result.sid_lists[i].prefix_sid = prefix_sid(make);
     result.sid_lists[i].field2 = 1 + make.number(1000);
     result.sid_lists[i].field3 = make.label();
-    result.sid_lists[i].field4 = make.bytes_of_an_address(16);
+    result.sid_lists[i].field4 = make.address_bytes(16);
     result.sid_lists[i].field4_length = 16;
   }
-  result.field6 = make.bytes_of_an_address(64);
+  result.field6 = make.address_bytes(64);
   result.field6_length = 64;
   result.usid_lists = make.array<out_srv6_usid_list_info>(usid_lists);
   result.usid_lists_count = usid_lists;
@@ -290,7 +290,7 @@ api_msg_internal internal(builder &make) {
 api_to_zorv to_zorv(builder &make) {
   api_to_zorv result{};
   result.nodeid.field1 = 1;
-  result.nodeid.octets = make.bytes_of_an_address(8);
+  result.nodeid.octets = make.address_bytes(8);
   result.nodeid.octets_count = 8;
   result.intf.field1 = 1 + make.number(1000);
   result.intf.field2 = make.name("GigabitEthernet0/0/0/");
@@ -304,7 +304,7 @@ oam_req oam_request(builder &make) {
   result.field2 = 1 + make.number(16);
   result.field3 = make.name("policy-pe-lyon-");
   result.field5 = 100 + make.number(1000);
-  result.field6 = make.bytes_of_an_address(16);
+  result.field6 = make.address_bytes(16);
   result.field6_length = 16;
   result.field7 = 1;
   return result;
@@ -313,14 +313,14 @@ oam_req oam_request(builder &make) {
 api_msg_policy_reg registration(builder &make) {
   api_msg_policy_reg result{};
   result.field1 = 1;
-  result.octets = make.bytes_of_an_address(16);
+  result.octets = make.address_bytes(16);
   result.octets_count = 16;
   result.field3 = 100 + make.number(1000);
   result.field4 = make.name("bgp-");
   return result;
 }
 
-// Kinds of payload in turn, each with its own content.
+// Seven kinds of payload by turns, each with its own content.
 api_msg small_envelope(builder &make, std::uint32_t turn) {
   api_msg result{};
   result.field1 = 1 + turn;

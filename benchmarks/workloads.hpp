@@ -1,4 +1,4 @@
-// What is encoded and decoded: records built through the public header, the same in every run.
+// What is encoded and decoded: records with the same content in every run.
 #pragma once
 
 #include <algorithm>
@@ -12,13 +12,13 @@
 
 namespace contest {
 
-// One or more messages of one type. An operation on a workload is the operation on each of them in turn.
+// One or more messages of one type. An operation on a workload is applied to each of them.
 template <class Record>
 struct workload {
   std::string name;
   std::vector<Record> records;
-  std::vector<byte_string> wire;  // the library's encoding of each record: what every contestant must reproduce
-  std::uint32_t options = 0;      // PAVO_ZORV_REFERENCE: bytes members are referenced by those who can
+  std::vector<byte_string> wire;  // the library's encoding of each record, which every contestant must reproduce
+  std::uint32_t options = 0;      // PAVO_ZORV_REFERENCE: contestants that can do so refer to bytes members
 
   std::size_t size() const {
     std::size_t sum = 0;
@@ -53,10 +53,10 @@ struct workloads {
   }
 };
 
-// Built once; lives as long as the process.
+// Built on first use; lives as long as the process.
 const workloads &all_workloads();
 
-// The five functions of a message type under one name, with or without the options word.
+// The five functions of a message type, with uniform names and options.
 template <class Record>
 struct operations;
 
@@ -90,7 +90,7 @@ PAVO_ZORV_BENCHMARK_OPERATIONS(srv6_prefix, PAVO_ZORV_BENCHMARK_OPTIONS)
 #undef PAVO_ZORV_BENCHMARK_OPTIONS
 #undef PAVO_ZORV_BENCHMARK_OPERATIONS
 
-// The library's encoding of a record: what the contestants' work is compared with.
+// The library's encoding of a record, with which the contestants' results are compared.
 template <class Record>
 byte_string encoding(const Record &record, std::uint32_t options = 0) {
   byte_string result(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options));

@@ -1,4 +1,4 @@
-/* What nanopb keeps a string, bytes or a list in: an array from the pool that grows where it stands. */
+/* A string, bytes or a list for nanopb: an array in the pool that grows in place. */
 #ifndef ZORV_LIST_H
 #define ZORV_LIST_H
 

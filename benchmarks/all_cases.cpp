@@ -1,9 +1,9 @@
-// The roll of the contest.
+// Registers all contestants.
 #include "contest.hpp"
 
 namespace contest {
 
-roll everybody() {
+roll all_cases() {
   roll all;
   enter_library(all);
   enter_protobuf(all);
