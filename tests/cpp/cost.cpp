@@ -1,4 +1,4 @@
-// The same work with the C functions and with the C++ layer, in pairs of functions that cost_test weighs.
+// The same work with the C functions and with the C++ layer, in pairs of functions whose cost cost_test compares.
 #include <cstdio>
 
 #include "pavo_zorv.hpp"
@@ -75,11 +75,12 @@ MEASURED void measured_cpp_presence(api_msg *message) {
 int main() {
   pavo_zorv_pool_init(&pool, block, sizeof block);
   auto message = zorv::decode<api_msg>(input);
-  const bool right = message.ok() && measured_c_decode() == 1 && measured_cpp_decode() == 1 &&
-                     measured_c_encode(&*message) == sizeof input && measured_cpp_encode(&*message) == sizeof input &&
-                     measured_c_duplicate(&*message) == 1 && measured_cpp_duplicate(&*message) == 1;
+  const bool is_correct = message.ok() && measured_c_decode() == 1 && measured_cpp_decode() == 1 &&
+                          measured_c_encode(&*message) == sizeof input &&
+                          measured_cpp_encode(&*message) == sizeof input && measured_c_duplicate(&*message) == 1 &&
+                          measured_cpp_duplicate(&*message) == 1;
   measured_c_presence(&*message);
   measured_cpp_presence(&*message);
-  if (!right) std::puts("the work is not done");
-  return right ? 0 : 1;
+  if (!is_correct) std::puts("a function returned a wrong result");
+  return is_correct ? 0 : 1;
 }

@@ -1,4 +1,4 @@
-// The C++ layer as its users see it: compiled as C++17 and as C++20.
+// The C++ layer through its public interface, compiled as C++17 and as C++20.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -18,7 +18,7 @@ using zorv::owned;
 static_assert(!std::is_copy_constructible_v<owned<api_msg>> && !std::is_copy_assignable_v<owned<api_msg>>);
 static_assert(std::is_nothrow_move_constructible_v<owned<api_msg>>);
 static_assert(std::is_nothrow_move_assignable_v<owned<api_msg>>);
-// A literal has a NUL after it that nobody means.
+// A string literal ends with a NUL that is not part of the content.
 static_assert(!std::is_convertible_v<const char (&)[3], zorv::bytes>);
 static_assert(std::is_convertible_v<std::string_view, zorv::bytes>);
 static_assert(std::is_convertible_v<std::array<std::byte, 3>, zorv::bytes>);
@@ -48,7 +48,7 @@ static_assert(noexcept(std::declval<owned<api_addr> &>().set<&api_addr::address>
 static_assert(noexcept(std::declval<owned<api_addr> &>().try_set<&api_addr::address>(7)));
 static_assert(noexcept(std::declval<owned<api_intf> &>().set<&api_intf::field2>("eth0")));
 
-// Only where a value may not fit is there a result to look at. Flags are read as what they are set to.
+// Setters have a result only if a value may not fit. Flags are read and set as bool.
 static_assert(std::is_void_v<decltype(std::declval<owned<api_addr> &>().set<&api_addr::address>(7u))>);
 static_assert(std::is_same_v<decltype(zorv::get<&api_msg::field15>(api_msg{})), bool>);
 static_assert(std::is_same_v<decltype(zorv::get<&srv6_sid_struct::field3>(srv6_sid_struct{})), std::uint8_t>);
@@ -59,11 +59,11 @@ const byte_string interface_bytes = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'}
 // A micro-SID's prefix: three bytes, and 64.
 const byte_string prefix_bytes = {0x0a, 0x03, 0x20, 0x01, 0x0d, 0x10, 0x40};
 
-// Counts what is out, so that a test can see that all of it comes back.
-class account {
+// Counts the blocks in use, and checks at the end that all are released.
+class counting_memory {
  public:
-  account() { pavo_zorv_counter_init(&counter_, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr); }
-  ~account() { EXPECT_EQ(counter_.live, 0u); }
+  counting_memory() { pavo_zorv_counter_init(&counter_, pavo_zorv_heap_allocate, pavo_zorv_heap_release, nullptr); }
+  ~counting_memory() { EXPECT_EQ(counter_.live, 0u); }
   operator zorv::memory() { return counter_; }
   pavo_zorv_counter *operator->() { return &counter_; }
 
@@ -71,11 +71,11 @@ class account {
   pavo_zorv_counter counter_;
 };
 
-// A memory resource that keeps account of sizes, and refuses everything when told to.
+// A memory resource that counts the bytes in use, and can be told to refuse every request.
 class resource : public std::pmr::memory_resource {
  public:
-  ~resource() override { EXPECT_EQ(out, 0u); }
-  std::size_t out = 0;
+  ~resource() override { EXPECT_EQ(in_use, 0u); }
+  std::size_t in_use = 0;
   std::size_t requests = 0;
   bool refuses = false;
 
@@ -83,19 +83,19 @@ class resource : public std::pmr::memory_resource {
   void *do_allocate(std::size_t size, std::size_t alignment) override {
     if (refuses) throw std::bad_alloc();
     EXPECT_EQ(alignment, PAVO_ZORV_ALIGNMENT);
-    out += size;
+    in_use += size;
     ++requests;
     return std::pmr::new_delete_resource()->allocate(size, alignment);
   }
   void do_deallocate(void *block, std::size_t size, std::size_t alignment) override {
-    out -= size;
+    in_use -= size;
     std::pmr::new_delete_resource()->deallocate(block, size, alignment);
   }
   bool do_is_equal(const memory_resource &other) const noexcept override { return this == &other; }
 };
 
 TEST(owned, releases_what_it_decoded) {
-  account memory;
+  counting_memory memory;
   {
     const auto intf = zorv::decode<api_intf>(interface_bytes, memory);
     ASSERT_TRUE(intf.ok());
@@ -106,8 +106,8 @@ TEST(owned, releases_what_it_decoded) {
   EXPECT_EQ(memory->live, 0u);
 }
 
-TEST(owned, releases_what_a_decoding_that_failed_had_read) {
-  account memory;
+TEST(owned, releases_what_was_decoded_before_a_failure) {
+  counting_memory memory;
   byte_string cut_off = interface_bytes;
   cut_off.push_back(0x08);
   const auto intf = zorv::decode<api_intf>(cut_off, memory);
@@ -116,14 +116,14 @@ TEST(owned, releases_what_a_decoding_that_failed_had_read) {
   EXPECT_STREQ(intf->field2, "eth0");
 }
 
-TEST(owned, says_that_there_was_no_memory) {
-  account memory;
+TEST(owned, reports_that_there_was_no_memory) {
+  counting_memory memory;
   memory->fail_at = 0;
   EXPECT_EQ(zorv::decode<api_intf>(interface_bytes, memory).result(), CODEC_ERR_NO_MEMORY);
 }
 
-TEST(owned, decodes_again_and_again) {
-  account memory;
+TEST(owned, can_be_decoded_into_repeatedly) {
+  counting_memory memory;
   owned<api_intf> intf{memory};
   for (int i = 0; i < 3; ++i) {
     ASSERT_EQ(intf.decode(interface_bytes), CODEC_OK);
@@ -134,16 +134,16 @@ TEST(owned, decodes_again_and_again) {
   EXPECT_EQ(intf->field2, nullptr);
 }
 
-TEST(owned, is_moved_with_all_that_it_owns) {
-  account memory;
+TEST(owned, is_moved_with_everything_that_it_owns) {
+  counting_memory memory;
   auto first = zorv::decode<api_intf>(interface_bytes, memory);
   owned<api_intf> second = std::move(first);
   EXPECT_EQ(first->field2, nullptr);
   EXPECT_STREQ(second->field2, "eth0");
-  account others;
+  counting_memory others;
   auto third = zorv::decode<api_intf>(interface_bytes, others);
   third = std::move(second);
-  EXPECT_EQ(others->live, 0u) << "what it held before is released";
+  EXPECT_EQ(others->live, 0u) << "its previous content is released";
   EXPECT_STREQ(third->field2, "eth0");
   owned<api_intf> &itself = third;
   third = std::move(itself);
@@ -151,7 +151,7 @@ TEST(owned, is_moved_with_all_that_it_owns) {
 }
 
 TEST(owned, is_empty_after_a_reset) {
-  account memory;
+  counting_memory memory;
   auto intf = zorv::decode<api_intf>(byte_string{0x12}, memory);
   EXPECT_EQ(intf.result(), CODEC_ERR_TRUNCATED);
   EXPECT_EQ(intf.decode(interface_bytes), CODEC_OK);
@@ -161,8 +161,8 @@ TEST(owned, is_empty_after_a_reset) {
   EXPECT_TRUE(intf.ok());
 }
 
-TEST(owned, gives_up_its_record) {
-  account memory;
+TEST(owned, can_release_its_record_to_the_caller) {
+  counting_memory memory;
   api_intf plain = zorv::decode<api_intf>(interface_bytes, memory).release();
   EXPECT_EQ(memory->live, 1u);
   const zorv::memory callbacks = memory;
@@ -170,7 +170,7 @@ TEST(owned, gives_up_its_record) {
 }
 
 TEST(owned, keeps_the_options_that_it_was_decoded_with) {
-  account memory;
+  counting_memory memory;
   {
     auto prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
     ASSERT_TRUE(prefix.ok());
@@ -182,8 +182,8 @@ TEST(owned, keeps_the_options_that_it_was_decoded_with) {
   EXPECT_EQ(memory->requests, 0u);
 }
 
-TEST(owned, takes_over_the_options_as_well_when_it_is_assigned_to) {
-  account memory;
+TEST(owned, takes_over_the_options_when_it_is_assigned_to) {
+  counting_memory memory;
   auto prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory);
   prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
   EXPECT_EQ(prefix.options(), PAVO_ZORV_REFERENCE);
@@ -191,7 +191,7 @@ TEST(owned, takes_over_the_options_as_well_when_it_is_assigned_to) {
 }
 
 TEST(duplicate, owns_all_its_memory) {
-  account memory;
+  counting_memory memory;
   const auto referenced = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
   const auto copy = zorv::duplicate(*referenced, memory);
   ASSERT_TRUE(copy.ok());
@@ -200,8 +200,8 @@ TEST(duplicate, owns_all_its_memory) {
   EXPECT_EQ(copy, referenced);
 }
 
-TEST(duplicate, says_that_there_was_no_memory) {
-  account memory;
+TEST(duplicate, reports_that_there_was_no_memory) {
+  counting_memory memory;
   const auto original = zorv::decode<api_intf>(interface_bytes, memory);
   memory->fail_at = 1;
   const auto copy = zorv::duplicate(*original, memory);
@@ -209,7 +209,7 @@ TEST(duplicate, says_that_there_was_no_memory) {
   EXPECT_FALSE(copy.has<&api_intf::field2>());
 }
 
-TEST(comparing, orders_records_owned_or_plain) {
+TEST(comparing, orders_owned_and_plain_records) {
   owned<api_addr> low, high;
   low.set<&api_addr::address>(1u);
   high.set<&api_addr::address>(2u);
@@ -242,7 +242,7 @@ TEST(encoding, writes_what_fits_into_a_short_buffer) {
   EXPECT_EQ(buffer, (std::array<unsigned char, 4>{0x08, 0x07, 0x12, 0xff}));
 }
 
-TEST(encoding, comes_with_its_segment_table) {
+TEST(encoding, has_a_segment_table) {
   owned<srv6_prefix> prefix({}, PAVO_ZORV_REFERENCE);
   const byte_string address = {0x20, 0x01, 0x0d};
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(address), CODEC_OK);
@@ -258,7 +258,7 @@ TEST(encoding, comes_with_its_segment_table) {
   EXPECT_EQ(sent, prefix_bytes);
 }
 
-TEST(encoding, of_nothing_has_no_segments) {
+TEST(encoding, of_an_empty_record_has_no_segments) {
   const auto encoding = zorv::encode_segmented(api_addr{});
   EXPECT_TRUE(encoding.bytes.empty());
   EXPECT_TRUE(encoding.segments.empty());
@@ -292,7 +292,7 @@ TEST(presence, of_a_path_is_that_of_all_members_along_it) {
 }
 
 TEST(values, are_set_with_their_presence_and_released_when_set_again) {
-  account memory;
+  counting_memory memory;
   owned<api_msg_p2p_auto_policy> policy{memory};
   for (const char *const name : {"first", "second", ""}) {
     ASSERT_EQ(policy.set<&api_msg_p2p_auto_policy::field1>(name), CODEC_OK);
@@ -313,8 +313,8 @@ TEST(values, are_set_with_their_presence_and_released_when_set_again) {
   EXPECT_EQ(zorv::decode<api_msg_p2p_auto_policy>(zorv::encode(*policy)), policy);
 }
 
-TEST(values, that_find_no_memory_leave_the_member_as_it_was) {
-  account memory;
+TEST(values, without_memory_leave_the_member_unchanged) {
+  counting_memory memory;
   owned<api_intf> intf{memory};
   ASSERT_EQ(intf.set<&api_intf::field2>("eth0"), CODEC_OK);
   memory->fail_from = 0;
@@ -322,8 +322,8 @@ TEST(values, that_find_no_memory_leave_the_member_as_it_was) {
   EXPECT_STREQ(intf->field2, "eth0");
 }
 
-TEST(values, that_find_no_memory_leave_the_way_to_the_member_as_it_was) {
-  account memory;
+TEST(values, without_memory_leave_the_messages_around_the_member_unchanged) {
+  counting_memory memory;
   memory->fail_from = 0;
   owned<api_msg> message{memory};
   EXPECT_EQ((message.set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field2>("eth0")), CODEC_ERR_NO_MEMORY);
@@ -337,7 +337,7 @@ TEST(values, that_find_no_memory_leave_the_way_to_the_member_as_it_was) {
 }
 
 TEST(values, of_bytes_are_copied_unless_referenced) {
-  account memory;
+  counting_memory memory;
   owned<srv6_prefix> prefix{memory};
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(std::string_view("\x20\x01\x0d")), CODEC_OK);
   EXPECT_EQ(prefix->field1_length, 3u);
@@ -345,18 +345,18 @@ TEST(values, of_bytes_are_copied_unless_referenced) {
   EXPECT_EQ(zorv::encode(*prefix), (byte_string{0x0a, 0x03, 0x20, 0x01, 0x0d}));
 }
 
-TEST(values, of_bytes_that_take_the_place_of_referenced_ones_do_not_release_them) {
-  account memory;
+TEST(values, of_bytes_do_not_release_the_referenced_bytes_that_they_replace) {
+  counting_memory memory;
   auto prefix = zorv::decode<srv6_prefix>(prefix_bytes, memory, PAVO_ZORV_REFERENCE);
   const byte_string other = {0xff};
   ASSERT_EQ(prefix.set<&srv6_prefix::field1>(other), CODEC_OK);
   EXPECT_EQ(prefix->field1, other.data());
   EXPECT_EQ(prefix->field1_length, 1u);
   EXPECT_EQ(memory->requests, 0u);
-  EXPECT_EQ(memory->live, 0u) << "nothing came back that was not given";
+  EXPECT_EQ(memory->live, 0u) << "nothing is released that was not allocated";
 }
 
-// Tries numbers for a member, and sees that one that does not fit changes nothing.
+// Tries to set a member to numbers; those that do not fit must change nothing.
 template <auto Member, class Record>
 class numbers_of {
  public:
@@ -369,7 +369,7 @@ class numbers_of {
     EXPECT_EQ(record_.template has<Member>(), present) << number;
   }
   template <class Value>
-  void are_taken(Value number) {
+  void are_accepted(Value number) {
     record_.reset();
     EXPECT_EQ(record_.template try_set<Member>(number), CODEC_OK) << number;
     EXPECT_EQ(record_.template get<Member>(), number);
@@ -383,29 +383,29 @@ class numbers_of {
 TEST(numbers, of_8_bits_are_refused_beyond_their_limits) {
   numbers_of<&srv6_sid_struct::field3, srv6_sid_struct> numbers;
   numbers.are_refused(-1);
-  numbers.are_taken(0);
+  numbers.are_accepted(0);
   numbers.are_refused(-1);
-  numbers.are_taken(255);
+  numbers.are_accepted(255);
   numbers.are_refused(256);
   numbers.are_refused(INT64_MIN);
   numbers.are_refused(UINT64_MAX);
   numbers.are_refused(std::int8_t{-1});
-  numbers.are_taken(std::int8_t{127});
-  numbers.are_taken(true);
+  numbers.are_accepted(std::int8_t{127});
+  numbers.are_accepted(true);
 }
 
 TEST(numbers, of_32_bits_without_a_sign_are_refused_beyond_their_limits) {
   numbers_of<&api_addr::address, api_addr> numbers;
   numbers.are_refused(-1);
-  numbers.are_taken(0);
-  numbers.are_taken(2147483648u);
-  numbers.are_taken(std::int64_t{4294967295});
+  numbers.are_accepted(0);
+  numbers.are_accepted(2147483648u);
+  numbers.are_accepted(std::int64_t{4294967295});
   numbers.are_refused(std::int64_t{4294967296});
   numbers.are_refused(std::int64_t{4294967297});
   numbers.are_refused(std::int64_t{-4294967295});
   numbers.are_refused(INT32_MIN);
   numbers.are_refused(INT64_MIN);
-  numbers.are_taken(std::uint64_t{4294967295u});
+  numbers.are_accepted(std::uint64_t{4294967295u});
   numbers.are_refused(std::uint64_t{4294967296u});
   numbers.are_refused(UINT64_MAX);
 }
@@ -413,9 +413,9 @@ TEST(numbers, of_32_bits_without_a_sign_are_refused_beyond_their_limits) {
 TEST(numbers, of_32_bits_with_a_sign_are_refused_beyond_their_limits) {
   numbers_of<&api_policy::field9, api_policy> numbers;
   numbers.are_refused(std::int64_t{-2147483649});
-  numbers.are_taken(std::int64_t{-2147483647} - 1);
-  numbers.are_taken(-1);
-  numbers.are_taken(std::int64_t{2147483647});
+  numbers.are_accepted(std::int64_t{-2147483647} - 1);
+  numbers.are_accepted(-1);
+  numbers.are_accepted(std::int64_t{2147483647});
   numbers.are_refused(std::int64_t{2147483648});
   numbers.are_refused(2147483648u);
   numbers.are_refused(4294967295u);
@@ -427,22 +427,22 @@ TEST(numbers, of_64_bits_without_a_sign_are_refused_below_0) {
   numbers_of<&api_msg::field1, api_msg> numbers;
   numbers.are_refused(-1);
   numbers.are_refused(INT64_MIN);
-  numbers.are_taken(0);
-  numbers.are_taken(INT64_MAX);
-  numbers.are_taken(UINT64_MAX);
+  numbers.are_accepted(0);
+  numbers.are_accepted(INT64_MAX);
+  numbers.are_accepted(UINT64_MAX);
 }
 
 TEST(numbers, of_64_bits_with_a_sign_are_refused_above_their_limit) {
   numbers_of<&api_msg_p2p_auto_policy_notif::field27, api_msg_p2p_auto_policy_notif> numbers;
-  numbers.are_taken(INT64_MIN);
-  numbers.are_taken(-1);
-  numbers.are_taken(INT64_MAX);
-  numbers.are_taken(std::uint64_t{9223372036854775807u});
+  numbers.are_accepted(INT64_MIN);
+  numbers.are_accepted(-1);
+  numbers.are_accepted(INT64_MAX);
+  numbers.are_accepted(std::uint64_t{9223372036854775807u});
   numbers.are_refused(std::uint64_t{9223372036854775808u});
   numbers.are_refused(UINT64_MAX);
 }
 
-TEST(numbers, that_do_not_fit_leave_the_way_to_the_member_as_it_was) {
+TEST(numbers, that_do_not_fit_leave_the_messages_around_the_member_unchanged) {
   owned<api_msg> message;
   EXPECT_EQ((message.try_set<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(-1)), zorv::does_not_fit);
   EXPECT_TRUE(zorv::encode(*message).empty());
@@ -451,7 +451,7 @@ TEST(numbers, that_do_not_fit_leave_the_way_to_the_member_as_it_was) {
   EXPECT_EQ((message.get<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>()), 7u);
 }
 
-TEST(numbers, that_are_certain_to_fit_are_set_without_a_result) {
+TEST(numbers, that_always_fit_are_set_without_a_result) {
   owned<srv6_sid_struct> sid;
   sid.set<&srv6_sid_struct::field3>(zorv::constant<255>);
   sid.set<&srv6_sid_struct::field4>(std::uint8_t{2});
@@ -467,7 +467,7 @@ TEST(numbers, that_are_certain_to_fit_are_set_without_a_result) {
 #endif
 }
 
-TEST(numbers, in_elements_of_lists_are_set_and_refused_alike) {
+TEST(numbers, in_list_elements_are_set_and_refused_alike) {
   owned<api_aa_list> list;
   api_policy *const policy = list.resize<&api_aa_list::policies>(1);
   ASSERT_NE(policy, nullptr);
@@ -492,7 +492,7 @@ TEST(flags, are_bool) {
 }
 
 TEST(values, of_strings_with_a_NUL_are_refused) {
-  account memory;
+  counting_memory memory;
   owned<api_intf> intf{memory};
   ASSERT_EQ(intf.set<&api_intf::field2>("eth0"), CODEC_OK);
   EXPECT_EQ(intf.set<&api_intf::field2>(std::string_view("eth\0", 4)), zorv::does_not_fit);
@@ -501,7 +501,7 @@ TEST(values, of_strings_with_a_NUL_are_refused) {
   EXPECT_EQ(memory->requests, 1u);
 }
 
-// Says that it has more elements than there are.
+// Claims to have more elements than it has.
 struct immense {
   const std::uint32_t *data() const { return &element; }
   std::size_t size() const { return count; }
@@ -511,7 +511,7 @@ struct immense {
 
 TEST(lists, of_more_elements_than_a_count_holds_are_refused) {
   if (sizeof(std::size_t) == 4) GTEST_SKIP() << "no list can have so many";
-  account memory;
+  counting_memory memory;
   owned<api_lbl_stack> stack{memory};
   ASSERT_EQ(stack.set<&api_lbl_stack::labels>(immense{1}), CODEC_OK);
   EXPECT_EQ(stack.set<&api_lbl_stack::labels>(immense{std::size_t{UINT32_MAX} + 1}), zorv::does_not_fit);
@@ -523,14 +523,14 @@ TEST(lists, of_more_elements_than_a_count_holds_are_refused) {
   EXPECT_EQ(memory->requests, 1u);
 }
 
-TEST(results, are_told_in_words) {
+TEST(results, have_texts) {
   EXPECT_STREQ(zorv::result_text(zorv::does_not_fit), "the member cannot hold the value");
   EXPECT_STREQ(zorv::result_text(CODEC_OK), "success");
   EXPECT_STREQ(zorv::result_text(CODEC_ERR_NO_MEMORY), pavo_zorv_result_text(CODEC_ERR_NO_MEMORY));
 }
 
-TEST(lists, of_messages_are_made_filled_and_released) {
-  account memory;
+TEST(lists, of_messages_are_resized_filled_and_released) {
+  counting_memory memory;
   owned<api_aa_list> list{memory};
   for (std::uint32_t count = 3; count != 0; --count) {
     api_policy *const policies = list.resize<&api_aa_list::policies>(count);
@@ -540,14 +540,14 @@ TEST(lists, of_messages_are_made_filled_and_released) {
       ASSERT_EQ(list.set_in<&api_policy::field1>(policies[i], "policy " + std::to_string(i)), CODEC_OK);
       ASSERT_NE(list.resize_in<&api_policy::prefixes>(policies[i], 2), nullptr);
     }
-    EXPECT_EQ(memory->live, 1 + count * 2) << "what the elements before owned is released";
+    EXPECT_EQ(memory->live, 1 + count * 2) << "what the previous elements owned is released";
   }
   EXPECT_EQ(zorv::encode(*list),
             (byte_string{0x1a, 0x0e, 0x0a, 0x08, 'p', 'o', 'l', 'i', 'c', 'y', ' ', '0', 0x2a, 0x00, 0x2a, 0x00}));
 }
 
-TEST(lists, that_find_no_memory_stay_as_they_were) {
-  account memory;
+TEST(lists, without_memory_stay_unchanged) {
+  counting_memory memory;
   owned<api_aa_list> list{memory};
   ASSERT_NE(list.resize<&api_aa_list::policies>(2), nullptr);
   memory->fail_from = 0;
@@ -560,7 +560,7 @@ TEST(memory, may_be_any_memory_resource) {
   {
     auto intf = zorv::decode<api_intf>(interface_bytes, from);
     ASSERT_TRUE(intf.ok());
-    EXPECT_EQ(from.out, 5u + 8u);
+    EXPECT_EQ(from.in_use, 5u + 8u);
     const auto copy = zorv::duplicate(*intf, &from);
     EXPECT_EQ(copy, intf);
     EXPECT_EQ(from.requests, 2u);
@@ -568,11 +568,11 @@ TEST(memory, may_be_any_memory_resource) {
     EXPECT_EQ(intf.set<&api_intf::field2>("eth1"), CODEC_ERR_NO_MEMORY);
     EXPECT_EQ(zorv::duplicate(*intf, from).result(), CODEC_ERR_NO_MEMORY);
   }
-  EXPECT_EQ(from.out, 0u);
+  EXPECT_EQ(from.in_use, 0u);
   from.refuses = false;
   const zorv::memory callbacks = from;
   for (std::size_t less = 0; less < sizeof(pavo_zorv_alignment); ++less) {
-    EXPECT_EQ(callbacks.allocate(SIZE_MAX - less, callbacks.context), nullptr) << "its own bytes would wrap";
+    EXPECT_EQ(callbacks.allocate(SIZE_MAX - less, callbacks.context), nullptr) << "the size with the header would wrap";
   }
 }
 

@@ -1,4 +1,4 @@
-// The ready-made callbacks, each tried over all small sizes and at the greatest ones.
+// The ready-made callbacks, each tried with all small sizes and with the largest ones.
 #include "pavo_zorv_memory.h"
 
 #include <array>
@@ -11,15 +11,15 @@ namespace {
 constexpr std::size_t unit = PAVO_ZORV_ALIGNMENT;
 
 static_assert(unit >= alignof(std::uint64_t) && unit >= alignof(void *) && (unit & (unit - 1)) == 0);
-static_assert(sizeof(pavo_zorv_alignment) == 8, "what a budget charges for a block of its own");
+static_assert(sizeof(pavo_zorv_alignment) == 8, "what a budget charges for each block in addition");
 
-// How many units of a block can be given out when it begins `misplaced` bytes after an aligned one.
+// How many units can be allocated from a block that begins `misplaced` bytes after an aligned address.
 std::size_t units_of(std::size_t misplaced, std::size_t size) {
   const std::size_t lost = (unit - misplaced % unit) % unit;
   return lost > size ? 0 : (size - lost) / unit;
 }
 
-TEST(pool, gives_aligned_blocks_that_lie_in_its_own_and_apart_from_each_other_for_all_small_sizes) {
+TEST(pool, allocates_aligned_separate_blocks_inside_its_own_for_all_small_sizes) {
   for (std::size_t misplaced = 0; misplaced < unit; ++misplaced) {
     for (std::size_t size = 0; size <= 5 * unit; ++size) {
       for (std::size_t first = 0; first <= 4 * unit; ++first) {
@@ -30,17 +30,17 @@ TEST(pool, gives_aligned_blocks_that_lie_in_its_own_and_apart_from_each_other_fo
           pavo_zorv_pool_init(&pool, block, size);
           std::size_t units_left = units_of(misplaced, size);
           const unsigned char *last_end = block;
-          for (const std::size_t wanted : {first, second}) {
-            auto *const given = static_cast<unsigned char *>(pavo_zorv_pool_allocate(wanted, &pool));
-            const std::size_t units = wanted == 0 ? 1 : (wanted + unit - 1) / unit;
-            ASSERT_EQ(given != nullptr, units <= units_left)
+          for (const std::size_t requested : {first, second}) {
+            auto *const allocated = static_cast<unsigned char *>(pavo_zorv_pool_allocate(requested, &pool));
+            const std::size_t units = requested == 0 ? 1 : (requested + unit - 1) / unit;
+            ASSERT_EQ(allocated != nullptr, units <= units_left)
                 << misplaced << " " << size << " " << first << " " << second;
-            if (given == nullptr) continue;
+            if (allocated == nullptr) continue;
             units_left -= units;
-            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(given) % unit, 0u);
-            ASSERT_GE(given, last_end);
-            ASSERT_LE(given + units * unit, block + size);
-            last_end = given + units * unit;
+            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(allocated) % unit, 0u);
+            ASSERT_GE(allocated, last_end);
+            ASSERT_LE(allocated + units * unit, block + size);
+            last_end = allocated + units * unit;
           }
         }
       }
@@ -63,7 +63,7 @@ TEST(pool, refuses_sizes_at_which_rounding_up_or_adding_would_wrap) {
   }
 }
 
-TEST(pool, over_nothing_refuses_everything) {
+TEST(pool, without_memory_refuses_every_request) {
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, nullptr, 1000);
   EXPECT_EQ(pavo_zorv_pool_allocate(1, &pool), nullptr);
@@ -73,20 +73,20 @@ TEST(pool, over_nothing_refuses_everything) {
   EXPECT_EQ(pavo_zorv_pool_allocate(0, &pool), nullptr);
 }
 
-TEST(pool, gives_the_same_blocks_again_after_a_reset) {
+TEST(pool, allocates_the_same_blocks_again_after_a_reset) {
   alignas(16) unsigned char block[32];
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, block, sizeof block);
   void *const first = pavo_zorv_pool_allocate(20, &pool);
   EXPECT_EQ(first, block);
   pavo_zorv_pool_release(first, &pool);
-  EXPECT_EQ(pavo_zorv_pool_allocate(20, &pool), nullptr) << "a release gives nothing back";
+  EXPECT_EQ(pavo_zorv_pool_allocate(20, &pool), nullptr) << "a release frees nothing";
   pavo_zorv_pool_reset(&pool);
   EXPECT_EQ(pavo_zorv_pool_allocate(32, &pool), block);
 }
 
-TEST(pool, takes_back_what_a_nested_message_that_came_twice_owned_at_first) {
-  // Two interfaces in one message, each with a name: the library drops the first.
+TEST(pool, recovers_on_reset_what_a_repeated_nested_message_owned_first) {
+  // An interface twice, each time with a name: the library drops the first.
   const test::byte_string input = test::hex("12 06 12 04 65 74 68 30  12 06 12 04 65 74 68 31");
   alignas(16) unsigned char block[16];
   pavo_zorv_pool pool;
@@ -100,7 +100,7 @@ TEST(pool, takes_back_what_a_nested_message_that_came_twice_owned_at_first) {
   }
 }
 
-TEST(budget, gives_blocks_of_their_size_and_8_bytes_up_to_its_limit_for_all_small_sizes) {
+TEST(budget, charges_each_block_and_8_bytes_up_to_its_limit_for_all_small_sizes) {
   for (std::size_t limit = 0; limit <= 48; ++limit) {
     for (std::size_t first = 0; first <= 40; ++first) {
       for (std::size_t second = 0; second <= 40; ++second) {
@@ -137,7 +137,7 @@ TEST(budget, refuses_sizes_at_which_adding_its_own_8_bytes_would_wrap) {
   EXPECT_EQ(memory.requests(), 0u);
 }
 
-TEST(budget, is_not_charged_for_what_the_callback_beneath_refuses) {
+TEST(budget, is_not_charged_for_what_the_underlying_callback_refuses) {
   test::accountant memory;
   memory.fail_from = 0;
   pavo_zorv_budget budget;
@@ -146,7 +146,7 @@ TEST(budget, is_not_charged_for_what_the_callback_beneath_refuses) {
   EXPECT_EQ(budget.spent, 0u);
 }
 
-TEST(budget, refuses_everything_while_its_limit_is_below_what_is_out) {
+TEST(budget, refuses_every_request_while_its_limit_is_below_what_is_in_use) {
   test::accountant memory;
   pavo_zorv_budget budget;
   pavo_zorv_budget_init(&budget, 100, test::accountant::allocate, test::accountant::release, &memory);
@@ -158,19 +158,19 @@ TEST(budget, refuses_everything_while_its_limit_is_below_what_is_out) {
   EXPECT_EQ(budget.spent, 0u);
 }
 
-TEST(budget, over_a_pool_needs_no_release_beneath) {
+TEST(budget, over_a_pool_needs_no_underlying_release) {
   alignas(16) unsigned char block[32];
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, block, sizeof block);
   pavo_zorv_budget budget;
   pavo_zorv_budget_init(&budget, 32, pavo_zorv_pool_allocate, nullptr, &pool);
-  void *const given = pavo_zorv_budget_allocate(24, &budget);
-  ASSERT_EQ(given, block + 8);
-  pavo_zorv_budget_release(given, &budget);
+  void *const allocated = pavo_zorv_budget_allocate(24, &budget);
+  ASSERT_EQ(allocated, block + 8);
+  pavo_zorv_budget_release(allocated, &budget);
   EXPECT_EQ(budget.spent, 0u);
 }
 
-TEST(counter, counts_and_refuses_the_requests_that_it_is_told_to) {
+TEST(counter, counts_requests_and_refuses_those_that_are_to_fail) {
   for (std::size_t fail_at = 0; fail_at < 6; ++fail_at) {
     for (std::size_t fail_from = 0; fail_from < 6; ++fail_from) {
       test::accountant memory;
@@ -197,7 +197,7 @@ TEST(counter, counts_and_refuses_the_requests_that_it_is_told_to) {
   }
 }
 
-TEST(counter, does_not_count_what_the_callback_beneath_refuses) {
+TEST(counter, does_not_count_blocks_that_the_underlying_callback_refuses) {
   pavo_zorv_pool pool;
   pavo_zorv_pool_init(&pool, nullptr, 0);
   pavo_zorv_counter counter;
@@ -208,14 +208,14 @@ TEST(counter, does_not_count_what_the_callback_beneath_refuses) {
   EXPECT_EQ(counter.live, 0u);
 }
 
-TEST(heap, gives_a_block_for_0_bytes_as_well) {
+TEST(heap, allocates_a_block_for_0_bytes) {
   void *const block = pavo_zorv_heap_allocate(0, nullptr);
   EXPECT_NE(block, nullptr);
   pavo_zorv_heap_release(block, nullptr);
   pavo_zorv_heap_release(nullptr, nullptr);
 }
 
-TEST(results, have_names_and_texts_of_their_own_and_other_numbers_have_none) {
+TEST(results, have_distinct_names_and_texts_and_other_numbers_have_none) {
   EXPECT_STREQ(pavo_zorv_result_name(0), "CODEC_OK");
   EXPECT_STREQ(pavo_zorv_result_name(-1), "CODEC_ERR_TRUNCATED");
   EXPECT_STREQ(pavo_zorv_result_name(-2), "CODEC_ERR_BAD_WIRE_TYPE");

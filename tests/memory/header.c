@@ -3,7 +3,7 @@
 
 #include <string.h>
 
-/* An interface with a name: it owns a string. */
+/* An interface with a name, which is allocated. */
 static const unsigned char bytes[] = {0x08, 0x07, 0x12, 0x04, 'e', 't', 'h', '0'};
 
 static int decodes(pavo_zorv_allocate allocate, pavo_zorv_release release, void *context) {

@@ -1,4 +1,4 @@
-// proto/zorv.proto as another implementation understands it: compiled by protoc into descriptors.
+// proto/zorv.proto as descriptors, compiled by protoc.
 #pragma once
 
 #include <google/protobuf/descriptor.h>
@@ -19,7 +19,7 @@ class proto_file {
     EXPECT_NE(content_, nullptr) << PAVO_ZORV_DESCRIPTORS;
   }
 
-  // Null when there is none.
+  // Null if it cannot be read.
   const google::protobuf::FileDescriptor *content() const { return content_; }
 
   const google::protobuf::Descriptor *message(const std::string &name) const {

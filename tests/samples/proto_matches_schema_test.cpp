@@ -1,4 +1,4 @@
-// proto/zorv.proto states the same messages as the schema: names, numbers, kinds, lists.
+// proto/zorv.proto defines the same messages as the schema: names, numbers, kinds, lists.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -14,7 +14,7 @@ using google::protobuf::FieldDescriptor;
 using pavo_zorv::kind;
 
 template <class Row>
-FieldDescriptor::Type wanted_type() {
+FieldDescriptor::Type expected_type() {
   switch (Row::type) {
     case kind::flag:
       return FieldDescriptor::TYPE_BOOL;
@@ -51,7 +51,7 @@ void expect_field(const Row &row, const google::protobuf::Descriptor &message) {
   SCOPED_TRACE(field->full_name());
   constexpr bool is_list = Row::type == kind::integer_list || Row::type == kind::message_list;
   EXPECT_EQ(field->name(), row.name);
-  EXPECT_EQ(field->type_name(), std::string(FieldDescriptor::TypeName(wanted_type<Row>())));
+  EXPECT_EQ(field->type_name(), std::string(FieldDescriptor::TypeName(expected_type<Row>())));
   EXPECT_EQ(field->label(), is_list ? FieldDescriptor::LABEL_REPEATED : FieldDescriptor::LABEL_OPTIONAL);
   EXPECT_FALSE(field->is_packed());
   EXPECT_FALSE(field->has_default_value());

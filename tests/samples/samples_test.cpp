@@ -1,5 +1,5 @@
-// Every sample between this library and another implementation, in both directions: its text and its bytes say the
-// same, and the library reads the bytes and writes them again.
+// Every sample with this library and another implementation: its text and its bytes agree, and the library decodes the
+// bytes and encodes the same ones.
 #include <google/protobuf/dynamic_message.h>
 #include <google/protobuf/text_format.h>
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ namespace {
 using google::protobuf::Message;
 using google::protobuf::TextFormat;
 
-// The samples' names: <message>[.<variant>].
+// The names of the samples: <message>[.<variant>].
 std::vector<std::string> names() {
   std::vector<std::string> result;
   for (const auto &entry : std::filesystem::directory_iterator(PAVO_ZORV_SAMPLES)) {
@@ -41,10 +41,10 @@ std::string content_of(const std::string &file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Where a sample holds a negative 32-bit number, the library writes five bytes less for it than others do.
+// Whether a sample has a negative 32-bit number, which the library writes in five bytes fewer than others.
 bool holds_negative(const std::string &name) { return name.ends_with(".negative"); }
 
-// What the library makes of bytes: decoded, and encoded again.
+// Bytes decoded by the library and encoded again.
 std::string written_again(const std::string &message, const std::string &input) {
   std::string result;
   bool known = false;
@@ -93,7 +93,7 @@ class sample : public testing::TestWithParam<std::string> {
   const Message *prototype_ = nullptr;
 };
 
-TEST_P(sample, has_bytes_that_are_made_from_its_text) {
+TEST_P(sample, has_the_bytes_that_its_text_encodes_to) {
   EXPECT_EQ(from_text()->SerializeAsString(), content_of(GetParam() + ".bin")) << "samples/regenerate writes them";
 }
 
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(samples, sample, testing::ValuesIn(names()), [](const a
   return name;
 });
 
-TEST(samples, show_every_message) {
+TEST(samples, cover_every_message) {
   std::set<std::string> shown;
   for (const std::string &name : names()) shown.insert(message_of(name));
   pavo_zorv::for_each_message([&](auto message) {

@@ -1,5 +1,5 @@
 // error: .*ignoring return value
-// The bytes may be no message.
+// The bytes may not be a message.
 #include "pavo_zorv.hpp"
 
 void read(zorv::owned<api_intf> &intf, zorv::bytes input) { intf.decode(input); }

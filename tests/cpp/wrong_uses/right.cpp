@@ -1,5 +1,5 @@
 // compiles
-// What the others do wrong, done right.
+// Correct versions of what the other sources do wrong.
 #include "pavo_zorv.hpp"
 
 bool has_labels(const api_lbl_stack &stack) { return zorv::has<&api_lbl_stack::labels>(stack); }
