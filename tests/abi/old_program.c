@@ -1,5 +1,5 @@
-/* A program as it was compiled against interface 1 on a 64-bit machine. The records and functions that it uses are
-   declared here as they were then, so it stays what it is when the header changes. */
+/* A program compiled against interface 1 on a 64-bit machine. It declares the records and functions that it uses as
+   they were then, so that it does not change with the header. */
 #include <stddef.h>
 #include <stdint.h>
 #include <string.h>
@@ -15,7 +15,7 @@ struct label_stack {
   uint8_t presence;
 };
 
-/* The envelope, of which it uses one label stack, one flag and their presence bits. */
+/* The envelope, of which the program uses a label stack, a flag and their presence bits. */
 enum { envelope_size = 1248, label_stack_at = 80, policy_presence_at = 204, flag_at = 1192, presence_at = 1240 };
 union envelope {
   unsigned char bytes[envelope_size];

@@ -1,4 +1,4 @@
-// What the documents say about a field, made from its row.
+// How the documents describe a field, derived from its row.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ std::string integer_text() {
          "-bit";
 }
 
-// The kind in words: "unsigned 32-bit", "list of `api_exp_hop`", ...
+// The kind: "unsigned 32-bit", "list of `api_exp_hop`", ...
 template <class Record, std::size_t Index>
 std::string kind_text() {
   using pavo_zorv::kind;

@@ -1,4 +1,4 @@
-// The comments of the public header against the schema: what stands at a member is true of its field.
+// The comments in the public header agree with the schema: the comment at a member describes its field.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -13,11 +13,11 @@ std::string read_header() {
   std::ifstream file(PAVO_ZORV_HEADER);
   std::string text{std::istreambuf_iterator<char>(file), {}};
   EXPECT_FALSE(text.empty()) << "cannot read " PAVO_ZORV_HEADER;
-  // Comments may be broken anywhere.
+  // Comments may be wrapped anywhere.
   return std::regex_replace(text, std::regex("\\s+"), " ");
 }
 
-// What stands between the braces of a record.
+// The text between the braces of a record.
 std::string record_text(const std::string &header, const std::string &name) {
   const std::string first = "typedef struct " + name + " {";
   const auto begin = header.find(first);
@@ -50,7 +50,7 @@ void check_message(const std::string &header) {
   });
 }
 
-TEST(header_comments, say_of_every_member_what_the_schema_says) {
+TEST(header_comments, describe_every_member_as_the_schema_does) {
   const std::string header = read_header();
   pavo_zorv::for_each_message([&](auto message) { check_message<typename decltype(message)::type>(header); });
 }

@@ -38,14 +38,14 @@ std::size_t write_plainly(std::uint64_t value, unsigned char *out) {
   naive::broken(std::string(what) + " is wrong for " + std::to_string(number));
 }
 
-// The C library's comparison loads whole vectors, which takes very long where they reach into an inaccessible page.
+// The C library's memcmp loads whole vectors, which is very slow if they reach into an inaccessible page.
 bool same(const unsigned char *a, const unsigned char *b, std::size_t size) {
   bool result = true;
   for (std::size_t i = 0; i < size; ++i) result &= a[i] == b[i];
   return result;
 }
 
-// One number as the only member of a message: written in as few bytes as there are, and read again.
+// A number as the only member of a message: encoded in the fewest bytes, and decoded again.
 std::uint64_t numbers_of_32_bits(std::uint64_t step) {
   unsigned char *const end = end_of_page();
   std::uint64_t tried = 0;
@@ -65,7 +65,7 @@ std::uint64_t numbers_of_32_bits(std::uint64_t step) {
   return tried;
 }
 
-// Every input of a length to the reader, at the end of a page: the value and where reading goes on, or the failure.
+// Reads every input of a length, at the end of a page: checks the value and the position after it, or the failure.
 std::uint64_t inputs_of_length(std::size_t length, std::uint64_t step) {
   unsigned char *const end = end_of_page();
   unsigned char *const input = end - length;
@@ -83,7 +83,7 @@ std::uint64_t inputs_of_length(std::size_t length, std::uint64_t step) {
   return tried;
 }
 
-// An input to the 64-bit reader, as the member of a message.
+// An input of the 64-bit reader, as the member of a message.
 void read_64(const byte_string &varint) {
   static unsigned char *const end = end_of_page();
   unsigned char *const input = end - varint.size() - 1;
@@ -100,7 +100,7 @@ void read_64(const byte_string &varint) {
   if (in.presence != (whole ? API_MSG_INTERNAL_HAS_FIELD3 : 0)) fail("the presence of 64 bits", expected);
 }
 
-// Two numbers on either side of every power of two, and of each the forms that are cut off or longer than they need be.
+// Two numbers on either side of every power of two, also truncated and over-long.
 std::uint64_t boundaries_of_64_bits() {
   std::uint64_t tried = 0;
   for (unsigned bits = 0; bits <= 64; ++bits) {
@@ -133,7 +133,7 @@ std::uint64_t boundaries_of_64_bits() {
   return tried;
 }
 
-// The tenth byte adds one bit, whatever it is; what follows it adds nothing.
+// The tenth byte adds one bit, whatever its value; the bytes after it add nothing.
 std::uint64_t tenth_bytes() {
   std::uint64_t tried = 0;
   for (unsigned ninth = 0x80; ninth <= 0xff; ++ninth) {

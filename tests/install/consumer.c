@@ -1,4 +1,4 @@
-/* A program of a user's in C11: measures, writes, reads back and compares an envelope. Prints the bytes. */
+/* A user's program in C11: measures, encodes, decodes and compares an envelope. Prints the encoding. */
 #include <pavo_zorv.h>
 #include <stdio.h>
 #include <stdlib.h>

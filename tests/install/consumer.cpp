@@ -1,4 +1,4 @@
-// A program of a user's in C++17: reads the envelope that consumer.c writes, copies it, and writes it again.
+// A user's program in C++17: decodes the envelope that consumer.c encodes, copies it, and encodes it again.
 #include <pavo_zorv.h>
 
 #include <array>

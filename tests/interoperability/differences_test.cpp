@@ -1,11 +1,11 @@
-// Where this library differs from the peer on purpose: one test for each difference, with what either makes of the same
-// bytes. CONFORMANCE.md lists them.
+// The intended differences from the peer: one test each, with what either makes of the same bytes. CONFORMANCE.md lists
+// them.
 #include "messages/all.hpp"
 #include "peer.hpp"
 
 namespace test {
 
-// A value that the peer has read.
+// A value read by the peer.
 std::uint64_t value_of(const protobuf::Message &message, int number) {
   const protobuf::FieldDescriptor &field = *message.GetDescriptor()->FindFieldByNumber(number);
   const protobuf::Reflection &access = *message.GetReflection();
@@ -77,8 +77,8 @@ TEST(difference, a_packed_list_is_refused_here) {
   EXPECT_EQ(list_of(*there, 1), (std::vector<std::uint32_t>{16, 193}));
 }
 
-// Of keys inside a run only the number is looked at: the length of the packed list is taken for an element, its content
-// for an unknown field 0 that runs past the end.
+// In the keys within a run only the field number matters: the length of the packed list is taken for an element, its
+// content for an unknown field 0 that runs past the end.
 TEST(difference, a_packed_list_after_an_element_is_taken_for_one_element_here) {
   const byte_string bytes = hex("08 10 0a 01 05");
   decoded<api_lbl_stack> here(bytes);
@@ -213,7 +213,7 @@ TEST(difference, an_unknown_field_that_runs_past_the_end_is_accepted_here) {
     EXPECT_EQ(here->address, 1u);
     EXPECT_EQ(read_by_peer("api_addr", hex(bytes)), nullptr) << bytes;
   }
-  // In a nested message, which ends there; what comes after it is read.
+  // In a nested message, which ends there; what follows the message is read.
   const byte_string nested = hex("0a 02 1a 64 10 05");
   decoded<policy_binding_sid_t> here(nested);
   EXPECT_EQ(here.result, CODEC_OK);
@@ -287,7 +287,7 @@ TEST(difference, lengths_may_have_any_number_of_bytes_here_and_5_there) {
   EXPECT_EQ(read_by_peer("api_intf", six), nullptr);
 }
 
-// 2^32 + 2, of a string, of bytes, of a nested message, and of an unknown field in front of another.
+// A length of 2^32 + 2, of a string, of bytes, of a nested message, and of an unknown field before a known one.
 TEST(difference, a_length_above_32_bits_is_cut_here_and_refused_there) {
   const byte_string text = hex("12 82 80 80 80 10 61 62");
   decoded<api_intf> interface(text);
@@ -314,9 +314,9 @@ TEST(difference, a_length_above_32_bits_is_cut_here_and_refused_there) {
   EXPECT_EQ(read_by_peer("api_addr", unknown), nullptr);
 }
 
-// A buffer for the key, the length and two bytes of four billion: what stands there is a message of its own.
+// A buffer for the key, the length and two of four billion bytes: its content is a complete message.
 TEST(difference, a_length_of_4_gib_is_written_from_its_low_32_bits_and_read_so_there) {
-  if (sizeof(std::size_t) < 8) GTEST_SKIP() << "no encoding has more bytes than 32 bits count";
+  if (sizeof(std::size_t) < 8) GTEST_SKIP() << "no encoding is longer than 32 bits can count";
   srv6_prefix record = {};
   record.field1_length = (std::uint64_t{1} << 32) + 2;
   record.presence = SRV6_PREFIX_HAS_FIELD1;
@@ -344,7 +344,7 @@ TEST(difference, an_unknown_field_of_wire_type_4_6_or_7_is_refused_in_either) {
   }
 }
 
-// What the peer has of bytes that it refuses, as it writes it.
+// What the peer has read of bytes that it refuses, as encoded by it.
 byte_string left_over_there(const char *name, const byte_string &bytes) {
   const auto message = peer::instance().message(name);
   EXPECT_FALSE(message->ParseFromArray(bytes.data(), static_cast<int>(bytes.size())));
@@ -409,7 +409,7 @@ TEST(difference, a_nested_message_with_content_is_not_compared_without_its_prese
   EXPECT_NE(difference_of(*there, *empty_there), "");
 }
 
-// The pieces of an encoding in reference mode, one after another as they are sent.
+// The pieces of an encoding in reference mode, joined as they would be sent.
 template <class Record>
 byte_string sent_in_pieces(const Record &record) {
   const std::size_t length = operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, PAVO_ZORV_REFERENCE);

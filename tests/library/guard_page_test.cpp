@@ -1,5 +1,5 @@
-// However little stack is left above the page that guards its end: an operation touches that page, or does its work,
-// and never writes below it. Tried with every amount up to 16 KB, for every message.
+// However little stack is left, an operation either touches the guard page or completes, and never writes below that
+// page. Tried with every amount of stack up to 16 KB, for every message.
 #include "laws.hpp"
 #include "other_stack.hpp"
 
@@ -7,12 +7,12 @@ namespace {
 
 using namespace test;
 
-// All that an operation reads or writes. It is at the same place for every attempt, so that results are the same byte
-// by byte, pointers too.
+// Everything that an operation reads or writes. It is at the same address in every attempt, so that all bytes of the
+// results are equal, including pointers.
 struct state {
   std::size_t result;    // a code, a length, a sign
   std::size_t used;      // bytes of the pool
-  std::size_t released;  // blocks that came back
+  std::size_t released;  // blocks that were released
   unsigned char record[2048];
   unsigned char buffer[9000];
   alignas(16) unsigned char pool[128 * 1024];
@@ -28,8 +28,8 @@ void give(void *, void *) { ++now.released; }
 
 std::size_t size_with(std::size_t used) { return offsetof(state, pool) + used; }
 
-// Does the work, which makes another state of the one before, with plenty of stack; then with every amount, which ends
-// at the guard or in the same state. Returns that state.
+// Runs `work` on the state `before`, first with plenty of stack, then with every amount of stack: each attempt must
+// fault at the guard or give the same state. Returns that state.
 std::unique_ptr<state> is_tried(other_stack &stack, const std::string &name, const state &before,
                                 const std::function<void()> &work) {
   now = before;
@@ -51,9 +51,9 @@ std::unique_ptr<state> is_tried(other_stack &stack, const std::string &name, con
       stack.fill_below();
     }
   }
-  EXPECT_EQ(steps_over, 0u) << name << " writes below the guard with that many amounts of stack";
-  EXPECT_EQ(others, 0u) << name << " gives another result with that many amounts of stack";
-  // Both were tried.
+  EXPECT_EQ(steps_over, 0u) << name << " writes below the guard with this many amounts of stack";
+  EXPECT_EQ(others, 0u) << name << " gives another result with this many amounts of stack";
+  // Both outcomes must occur.
   EXPECT_NE(faults, 0u) << name;
   EXPECT_NE(done, 0u) << name;
   return after;

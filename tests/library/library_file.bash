@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# One check of the built library: library_file.bash WHAT SHARED STATIC SOURCE_FOLDER
+# Checks the built library: library_file.bash WHAT SHARED STATIC SOURCE_FOLDER
 set -euo pipefail
 what=$1 shared=$2 static=$3 source=$4
 export LC_ALL=C
@@ -8,9 +8,9 @@ fail() { printf '%s\n' "$@" >&2; exit 1; }
 
 exported() { nm -D --defined-only "$shared" | awk '$2 == "T" { print $3 }' | sed 's/@.*//' | sort; }
 
-# Compares two sorted lists; an empty one is a failure of the check itself.
+# Compares two sorted lists. An empty list means that the check itself has failed.
 same() {
-  [ -s "$1" ] && [ -s "$2" ] || fail "an empty list: $3"
+  [ -s "$1" ] && [ -s "$2" ] || fail "nothing to compare: $3"
   diff "$1" "$2" || fail "$3"
 }
 
@@ -27,7 +27,7 @@ case $what in
     same "$work/exported" "$work/declared" "the library exports (<) something else than the header declares (>)"
     # Nothing but functions and the version node.
     others=$(nm -D --defined-only "$shared" | awk '$2 != "T" && $2 != "A" { print }')
-    [ -z "$others" ] || fail "exported, but no function:" "$others"
+    [ -z "$others" ] || fail "these exported symbols are not functions:" "$others"
     ;;
   layout_names_every_member)
     awk '/^typedef struct [a-z0-9_]+ \{/ { record = $3 }
@@ -52,7 +52,7 @@ case $what in
     ;;
   needs_nothing_but_memory_and_string_functions)
     needed=$(nm -D --undefined-only "$shared" | awk '{ print $2 }' | sed 's/@.*//')
-    [ -n "$needed" ] || fail "no undefined symbols at all: nm said nothing"
+    [ -n "$needed" ] || fail "nm lists no undefined symbols"
     for symbol in $needed; do
       case $symbol in
         memcpy | memmove | memset | memcmp | strlen | strcmp) ;;
@@ -60,9 +60,9 @@ case $what in
         *) fail "needs $symbol" ;;
       esac
     done
-    # The archive as well: there the linker cannot have filled in a helper function of the compiler's.
+    # The archive as well, in which the linker cannot have resolved helper functions of the compiler.
     needed=$(nm -A --undefined-only "$static" | awk '{ print $NF }' | sort -u)
-    [ -n "$needed" ] || fail "no undefined symbols at all: nm said nothing"
+    [ -n "$needed" ] || fail "nm lists no undefined symbols"
     for symbol in $needed; do
       case $symbol in
         memcpy | memmove | memset | memcmp | strlen | strcmp | _GLOBAL_OFFSET_TABLE_) ;;
@@ -75,27 +75,28 @@ case $what in
     ;;
   has_no_writable_data_and_no_initialisers)
     sections=$(readelf -SW "$shared" | sed -n 's/^ *\[ *[0-9]*\] \(\.[^ ]*\).*/\1/p')
-    grep -qx .text <<< "$sections" || fail "no text section: readelf said: $sections"
+    grep -qx .text <<< "$sections" || fail "readelf lists no text section, but: $sections"
     if grep -xE '\.(data|bss|tdata|tbss|init|init_array|fini|fini_array|ctors|dtors)(\..*)?' <<< "$sections"; then
-      fail "sections that should not be there"
+      fail "the sections above must not exist"
     fi
     ;;
   has_nothing_writable_once_it_is_loaded)
-    readelf -dW "$shared" | grep -q 'FLAGS.*BIND_NOW' || fail "functions are found when they are called first"
-    # Every section that the loader writes lies in what it protects afterwards, which ends with a page.
+    readelf -dW "$shared" | grep -q 'FLAGS.*BIND_NOW' || fail "functions are bound lazily"
+    # Every section that the loader writes is inside the region that it protects afterwards, which ends at a page
+    # boundary.
     read -r first size <<< "$(readelf -lW "$shared" | awk '$1 == "GNU_RELRO" { print $3, $6 }')"
-    [ -n "${size-}" ] && (((first + size) % 4096 == 0)) || fail "what is protected: ${first-} ${size-}"
+    [ -n "${size-}" ] && (((first + size) % 4096 == 0)) || fail "wrong protected region: ${first-} ${size-}"
     readelf -SW "$shared" | sed -n 's/^ *\[ *[0-9]*\] //p' | awk '$7 ~ /W/ { print $1, "0x" $3, "0x" $5 }' > "$work/writable"
-    [ -s "$work/writable" ] || fail "no section is writable: readelf said something else"
+    [ -s "$work/writable" ] || fail "readelf lists no writable section"
     while read -r name place length; do
       ((place >= first && place + length <= first + size)) || fail "$name stays writable"
     done < "$work/writable"
     ;;
   static_archive_has_no_writable_data_and_no_initialisers)
     size -A "$static" > "$work/sizes"
-    grep -q '^\.text' "$work/sizes" || fail "no text section: size said nothing"
+    grep -q '^\.text' "$work/sizes" || fail "size lists no text section"
     if awk '$1 ~ /^\.(data|bss|tdata|tbss|init_array|fini_array|ctors|dtors)/ && $1 !~ /^\.data\.rel\.ro/ && $2 != 0' "$work/sizes" | grep .; then
-      fail "sections that should not be there"
+      fail "the sections above must not exist"
     fi
     ;;
   has_the_abi_number_in_its_soname)

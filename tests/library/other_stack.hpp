@@ -1,5 +1,5 @@
-// A stack of the test's own, as small as is wanted: a page without access guards its end, and memory filled with a
-// known byte lies below that, so that what steps over the guard shows.
+// A separate stack of any size. A page without access guards its end, and memory filled with a known byte lies below
+// that, so that writes past the guard can be detected.
 #pragma once
 
 #include <setjmp.h>
@@ -28,7 +28,8 @@ class other_stack {
       if (result == MAP_FAILED) std::abort();
       return static_cast<unsigned char *>(result);
     };
-    // Upwards: no access, what must stay as it is, the guard, the stack, and what handles the fault.
+    // From low to high addresses: no access, memory that must not change, the guard, the stack, the stack of the
+    // handler.
     mapped_ = map(all(), nullptr, PROT_NONE);
     below_ = map(below, mapped_ + page_, PROT_READ | PROT_WRITE);
     guard_ = below_ + below;
@@ -53,7 +54,7 @@ class other_stack {
     munmap(mapped_, all());
   }
 
-  // Works with so many bytes of stack, of which the call itself takes some hundred; false where they are not enough,
+  // Runs `work` on a stack of this size, of which the call itself takes some hundred bytes; false if it is too small,
   // so that the guard is touched.
   bool is_enough(std::size_t size, const std::function<void()> &work) {
     work_ = &work;
@@ -67,7 +68,7 @@ class other_stack {
     return true;
   }
 
-  // The bytes of stack that work takes, or a little more; 0 where the guard is touched.
+  // The bytes of stack that `work` takes, or slightly more; 0 if the guard is touched.
   std::size_t used_by(const std::function<void()> &work) {
     std::memset(stack_, filling, most);
     if (!is_enough(most, work)) return 0;
@@ -90,7 +91,7 @@ class other_stack {
 
   static void call() { (*current()->work_)(); }
 
-  // Any other fault is one.
+  // Any fault outside the guard is a real one.
   static void leave(int, siginfo_t *fault, void *) {
     other_stack &stack = *current();
     const auto *const at = static_cast<const unsigned char *>(fault->si_addr);

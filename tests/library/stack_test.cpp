@@ -1,6 +1,6 @@
-// How much stack each operation takes, for every message: less than the header says. Each is measured in a process of
-// its own, in which the library has not been called before, and this program finds its functions when it calls them
-// first: what the dynamic linker takes for that is in the figures, and most of the smaller ones.
+// The stack that each operation takes, for every message, is less than the header says. Each is measured in a new
+// process with lazy binding, so the figures include the stack that the dynamic linker takes for the first call, which
+// is most of the smaller ones.
 #include <sys/wait.h>
 
 #include <fstream>
@@ -14,7 +14,7 @@ namespace {
 
 using namespace test;
 
-// What the header says of an operation, in bytes.
+// The limit that the header documents for an operation, in bytes.
 std::size_t documented(const std::string &section) {
   std::ifstream file(PAVO_ZORV_HEADER);
   const std::string header{std::istreambuf_iterator<char>(file), {}};
@@ -26,7 +26,7 @@ std::size_t documented(const std::string &section) {
   return 1024 * std::stoul(found[1]);
 }
 
-// Memory that processes share.
+// Memory shared between processes.
 template <class Content>
 Content &shared() {
   void *const place = mmap(nullptr, sizeof(Content), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
@@ -45,7 +45,7 @@ void in_another_process(const std::function<void()> &work) {
   ASSERT_EQ(status, 0);
 }
 
-// Neither takes notable stack.
+// Neither takes a significant amount of stack.
 alignas(16) unsigned char pool[1 << 20];
 std::size_t pool_used = 0;
 void *take(std::size_t size, void *) {

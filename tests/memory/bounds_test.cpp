@@ -1,4 +1,5 @@
-// What decoding may ask for, at most: the bounds of pavo_zorv_memory.h against the schema and against hostile input.
+// The most memory that decoding allocates: the bounds in pavo_zorv_memory.h against the schema and against hostile
+// input.
 #include <algorithm>
 #include <memory>
 
@@ -12,22 +13,22 @@ namespace {
 using test::byte_string;
 using test::operator*;
 
-// An element of a list takes its record, and at least a key and a length of one byte each.
-TEST(bounds, are_those_of_the_greatest_record_in_a_list) {
-  std::size_t greatest = 0;
+// A list element takes a record in memory, and on the wire at least a key and a length of one byte each.
+TEST(bounds, are_those_of_the_largest_record_in_a_list) {
+  std::size_t largest = 0;
   pavo_zorv::for_each_message([&](auto message) {
     using record = typename decltype(message)::type;
     pavo_zorv::for_each_row<record>([&](auto index) {
       using row = std::remove_cvref_t<decltype(pavo_zorv::row_at<record, index>)>;
       if constexpr (row::type == pavo_zorv::kind::message_list)
-        greatest = std::max(greatest, sizeof(typename row::message));
+        largest = std::max(largest, sizeof(typename row::message));
     });
   });
   if (sizeof(void *) == 8) {
-    EXPECT_EQ(greatest, 2 * PAVO_ZORV_MEMORY_PER_BYTE);
-    EXPECT_EQ(greatest + 8, 2 * PAVO_ZORV_BUDGET_PER_BYTE);
+    EXPECT_EQ(largest, 2 * PAVO_ZORV_MEMORY_PER_BYTE);
+    EXPECT_EQ(largest + 8, 2 * PAVO_ZORV_BUDGET_PER_BYTE);
   } else {
-    EXPECT_LE(greatest, 2 * PAVO_ZORV_MEMORY_PER_BYTE);
+    EXPECT_LE(largest, 2 * PAVO_ZORV_MEMORY_PER_BYTE);
   }
 }
 
@@ -41,8 +42,8 @@ TEST(bounds, do_not_wrap) {
   EXPECT_EQ(pavo_zorv_pool_size_for(SIZE_MAX), SIZE_MAX);
 }
 
-// Policies that hold nothing: the worst that can be sent.
-TEST(bounds, are_reached_by_a_list_of_empty_policies_and_by_nothing_less) {
+// Empty policies: the worst case.
+TEST(bounds, are_reached_by_a_list_of_empty_policies) {
   if (sizeof(void *) != 8) GTEST_SKIP() << "records are smaller here";
   const byte_string input = std::size_t{500} * test::hex("1a 00");
   const auto block = std::make_unique<std::uint64_t[]>(500 * 72 / 8);
@@ -55,8 +56,8 @@ TEST(bounds, are_reached_by_a_list_of_empty_policies_and_by_nothing_less) {
   }
 }
 
-// By reference nothing is asked for bytes; the copy owns them.
-TEST(bounds, of_decoding_hold_for_a_copy_of_what_was_decoded_by_reference_though_that_asked_for_less) {
+// Referenced bytes are not allocated, but a copy owns them.
+TEST(bounds, of_decoding_hold_for_a_copy_of_a_record_that_was_decoded_by_reference) {
   const test::fenced_block input(test::hex("0a 04 01 02 03 04"));
   srv6_prefix record, copy;
   pavo_zorv_counter decoding, copying;
