@@ -31,18 +31,16 @@ if(stack_probes)
   target_compile_definitions(pavo_zorv_stack_probes INTERFACE PAVO_ZORV_STACK_PROBES)
 endif()
 
-# One set of objects, which serves shared and static library. They are compiled as one unit: every message is
-# instantiated once.
+# One set of objects, which serves shared and static library, compiled with further flags if any are given.
 function(pavo_zorv_objects objects)
-  add_library(${objects} OBJECT ${message_sources})
+  add_library(${objects} OBJECT ${PROJECT_SOURCE_DIR}/src/library.cpp)
   target_compile_features(${objects} PRIVATE cxx_std_20)
   target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
   target_compile_options(${objects} PRIVATE
     ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
   target_link_libraries(${objects} PRIVATE pavo_zorv_stack_probes)
   set_target_properties(${objects} PROPERTIES
-    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON CXX_EXTENSIONS OFF
-    UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON CXX_EXTENSIONS OFF)
 endfunction()
 
 # What the shared and the static library have in common. They are linked as C: no C++ runtime is needed.

@@ -32,18 +32,7 @@
 
 #include "pavo_zorv.h"
 #include "pavo_zorv_memory.h"
-
-/** Calls the macro @p apply with the name of each message, contained messages first. This header finds everything else
- *  about them in the declarations of pavo_zorv.h. */
-#define PAVO_ZORV_MESSAGES(apply)                                                                                    \
-  apply(api_addr) apply(api_lbl_stack) apply(prefix_sid_type) apply(policy_binding_sid_t) apply(api_exp_hop)         \
-      apply(api_exp_path) apply(api_msg_service) apply(api_msg_internal) apply(api_msg_on_demand_color_notif)        \
-          apply(api_msg_p2p_auto_policy) apply(api_msg_p2p_auto_policy_notif) apply(api_msg_p2p_auto_policy_request) \
-              apply(api_msg_p2p_auto_policy_response) apply(api_msg_p2p_auto_policy_sweep) apply(api_nodeid)         \
-                  apply(api_prefix) apply(api_intf) apply(api_link_update) apply(api_policy) apply(api_aa_list)      \
-                      apply(api_to_zorv) apply(api_to_igp) apply(api_msg_policy_reg) apply(srv6_prefix)              \
-                          apply(srv6_sid_struct) apply(srv6_usid) apply(out_sid_list_info)                           \
-                              apply(out_srv6_usid_list_info) apply(oam_req) apply(oam_res) apply(api_msg)
+#include "pavo_zorv_messages.h"
 
 /** The C++ layer. */
 namespace zorv {

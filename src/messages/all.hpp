@@ -1,4 +1,4 @@
-// Every message, listed once: for whatever treats all of them alike. The library itself does not need it.
+// The schemas of every message, and walking them all.
 #pragma once
 
 #include <tuple>
@@ -22,40 +22,7 @@
 #include "out_sid_list_info.hpp"
 #include "prefix_sid_type_binding_sid.hpp"
 #include "srv6_prefix_sid_struct_usid.hpp"
-
-// A macro, because the names of a message's functions can only be pasted together. Contained messages come first.
-#define PAVO_ZORV_ALL_MESSAGES(apply)      \
-  apply(api_addr)                          \
-  apply(api_lbl_stack)                     \
-  apply(prefix_sid_type)                   \
-  apply(policy_binding_sid_t)              \
-  apply(api_exp_hop)                       \
-  apply(api_exp_path)                      \
-  apply(api_msg_service)                   \
-  apply(api_msg_internal)                  \
-  apply(api_msg_on_demand_color_notif)     \
-  apply(api_msg_p2p_auto_policy)           \
-  apply(api_msg_p2p_auto_policy_notif)     \
-  apply(api_msg_p2p_auto_policy_request)   \
-  apply(api_msg_p2p_auto_policy_response)  \
-  apply(api_msg_p2p_auto_policy_sweep)     \
-  apply(api_nodeid)                        \
-  apply(api_prefix)                        \
-  apply(api_intf)                          \
-  apply(api_link_update)                   \
-  apply(api_policy)                        \
-  apply(api_aa_list)                       \
-  apply(api_to_zorv)                       \
-  apply(api_to_igp)                        \
-  apply(api_msg_policy_reg)                \
-  apply(srv6_prefix)                       \
-  apply(srv6_sid_struct)                   \
-  apply(srv6_usid)                         \
-  apply(out_sid_list_info)                 \
-  apply(out_srv6_usid_list_info)           \
-  apply(oam_req)                           \
-  apply(oam_res)                           \
-  apply(api_msg)
+#include "pavo_zorv_messages.h"
 
 namespace pavo_zorv {
 
@@ -66,7 +33,7 @@ inline constexpr const char *message_name = nullptr;
 #define PAVO_ZORV_NAMED(message) \
   template <>                    \
   inline constexpr const char *message_name<message> = #message;
-PAVO_ZORV_ALL_MESSAGES(PAVO_ZORV_NAMED)
+PAVO_ZORV_MESSAGES(PAVO_ZORV_NAMED)
 #undef PAVO_ZORV_NAMED
 
 // The records of all messages, as std::type_identity<Record>.
@@ -74,7 +41,7 @@ template <class Nothing, class... Records>
 using records_after = std::tuple<std::type_identity<Records>...>;
 
 #define PAVO_ZORV_LISTED(message) , message
-using all_messages = records_after<void PAVO_ZORV_ALL_MESSAGES(PAVO_ZORV_LISTED)>;
+using all_messages = records_after<void PAVO_ZORV_MESSAGES(PAVO_ZORV_LISTED)>;
 #undef PAVO_ZORV_LISTED
 
 // Calls `visit` with std::type_identity<Record> for every message.

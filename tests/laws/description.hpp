@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/kinds.hpp"
+#include "pavo_zorv_messages.h"
 #include "support.hpp"
 
 namespace test {
@@ -159,13 +160,13 @@ class view {
 template <class Record>
 inline constexpr bool takes_options = false;
 
-#define PAVO_ZORV_TEST_OPTIONS true ||
-#define PAVO_ZORV_TEST_OPERATIONS(message, is) \
-  template <>                                  \
-  inline constexpr bool takes_options<message> = is false;
-#include "messages.inc"
-#undef PAVO_ZORV_TEST_OPERATIONS
-#undef PAVO_ZORV_TEST_OPTIONS
+#define PAVO_ZORV_TAKES_NO_OPTIONS(message)
+#define PAVO_ZORV_TAKES_OPTIONS(message) \
+  template <>                            \
+  inline constexpr bool takes_options<message> = true;
+PAVO_ZORV_EVERY_MESSAGE(PAVO_ZORV_TAKES_NO_OPTIONS, PAVO_ZORV_TAKES_OPTIONS)
+#undef PAVO_ZORV_TAKES_OPTIONS
+#undef PAVO_ZORV_TAKES_NO_OPTIONS
 
 template <class Record>
 const message_type &describe();

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "pavo_zorv.h"
+#include "pavo_zorv_messages.h"
 
 namespace naive {
 
@@ -22,41 +23,34 @@ struct calls {
   int (*compare)(const void *, const void *);
 };
 
-// Whether the second argument of a line of messages.inc is there.
-constexpr bool is_there() { return false; }
-constexpr bool is_there(std::uint32_t) { return true; }
-
 // clang-format off
 inline constexpr calls all_calls[] = {
-#define PAVO_ZORV_TEST_OPTIONS , options
-#define PAVO_ZORV_TEST_SECOND(nothing, ...) __VA_ARGS__
-#define PAVO_ZORV_TEST_OPERATIONS(message, comma_options)                                                              \
-  {#message, sizeof(message),                                                                                          \
-   []([[maybe_unused]] std::uint32_t options) { return is_there(PAVO_ZORV_TEST_SECOND(0 comma_options)); }(0),         \
+#define PAVO_ZORV_TEST_CALLS(message, ...)                                                                             \
+  {#message, sizeof(message), false __VA_OPT__(|| true),                                                               \
    [](void *out, const unsigned char *buffer, std::size_t length, pavo_zorv_allocate allocate, void *context,          \
       [[maybe_unused]] std::uint32_t options) {                                                                        \
      return pavo_zorv_##message##_decode_ext(static_cast<message *>(out), buffer, length, allocate,                    \
-                                             context comma_options);                                                   \
+                                             context __VA_OPT__(,) __VA_ARGS__);                                       \
    },                                                                                                                  \
    [](const void *in, unsigned char *buffer, std::size_t length, pavo_zorv_segment *segments, std::uint32_t *count,    \
       [[maybe_unused]] std::uint32_t options) {                                                                        \
      return pavo_zorv_##message##_encode_ext(static_cast<const message *>(in), buffer, length, segments,               \
-                                             count comma_options);                                                     \
+                                             count __VA_OPT__(,) __VA_ARGS__);                                         \
    },                                                                                                                  \
    [](void *to, const void *from, pavo_zorv_allocate allocate, void *context) {                                        \
      return pavo_zorv_##message##_duplicate(static_cast<message *>(to), static_cast<const message *>(from), allocate,  \
                                             context);                                                                  \
    },                                                                                                                  \
    [](void *record, pavo_zorv_release release, void *context, [[maybe_unused]] std::uint32_t options) {                \
-     pavo_zorv_##message##_free_ext(static_cast<message *>(record), release, context comma_options);                   \
+     pavo_zorv_##message##_free_ext(static_cast<message *>(record), release, context __VA_OPT__(,) __VA_ARGS__);       \
    },                                                                                                                  \
    [](const void *a, const void *b) {                                                                                  \
      return pavo_zorv_##message##_compare(static_cast<const message *>(a), static_cast<const message *>(b));           \
    }},
-#include "messages.inc"
-#undef PAVO_ZORV_TEST_OPERATIONS
-#undef PAVO_ZORV_TEST_SECOND
-#undef PAVO_ZORV_TEST_OPTIONS
+#define PAVO_ZORV_TEST_CALLS_WITH_OPTIONS(message) PAVO_ZORV_TEST_CALLS(message, options)
+PAVO_ZORV_EVERY_MESSAGE(PAVO_ZORV_TEST_CALLS, PAVO_ZORV_TEST_CALLS_WITH_OPTIONS)
+#undef PAVO_ZORV_TEST_CALLS_WITH_OPTIONS
+#undef PAVO_ZORV_TEST_CALLS
 };
 // clang-format on
 

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "pavo_zorv.h"
+#include "pavo_zorv_messages.h"
 
 namespace test {
 
@@ -193,31 +194,31 @@ class table {
 template <class Record>
 struct operations;
 
-#define PAVO_ZORV_TEST_OPERATIONS(message, comma_options)                                                         \
+#define PAVO_ZORV_TEST_OPERATIONS(message, ...)                                                                   \
   template <>                                                                                                     \
   struct operations<message> {                                                                                    \
     static constexpr const char *name = #message;                                                                 \
     static int decode(message *out, const unsigned char *buffer, std::size_t length, pavo_zorv_allocate allocate, \
                       void *context, [[maybe_unused]] std::uint32_t options = 0) {                                \
-      return pavo_zorv_##message##_decode_ext(out, buffer, length, allocate, context comma_options);              \
+      return pavo_zorv_##message##_decode_ext(out, buffer, length, allocate, context __VA_OPT__(, ) __VA_ARGS__); \
     }                                                                                                             \
     static std::size_t encode(const message *in, unsigned char *buffer, std::size_t length,                       \
                               pavo_zorv_segment *segments, std::uint32_t *count,                                  \
                               [[maybe_unused]] std::uint32_t options = 0) {                                       \
-      return pavo_zorv_##message##_encode_ext(in, buffer, length, segments, count comma_options);                 \
+      return pavo_zorv_##message##_encode_ext(in, buffer, length, segments, count __VA_OPT__(, ) __VA_ARGS__);    \
     }                                                                                                             \
     static int duplicate(message *to, const message *from, pavo_zorv_allocate allocate, void *context) {          \
       return pavo_zorv_##message##_duplicate(to, from, allocate, context);                                        \
     }                                                                                                             \
     static void free(message *record, pavo_zorv_release release, void *context,                                   \
                      [[maybe_unused]] std::uint32_t options = 0) {                                                \
-      pavo_zorv_##message##_free_ext(record, release, context comma_options);                                     \
+      pavo_zorv_##message##_free_ext(record, release, context __VA_OPT__(, ) __VA_ARGS__);                        \
     }                                                                                                             \
     static int compare(const message *a, const message *b) { return pavo_zorv_##message##_compare(a, b); }        \
   };
-#define PAVO_ZORV_TEST_OPTIONS , options
-#include "messages.inc"
-#undef PAVO_ZORV_TEST_OPTIONS
+#define PAVO_ZORV_TEST_OPERATIONS_WITH_OPTIONS(message) PAVO_ZORV_TEST_OPERATIONS(message, options)
+PAVO_ZORV_EVERY_MESSAGE(PAVO_ZORV_TEST_OPERATIONS, PAVO_ZORV_TEST_OPERATIONS_WITH_OPTIONS)
+#undef PAVO_ZORV_TEST_OPERATIONS_WITH_OPTIONS
 #undef PAVO_ZORV_TEST_OPERATIONS
 
 // What an encoding call gives for a record, in a buffer of exactly the measured size; both calls must agree.

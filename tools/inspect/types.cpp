@@ -108,11 +108,11 @@ std::vector<field_type> make_fields() {
                                       compare_records<message, pavo_zorv_##message##_compare>,                 \
                                       write_record<message>,                                                   \
                                       read_record<message>};
-PAVO_ZORV_ALL_MESSAGES(INSPECT_TYPE)
+PAVO_ZORV_MESSAGES(INSPECT_TYPE)
 #undef INSPECT_TYPE
 
 #define INSPECT_LISTED(message) &type_of<message>,
-const message_type *const types[] = {PAVO_ZORV_ALL_MESSAGES(INSPECT_LISTED)};
+const message_type *const types[] = {PAVO_ZORV_MESSAGES(INSPECT_LISTED)};
 #undef INSPECT_LISTED
 
 // The fewest insertions, deletions and replacements that make one of the other.
