@@ -3,11 +3,16 @@
  *  and for 32-bit pointers where 64-bit numbers stand at a multiple of 4 (ILP32, as on i386). `pavo_zorv.h` includes
  *  this file, so that a compiler or an option that lays records out otherwise does not compile a program that would not
  *  run with the library. On other machines nothing is said.
+ *
+ *  Written by `tests/library/layout_header.cpp` from the schemas, anew with
+ *  `cmake --build --preset release --target update-layout`.
  */
 #ifndef PAVO_ZORV_LAYOUT_H
 #define PAVO_ZORV_LAYOUT_H
 
-#include "pavo_zorv.h"
+#ifndef PAVO_ZORV_H
+#error "include pavo_zorv.h, which includes this file"
+#endif
 
 /** @cond */
 #ifdef __cplusplus

@@ -178,13 +178,11 @@ TEST(decode, no_bytes_give_a_cleared_record) {
 template <class Record>
 class every_message : public testing::Test {};
 
-using messages =
-    testing::Types<api_addr, api_lbl_stack, prefix_sid_type, policy_binding_sid_t, api_exp_hop, api_exp_path,
-                   api_msg_service, api_msg_internal, api_msg_on_demand_color_notif, api_msg_p2p_auto_policy,
-                   api_msg_p2p_auto_policy_notif, api_msg_p2p_auto_policy_request, api_msg_p2p_auto_policy_response,
-                   api_msg_p2p_auto_policy_sweep, api_nodeid, api_prefix, api_intf, api_link_update, api_policy,
-                   api_aa_list, api_to_zorv, api_to_igp, api_msg_policy_reg, srv6_prefix, srv6_sid_struct, srv6_usid,
-                   out_sid_list_info, out_srv6_usid_list_info, oam_req, oam_res, api_msg>;
+template <class Nothing, class... Records>
+using types_after = testing::Types<Records...>;
+#define PAVO_ZORV_LISTED(message) , message
+using messages = types_after<void PAVO_ZORV_MESSAGES(PAVO_ZORV_LISTED)>;
+#undef PAVO_ZORV_LISTED
 
 struct message_names {
   template <class Record>
