@@ -28,8 +28,7 @@ inline constexpr data_model native{sizeof(void *), alignof(wide_member)};
 template <class Record>
 struct record_layout {
   std::array<std::size_t, checks::members_with_rows_count<Record> + 1> offsets{};
-  std::size_t size = 0;
-  std::size_t alignment = 1;
+  std::size_t size{}, alignment{};
 };
 
 template <class Record>

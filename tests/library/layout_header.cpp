@@ -77,6 +77,9 @@ static_assert(name_of<&api_lbl_stack::label_count>() == "label_count");
 
 template <class Record>
 void write_record(const char *record) {
+  constexpr auto here = pavo_zorv::layout_of<Record>(pavo_zorv::native);
+  static_assert(here.size == sizeof(Record) && here.alignment == alignof(Record));
+  static_assert(here.offsets.back() == offsetof(Record, presence));
   constexpr auto wide = pavo_zorv::layout_of<Record>(pavo_zorv::lp64);
   constexpr auto narrow = pavo_zorv::layout_of<Record>(pavo_zorv::ilp32);
   std::printf("\nPAVO_ZORV_SIZE_(%s, %zu, %zu);\n", record, wide.size, narrow.size);

@@ -137,7 +137,7 @@ inline const message *message_named(const std::vector<message> &known, std::stri
   for (const message &one : known) {
     if (one.name == name) return &one;
   }
-  broken("no message " + std::string(name));
+  broken("tests/naive/messages.hpp does not state " + std::string(name) + ", or not before what contains it");
 }
 
 inline member member_of(std::string_view word, const std::vector<message> &known, layout &place) {
@@ -172,7 +172,10 @@ inline std::vector<message> messages_of_statements() {
     message made;
     made.name = one.message;
     made.functions = calls_of(one.message);
-    if (made.functions == nullptr) broken("no functions of " + std::string(one.message));
+    if (made.functions == nullptr) {
+      broken("tests/naive/messages.hpp states " + std::string(one.message) +
+             ", which include/pavo_zorv_messages.h does not list");
+    }
     layout place(made);
     for (std::string_view words = one.fields; !words.empty();) {
       const std::size_t end = words.find(' ');
@@ -180,7 +183,10 @@ inline std::vector<message> messages_of_statements() {
       words.remove_prefix(end == words.npos ? words.size() : end + 1);
     }
     place.finish();
-    if (made.size != made.functions->record_size) broken("another size than that of " + std::string(one.message));
+    if (made.size != made.functions->record_size) {
+      broken("tests/naive/messages.hpp states " + std::string(one.message) + " with " + std::to_string(made.size) +
+             " bytes, include/pavo_zorv.h has " + std::to_string(made.functions->record_size));
+    }
     result.push_back(made);
   }
   return result;

@@ -50,6 +50,8 @@ TEST_P(naive_statement, says_the_same_as_the_schema) {
   }
 }
 
-TEST(naive_statements, are_there_for_every_message) { EXPECT_EQ(naive::messages().size(), subjects().size()); }
+TEST(naive_statements, are_there_for_every_message) {
+  EXPECT_EQ(naive::messages().size(), subjects().size()) << "tests/naive/messages.hpp states each message once";
+}
 
 }  // namespace test
