@@ -47,7 +47,7 @@ bool is_8_bit() {
 template <class Row>
 void expect_field(const Row &row, const google::protobuf::Descriptor &message) {
   const FieldDescriptor *const field = message.FindFieldByNumber(static_cast<int>(row.number));
-  ASSERT_NE(field, nullptr) << message.name() << " lacks number " << row.number;
+  ASSERT_NE(field, nullptr) << "in proto/zorv.proto, " << message.name() << " lacks field " << row.number;
   SCOPED_TRACE(field->full_name());
   constexpr bool is_list = Row::type == kind::integer_list || Row::type == kind::message_list;
   EXPECT_EQ(field->name(), row.name);
@@ -79,10 +79,9 @@ TEST_F(the_proto_file, has_every_message_and_no_other) {
   std::size_t messages = 0;
   pavo_zorv::for_each_message([&](auto message) {
     ++messages;
-    EXPECT_NE(file.message(pavo_zorv::message_name<typename decltype(message)::type>), nullptr)
-        << pavo_zorv::message_name<typename decltype(message)::type>;
+    const char *const name = pavo_zorv::message_name<typename decltype(message)::type>;
+    EXPECT_NE(file.message(name), nullptr) << "proto/zorv.proto lacks " << name;
   });
-  EXPECT_EQ(messages, 31u);
   EXPECT_EQ(file.content()->message_type_count(), static_cast<int>(messages));
   EXPECT_EQ(file.content()->enum_type_count() + file.content()->extension_count() + file.content()->service_count(), 0);
 }
@@ -92,8 +91,9 @@ TEST_F(the_proto_file, has_the_fields_of_every_message) {
   pavo_zorv::for_each_message([&](auto message) {
     using record = typename decltype(message)::type;
     const google::protobuf::Descriptor *const descriptor = file.message(pavo_zorv::message_name<record>);
-    ASSERT_NE(descriptor, nullptr);
-    EXPECT_EQ(descriptor->field_count(), static_cast<int>(pavo_zorv::field_count<record>)) << descriptor->name();
+    ASSERT_NE(descriptor, nullptr) << "proto/zorv.proto lacks " << pavo_zorv::message_name<record>;
+    EXPECT_EQ(descriptor->field_count(), static_cast<int>(pavo_zorv::field_count<record>))
+        << "proto/zorv.proto, " << descriptor->name();
     pavo_zorv::for_each_row<record>([&](auto index) {
       ++fields;
       expect_field(pavo_zorv::row_at<record, index>, *descriptor);
