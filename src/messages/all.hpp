@@ -26,6 +26,11 @@
 
 namespace pavo_zorv {
 
+#define PAVO_ZORV_HAS_ROWS(message) \
+  static_assert(!std::is_null_pointer_v<decltype(schema<message>)>, "src/messages/all.hpp includes no rows of " #message);
+PAVO_ZORV_MESSAGES(PAVO_ZORV_HAS_ROWS)
+#undef PAVO_ZORV_HAS_ROWS
+
 // What a message is called.
 template <class Record>
 inline constexpr const char *message_name = nullptr;

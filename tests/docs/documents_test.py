@@ -71,7 +71,17 @@ for name, program in programs.items():
         if found[2] == ";" and (use is None or not re.search(rf"\w\((?:.*, )?&{found[1]}$", use[0], re.DOTALL)):
             faults.append(f"{name}: the record {found[1]} is filled without having been zeroed")
 
-if len(documents) < 10 or links < 20 or len(named) < 20 or len(records) != len(messages) or min(declared.values()) < 7:
+# The number of messages, where it is said.
+said = 0
+for name in ("README.md", "CONFORMANCE.md", "docs/index.md", "python/README.md", "python/pavo_zorv/__init__.py"):
+    for found in re.finditer(r"\b(?:[Ee]ach of (?:its|the)|The) (\d+)\b", (source / name).read_text(encoding="utf-8")):
+        said += 1
+        if int(found[1]) != len(messages):
+            faults.append(f"{name} says that there are {found[1]} messages, include/pavo_zorv_messages.h has "
+                          f"{len(messages)}")
+
+if (len(documents) < 10 or said < 5 or links < 20 or len(named) < 20 or len(records) != len(messages) or
+        min(declared.values()) < 7):
     faults.append(f"too little was found: {len(documents)} documents, {links} links, {len(named)} tests, "
                   f"{len(records)} records, {declared} in programs")
 for fault in faults:

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,14 @@
 #include "support.hpp"
 
 namespace test::checks {
+
+// What fails here is a check of every message; this names the test that made it.
+class names_the_test : public testing::EmptyTestEventListener {
+  void OnTestEnd(const testing::TestInfo &test) override {
+    if (test.result()->Failed()) std::printf("%s:%d: this test has failed\n", test.file(), test.line());
+  }
+};
+inline const bool tests_are_named = (testing::UnitTest::GetInstance()->listeners().Append(new names_the_test), true);
 
 // --- Presence ---
 
