@@ -1,5 +1,5 @@
-// Where the members of a record stand, on this machine and on others: in row order, each naturally aligned, the
-// presence flags last.
+// Where the members of a record are, on this machine and on others: in row order, each naturally aligned, the presence
+// flags last.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace pavo_zorv {
 
-// What the places depend on: the size of a pointer, and the multiple at which an integer of 64 bits stands.
+// What the offsets depend on: the size of a pointer, and the alignment of an integer of 64 bits.
 struct data_model {
   std::size_t pointer, wide;
 };
@@ -24,10 +24,10 @@ struct wide_member {
 };
 inline constexpr data_model native{sizeof(void *), alignof(wide_member)};
 
-// The places of the members that rows name, in row order, and after them that of the presence flags.
+// The offsets of the members that rows name, in row order, and after them that of the presence flags.
 template <class Record>
 struct record_layout {
-  std::array<std::size_t, checks::members_with_rows_count<Record> + 1> offsets{};
+  std::array<std::size_t, row_member_count<Record> + 1> offsets{};
   std::size_t size{}, alignment{};
 };
 
@@ -54,7 +54,7 @@ constexpr record_layout<Record> layout_of(data_model model) {
       place(sizeof(Member), sizeof(Member) == 8 ? model.wide : sizeof(Member));
     }
   };
-  std::apply([&](auto... members) { (place_member(members), ...); }, checks::members_with_rows<Record>);
+  std::apply([&](auto... members) { (place_member(members), ...); }, row_members<Record>);
   place_member(&Record::presence);
   align(result.alignment);
   return result;

@@ -12,27 +12,26 @@
 #include <type_traits>
 #include <utility>
 
+#include "layout.hpp"
 #include "message.hpp"
 
 namespace pavo_zorv {
 
-// A record's bytes with a one for each presence bit of no field, those of the records inside it included. The members
-// are in row order, the presence flags last.
+// A record's bytes with a one for each presence bit of no field, those of the records inside it included.
 template <class Record>
 inline constexpr auto spare_bits = [] {
+  constexpr auto layout = layout_of<Record>(native);
   std::array<byte, sizeof(Record)> bits{};
-  std::size_t offset = 0;
-  const auto step_over = [&](auto member) {
-    using Member = std::remove_reference_t<decltype(std::declval<Record &>().*member)>;
-    offset = (offset + alignof(Member) - 1) / alignof(Member) * alignof(Member);
+  std::size_t index = 0;
+  const auto copy_inside = [&]<class Member>(Member Record::*) {
     if constexpr (std::is_class_v<Member>)
-      std::copy(spare_bits<Member>.begin(), spare_bits<Member>.end(), bits.begin() + offset);
-    offset += sizeof(Member);
+      std::copy(spare_bits<Member>.begin(), spare_bits<Member>.end(), bits.begin() + layout.offsets[index]);
+    ++index;
   };
-  std::apply([&](auto... members) { (step_over(members), ...); }, row_members<Record>);
+  std::apply([&](auto... members) { (copy_inside(members), ...); }, row_members<Record>);
   constexpr auto own = static_cast<presence_of<Record>>(~presence_mask<Record>);
   const auto bytes = std::bit_cast<std::array<byte, sizeof own>>(own);
-  std::copy(bytes.begin(), bytes.end(), bits.begin() + offsetof(Record, presence));
+  std::copy(bytes.begin(), bytes.end(), bits.begin() + layout.offsets[index]);
   return bits;
 }();
 

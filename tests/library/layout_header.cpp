@@ -87,9 +87,9 @@ void write_record(const char *record) {
     std::printf("PAVO_ZORV_AT_(%s, %.*s, %zu, %zu);\n", record, static_cast<int>(member.size()), member.data(),
                 wide.offsets[index], narrow.offsets[index]);
   };
-  constexpr std::size_t count = pavo_zorv::checks::members_with_rows_count<Record>;
+  constexpr std::size_t count = pavo_zorv::row_member_count<Record>;
   [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-    (write(name_of<std::get<Index>(pavo_zorv::checks::members_with_rows<Record>)>(), Index), ...);
+    (write(name_of<std::get<Index>(pavo_zorv::row_members<Record>)>(), Index), ...);
   }
   (std::make_index_sequence<count>{});
   write("presence", count);

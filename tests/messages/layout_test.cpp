@@ -42,8 +42,7 @@ TEST(layout, of_every_record_is_the_one_that_is_computed) {
     using record = typename decltype(message)::type;
     constexpr auto computed = pavo_zorv::layout_of<record>(pavo_zorv::native);
     std::vector<std::size_t> places;
-    std::apply([&](auto... members) { (places.push_back(place_of(members)), ...); },
-               pavo_zorv::checks::members_with_rows<record>);
+    std::apply([&](auto... members) { (places.push_back(place_of(members)), ...); }, pavo_zorv::row_members<record>);
     places.push_back(place_of(&record::presence));
     EXPECT_EQ(std::vector(computed.offsets.begin(), computed.offsets.end()), places) << pavo_zorv::message_name<record>;
     EXPECT_EQ(computed.size, sizeof(record)) << pavo_zorv::message_name<record>;
