@@ -68,10 +68,10 @@ void run(const trial &trial) {
 
   const std::vector<unsigned char> written = encoding_of(trial, a.record.data(), 0);
   {
-    copy twin(trial, a);
-    FUZZ_CHECK(trial, compare(a.record.data(), twin.record.data()) == 0);
-    FUZZ_CHECK(trial, sign(compare(twin.record.data(), b.record.data())) == sign(order));
-    FUZZ_CHECK(trial, encoding_of(trial, twin.record.data(), 0) == written);
+    copy same(trial, a);
+    FUZZ_CHECK(trial, compare(a.record.data(), same.record.data()) == 0);
+    FUZZ_CHECK(trial, sign(compare(same.record.data(), b.record.data())) == sign(order));
+    FUZZ_CHECK(trial, encoding_of(trial, same.record.data(), 0) == written);
   }
   FUZZ_CHECK(trial, encoding_of(trial, a.record.data(), 0) == written);
   // Of messages that could be read, all that is written is compared.

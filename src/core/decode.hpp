@@ -40,7 +40,7 @@ class decoder {
     return key;
   }
 
-  // Reads the field of a key, and those after it as long as they stand in order, as they mostly do: the key of the
+  // Reads the field of a key, and those after it as long as they are in order, as encoders write them: the key of the
   // next field is tried before the keys are searched again. A case for each field that a message may have; the last
   // ones are unreachable in most messages, and gone.
   PAVO_ZORV_INLINE step read_fields(std::uint64_t key, const byte *at, const byte *end) {
@@ -82,7 +82,7 @@ class decoder {
     return done;
   }
 
-  // Where the value of a field begins if its key stands here in its shortest form, else null.
+  // Where the value of a field begins if its canonical key is here, else null.
   template <std::size_t Index>
   PAVO_ZORV_INLINE const byte *step_over_key(const byte *at, const byte *end) {
     if constexpr (Index >= fields) {

@@ -25,7 +25,7 @@ struct row {
   // Whether a field is a number of at least one byte, which is measured with the other scalars of its message.
   static constexpr bool is_scalar() { return false; }
 
-  // Whether one member stands for several fields, or for a message.
+  // Whether the member is a list or a message.
   static constexpr bool repeats_or_nests() { return false; }
 };
 
@@ -49,7 +49,7 @@ inline constexpr auto row_at = std::get<Index>(schema<Record>.rows);
 template <class Record>
 using presence_of = decltype(Record::presence);
 
-// The presence bit of the row at an index: bits stand in field order.
+// The presence bit of the row at an index: bits are in field order.
 template <class Record, std::size_t Index>
 inline constexpr auto presence_bit = static_cast<presence_of<Record>>(presence_of<Record>{1} << Index);
 
@@ -93,7 +93,7 @@ template <class Record>
 inline constexpr bool is_small =
     field_count<Record> <= 8 && !any_row<Record>([](const auto &row) { return row.repeats_or_nests(); });
 
-// The members that the rows name, in row order. The presence flags, which no row names, stand after them.
+// The members that the rows name, in row order. The presence flags, which no row names, come after them.
 template <class Record, std::size_t... Index>
 consteval auto members_of(std::index_sequence<Index...>) {
   return std::tuple_cat(row_at<Record, Index>.members()...);

@@ -69,7 +69,7 @@ consteval bool every_member_has_a_row() {
 }
 
 template <class Record>
-consteval bool members_stand_in_order() {
+consteval bool members_are_in_order() {
   if constexpr (!every_member_has_a_row<Record>()) {
     return false;
   } else {
@@ -107,7 +107,7 @@ struct checked {
   static_assert(checks::numbers_run_from_one<Record>(), "the rows' field numbers are 1, 2, 3 ...");
   static_assert(checks::every_member_has_a_row<Record>(),
                 "every member of the record but the presence flags has a row");
-  static_assert(checks::members_stand_in_order<Record>(), "members stand in row order, the presence flags last");
+  static_assert(checks::members_are_in_order<Record>(), "members are in row order, the presence flags last");
   static_assert(std::is_unsigned_v<presence_of<Record>>, "presence flags are unsigned");
   static_assert(sizeof(presence_of<Record>) == checks::presence_size(field_count<Record>),
                 "presence flags take the fewest of 8, 16 or 32 bits");

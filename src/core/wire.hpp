@@ -57,7 +57,7 @@ constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
   return value | (0x8080808080808080 & ((std::uint64_t{1} << 8 * (size - 1)) - 1));
 }
 
-// Seven bits of each of four bytes, put together.
+// Seven bits of each of four bytes, joined.
 constexpr std::uint32_t seven_of_each(std::uint32_t word) {
   word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
   return (word & 0x3fff) | (word & 0x3fff0000) >> 2;

@@ -1,4 +1,4 @@
-// The fast loops over runs of integers against their plain twins: on every short input, at every distance to the ends
+// The fast loops over runs of integers against the plain ones: on every short input, at every distance to the ends
 // of the buffer, for both sizes of key and of element.
 #include <algorithm>
 #include <random>

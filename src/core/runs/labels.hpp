@@ -24,7 +24,7 @@ class label_block {
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
   // On the wire: whether each word is a value of three bytes and a key of one after it.
-  inline bool regular(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
+  inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
 
   inline void read(std::uint32_t *values) const {
     const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);

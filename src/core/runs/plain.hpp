@@ -1,5 +1,5 @@
-// Runs: the fields of one list, which stand together on the wire, one key and one value for each element. Here are the
-// plain loops: what the fast ones for lists of integers compute, in as few words as possible.
+// Runs: the fields of one list, one after the other on the wire, each with its key. Here are the plain loops, the
+// reference implementation of the fast ones for lists of integers.
 #pragma once
 
 #include <cstddef>

@@ -20,15 +20,14 @@ struct elements_seen {
   std::uint64_t ends;
 };
 
-// A window on a run, from the first byte of a value on. Varints end in turn at a value and at a key, so the parity of
+// A window on a run, from the first byte of a value on. Varints end at a value and at a key by turns, so the parity of
 // the ends tells them apart, up to the first place where a key should begin and none in its shortest form does.
 template <unsigned KeySize>
 struct run_window {
   std::size_t left;      // bytes of the message from here on
   std::uint64_t values;  // last bytes of values
   std::uint64_t keys;    // last bytes of keys
-  std::uint64_t odd;     // where a key should begin, and the run ends or goes on
-                         // with an odd key
+  std::uint64_t breaks;  // where a key should begin, and no canonical one of the run does
 
   PAVO_ZORV_INLINE run_window(std::uint32_t key, const byte *at, const byte *end, const byte *limit)
       : left(static_cast<std::size_t>(end - at)) {
@@ -37,15 +36,15 @@ struct run_window {
     const std::uint64_t ends = seen.ends & inside;
     values = ends & parity_up_to(ends);
     keys = ends & ~values;
-    odd = (values << 1 & inside) & ~seen.keys;
+    breaks = (values << 1 & inside) & ~seen.keys;
   }
 
-  // Whether the message, all of it seen and regular, ends as a run must.
+  // Whether the message, all of it in the window and canonical, ends as a run must.
   bool ends_with_value() const { return left != 0 && (values >> (left - 1) & 1) != 0; }
   std::uint64_t values_below(unsigned place) const { return values & ((std::uint64_t{1} << place) - 1); }
 };
 
-// Where a walk along a run stands after a stretch of it: at the next value or, if the run has ended, after its last
+// Where a walk along a run is after a stretch of it: at the next value or, if the run has ended, after its last
 // value; null when a value, or the key after one, is cut off.
 template <class Visit>
 struct stretch {
@@ -55,10 +54,10 @@ struct stretch {
 };
 
 // Takes elements one by one, from a value on, until some keys in a row have been in their shortest form: a window for
-// each odd key takes fifteen times as long. What visits is handed back, so that it stays in registers elsewhere.
+// each of the others takes fifteen times as long. What visits is returned, so that it stays in registers elsewhere.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte *at, const byte *end, Visit visit) {
-  for (unsigned regular = 0; regular < 16;) {
+  for (unsigned canonical = 0; canonical < 16;) {
     const auto [next, value] = read_varint<std::uint32_t>(at, end);
     if (next == nullptr) return {nullptr, true, visit};
     visit.element(value);
@@ -66,7 +65,7 @@ PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte 
     const auto [first, other] = read_varint<std::uint32_t>(next, end);
     if (first == nullptr) return {nullptr, true, visit};
     if (number_of(other) != number_of(key)) return {next, true, visit};
-    regular = other == key && first - next == KeySize ? regular + 1 : 0;
+    canonical = other == key && first - next == KeySize ? canonical + 1 : 0;
     at = first;
   }
   return {at, false, visit};
@@ -82,27 +81,27 @@ PAVO_ZORV_INLINE const byte *walk_run(std::uint32_t key, const byte *at, const b
       std::size_t blocks = std::min(static_cast<std::size_t>(end - at) / label_block::size, visit.blocks_left());
       for (; blocks != 0; --blocks) {
         const label_block block(at);
-        if (!block.regular(key)) break;
+        if (!block.are_labels(key)) break;
         visit.block(block);
         at += label_block::size;
       }
     }
     const run_window<KeySize> seen(key, at, end, limit);
-    if (seen.odd == 0 && seen.left <= window_size) {
+    if (seen.breaks == 0 && seen.left <= window_size) {
       if (!seen.ends_with_value()) return nullptr;
       visit.elements({at, seen.values});
       return end;
     }
-    if (seen.odd == 0 && seen.keys != 0) {
+    if (seen.breaks == 0 && seen.keys != 0) {
       // The window may cut the last value, or the key after it: the next one begins after the last whole key.
       const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
       visit.elements({at, seen.values_below(whole - 1)});
       at += whole;
       continue;
     }
-    // An odd key, or one value that is longer than the window, or as long.
-    if (seen.odd != 0) {
-      const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
+    // Another key, or one value that is as long as the window or longer.
+    if (seen.breaks != 0) {
+      const auto place = static_cast<unsigned>(std::countr_zero(seen.breaks));
       visit.elements({at, seen.values_below(place)});
       at += place;
       const auto [next, other] = read_varint<std::uint32_t>(at, end);
@@ -216,7 +215,7 @@ struct element_reader {
 };
 
 // A run that has been counted. Most are seen whole in one window: then its values' last bytes and the place after it
-// are known, and it need not be walked again. Otherwise `next` is null, and the count stands alone.
+// are known, and it need not be walked again. Otherwise `next` is null, and there is only the count.
 struct counted_run {
   const byte *next;
   std::uint64_t values;
@@ -226,12 +225,12 @@ struct counted_run {
 
 // Runs with the key in its shortest form, in a buffer that is long enough for one load.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE counted_run count_regular(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
+PAVO_ZORV_NOINLINE counted_run count_by_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   const run_window<KeySize> seen(key, at, end, limit);
-  if (seen.odd == 0 && seen.left <= window_size)
+  if (seen.breaks == 0 && seen.left <= window_size)
     return seen.ends_with_value() ? counted_run{end, seen.values} : counted_run{};
-  if (seen.odd != 0) {
-    const auto place = static_cast<unsigned>(std::countr_zero(seen.odd));
+  if (seen.breaks != 0) {
+    const auto place = static_cast<unsigned>(std::countr_zero(seen.breaks));
     const auto [next, other] = read_varint<std::uint32_t>(at + place, end);
     if (next == nullptr) return {};
     if (number_of(other) != number_of(key)) return {at + place, seen.values_below(place)};
@@ -253,7 +252,7 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint
   }
   element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
   if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
-    // Where values of three bytes stand, each with its key after it; another value follows the last key, so the buffer
+    // Labels, each with the next key after it; another value follows the last key, so the buffer
     // holds the block.
     constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block::size), labels = 0x4444444444444444 & every;
     while ((values & every) == labels && values > every) {
@@ -266,8 +265,8 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE const byte *read_regular(Element *elements, std::size_t count, std::uint32_t key, const byte *at,
-                                            const byte *end, const byte *limit) {
+PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t count, std::uint32_t key, const byte *at,
+                                               const byte *end, const byte *limit) {
   element_reader<KeySize, Element> reader{elements, elements + count, limit};
   const byte *const next = walk_run<KeySize>(key, at, end, limit, reader);
   return reader.left() == 0 ? next : nullptr;
@@ -278,8 +277,8 @@ template <class Element>
 PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const byte *at, const byte *end, const buffer &whole) {
   if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number, at, end)};
   const std::uint32_t key = key_of(number, wire_type::varint);
-  return key < 0x80 ? count_regular<Element, 1>(key, at, end, whole.limit)
-                    : count_regular<Element, 2>(key, at, end, whole.limit);
+  return key < 0x80 ? count_by_windows<Element, 1>(key, at, end, whole.limit)
+                    : count_by_windows<Element, 2>(key, at, end, whole.limit);
 }
 
 // Reads integers that have been counted; returns the place after the last. Null where the input has changed since
@@ -294,8 +293,8 @@ PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, u
     return run.next;
   }
   if (whole.size() < native_piece::size) return plain::read_integers(elements, run.count(), at, end);
-  return key < 0x80 ? read_regular<Element, 1>(elements, run.count(), key, at, end, whole.limit)
-                    : read_regular<Element, 2>(elements, run.count(), key, at, end, whole.limit);
+  return key < 0x80 ? read_by_windows<Element, 1>(elements, run.count(), key, at, end, whole.limit)
+                    : read_by_windows<Element, 2>(elements, run.count(), key, at, end, whole.limit);
 }
 
 }  // namespace pavo_zorv

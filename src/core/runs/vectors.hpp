@@ -25,7 +25,7 @@ inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
 using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
 inline constexpr std::size_t vector_numbers = vector_size / sizeof(std::uint32_t);
 
-// A key in its shortest form, as the bytes that stand on the wire: one, or two for numbers from 16 on.
+// A canonical key, as it is on the wire: one byte, or two for numbers from 16 on.
 template <unsigned Size>
 struct key_bytes {
   byte first;

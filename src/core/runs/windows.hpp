@@ -95,7 +95,7 @@ PAVO_ZORV_INLINE window look(const byte *at, const byte *limit, key_bytes<KeySiz
   return {ends, KeySize == 1 ? first : first & second >> 1};
 }
 
-// Where a value stands in a window.
+// Where a window has bytes of a value.
 template <class Piece = native_piece>
 PAVO_ZORV_INLINE std::uint64_t look_for(const byte *at, const byte *limit, byte value) {
   std::uint64_t found = 0;

@@ -105,7 +105,7 @@ inline byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint3
 // --- Lists of 8-bit integers ---
 
 #if defined(__SSSE3__)
-// Four 8-bit elements as varints with their keys, put together by one shuffle: which bytes of the source go where
+// Four 8-bit elements as varints with their keys, made by one shuffle: which bytes of the source go where
 // follows from which elements take a second byte, which is always 1.
 template <unsigned KeySize>
 class four_elements {
@@ -133,7 +133,7 @@ class four_elements {
     byte of[16][16];
   };
 
-  // In the source stand four elements, the key, and the byte 1.
+  // The source has four elements, the key, and the byte 1.
   static constexpr shuffle_table make_shuffles() {
     shuffle_table result{};
     for (unsigned longer = 0; longer < 16; ++longer) {
@@ -175,7 +175,7 @@ inline void append_bytes(byte *at, std::uint32_t key, const std::uint8_t *elemen
   if (elements[index] >= 0x80) *at = 1;
 }
 
-// Four elements at a time from the end on, where the processor can put them together and the store does not reach
+// Four elements at a time from the end on, where the processor has the shuffle and the store does not reach
 // before the buffer.
 template <unsigned KeySize>
 PAVO_ZORV_NOINLINE byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint8_t *elements,
