@@ -33,6 +33,16 @@ for path in (source / "tests" / "interoperability").glob("*.cpp"):
 faults += [f"CONFORMANCE.md names {name}, which is no test" for name in sorted(named - written)]
 faults += [f"CONFORMANCE.md does not name {name}" for name in sorted(written - named) if name.startswith("difference.")]
 
+# The tests that SECURITY.md names: a suite and a test, or the beginning of its name, that the sources of the tests have.
+sources = "\n".join(path.read_text(encoding="utf-8") for folder in ("tests", "fuzz")
+                    for pattern in ("*.cpp", "*.hpp", "*.bash", "CMakeLists.txt") for path in (source / folder).rglob(pattern))
+promised = re.findall(r"`([a-z]\w+)\.(\*|[a-z]\w*…?)`", (source / "SECURITY.md").read_text(encoding="utf-8"))
+faults += [] if promised else ["SECURITY.md names no test"]
+for suite, name in promised:
+    test = "" if name == "*" else rf"\b{name[:-1]}" if name.endswith("…") else rf"\b{name}\b"
+    if not re.search(rf"\b{suite}\b", sources) or not re.search(test, sources):
+        faults.append(f"SECURITY.md names {suite}.{name}, which is no test")
+
 # What the README shows.
 readme = (source / "README.md").read_text(encoding="utf-8")
 program = re.search(r"```c\n(.*?)```", readme, re.DOTALL)
