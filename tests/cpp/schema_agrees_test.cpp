@@ -58,8 +58,8 @@ TEST(schema, is_listed_after_those_of_the_messages_in_it) {
     using record = typename decltype(message)::type;
     pavo_zorv::for_each_row<record>([&](auto index) {
       using row = std::remove_cvref_t<decltype(pavo_zorv::row_at<record, index>)>;
-      if constexpr (requires { typename row::nested; }) {
-        const char *const nested = pavo_zorv::message_name<typename row::nested>;
+      if constexpr (row::type == pavo_zorv::kind::nested || row::type == pavo_zorv::kind::message_list) {
+        const char *const nested = pavo_zorv::message_name<typename row::message>;
         EXPECT_TRUE(listed.contains(nested))
             << "include/pavo_zorv_messages.h lists " << pavo_zorv::message_name<record> << " before " << nested
             << ", which it contains";
