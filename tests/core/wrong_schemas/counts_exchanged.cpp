@@ -1,4 +1,4 @@
-// error: .*members stand in row order, the presence flags last
+// error: .*members are in row order, the presence flags last
 // A list has its own count.
 #include "core/operations.hpp"
 

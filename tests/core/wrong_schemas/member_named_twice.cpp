@@ -1,4 +1,4 @@
-// error: .*members stand in row order, the presence flags last
+// error: .*members are in row order, the presence flags last
 // No two rows name the same member.
 #include "core/operations.hpp"
 

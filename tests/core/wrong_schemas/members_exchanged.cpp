@@ -1,4 +1,4 @@
-// error: .*members stand in row order, the presence flags last
+// error: .*members are in row order, the presence flags last
 // Members stand in the order of their fields.
 #include "core/operations.hpp"
 

@@ -1,4 +1,4 @@
-// error: .*members stand in row order, the presence flags last
+// error: .*members are in row order, the presence flags last
 // The presence flags stand last.
 #include "core/operations.hpp"
 
