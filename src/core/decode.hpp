@@ -50,8 +50,8 @@ class decoder {
   case key_at(index):                                                     \
     if constexpr (index < fields) {                                       \
       done = read_value<index>(done.next, end);                           \
-      if (index + 1 == fields || done.result != CODEC_OK) return done;    \
-      const byte *const next = step_over_key<index + 1>(done.next, end); \
+      if (done.result != CODEC_OK) return done;                           \
+      const byte *const next = step_over_key<index + 1>(done.next, end);  \
       if (next == nullptr) return done;                                   \
       done.next = next;                                                   \
     }                                                                     \
@@ -113,7 +113,6 @@ template <class Record>
 int decode(Record &record, const byte *buffer, std::size_t length, pavo_zorv_allocate allocate, void *context,
            std::uint32_t options = 0) {
   clear_record(record);
-  if (length == 0) return CODEC_OK;
   return decode_message(record, buffer, buffer + length,
                         decode_context{{allocate, context}, options, {buffer, buffer + length}});
 }
