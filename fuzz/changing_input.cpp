@@ -10,18 +10,9 @@ namespace {
 struct changing {
   const trial &what;
   unsigned char *input;
-  ledger &memory;
-  std::size_t requests = 0;
-
-  static void *allocate(std::size_t size, void *context) {
-    auto &self = *static_cast<changing *>(context);
-    self.change();
-    return ledger::allocate(size, &self.memory);
-  }
 
   // At some requests, one byte: to one that ends a value or goes on, a length, or any other.
-  void change() {
-    const std::size_t request = requests++;
+  void change(std::size_t request) const {
     if ((what.extra >> (request % 8) & 1) == 0) return;
     const std::size_t at = (what.number + request * 7) % what.length;
     switch (what.choice & 3) {
@@ -44,26 +35,19 @@ struct changing {
 }  // namespace
 
 void run(const trial &trial) {
-  const unsigned char *const input = input_room().holding(trial, trial.bytes, trial.length);
-  record seen(*trial.type, trial.fill);
-  ledger memory(trial);
-  changing changing{trial, const_cast<unsigned char *>(input), memory};
-  trial.type->functions->decode(seen.data(), input, trial.length, changing::allocate, &changing, trial.options());
-  const std::size_t owned = naive::blocks_owned(*trial.type, seen.data(), trial.referenced);
-  const std::size_t dropped = memory.live() - owned;
-  const std::vector<unsigned char> written = encoding_of(trial, seen.data(), 0);
-  {
-    record copy(*trial.type, trial.fill);
-    ledger of_copy(trial);
-    FUZZ_CHECK(trial,
-               trial.type->functions->duplicate(copy.data(), seen.data(), ledger::allocate, &of_copy) == CODEC_OK);
-    FUZZ_CHECK(trial, trial.type->functions->compare(copy.data(), seen.data()) == 0);
-    FUZZ_CHECK(trial, encoding_of(trial, copy.data(), 0) == written);
-    trial.type->functions->free(copy.data(), ledger::release, &of_copy, 0);
-    FUZZ_CHECK(trial, of_copy.live() == 0);
-  }
-  trial.type->functions->free(seen.data(), ledger::release, &memory, trial.options());
-  FUZZ_CHECK(trial, memory.live() == dropped);
+  const unsigned char *const input = placed(input_room(), trial, trial.bytes, trial.length);
+  const changing changing{trial, const_cast<unsigned char *>(input)};
+  test::owned_record seen(*trial.type->functions, trial.options(), guard_size, trial.fill);
+  const view record(*trial.type, seen.data());
+  seen.memory.before_each = [&](std::size_t request) { changing.change(request); };
+  seen.decode(input, trial.length);
+  seen.dropped = seen.memory.live() - naive::blocks_owned(record, trial.referenced);
+  const std::vector<unsigned char> written = encoding_of(trial, record, 0);
+
+  test::owned_record copy(*trial.type->functions, 0, guard_size, trial.fill);
+  FUZZ_CHECK(trial, copy.copy(seen.data()) == CODEC_OK);
+  FUZZ_CHECK(trial, trial.type->functions->compare(copy.data(), seen.data()) == 0);
+  FUZZ_CHECK(trial, encoding_of(trial, {*trial.type, copy.data()}, 0) == written);
 }
 
 }  // namespace fuzz

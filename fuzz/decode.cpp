@@ -5,15 +5,14 @@
 namespace fuzz {
 
 void run(const trial &trial) {
-  const message &type = *trial.type;
-  const unsigned char *const input = input_room().holding(trial, trial.bytes, trial.length);
+  const unsigned char *const input = placed(input_room(), trial, trial.bytes, trial.length);
   decoded seen(trial, input, trial.length, trial.referenced);
   const expected expected(trial, input, trial.length);
 
   FUZZ_CHECK(trial, seen.result == expected.result);
   FUZZ_CHECK(trial, seen.memory.sizes == expected.decoder.sizes);
   const naive::comparison same(trial.referenced, [&](const void *block) { return seen.memory.size_of(block); });
-  FUZZ_SAME(trial, same.difference(type, seen.record.data(), expected.record.data()));
+  FUZZ_SAME(trial, same.difference(seen.record, expected.record));
   seen.expect_dropped(expected.decoder.dropped);
   FUZZ_CHECK(trial, trial.length == 0 || std::memcmp(input, trial.bytes, trial.length) == 0);
 }

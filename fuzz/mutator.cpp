@@ -4,8 +4,8 @@
 #include <cstring>
 #include <vector>
 
-#include "dice.hpp"
 #include "harness.hpp"
+#include "random.hpp"
 
 extern "C" std::size_t LLVMFuzzerMutate(unsigned char *data, std::size_t size, std::size_t room);
 
@@ -13,16 +13,11 @@ namespace fuzz {
 
 namespace {
 
-using byte_string = std::vector<unsigned char>;
-
-void put_varint(byte_string &out, std::uint64_t value, std::size_t extra = 0) {
-  while (value >= 0x80 || extra != 0) {
-    if (value < 0x80) --extra;
-    out.push_back(static_cast<unsigned char>(value | 0x80));
-    value >>= 7;
-  }
-  out.push_back(static_cast<unsigned char>(value));
-}
+using test::append;
+using test::byte_string;
+using test::long_varint;
+using test::random_numbers;
+using test::varint;
 
 // A field as it stands in a message. What cannot be taken apart is one field of its own: the tail.
 struct piece {
@@ -34,9 +29,11 @@ struct piece {
   std::int64_t wrong_length = 0;  // added to the length
 
   void write(byte_string &out) const {
-    if (!tail) put_varint(out, key, longer_key);
-    if (delimited) put_varint(out, static_cast<std::uint32_t>(static_cast<std::int64_t>(value.size()) + wrong_length));
-    out.insert(out.end(), value.begin(), value.end());
+    if (!tail) append(out, long_varint(key, longer_key));
+    if (delimited) {
+      append(out, varint(static_cast<std::uint32_t>(static_cast<std::int64_t>(value.size()) + wrong_length)));
+    }
+    append(out, value);
   }
 };
 
@@ -92,21 +89,21 @@ std::vector<piece> pieces_of(const byte_string &bytes) {
 class mutator {
  public:
   // With the number of bytes that the message takes, and that it has room for.
-  mutator(dice &dice, std::size_t size, std::size_t room) : dice_(dice), size_(size), room_(room) {}
+  mutator(random_numbers &random, std::size_t size, std::size_t room) : random_(random), size_(size), room_(room) {}
 
   // Makes one field, at any depth, come again and again, or a string in it longer, until the message ends near a length
   // that matters.
   void lengthen(const message &type, byte_string &bytes, unsigned depth = 0) {
     std::vector<piece> pieces = pieces_of(bytes);
     if (pieces.empty()) insert(pieces, any_field(type, depth));
-    const std::size_t at = dice_.below(pieces.size());
+    const std::size_t at = random_.below(pieces.size());
     piece &one = pieces[at];
     const message *const nested = nested_of(type, one);
     const std::size_t goal = this->goal();
-    if (nested != nullptr && !one.value.empty() && dice_.percent(60)) {
+    if (nested != nullptr && !one.value.empty() && random_.percent(60)) {
       lengthen(*nested, one.value, depth + 1);
-    } else if (goal > size_ && one.delimited && nested == nullptr && dice_.percent(70)) {
-      one.value.resize(one.value.size() + goal - size_, dice_.byte());
+    } else if (goal > size_ && one.delimited && nested == nullptr && random_.percent(70)) {
+      one.value.resize(one.value.size() + goal - size_, random_.byte());
     } else if (goal > size_) {
       byte_string written;
       one.write(written);
@@ -117,10 +114,10 @@ class mutator {
 
   void change(const message &type, byte_string &bytes, unsigned depth = 0) {
     std::vector<piece> pieces = pieces_of(bytes);
-    if (pieces.empty() || dice_.percent(15)) {
+    if (pieces.empty() || random_.percent(15)) {
       insert(pieces, any_field(type, depth));
     } else {
-      change_one(type, pieces, dice_.below(pieces.size()), depth);
+      change_one(type, pieces, random_.below(pieces.size()), depth);
     }
     write(pieces, bytes);
   }
@@ -134,15 +131,15 @@ class mutator {
   // Around the longest encoding that is written by scratch, around 64 KB, and between.
   std::size_t goal() {
     const std::size_t longest = std::min<std::size_t>(room_, 20000);
-    if (room_ > 65600 && dice_.percent(10)) return 65536 + dice_.below(64) - 40;
-    return longest > 8300 && dice_.percent(60) ? 8192 + dice_.below(64) - 40 : dice_.below(longest);
+    if (room_ > 65600 && random_.percent(10)) return 65536 + random_.below(64) - 40;
+    return longest > 8300 && random_.percent(60) ? 8192 + random_.below(64) - 40 : random_.below(longest);
   }
 
   void change_one(const message &type, std::vector<piece> &pieces, std::size_t at, unsigned depth) {
     piece &one = pieces[at];
     const message *const nested = nested_of(type, one);
-    if (nested != nullptr && dice_.percent(50)) return change(*nested, one.value, depth + 1);
-    switch (dice_.below(9)) {
+    if (nested != nullptr && random_.percent(50)) return change(*nested, one.value, depth + 1);
+    switch (random_.below(9)) {
       case 0:
         pieces.erase(pieces.begin() + static_cast<std::ptrdiff_t>(at));
         break;
@@ -150,16 +147,17 @@ class mutator {
         insert(pieces, piece(one));
         break;
       case 2:
-        std::swap(one, pieces[dice_.below(pieces.size())]);
+        std::swap(one, pieces[random_.below(pieces.size())]);
         break;
       case 3:
-        one.longer_key = dice_.percent(80) ? 1 + dice_.below(4) : dice_.below(12);
+        one.longer_key = random_.percent(80) ? 1 + random_.below(4) : random_.below(12);
         break;
       case 4:
-        one.wrong_length = dice_.percent(70) ? (dice_.percent(50) ? 1 : -1) : static_cast<std::int32_t>(dice_.any());
+        one.wrong_length =
+            random_.percent(70) ? (random_.percent(50) ? 1 : -1) : static_cast<std::int32_t>(random_.any());
         break;
       case 5:
-        one.key ^= dice_.percent(70) ? static_cast<std::uint32_t>(dice_.below(8)) : 1u << dice_.below(20);
+        one.key ^= random_.percent(70) ? static_cast<std::uint32_t>(random_.below(8)) : 1u << random_.below(20);
         break;
       case 6:
         lengthen_run(pieces, at);
@@ -179,12 +177,12 @@ class mutator {
   }
 
   void insert(std::vector<piece> &pieces, piece one) {
-    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(dice_.below(pieces.size() + 1)), std::move(one));
+    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(random_.below(pieces.size() + 1)), std::move(one));
   }
 
   // The field again, several times, directly after itself.
   void lengthen_run(std::vector<piece> &pieces, std::size_t at) {
-    const std::size_t times = dice_.percent(70) ? 1 + dice_.below(4) : 1 + dice_.below(40);
+    const std::size_t times = random_.percent(70) ? 1 + random_.below(4) : 1 + random_.below(40);
     const piece copy = pieces[at];
     if (copy.value.size() * times > 400) return;
     pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), times, copy);
@@ -198,9 +196,8 @@ class mutator {
   }
 
   void change_value(piece &one) {
-    if ((one.key & 7) == 0 && dice_.percent(70)) {
-      one.value.clear();
-      put_varint(one.value, dice_.number(), dice_.percent(15) ? dice_.below(12) : 0);
+    if ((one.key & 7) == 0 && random_.percent(70)) {
+      one.value = long_varint(random_.number(), random_.percent(15) ? random_.below(12) : 0);
       return;
     }
     const std::size_t size = one.value.size();
@@ -210,18 +207,18 @@ class mutator {
 
   piece any_field(const message &type, unsigned depth) {
     piece one;
-    if (dice_.percent(12)) return unknown_field(type);
-    const std::size_t index = dice_.below(type.members.size());
+    if (random_.percent(12)) return unknown_field(type);
+    const std::size_t index = random_.below(type.members.size());
     const member &field = type.members[index];
     one.key = static_cast<std::uint32_t>(index + 1) << 3 | (field.is_varint() ? 0 : 2);
     one.delimited = !field.is_varint();
     if (field.is_varint()) {
-      put_varint(one.value, dice_.number());
+      one.value = varint(random_.number());
     } else if (field.nested == nullptr) {
-      one.value.resize(dice_.percent(90) ? dice_.below(6) : dice_.below(140));
-      for (unsigned char &byte : one.value) byte = dice_.byte();
+      one.value.resize(random_.percent(90) ? random_.below(6) : random_.below(140));
+      for (unsigned char &byte : one.value) byte = random_.byte();
     } else if (depth < 5) {
-      for (std::size_t count = dice_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
+      for (std::size_t count = random_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
     }
     return one;
   }
@@ -229,16 +226,16 @@ class mutator {
   piece unknown_field(const message &type) {
     static constexpr std::uint32_t types[] = {0, 0, 1, 2, 2, 5, 3, 4, 6, 7};
     piece one;
-    const std::uint32_t type_bits = types[dice_.below(std::size(types))];
-    const std::size_t number = dice_.percent(30) ? 0 : type.members.size() + 1 + dice_.below(20);
+    const std::uint32_t type_bits = types[random_.below(std::size(types))];
+    const std::size_t number = random_.percent(30) ? 0 : type.members.size() + 1 + random_.below(20);
     one.key = static_cast<std::uint32_t>(number) << 3 | type_bits;
     one.delimited = type_bits == 2;
-    one.value.resize(type_bits == 1 ? 8 : type_bits == 5 ? 4 : type_bits == 2 ? dice_.below(6) : 0);
-    if (type_bits == 0) put_varint(one.value, dice_.number());
+    one.value.resize(type_bits == 1 ? 8 : type_bits == 5 ? 4 : type_bits == 2 ? random_.below(6) : 0);
+    if (type_bits == 0) one.value = varint(random_.number());
     return one;
   }
 
-  dice &dice_;
+  random_numbers &random_;
   std::size_t size_, room_;
 };
 
@@ -248,19 +245,19 @@ class mutator {
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(unsigned char *data, std::size_t size, std::size_t room, unsigned seed) {
   constexpr std::size_t header = fuzz::trial::header;
-  fuzz::dice dice(seed);
-  if (size < header || room <= header || dice.percent(25)) return LLVMFuzzerMutate(data, size, room);
-  if (dice.percent(10)) {
-    data[dice.below(header)] = dice.byte();
+  test::random_numbers random(seed);
+  if (size < header || room <= header || random.percent(25)) return LLVMFuzzerMutate(data, size, room);
+  if (random.percent(10)) {
+    data[random.below(header)] = random.byte();
     return size;
   }
-  fuzz::byte_string bytes(data + header, data + size);
+  test::byte_string bytes(data + header, data + size);
   const fuzz::trial trial = fuzz::trial_of(data, size);
-  fuzz::mutator change(dice, bytes.size(), room - header);
+  fuzz::mutator change(random, bytes.size(), room - header);
   // Where there is room for it, some become long.
-  if (room > 8192 && bytes.size() < 4096 && dice.percent(10)) change.lengthen(*trial.type, bytes);
+  if (room > 8192 && bytes.size() < 4096 && random.percent(10)) change.lengthen(*trial.type, bytes);
   change.change(*trial.type, bytes);
-  while (dice.percent(30)) change.change(*trial.type, bytes);
+  while (random.percent(30)) change.change(*trial.type, bytes);
   if (bytes.size() > room - header) bytes.resize(room - header);
   if (!bytes.empty()) std::memcpy(data + header, bytes.data(), bytes.size());
   return header + bytes.size();

@@ -29,7 +29,7 @@ void add_wholes(const message &type, const byte_string &bytes, std::size_t first
     const std::uint32_t value = number(first);
     const member &field = type.members.at((key >> 3) - 1);
     if (field.is_varint()) continue;
-    if (field.what == sort::bytes && referenced) continue;
+    if (field.kind == kind::bytes && referenced) continue;
     if (field.nested != nullptr) add_wholes(*field.nested, bytes, first, first + value, referenced, out);
     if (field.nested == nullptr) out.push_back({first, first + value});
     first += value;
@@ -38,15 +38,15 @@ void add_wholes(const message &type, const byte_string &bytes, std::size_t first
 
 // Members without their bit, bits without a member, flags of any value that one byte can hold as a varint: what a
 // caller may ask to be written beside what comes from a decoder.
-void make_odd(const trial &trial, unsigned char *record) {
-  std::uint32_t bits = naive::presence_of(*trial.type, record);
+void make_odd(const trial &trial, view record) {
+  std::uint32_t bits = record.presence();
   for (std::size_t i = 0; i < trial.type->members.size(); ++i) {
     const member &field = trial.type->members[i];
     if (((trial.extra >> (i % 8)) & 1) == 0) continue;
     bits ^= std::uint32_t{1} << i;
-    if (field.what == sort::flag) naive::store(record + field.offset, 1, (trial.fill + i) & 0x7f);
+    if (field.kind == kind::flag) record.set_number(field, (trial.fill + i) & 0x7f);
   }
-  naive::set_presence(*trial.type, record, bits);
+  record.set_presence(bits);
 }
 
 struct outcome {
@@ -126,10 +126,10 @@ bool starts_right(const trial &trial, const outcome &full, const outcome &cut, c
 }  // namespace
 
 void run(const trial &trial) {
-  const unsigned char *const input = input_room().holding(trial, trial.bytes, trial.length);
+  const unsigned char *const input = placed(input_room(), trial, trial.bytes, trial.length);
   decoded source(trial, input, trial.length, trial.referenced);
-  record odd = source.record;
-  if ((trial.choice & 1) != 0) make_odd(trial, odd.data());
+  test::record_block odd = source.block;
+  if ((trial.choice & 1) != 0) make_odd(trial, {*trial.type, odd.data()});
 
   std::uint32_t needed = 0;
   const std::size_t size = trial.type->functions->encode(odd.data(), nullptr, 0, nullptr, &needed, trial.options());

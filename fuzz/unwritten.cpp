@@ -7,35 +7,11 @@ namespace fuzz {
 
 namespace {
 
-// Blocks as malloc gives them, for so many requests. All go back in the end: what a nested message owned before it came
-// again belongs to nobody.
-class heap {
- public:
-  explicit heap(std::size_t granted) : granted_(granted) {}
-  heap(const heap &) = delete;
-  heap &operator=(const heap &) = delete;
-  ~heap() {
-    for (void *const block : blocks_) std::free(block);
-  }
-  static void *allocate(std::size_t size, void *context) { return static_cast<heap *>(context)->take(size); }
-  static void release(void *, void *) {}
-
- private:
-  void *take(std::size_t size) {
-    if (blocks_.size() == granted_) return nullptr;
-    blocks_.push_back(std::malloc(size));
-    return blocks_.back();
-  }
-
-  std::size_t granted_;
-  std::vector<void *> blocks_;
-};
-
 // Memory for a record that nobody has written. On the heap, because a compiler may do as it likes with a variable.
 class unwritten {
  public:
   explicit unwritten(const message &type) : block_(std::malloc(type.size)) {
-    if (block_ == nullptr) naive::broken("no memory");
+    if (block_ == nullptr) test::broken("no memory");
   }
   unwritten(const unwritten &) = delete;
   unwritten &operator=(const unwritten &) = delete;
@@ -54,34 +30,35 @@ std::vector<unsigned char> encoding_of(const message &type, const unsigned char 
 }
 
 void check(const trial &trial, const message &type, const unsigned char *bytes, std::size_t length) {
-  const naive::calls &call = *type.functions;
+  const test::calls &call = *type.functions;
   const std::uint32_t options = call.takes_options ? trial.extra & PAVO_ZORV_REFERENCE : 0;
   const std::size_t granted = (trial.choice & 3) == 0 ? trial.number % 24 : SIZE_MAX;
   const unwritten original(type), copy(type);
 
-  heap memory(granted), memory_of_copy(granted);
-  const int result = call.decode(original.data(), bytes, length, heap::allocate, &memory, options);
+  test::accountant memory(0, test::accountant::unwritten), memory_of_copy(0, test::accountant::unwritten);
+  memory.fail_from = memory_of_copy.fail_from = granted;
+  const int result = call.decode(original.data(), bytes, length, test::accountant::allocate, &memory, options);
   FUZZ_CHECK(trial, length != 0 || result == CODEC_OK);
   const std::vector<unsigned char> written = encoding_of(type, original.data(), options);
   FUZZ_CHECK(trial, length != 0 || written.empty());
 
-  const int copied = call.duplicate(copy.data(), original.data(), heap::allocate, &memory_of_copy);
+  const int copied = call.duplicate(copy.data(), original.data(), test::accountant::allocate, &memory_of_copy);
   FUZZ_CHECK(trial, copied == CODEC_OK || (copied == CODEC_ERR_NO_MEMORY && granted != SIZE_MAX));
   const std::vector<unsigned char> again = encoding_of(type, copy.data(), options);
   if (copied == CODEC_OK) {
     FUZZ_CHECK(trial, call.compare(original.data(), copy.data()) == 0);
     FUZZ_CHECK(trial, again == written);
   }
-  call.free(copy.data(), heap::release, nullptr, 0);
-  call.free(original.data(), heap::release, nullptr, options);
-  FUZZ_CHECK(trial, naive::blocks_owned(type, copy.data(), false) == 0);
-  FUZZ_CHECK(trial, naive::blocks_owned(type, original.data(), options != 0) == 0);
+  call.free(copy.data(), test::accountant::release, &memory_of_copy, 0);
+  call.free(original.data(), test::accountant::release, &memory, options);
+  FUZZ_CHECK(trial, naive::blocks_owned({type, copy.data()}) == 0);
+  FUZZ_CHECK(trial, naive::blocks_owned({type, original.data()}, options != 0) == 0);
 }
 
 }  // namespace
 
 void run(const trial &trial) {
-  const unsigned char *const input = input_room().holding(trial, trial.bytes, trial.length);
+  const unsigned char *const input = placed(input_room(), trial, trial.bytes, trial.length);
   for (const message &type : naive::messages()) check(trial, type, input, &type == trial.type ? trial.length : 0);
 }
 

@@ -24,7 +24,7 @@ protobuf::Message &peer_of(const message &type) {
     const protobuf::DescriptorPool *const pool = protobuf::DescriptorPool::generated_pool();
     for (const message &one : naive::messages()) {
       const protobuf::Descriptor *const found = pool->FindMessageTypeByName(std::string("zorv.") + one.name);
-      if (found == nullptr) naive::broken(std::string("no peer for ") + one.name);
+      if (found == nullptr) test::broken(std::string("no peer for ") + one.name);
       peers.emplace_back(protobuf::MessageFactory::generated_factory()->GetPrototype(found)->New());
     }
   }
@@ -44,7 +44,7 @@ bool is_interpreted_differently(const message &type, const unsigned char *bytes,
     if ((key & 7) == 0) {
       std::uint64_t value = 0;
       naive::decoder::read_64(bytes, length, at, value);
-      if (known && field->what == sort::flag && value != 0 && static_cast<std::uint32_t>(value) == 0) return true;
+      if (known && field->kind == kind::flag && value != 0 && static_cast<std::uint32_t>(value) == 0) return true;
       continue;
     }
     if ((key & 7) == 2) {
@@ -52,7 +52,7 @@ bool is_interpreted_differently(const message &type, const unsigned char *bytes,
     } else {
       size = (key & 7) == 1 ? 8 : 4;
     }
-    if (known && field->what == sort::message && (seen >> (key >> 3) & 1) != 0) return true;
+    if (known && field->kind == kind::nested && (seen >> (key >> 3) & 1) != 0) return true;
     if (known) seen |= std::uint32_t{1} << (key >> 3);
     if (known && field->nested != nullptr && is_interpreted_differently(*field->nested, bytes + at, size)) return true;
     at += size;
@@ -63,7 +63,7 @@ bool is_interpreted_differently(const message &type, const unsigned char *bytes,
 }  // namespace
 
 void run(const trial &trial) {
-  const unsigned char *const input = input_room().holding(trial, trial.bytes, trial.length);
+  const unsigned char *const input = placed(input_room(), trial, trial.bytes, trial.length);
   const decoded here(trial, input, trial.length, trial.referenced);
   if (here.result != CODEC_OK) return;
   protobuf::Message &there = peer_of(*trial.type);
@@ -75,11 +75,11 @@ void run(const trial &trial) {
   there.DiscardUnknownFields();
   const std::string bytes = there.SerializeAsString();
   const unsigned char *const again =
-      second_input_room().holding(trial, reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size());
+      placed(second_input_room(), trial, reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size());
   const decoded back(trial, again, bytes.size(), false);
   FUZZ_CHECK(trial, back.result == CODEC_OK);
   FUZZ_CHECK(trial, trial.type->functions->compare(here.record.data(), back.record.data()) == 0);
-  FUZZ_CHECK(trial, encoding_of(trial, here.record.data(), 0) == encoding_of(trial, back.record.data(), 0));
+  FUZZ_CHECK(trial, encoding_of(trial, here.record, 0) == encoding_of(trial, back.record, 0));
 }
 
 }  // namespace fuzz

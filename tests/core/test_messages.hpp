@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/operations.hpp"
-#include "description.hpp"
+#include "support.hpp"
 
 namespace test {
 
@@ -217,6 +217,8 @@ namespace test {
 // The library's templates under the names that the laws use.
 template <class Record>
 struct template_operations {
+  static constexpr bool takes_options = true;
+
   static int decode(Record *out, const unsigned char *buffer, std::size_t length, pavo_zorv_allocate allocate,
                     void *context, std::uint32_t options = 0) {
     return pavo_zorv::decode(*out, buffer, length, allocate, context, options);
@@ -238,9 +240,7 @@ struct template_operations {
   template <>                                                 \
   struct operations<message> : template_operations<message> { \
     static constexpr const char *name = #message;             \
-  };                                                          \
-  template <>                                                 \
-  inline constexpr bool takes_options<message> = true;
+  };
 PAVO_ZORV_TEST_MESSAGE(leaf)
 PAVO_ZORV_TEST_MESSAGE(branch)
 PAVO_ZORV_TEST_MESSAGE(parcel)

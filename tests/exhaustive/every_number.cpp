@@ -3,39 +3,22 @@
 //   every_number all        every number of 32 bits there and back, every input of up to 4 bytes to the 32-bit reader,
 //                           and the boundaries of 64 bits
 //   every_number some       every 65537th of the first two, and the boundaries of 64 bits
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "core/wire.hpp"
+#include "fence.hpp"
 #include "naive/decoder.hpp"
+#include "wire_bytes.hpp"
 
 namespace {
 
-using byte_string = std::vector<unsigned char>;
-
-unsigned char *end_of_page() {
-  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-  void *const start = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (start == MAP_FAILED) naive::broken("no memory");
-  unsigned char *const end = static_cast<unsigned char *>(start) + page;
-  if (mprotect(end, page, PROT_NONE) != 0) naive::broken("no inaccessible page");
-  return end;
-}
-
-std::size_t write_plainly(std::uint64_t value, unsigned char *out) {
-  std::size_t size = 0;
-  for (; value >= 128; value >>= 7) out[size++] = static_cast<unsigned char>(value & 0x7f) | 0x80;
-  out[size++] = static_cast<unsigned char>(value);
-  return size;
-}
+using test::byte_string;
 
 [[noreturn]] void fail(const char *what, std::uint64_t number) {
-  naive::broken(std::string(what) + " is wrong for " + std::to_string(number));
+  test::broken(std::string(what) + " is wrong for " + std::to_string(number));
 }
 
 // The C library's memcmp loads whole vectors, which is very slow if they reach into an inaccessible page.
@@ -47,15 +30,15 @@ bool same(const unsigned char *a, const unsigned char *b, std::size_t size) {
 
 // A number as the only member of a message: encoded in the fewest bytes, and decoded again.
 std::uint64_t numbers_of_32_bits(std::uint64_t step) {
-  unsigned char *const end = end_of_page();
+  const test::fence room(16);
   std::uint64_t tried = 0;
   for (std::uint64_t number = 0; number <= UINT32_MAX; number += step, ++tried) {
     unsigned char expected[16] = {0x08};
-    const std::size_t size = 1 + write_plainly(number, expected + 1);
+    const std::size_t size = 1 + test::write_varint(number, expected + 1);
     api_addr out = {};
     out.address = static_cast<std::uint32_t>(number);
     out.presence = API_ADDR_HAS_ADDRESS;
-    unsigned char *const buffer = end - size;
+    unsigned char *const buffer = room.last(size);
     if (pavo_zorv_api_addr_encode_ext(&out, buffer, size, nullptr, nullptr) != size) fail("the size written", number);
     if (!same(buffer, expected, size)) fail("what is written", number);
     api_addr in = {};
@@ -67,8 +50,8 @@ std::uint64_t numbers_of_32_bits(std::uint64_t step) {
 
 // Reads every input of a length, at the end of a page: checks the value and the position after it, or the failure.
 std::uint64_t inputs_of_length(std::size_t length, std::uint64_t step) {
-  unsigned char *const end = end_of_page();
-  unsigned char *const input = end - length;
+  const test::fence room(length);
+  unsigned char *const input = room.last(length), *const end = input + length;
   std::uint64_t tried = 0;
   for (std::uint64_t number = 0; number >> 8 * length == 0; number += step, ++tried) {
     for (std::size_t i = 0; i < length; ++i) input[i] = static_cast<unsigned char>(number >> 8 * i);
@@ -85,8 +68,8 @@ std::uint64_t inputs_of_length(std::size_t length, std::uint64_t step) {
 
 // An input of the 64-bit reader, as the member of a message.
 void read_64(const byte_string &varint) {
-  static unsigned char *const end = end_of_page();
-  unsigned char *const input = end - varint.size() - 1;
+  static const test::fence room(16);
+  unsigned char *const input = room.last(varint.size() + 1);
   input[0] = 0x18;
   std::copy(varint.begin(), varint.end(), input + 1);
   api_msg_internal in = {};
@@ -94,7 +77,7 @@ void read_64(const byte_string &varint) {
   std::size_t position = 0;
   std::uint64_t expected = 0;
   const bool whole = naive::decoder::read_64(varint.data(), varint.size(), position, expected);
-  if (whole && position != varint.size()) naive::broken("a varint with something after it");
+  if (whole && position != varint.size()) test::broken("a varint with something after it");
   if (result != (whole ? CODEC_OK : CODEC_ERR_TRUNCATED)) fail("the result of 64 bits", expected);
   if (in.field3 != (whole ? expected : 0)) fail("what is read of 64 bits", expected);
   if (in.presence != (whole ? API_MSG_INTERNAL_HAS_FIELD3 : 0)) fail("the presence of 64 bits", expected);
@@ -108,7 +91,7 @@ std::uint64_t boundaries_of_64_bits() {
     for (std::uint64_t offset = 0; offset < 5; ++offset) {
       const std::uint64_t number = power - 2 + offset;
       unsigned char expected[16] = {0x18};
-      const std::size_t size = 1 + write_plainly(number, expected + 1);
+      const std::size_t size = 1 + test::write_varint(number, expected + 1);
       api_msg_internal out = {};
       out.field3 = number;
       out.presence = API_MSG_INTERNAL_HAS_FIELD3;
@@ -157,7 +140,7 @@ std::uint64_t tenth_bytes() {
 int main(int count, char **arguments) {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   const std::string how = count == 2 ? arguments[1] : "";
-  if (how != "all" && how != "some") naive::broken("usage: every_number all|some");
+  if (how != "all" && how != "some") test::broken("usage: every_number all|some");
   const std::uint64_t step = how == "all" ? 1 : 65537;
   const auto print = [](const char *what, std::uint64_t number) {
     std::printf("%s: %llu\n", what, static_cast<unsigned long long>(number));

@@ -12,17 +12,21 @@
 #include <vector>
 
 #include "naive/decoder.hpp"
+#include "wire_bytes.hpp"
 
 namespace {
 
-using byte_string = std::vector<unsigned char>;
+using test::byte_string;
+using test::key;
+using test::operator+;
+using test::varint;
 
 unsigned checks = 0;
 
-#define CHECK(condition)                                                                                \
-  (++checks, (condition) ? static_cast<void>(0)                                                         \
-                         : naive::broken(std::string(__func__) + ", line " + std::to_string(__LINE__) + \
-                                         ": " #condition " does not hold"))
+#define CHECK(condition)                                                                               \
+  (++checks, (condition) ? static_cast<void>(0)                                                        \
+                         : test::broken(std::string(__func__) + ", line " + std::to_string(__LINE__) + \
+                                        ": " #condition " does not hold"))
 
 constexpr bool wide = sizeof(std::size_t) == 8;
 constexpr std::size_t chunk = std::size_t{1} << (wide ? 26 : 20);
@@ -32,7 +36,7 @@ class long_input {
  public:
   long_input(const byte_string &head, const byte_string &pattern, std::uint64_t times, const byte_string &tail = {})
       : size_(head.size() + pattern.size() * times + tail.size()) {
-    if (chunk % pattern.size() != 0) naive::broken("the pattern does not fit");
+    if (chunk % pattern.size() != 0) test::broken("the pattern does not fit");
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     const std::uint64_t chunks = pattern.size() * times / chunk;
     const auto rest = static_cast<std::size_t>(pattern.size() * times % chunk);
@@ -64,7 +68,7 @@ class long_input {
  private:
   static unsigned char *map(void *at, std::size_t size, int access, int flags, int file) {
     void *const result = mmap(at, size, access, flags | (file < 0 ? MAP_PRIVATE : MAP_SHARED), file, 0);
-    if (result == MAP_FAILED) naive::broken("no addresses for " + std::to_string(size) + " bytes");
+    if (result == MAP_FAILED) test::broken("no addresses for " + std::to_string(size) + " bytes");
     return static_cast<unsigned char *>(result);
   }
   // Where bytes that end at the end of a room begin.
@@ -77,7 +81,7 @@ class long_input {
   static void map_chunks(unsigned char *at, std::uint64_t chunks, const byte_string &pattern) {
     if (chunks == 0) return;
     const int file = memfd_create("pattern", 0);
-    if (file < 0 || ftruncate(file, chunk) != 0) naive::broken("no file in memory");
+    if (file < 0 || ftruncate(file, chunk) != 0) test::broken("no file in memory");
     unsigned char *const content = map(nullptr, chunk, PROT_READ | PROT_WRITE, 0, file);
     for (std::size_t i = 0; i < chunk; i += pattern.size()) std::memcpy(content + i, pattern.data(), pattern.size());
     munmap(content, chunk);
@@ -90,32 +94,17 @@ class long_input {
   unsigned char *base_ = nullptr, *data_ = nullptr;
 };
 
-// Notes what it is asked for, and gives nothing.
-struct refusing {
-  std::vector<std::size_t> sizes;
-  static void *allocate(std::size_t size, void *context) {
-    static_cast<refusing *>(context)->sizes.push_back(size);
-    return nullptr;
-  }
-};
-
-byte_string key(unsigned number, unsigned wire_type) { return {static_cast<unsigned char>(number << 3 | wire_type)}; }
-
-byte_string operator+(byte_string left, const byte_string &right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
-
 // A run of elements of two bytes in the list of a message: what is asked for is the whole array or, where no size or
 // count can say that, nothing.
 void a_run(const naive::message &type, unsigned number, std::uint64_t elements) {
   const naive::member &field = type.members[number - 1];
-  const bool integers = field.what == naive::sort::numbers;
-  const byte_string element = key(number, integers ? 0 : 2) + byte_string{0x00};
+  const byte_string element = key(number, field.wire_type()) + byte_string{0x00};
   const long_input input({}, element, elements);
-  std::vector<unsigned char> record(type.size, 0x5c);
-  refusing memory;
-  CHECK(type.functions->decode(record.data(), input.data(), input.size(), refusing::allocate, &memory, 0) ==
+  std::vector<unsigned char> content(type.size, 0x5c);
+  const naive::view record(type, content.data());
+  test::accountant memory;
+  memory.fail_from = 0;
+  CHECK(type.functions->decode(record.data(), input.data(), input.size(), test::accountant::allocate, &memory, 0) ==
         CODEC_ERR_NO_MEMORY);
   const std::uint64_t size = elements * field.element_size();
   if (elements > UINT32_MAX || size > SIZE_MAX) {
@@ -123,9 +112,9 @@ void a_run(const naive::message &type, unsigned number, std::uint64_t elements) 
   } else {
     CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(size)});
   }
-  CHECK(naive::pointer_at(record.data() + field.offset) == nullptr);
-  CHECK(naive::count_of(field, record.data()) == 0);
-  CHECK((naive::presence_of(type, record.data()) & type.mask()) == 0);
+  CHECK(record.pointer(field) == nullptr);
+  CHECK(record.count(field) == 0);
+  CHECK((record.presence() & type.mask()) == 0);
   std::printf("%s, field %u: a run of %llu elements\n", type.name, number, static_cast<unsigned long long>(elements));
 }
 
@@ -148,7 +137,7 @@ void runs_of_2_to_the_32() {
   for (const naive::message &type : naive::messages()) {
     for (unsigned number = 1; number <= type.members.size(); ++number) {
       const naive::member &field = type.members[number - 1];
-      if (field.what != naive::sort::messages) continue;
+      if (field.kind != naive::kind::message_list) continue;
       const std::uint64_t fitting = SIZE_MAX / field.element_size();
       if (fitting >= most) {
         a_run(type, number, most);
@@ -182,8 +171,9 @@ void the_greatest_length() {
   {
     const long_input input(key(2, 2) + length, zeros, times);
     api_intf record = {};
-    refusing memory;
-    CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory) ==
+    test::accountant memory;
+    memory.fail_from = 0;
+    CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), test::accountant::allocate, &memory) ==
           CODEC_ERR_NO_MEMORY);
     CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(std::uint64_t{1} << 32)});
     CHECK(record.field2 == nullptr);
@@ -191,14 +181,15 @@ void the_greatest_length() {
   {
     const long_input input(key(1, 2) + length, byte_string{0x10, 0x10}, times, byte_string{0x10});
     srv6_prefix record = {};
-    refusing memory;
+    test::accountant memory;
+    memory.fail_from = 0;
     // After the bytes there is the value of a key that the bytes end in.
-    CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory,
+    CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), test::accountant::allocate, &memory,
                                            PAVO_ZORV_REFERENCE) == CODEC_OK);
     CHECK(memory.sizes.empty());
     CHECK(record.field1 == input.data() + 6 && record.field1_length == UINT32_MAX && record.field2 == 0x10);
-    CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory, 0) ==
-          CODEC_ERR_NO_MEMORY);
+    CHECK(pavo_zorv_srv6_prefix_decode_ext(&record, input.data(), input.size(), test::accountant::allocate, &memory,
+                                           0) == CODEC_ERR_NO_MEMORY);
     CHECK(memory.sizes == std::vector<std::size_t>{UINT32_MAX});
     CHECK(record.field1 == nullptr && record.field1_length == 0);
   }
@@ -230,8 +221,9 @@ void lengths_beyond_the_input() {
           CODEC_ERR_TRUNCATED);
     const long_input text(key(2, 2) + length, byte_string{0x08, 0x01}, 3);
     api_intf intf = {};
-    refusing memory;
-    CHECK(pavo_zorv_api_intf_decode_ext(&intf, text.data(), text.size(), refusing::allocate, &memory) ==
+    test::accountant memory;
+    memory.fail_from = 0;
+    CHECK(pavo_zorv_api_intf_decode_ext(&intf, text.data(), text.size(), test::accountant::allocate, &memory) ==
           CODEC_ERR_TRUNCATED);
     CHECK(memory.sizes.empty());
     const long_input unknown(key(9, 2) + length, byte_string{0x08, 0x01}, 3);
@@ -326,13 +318,6 @@ void more_entries_than_the_count_can_say() {
   std::printf("more than 2^32 entries\n");
 }
 
-byte_string varint(std::uint64_t value) {
-  byte_string result;
-  for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
-  result.push_back(static_cast<unsigned char>(value));
-  return result;
-}
-
 // A string of a length is read and written, in a message and in one inside another, so that the length of the inner one
 // is what is given.
 void a_string(std::uint64_t length) {
@@ -340,8 +325,9 @@ void a_string(std::uint64_t length) {
   {
     const long_input input(prefix, byte_string{'x'}, length);
     api_intf record = {};
-    refusing memory;
-    CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), refusing::allocate, &memory) ==
+    test::accountant memory;
+    memory.fail_from = 0;
+    CHECK(pavo_zorv_api_intf_decode_ext(&record, input.data(), input.size(), test::accountant::allocate, &memory) ==
           CODEC_ERR_NO_MEMORY);
     CHECK(memory.sizes == std::vector<std::size_t>{static_cast<std::size_t>(length + 1)});
   }

@@ -27,11 +27,11 @@ class every_message : public test::law {
 
   // Bytes as the library writes them.
   void for_canonical(const std::function<void(byte_view)> &trial) {
-    test::for_seeds(60, [&](test::dice &dice) {
-      const test::random_record record(*GetParam(), dice, test::recipes::canonical);
+    test::for_seeds(60, [&](test::random_numbers &random) {
+      const test::random_record record(*GetParam(), random, test::shapes::canonical);
       byte_string input(type().encode(record.data(), nullptr, 0, nullptr, nullptr, 0));
       type().encode(record.data(), input.data(), input.size(), nullptr, nullptr, 0);
-      test::on_trial() = input;
+      test::tried() = input;
       trial(input);
     });
   }
@@ -104,8 +104,8 @@ TEST_P(every_message, has_a_segment_table_with_the_expected_entries) {
 // `diff` finds differences exactly where `compare` does.
 TEST_P(every_message, has_differences_exactly_if_compare_says_so) {
   std::size_t equal = 0, different = 0;
-  test::for_seeds(200, [&](test::dice &dice) {
-    test::random_record changed(*GetParam(), dice, test::recipes::alike);
+  test::for_seeds(200, [&](test::random_numbers &random) {
+    test::random_record changed(*GetParam(), random, test::shapes::alike);
     record a(type()), b(type());
     const auto bytes_of_record = [&] {
       byte_string result(type().encode(changed.data(), nullptr, 0, nullptr, nullptr, 0));
@@ -113,7 +113,7 @@ TEST_P(every_message, has_differences_exactly_if_compare_says_so) {
       return result;
     };
     const byte_string first = bytes_of_record();
-    if (dice.percent(70)) changed.change(dice, test::recipes::alike);
+    if (random.percent(70)) changed.change(random, test::shapes::alike);
     const byte_string second = bytes_of_record();
     ASSERT_EQ(a.decode(first), CODEC_OK);
     ASSERT_EQ(b.decode(second), CODEC_OK);

@@ -87,10 +87,10 @@ inline void set_value(protobuf::Message &message, const protobuf::FieldDescripto
 // What a record says, as a message of the peer: its present members.
 inline void translate(view record, protobuf::Message &message) {
   const protobuf::Reflection &access = *message.GetReflection();
-  for (const field &row : record.type().fields) {
+  for (const member &row : record.type().members) {
     if (!record.has(row)) continue;
     const protobuf::FieldDescriptor &field = *message.GetDescriptor()->FindFieldByNumber(static_cast<int>(row.number));
-    if (row.is_number()) {
+    if (row.is_scalar()) {
       set_value(message, field, record.number(row));
     } else if (row.kind == kind::string) {
       if (record.text(row) != nullptr) access.SetString(&message, &field, record.text(row));

@@ -1,7 +1,7 @@
 // That both libraries say the same with the same bytes: random records of every message there and back.
 #include <utility>
 
-#include "model_encode.hpp"
+#include "message_table.hpp"
 #include "peer.hpp"
 #include "random_bytes.hpp"
 
@@ -16,8 +16,9 @@ class same_messages : public law {
 INSTANTIATE_TEST_SUITE_P(every, same_messages, testing::ValuesIn(subjects()), name_of_subject);
 
 // The field type that a member stands for.
-protobuf::FieldDescriptor::Type type_of(const field &row) {
+protobuf::FieldDescriptor::Type type_of(const pavo_zorv::field_info &row) {
   using type = protobuf::FieldDescriptor;
+  using pavo_zorv::kind;
   switch (row.kind) {
     case kind::flag:
       return type::TYPE_BOOL;
@@ -36,8 +37,9 @@ protobuf::FieldDescriptor::Type type_of(const field &row) {
 
 TEST_P(same_messages, have_the_same_fields) {
   const protobuf::Descriptor &message = peer::instance().descriptor(GetParam()->name);
-  EXPECT_EQ(static_cast<std::size_t>(message.field_count()), GetParam()->fields.size());
-  for (const field &row : GetParam()->fields) {
+  const pavo_zorv::message_info &schema = *pavo_zorv::find_message(GetParam()->name);
+  EXPECT_EQ(static_cast<std::size_t>(message.field_count()), schema.fields.size());
+  for (const pavo_zorv::field_info &row : schema.fields) {
     const protobuf::FieldDescriptor *const field = message.FindFieldByNumber(static_cast<int>(row.number));
     ASSERT_NE(field, nullptr) << row.name;
     EXPECT_EQ(field->name(), row.name);
@@ -50,22 +52,22 @@ TEST_P(same_messages, have_the_same_fields) {
 }
 
 TEST_P(same_messages, are_read_from_what_this_library_writes) {
-  for_seeds(500, [&](dice &dice) {
-    const random_record record(*GetParam(), dice, recipes::canonical);
-    on_trial() = encoding_of(record);
-    const auto seen = read_by_peer(on_trial());
+  for_seeds(500, [&](random_numbers &random) {
+    const random_record record(*GetParam(), random, shapes::canonical);
+    tried() = encoding_of(record);
+    const auto seen = read_by_peer(tried());
     ASSERT_NE(seen, nullptr);
     EXPECT_EQ(difference_of(*seen, *translated(record)), "");
   });
 }
 
 TEST_P(same_messages, are_read_from_what_the_peer_writes) {
-  for_seeds(500, [&](dice &dice) {
-    const random_record record(*GetParam(), dice, recipes::canonical);
-    on_trial() = written(*translated(record));
+  for_seeds(500, [&](random_numbers &random) {
+    const random_record record(*GetParam(), random, shapes::canonical);
+    tried() = written(*translated(record));
     for (const std::uint32_t options : GetParam()->modes()) {
-      decoding back(*GetParam(), dice, options);
-      ASSERT_EQ(back.decode(on_trial()), CODEC_OK);
+      decoding back(*GetParam(), random, options);
+      ASSERT_EQ(back.decode(tried()), CODEC_OK);
       EXPECT_EQ(compared(record, back.record), 0);
       EXPECT_EQ(encoding_of(back.record), encoding_of(record));
     }
@@ -73,28 +75,26 @@ TEST_P(same_messages, are_read_from_what_the_peer_writes) {
 }
 
 // The fields of an encoding one by one, the elements of a list together: what may stand in any order.
-std::vector<std::pair<const field *, byte_string>> fields_of(const message_type &type, const encoding_model &model) {
-  std::vector<std::pair<const field *, byte_string>> result;
-  std::size_t start = 0;
-  for (const std::size_t end : model.field_ends) {
-    const byte_string bytes(model.bytes.data() + start, model.bytes.data() + end);
+std::vector<std::pair<const member *, byte_string>> fields_of(const naive::message &type,
+                                                              const naive::encoding &encoding) {
+  std::vector<std::pair<const member *, byte_string>> result;
+  for (const byte_string &bytes : encoding.fields()) {
     const unsigned number = (bytes[0] < 0x80 ? bytes[0] : (bytes[0] & 0x7fu) | unsigned{bytes[1]} << 7) / 8;
-    const field &row = type.fields[number - 1];
+    const member &row = type.members[number - 1];
     if (row.is_list() && !result.empty() && result.back().first == &row) {
       result.back().second = result.back().second + bytes;
     } else {
       result.push_back({&row, bytes});
     }
-    start = end;
   }
   return result;
 }
 
 // A field with a longer key, but of no more than the five bytes that the peer takes for one.
-byte_string with_longer_key(const byte_string &bytes, dice &dice) {
+byte_string with_longer_key(const byte_string &bytes, random_numbers &random) {
   const std::size_t size = bytes[0] < 0x80 ? 1 : 2;
   byte_string result = first_bytes(bytes, size);
-  for (std::uint64_t extra = dice.from(0, 5 - size); extra-- != 0;) {
+  for (std::uint64_t extra = random.from(0, 5 - size); extra-- != 0;) {
     result.back() |= 0x80;
     result.push_back(0);
   }
@@ -104,47 +104,47 @@ byte_string with_longer_key(const byte_string &bytes, dice &dice) {
 
 // Fields in another order, numbers that come once more with another value, unknown fields between them, keys that are
 // longer than they need be: what the encoding allows and this library reads as everyone does.
-byte_string disorder(const message_type &type, const encoding_model &model, dice &dice) {
+byte_string disorder(const naive::message &type, const naive::encoding &encoding, random_numbers &random) {
   static const byte_string unknown[] = {hex("a0 1f ff ff ff ff ff ff ff ff ff 01"),
                                         hex("a1 1f 01 02 03 04 05 06 07 08"), hex("a2 1f 03 ff ff ff"),
                                         hex("a5 1f 01 02 03 04")};
   std::vector<byte_string> parts;
-  for (const auto &[row, bytes] : fields_of(type, model)) {
-    parts.push_back(with_longer_key(bytes, dice));
-    if (!row->is_number() || !dice.percent(30)) continue;
+  for (const auto &[row, bytes] : fields_of(type, encoding)) {
+    parts.push_back(with_longer_key(bytes, random));
+    if (!row->is_scalar() || !random.percent(30)) continue;
     const byte_string key = first_bytes(bytes, bytes[0] < 0x80 ? 1 : 2);
-    parts.push_back(key + byte_string{static_cast<unsigned char>(dice.below(128))});
+    parts.push_back(key + byte_string{static_cast<unsigned char>(random.below(128))});
   }
-  for (std::uint64_t times = dice.below(3); times-- != 0;) parts.push_back(unknown[dice.below(std::size(unknown))]);
+  for (std::uint64_t times = random.below(3); times-- != 0;) parts.push_back(unknown[random.below(std::size(unknown))]);
   byte_string result;
   for (std::size_t left = parts.size(); left != 0; --left) {
-    std::swap(parts[left - 1], parts[dice.below(left)]);
+    std::swap(parts[left - 1], parts[random.below(left)]);
     result = result + parts[left - 1];
   }
   return result;
 }
 
 TEST_P(same_messages, are_read_from_fields_in_disorder) {
-  for_seeds(500, [&](dice &dice) {
-    const random_record record(*GetParam(), dice, recipes::canonical);
-    on_trial() = disorder(*GetParam(), model_encode(record, false), dice);
-    const auto seen = read_by_peer(on_trial());
+  for_seeds(500, [&](random_numbers &random) {
+    const random_record record(*GetParam(), random, shapes::canonical);
+    tried() = disorder(*GetParam(), naive::encoding(record), random);
+    const auto seen = read_by_peer(tried());
     ASSERT_NE(seen, nullptr);
     seen->DiscardUnknownFields();
-    decoding back(*GetParam(), dice, 0);
-    ASSERT_EQ(back.decode(on_trial()), CODEC_OK);
+    decoding back(*GetParam(), random, 0);
+    ASSERT_EQ(back.decode(tried()), CODEC_OK);
     EXPECT_EQ(difference_of(*seen, *translated(back.record)), "");
   });
 }
 
 TEST_P(same_messages, are_refused_alike_when_cut_off_inside_a_field) {
-  for_seeds(20, [&](dice &dice) {
-    const byte_string bytes = encoding_of(random_record(*GetParam(), dice, recipes::canonical));
+  for_seeds(20, [&](random_numbers &random) {
+    const byte_string bytes = encoding_of(random_record(*GetParam(), random, shapes::canonical));
     for (std::size_t length = 0; length < bytes.size(); ++length) {
-      on_trial() = first_bytes(bytes, length);
-      decoding back(*GetParam(), dice, 0);
-      const int result = back.decode(on_trial());
-      const auto seen = read_by_peer(on_trial());
+      tried() = first_bytes(bytes, length);
+      decoding back(*GetParam(), random, 0);
+      const int result = back.decode(tried());
+      const auto seen = read_by_peer(tried());
       ASSERT_EQ(result == CODEC_OK, seen != nullptr) << length;
       if (seen == nullptr) continue;
       ASSERT_EQ(difference_of(*seen, *translated(back.record)), "") << length;

@@ -1,52 +1,53 @@
-// One trial of a law each: a call, and everything that can be seen of it compared with what the plain model says.
+// One trial of a law each: a call, and everything that can be seen of it compared with what the naive one says.
 #pragma once
 
 #include <algorithm>
 #include <set>
 
 #include "laws.hpp"
-#include "model_decode.hpp"
-#include "model_encode.hpp"
+#include "naive/copy.hpp"
 
 namespace test {
 
-// What a call writes into a buffer of a length, checked byte by byte. The buffer starts as the opposite of what
-// belongs there, so that every byte shows whether it was written.
-inline void check_written(view record, const encoding_model &model, const fence &room, std::size_t length,
+// What a call writes into a buffer of a length, checked byte by byte. The buffer starts as the opposite of what belongs
+// there, so that every byte shows whether it was written.
+inline void check_written(view record, const naive::encoding &encoding, const fence &room, std::size_t length,
                           std::uint32_t options) {
   constexpr std::size_t before = 16;
   constexpr unsigned char rubbish = 0xe9;
-  const std::size_t size = model.bytes.size();
-  unsigned char *const buffer = room.last(length);
-  for (std::size_t i = 0; i < length; ++i) buffer[i] = static_cast<unsigned char>(i < size ? ~model.bytes[i] : rubbish);
+  byte_string buffer_before = encoding.bytes();
+  for (unsigned char &byte : buffer_before) byte = static_cast<unsigned char>(~byte);
+  buffer_before.resize(length, rubbish);
+  unsigned char *const buffer = room.holding(buffer_before);
   std::memset(buffer - before, rubbish, before);
-  ASSERT_EQ(record.type().encode(record.data(), buffer, length, nullptr, nullptr, options), size);
-  const std::vector<bool> written = model.written(length);
+  ASSERT_EQ(record.type().functions->encode(record.data(), buffer, length, nullptr, nullptr, options),
+            encoding.length());
+  const byte_string expected = encoding.in_buffer(buffer_before);
   for (std::size_t i = 0; i < length; ++i) {
-    const int expected = i >= size ? rubbish : written[i] ? model.bytes[i] : 255 - model.bytes[i];
-    if (buffer[i] == expected) continue;
-    FAIL() << "byte " << i << " of " << length << " is " << int{buffer[i]} << " instead of " << expected << ", options "
-           << options;
+    if (buffer[i] == expected[i]) continue;
+    FAIL() << "byte " << i << " of " << length << " is " << int{buffer[i]} << " instead of " << int{expected[i]}
+           << ", options " << options;
   }
   for (std::size_t i = 1; i <= before; ++i) ASSERT_EQ(*(buffer - i), rubbish) << "before a buffer of " << length;
 }
 
 // What a call writes into a table of a capacity.
-inline void check_table(view record, const encoding_model &model, const fence &room, std::uint32_t capacity,
+inline void check_table(view record, const naive::encoding &encoding, const fence &room, std::uint32_t capacity,
                         unsigned char *buffer, std::size_t length, std::uint32_t options) {
-  const std::vector<piece> expected = model.pieces(buffer, length);
   const piece untouched{reinterpret_cast<const unsigned char *>(0xc7c7c7c7c7c7c7c7), 0xc7c7c7c7c7c7c7c7};
   auto *const entries = reinterpret_cast<pavo_zorv_segment *>(room.last(capacity * sizeof(pavo_zorv_segment)));
   for (std::uint32_t i = 0; i < capacity; ++i) entries[i] = {untouched.start, untouched.length};
   std::uint32_t count = capacity;
-  ASSERT_EQ(record.type().encode(record.data(), buffer, length, entries, &count, options), model.bytes.size());
-  ASSERT_EQ(count, expected.size()) << "capacity " << capacity << ", options " << options;
+  ASSERT_EQ(record.type().functions->encode(record.data(), buffer, length, entries, &count, options),
+            encoding.length());
+  ASSERT_EQ(count, encoding.entries()) << "capacity " << capacity << ", options " << options;
   for (std::uint32_t i = 0; i < capacity; ++i) {
+    const pavo_zorv_segment right = i < count ? encoding.in_table(i, buffer, length) : pavo_zorv_segment{};
+    const piece expected = i < count ? piece{right.start, right.length} : untouched;
     const piece seen{entries[i].start, entries[i].length};
-    const piece right = i < count ? expected[i] : untouched;
-    if (seen == right) continue;
+    if (seen == expected) continue;
     FAIL() << "entry " << i << " of " << capacity << ", buffer of " << length << ", options " << options << ": "
-           << testing::PrintToString(seen) << " instead of " << testing::PrintToString(right);
+           << testing::PrintToString(seen) << " instead of " << testing::PrintToString(expected);
   }
 }
 
@@ -60,130 +61,105 @@ inline std::size_t wrong_blocks(view record, const accountant &memory, bool refe
 
 // How much memory decoding may ask for, for each byte of input: that of the element that is the largest for its size.
 // Without content it takes two bytes, an integer of 32 bits as well, a string one more than its own.
-inline std::size_t memory_per_byte(const message_type &type) {
+inline std::size_t memory_per_byte(const naive::message &type) {
   std::size_t most = 2;
-  for (const field &field : type.fields) {
-    if (field.kind == kind::message_list) most = std::max(most, field.nested->size / 2);
-    if (field.nested != nullptr) most = std::max(most, memory_per_byte(*field.nested));
+  for (const member &member : type.members) {
+    if (member.kind == kind::message_list) most = std::max(most, member.nested->size / 2);
+    if (member.nested != nullptr) most = std::max(most, memory_per_byte(*member.nested));
   }
   return most;
 }
 
-// A record that starts with the same bytes as another.
-class twin {
- public:
-  explicit twin(view other) : record(other.type(), storage_.block(other.type().size)) {
-    std::memcpy(record.data(), other.data(), other.type().size);
-  }
-
- private:
-  arena storage_;
-
- public:
-  view record;
-};
-
-// Decodes and compares everything that can be seen of it with the model. Every record is released, whatever the result.
-inline void check_decoding(const message_type &type, const fence &room, const byte_string &bytes, dice &dice,
-                           std::uint32_t options, int &result) {
-  on_trial() = bytes;
-  const unsigned char *const input = dice.percent(70) ? room.holding(bytes) : room.holding_at_start(bytes);
-  decoding seen(type, dice, options);
-  decoding_model model;
-  model.referenced = is_referenced(options);
-  const twin expected(seen.record);
+// Decodes and compares everything that can be seen of it with what the naive decoder does. Every record is released,
+// whatever the result.
+inline void check_decoding(const naive::message &type, const fence &room, const byte_string &bytes,
+                           random_numbers &random, std::uint32_t options, int &result) {
+  tried() = bytes;
+  const unsigned char *const input = room.holding(bytes, random.percent(30));
+  decoding seen(type, random, options);
+  naive::decoder reference(naive_memory());
+  reference.referenced = is_referenced(options);
+  const shallow_copy expected(seen.record);
 
   result = seen.decode(input, bytes.size());
-  ASSERT_EQ(result, model.decode(expected.record, input, bytes.size()));
+  ASSERT_EQ(result, reference.decode(expected.record, input, bytes.size()));
   ASSERT_TRUE(result <= CODEC_OK && result >= CODEC_ERR_WRONG_WIRE_TYPE) << result;
-  ASSERT_EQ(difference(seen.record, expected.record, model.referenced), "");
-  ASSERT_EQ(seen.memory.sizes, model.sizes);
-  seen.dropped = model.dropped;
-  ASSERT_EQ(wrong_blocks(seen.record, seen.memory, model.referenced), 0u);
-  ASSERT_EQ(seen.memory.live(), owned_blocks(seen.record, model.referenced).size() + model.dropped);
+  ASSERT_EQ(difference(seen.record, expected.record, seen.memory, reference.referenced), "");
+  ASSERT_EQ(seen.memory.sizes, reference.sizes);
+  seen.dropped = reference.dropped;
+  ASSERT_EQ(wrong_blocks(seen.record, seen.memory, reference.referenced), 0u);
+  ASSERT_EQ(seen.memory.live(), owned_blocks(seen.record, reference.referenced).size() + reference.dropped);
   ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), input)) << "the input was changed";
-  std::size_t asked = 0;
-  for (const std::size_t size : seen.memory.sizes) asked += size;
-  ASSERT_LE(asked, memory_per_byte(type) * bytes.size());
+  ASSERT_LE(seen.memory.asked(), memory_per_byte(type) * bytes.size());
 }
 
-// One request, or all from one on, that fails.
-struct failing {
-  std::size_t at = accountant::never;
-  std::size_t from = accountant::never;
-};
-
-// Decodes with failing requests. The model says what is left in the record.
-inline void check_failing_decode(const message_type &type, const byte_string &bytes, const fence &room, dice &dice,
-                                 std::uint32_t options, failing request,
+// Decodes with failing requests. The naive decoder says what is left in the record.
+inline void check_failing_decode(const naive::message &type, const byte_string &bytes, const fence &room,
+                                 random_numbers &random, std::uint32_t options, failing_requests failing,
                                  const std::vector<std::size_t> &sizes_of_success) {
-  decoding seen(type, dice, options);
-  const twin expected(seen.record);
-  seen.memory.fail_at = request.at;
-  seen.memory.fail_from = request.from;
-  decoding_model model;
-  model.referenced = is_referenced(options);
-  model.fail_at = request.at;
-  model.fail_from = request.from;
+  decoding seen(type, random, options);
+  const shallow_copy expected(seen.record);
+  seen.memory.fail(failing);
+  naive::decoder reference(naive_memory());
+  reference.referenced = is_referenced(options);
+  reference.failing = failing;
   const unsigned char *const input = room.holding(bytes);
-  const std::size_t failed = std::min(request.at, request.from);
+  const std::size_t failed = failing.first();
 
   ASSERT_EQ(seen.decode(input, bytes.size()), CODEC_ERR_NO_MEMORY);
-  ASSERT_EQ(model.decode(expected.record, input, bytes.size()), CODEC_ERR_NO_MEMORY);
-  ASSERT_EQ(difference(seen.record, expected.record, model.referenced), "") << "request " << failed;
+  ASSERT_EQ(reference.decode(expected.record, input, bytes.size()), CODEC_ERR_NO_MEMORY);
+  ASSERT_EQ(difference(seen.record, expected.record, seen.memory, reference.referenced), "") << "request " << failed;
   ASSERT_EQ(seen.memory.sizes, std::vector<std::size_t>(sizes_of_success.data(), sizes_of_success.data() + failed + 1));
-  ASSERT_EQ(seen.memory.live(), owned_blocks(seen.record, model.referenced).size()) << "request " << failed;
+  ASSERT_EQ(seen.memory.live(), owned_blocks(seen.record, reference.referenced).size()) << "request " << failed;
 }
 
-inline void check_every_failing_decode(const message_type &type, const byte_string &bytes, dice &dice,
+inline void check_every_failing_decode(const naive::message &type, const byte_string &bytes, random_numbers &random,
                                        std::uint32_t options) {
-  on_trial() = bytes;
+  tried() = bytes;
   const fence room(bytes.size());
-  decoding good(type, dice, options);
+  decoding good(type, random, options);
   ASSERT_EQ(good.decode(bytes), CODEC_OK);
   for (std::size_t request = 0; request < good.memory.requests(); ++request) {
-    check_failing_decode(type, bytes, room, dice, options, {.at = request}, good.memory.sizes);
-    check_failing_decode(type, bytes, room, dice, options, {.from = request}, good.memory.sizes);
+    check_failing_decode(type, bytes, room, random, options, {.fail_at = request}, good.memory.sizes);
+    check_failing_decode(type, bytes, room, random, options, {.fail_from = request}, good.memory.sizes);
     if (testing::Test::HasFatalFailure()) return;
   }
 }
 
-// Copies with failing requests, or none. The model follows what is asked for and what is left in the copy. The number
-// of requests is handed back.
-inline void check_copying(view source, dice &dice, failing request, std::size_t &requests) {
-  const message_type &type = source.type();
-  const twin copy(source);
-  litter(copy.record, dice);
-  const std::vector<std::uint32_t> bits = unowned_bits(copy.record);
+// Copies with failing requests, or none. The naive copying follows what is asked for and what is left in the copy. The
+// number of requests is handed back.
+inline void check_copying(view source, random_numbers &random, failing_requests failing, std::size_t &requests) {
+  const naive::message &type = source.type();
+  const shallow_copy copy(source);
+  fill_with_rubbish(copy.record, random);
+  const std::vector<std::uint32_t> bits = spare_bits(copy.record);
   accountant memory;
-  memory.fail_at = request.at;
-  memory.fail_from = request.from;
-  copying_model model;
-  model.fail_at = request.at;
-  model.fail_from = request.from;
+  memory.fail(failing);
+  naive::copying reference;
+  reference.failing = failing;
 
-  const int result = type.duplicate(copy.record.data(), source.data(), accountant::allocate, &memory);
-  ASSERT_EQ(model.check(source, copy.record), "") << "request " << std::min(request.at, request.from);
-  ASSERT_EQ(result, model.complete ? CODEC_OK : CODEC_ERR_NO_MEMORY);
-  ASSERT_EQ(memory.sizes, model.sizes);
-  ASSERT_EQ(unowned_bits(copy.record), bits);
+  const int result = type.functions->duplicate(copy.record.data(), source.data(), accountant::allocate, &memory);
+  ASSERT_EQ(reference.check(source, copy.record), "") << "request " << failing.first();
+  ASSERT_EQ(result, reference.complete ? CODEC_OK : CODEC_ERR_NO_MEMORY);
+  ASSERT_EQ(memory.sizes, reference.sizes);
+  ASSERT_EQ(spare_bits(copy.record), bits);
   ASSERT_EQ(wrong_blocks(copy.record, memory, false), 0u);
   const std::vector<void *> blocks = owned_blocks(copy.record);
   ASSERT_EQ(blocks.size(), memory.live());
   requests = memory.requests();
 
-  type.free(copy.record.data(), accountant::release, &memory, 0);
+  type.functions->free(copy.record.data(), accountant::release, &memory, 0);
   ASSERT_EQ(memory.released, blocks);
   ASSERT_EQ(memory.live(), 0u);
 }
 
-inline void check_every_failing_copy(view source, dice &dice) {
+inline void check_every_failing_copy(view source, random_numbers &random) {
   std::size_t requests = 0;
   std::size_t ignored = 0;
-  check_copying(source, dice, {}, requests);
+  check_copying(source, random, {}, requests);
   for (std::size_t request = 0; request < requests && !testing::Test::HasFatalFailure(); ++request) {
-    check_copying(source, dice, {.at = request}, ignored);
-    check_copying(source, dice, {.from = request}, ignored);
+    check_copying(source, random, {.fail_at = request}, ignored);
+    check_copying(source, random, {.fail_from = request}, ignored);
   }
 }
 

@@ -1,6 +1,6 @@
-// Laws of comparing: an order, and the one that the plain model states.
+// Laws of comparing: an order, and the one that the naive comparison states.
 #include "laws.hpp"
-#include "model_compare.hpp"
+#include "naive/compare.hpp"
 
 namespace test {
 
@@ -13,10 +13,10 @@ int order(view a, view b) {
 }
 
 // A record, always the same from a seed, with up to two members made anew.
-random_record variation(const message_type &type, std::uint64_t seed, dice &rolled, const recipe &recipe) {
-  dice again(seed);
-  random_record result(type, again, recipe);
-  for (std::uint64_t times = rolled.below(3); times-- != 0;) result.change(rolled, recipe);
+random_record variation(const naive::message &type, std::uint64_t seed, random_numbers &random, const shape &shape) {
+  random_numbers again(seed);
+  random_record result(type, again, shape);
+  for (std::uint64_t times = random.below(3); times-- != 0;) result.change(random, shape);
   return result;
 }
 
@@ -24,22 +24,23 @@ random_record variation(const message_type &type, std::uint64_t seed, dice &roll
 struct triple {
   random_record a, b, c;
 
-  triple(const message_type &type, dice &rolled, const recipe &recipe) : triple(type, rolled.any(), rolled, recipe) {}
+  triple(const naive::message &type, random_numbers &random, const shape &shape)
+      : triple(type, random.any(), random, shape) {}
 
  private:
-  triple(const message_type &type, std::uint64_t seed, dice &rolled, const recipe &recipe)
-      : a(variation(type, seed, rolled, recipe)),
-        b(variation(type, seed, rolled, recipe)),
-        c(variation(type, seed, rolled, recipe)) {}
+  triple(const naive::message &type, std::uint64_t seed, random_numbers &random, const shape &shape)
+      : a(variation(type, seed, random, shape)),
+        b(variation(type, seed, random, shape)),
+        c(variation(type, seed, random, shape)) {}
 };
 
 TEST_P(comparing_laws, the_sign_is_that_of_the_model_and_turns_with_the_arguments) {
   std::size_t equal = 0;
   std::size_t different = 0;
-  for_seeds(1000, [&](dice &dice) {
-    const triple records(*GetParam(), dice, dice.percent(50) ? recipes::alike : recipes::comparable);
+  for_seeds(1000, [&](random_numbers &random) {
+    const triple records(*GetParam(), random, random.percent(50) ? shapes::alike : shapes::comparable);
     const int seen = order(records.a, records.b);
-    EXPECT_EQ(seen, model_compare(records.a, records.b));
+    EXPECT_EQ(seen, naive::compare(records.a, records.b));
     EXPECT_EQ(order(records.b, records.a), -seen);
     EXPECT_EQ(order(records.a, records.a), 0);
     (seen == 0 ? equal : different) += 1;
@@ -50,8 +51,8 @@ TEST_P(comparing_laws, the_sign_is_that_of_the_model_and_turns_with_the_argument
 }
 
 TEST_P(comparing_laws, the_order_is_transitive) {
-  for_seeds(1000, [&](dice &dice) {
-    const triple records(*GetParam(), dice, dice.percent(50) ? recipes::alike : recipes::comparable);
+  for_seeds(1000, [&](random_numbers &random) {
+    const triple records(*GetParam(), random, random.percent(50) ? shapes::alike : shapes::comparable);
     const int ab = order(records.a, records.b);
     const int bc = order(records.b, records.c);
     const int ac = order(records.a, records.c);
@@ -62,11 +63,11 @@ TEST_P(comparing_laws, the_order_is_transitive) {
 }
 
 TEST_P(comparing_laws, canonical_records_are_equal_exactly_when_their_encodings_are) {
-  for_seeds(1000, [&](dice &dice) {
-    const triple records(*GetParam(), dice, recipes::alike);
+  for_seeds(1000, [&](random_numbers &random) {
+    const triple records(*GetParam(), random, shapes::alike);
     const byte_string a = encoding_of(records.a);
     const byte_string b = encoding_of(records.b);
-    on_trial() = a;
+    tried() = a;
     EXPECT_EQ(order(records.a, records.b) == 0, a == b) << show(b);
   });
 }

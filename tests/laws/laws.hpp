@@ -7,23 +7,25 @@
 #include <functional>
 #include <string>
 
-#include "model_memory.hpp"
+#include "naive/decoder.hpp"
+#include "naive/encoder.hpp"
+#include "owned_record.hpp"
 #include "random_record.hpp"
 
 namespace test {
 
 // The messages that the laws of a test program are about.
-const std::vector<const message_type *> &subjects();
+const std::vector<const naive::message *> &subjects();
 
 // A law is tried for each of them.
-using law = testing::TestWithParam<const message_type *>;
+using law = testing::TestWithParam<const naive::message *>;
 
-inline std::string name_of_subject(const testing::TestParamInfo<const message_type *> &info) {
+inline std::string name_of_subject(const testing::TestParamInfo<const naive::message *> &info) {
   return info.param->name;
 }
 
 // What a test is about at the moment, for the report.
-inline byte_string &on_trial() {
+inline byte_string &tried() {
   static byte_string bytes;
   return bytes;
 }
@@ -42,112 +44,77 @@ inline bool is_tried_in_full() {
   return only_seed() == any_seed && environment_number("PAVO_ZORV_SEEDS", UINT64_MAX) == UINT64_MAX;
 }
 
-inline void for_seeds(std::uint64_t seeds, const std::function<void(dice &)> &trial) {
+inline void for_seeds(std::uint64_t seeds, const std::function<void(random_numbers &)> &trial) {
   const std::uint64_t only = only_seed();
   const std::uint64_t first = only != any_seed ? only : 0;
   const std::uint64_t most = environment_number("PAVO_ZORV_SEEDS", UINT64_MAX);
   const std::uint64_t wanted = seeds * environment_number("PAVO_ZORV_ROUNDS", 1);
   const std::uint64_t last = only != any_seed ? only + 1 : wanted < most ? wanted : most;
   for (std::uint64_t seed = first; seed < last; ++seed) {
-    on_trial().clear();
-    dice dice(seed);
-    trial(dice);
+    tried().clear();
+    random_numbers random(seed);
+    trial(random);
     if (testing::Test::HasFailure()) {
       const testing::TestInfo &test = *testing::UnitTest::GetInstance()->current_test_info();
-      FAIL() << "seed " << seed << ", bytes " << show(on_trial()) << "\nagain with: PAVO_ZORV_SEED=" << seed
+      FAIL() << "seed " << seed << ", bytes " << show(tried()) << "\nagain with: PAVO_ZORV_SEED=" << seed
              << " --gtest_filter=" << test.test_suite_name() << "." << test.name();
     }
   }
 }
 
-// A block between two inaccessible pages, used again and again: what is asked for are its last bytes, or its first.
-class fence {
- public:
-  explicit fence(std::size_t room) {
-    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    room_ = (room + page - 1) / page * page;
-    mapped_ = room_ + 2 * page;
-    void *const start = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (start == MAP_FAILED) std::abort();
-    first_ = static_cast<unsigned char *>(start) + page;
-    if (room_ != 0 && mprotect(first_, room_, PROT_READ | PROT_WRITE) != 0) std::abort();
-  }
-  fence(const fence &) = delete;
-  fence &operator=(const fence &) = delete;
-  ~fence() { munmap(first_ - (mapped_ - room_) / 2, mapped_); }
+inline bool is_referenced(std::uint32_t options) { return (options & PAVO_ZORV_REFERENCE) != 0; }
 
-  unsigned char *first() const { return first_; }
-  unsigned char *last(std::size_t size) const { return first_ + room_ - size; }
-
-  unsigned char *holding(const byte_string &content) const { return holding(content, content.size()); }
-  // The first bytes of a content.
-  unsigned char *holding(const byte_string &content, std::size_t size) const {
-    return copied(content, size, last(size));
-  }
-  unsigned char *holding_at_start(const byte_string &content) const { return copied(content, content.size(), first_); }
-
- private:
-  static unsigned char *copied(const byte_string &content, std::size_t size, unsigned char *to) {
-    if (size != 0) std::memcpy(to, content.data(), size);
-    return to;
-  }
-
-  std::size_t room_, mapped_;
-  unsigned char *first_;
-};
-
-inline byte_string first_bytes(const byte_string &bytes, std::size_t count) {
-  return byte_string(bytes.data(), bytes.data() + count);
-}
+inline bool same_content(const void *a, const void *b, std::size_t length) { return std::memcmp(a, b, length) == 0; }
 
 inline std::size_t measured(view record, std::uint32_t options = 0) {
-  return record.type().encode(record.data(), nullptr, 0, nullptr, nullptr, options);
+  return record.type().functions->encode(record.data(), nullptr, 0, nullptr, nullptr, options);
 }
 
 inline byte_string encoding_of(view record, std::uint32_t options = 0) {
   const fenced_block buffer(measured(record, options));
   const std::size_t length =
-      record.type().encode(record.data(), buffer.data(), buffer.size(), nullptr, nullptr, options);
+      record.type().functions->encode(record.data(), buffer.data(), buffer.size(), nullptr, nullptr, options);
   EXPECT_EQ(length, buffer.size());
   return buffer.content();
 }
 
-inline int compared(view a, view b) { return a.type().compare(a.data(), b.data()); }
+inline int compared(view a, view b) { return a.type().functions->compare(a.data(), b.data()); }
 
-// A record that starts as rubbish, is decoded into, and is released at the end; then every block must have come back.
-class decoding {
+// A record that starts as random rubbish, is decoded into, and is released at the end.
+class decoding : public owned_record {
  public:
-  decoding(const message_type &type, dice &dice, std::uint32_t options)
-      : record(type, storage_.block(type.size)), options_(options) {
-    litter(record, dice);
+  decoding(const naive::message &type, random_numbers &random, std::uint32_t options)
+      : owned_record(*type.functions, options), record(type, data()) {
+    fill_with_rubbish(record, random);
   }
-  decoding(const decoding &) = delete;
-  decoding &operator=(const decoding &) = delete;
-  ~decoding() {
-    record.type().free(record.data(), accountant::release, &memory, options_);
-    EXPECT_EQ(memory.live(), dropped) << "blocks that did not come back";
-  }
-  int decode(const unsigned char *input, std::size_t length) {
-    return record.type().decode(record.data(), input, length, accountant::allocate, &memory, options_);
-  }
-  // From a block of the record's own.
-  int decode(const byte_string &bytes) {
-    input_ = std::make_unique<fenced_block>(bytes);
-    return decode(input_->data(), input_->size());
-  }
-  const fenced_block &input() const { return *input_; }
 
- private:
-  arena storage_;
-  std::unique_ptr<fenced_block> input_;
-
- public:
-  view record;
-  accountant memory;
-  std::size_t dropped = 0;
-
- private:
-  std::uint32_t options_;
+  const view record;
 };
+
+// A record that starts with the same bytes as another one, and is not released.
+class shallow_copy {
+ public:
+  explicit shallow_copy(view other) : block_(other.type().size, 0), record(other.type(), block_.data()) {
+    std::memcpy(record.data(), other.data(), other.type().size);
+  }
+
+ private:
+  record_block block_;
+
+ public:
+  const view record;
+};
+
+// Where two records differ, or nothing. The first one's blocks are of this memory.
+inline std::string difference(view a, view b, const accountant &memory, bool referenced) {
+  return naive::comparison(referenced, [&](const void *block) { return memory.size_of(block); }).difference(a, b);
+}
+
+// What the naive decoder works in: one decoding at a time.
+inline naive::storage &naive_memory() {
+  static naive::storage memory(8 << 20);
+  memory.reset();
+  return memory;
+}
 
 }  // namespace test

@@ -3,7 +3,6 @@
 #include <set>
 
 #include "laws.hpp"
-#include "model_encode.hpp"
 
 namespace test {
 
@@ -14,8 +13,8 @@ TEST_P(random_records, have_every_field_and_lack_it) {
   std::uint32_t ever = 0;
   std::uint32_t always = GetParam()->mask();
   for (std::uint64_t seed = 0; seed < 100; ++seed) {
-    dice dice(seed);
-    const random_record record(*GetParam(), dice, recipes::canonical);
+    random_numbers random(seed);
+    const random_record record(*GetParam(), random, shapes::canonical);
     ever |= record.presence();
     always &= record.presence();
   }
@@ -26,10 +25,10 @@ TEST_P(random_records, have_every_field_and_lack_it) {
 TEST_P(random_records, are_the_same_from_the_same_seed) {
   std::set<byte_string> different;
   for (std::uint64_t seed = 0; seed < 20; ++seed) {
-    dice first(seed);
-    dice second(seed);
-    const byte_string bytes = model_encode(random_record(*GetParam(), first, recipes::full), false).bytes;
-    EXPECT_EQ(bytes, model_encode(random_record(*GetParam(), second, recipes::full), false).bytes);
+    random_numbers first(seed);
+    random_numbers second(seed);
+    const byte_string bytes = naive::encoding(random_record(*GetParam(), first, shapes::full)).bytes();
+    EXPECT_EQ(bytes, naive::encoding(random_record(*GetParam(), second, shapes::full)).bytes());
     different.insert(bytes);
   }
   EXPECT_GT(different.size(), 5u);

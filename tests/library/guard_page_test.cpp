@@ -21,7 +21,7 @@ state now;
 
 void *take(std::size_t size, void *) {
   const std::size_t place = now.used;
-  now.used += (size + 15) / 16 * 16;
+  now.used += (size + 16) / 16 * 16;  // also for an empty block
   return now.used <= sizeof now.pool ? now.pool + place : nullptr;
 }
 void give(void *, void *) { ++now.released; }
@@ -66,16 +66,16 @@ std::unique_ptr<state> rubbish() {
   return result;
 }
 
-constexpr recipe filled{.presence = 100, .longest_list = 2, .longest_text = 6};
+constexpr shape filled{.presence = 100, .longest_list = 2, .longest_text = 6};
 
 class guard_page : public testing::Test {
  protected:
   // For every message and the options that it takes, a record with all its members.
   template <class Work>
   void for_every_message(Work work) {
-    for (const message_type *const type : subjects()) {
-      dice dice(7);
-      const random_record record(*type, dice, filled);
+    for (const naive::message *const type : subjects()) {
+      random_numbers random(7);
+      const random_record record(*type, random, filled);
       ASSERT_LE(type->size, sizeof now.record);
       for (const std::uint32_t options : type->modes()) work(*type, record, options);
     }
@@ -99,11 +99,11 @@ TEST_F(guard_page, and_what_is_written_below_it_are_seen) {
 }
 
 TEST_F(guard_page, is_not_stepped_over_by_encoding) {
-  for_every_message([&](const message_type &type, const random_record &record, std::uint32_t options) {
+  for_every_message([&](const naive::message &type, const random_record &record, std::uint32_t options) {
     for (const std::size_t length : {std::size_t{0}, std::size_t{64}, std::size_t{4000}, std::size_t{9000}}) {
       unsigned char *const buffer = length != 0 ? now.buffer : nullptr;
       const auto after = is_tried(stack_, std::string(type.name) + ", " + std::to_string(length), *rubbish(), [&] {
-        now.result = type.encode(record.data(), buffer, length, nullptr, nullptr, options);
+        now.result = type.functions->encode(record.data(), buffer, length, nullptr, nullptr, options);
       });
       EXPECT_GT(after->result, 0u) << type.name;
     }
@@ -111,27 +111,27 @@ TEST_F(guard_page, is_not_stepped_over_by_encoding) {
 }
 
 TEST_F(guard_page, is_not_stepped_over_by_decoding_and_releasing) {
-  for_every_message([&](const message_type &type, const random_record &record, std::uint32_t options) {
+  for_every_message([&](const naive::message &type, const random_record &record, std::uint32_t options) {
     const byte_string input = encoding_of(record, 0);
     const auto read = is_tried(stack_, std::string("decode ") + type.name, *rubbish(), [&] {
-      now.result =
-          static_cast<std::size_t>(type.decode(now.record, input.data(), input.size(), take, nullptr, options));
+      now.result = static_cast<std::size_t>(
+          type.functions->decode(now.record, input.data(), input.size(), take, nullptr, options));
     });
     EXPECT_EQ(read->result, static_cast<std::size_t>(CODEC_OK)) << type.name;
     const auto released = is_tried(stack_, std::string("free ") + type.name, *read,
-                                   [&] { type.free(now.record, give, nullptr, options); });
+                                   [&] { type.functions->free(now.record, give, nullptr, options); });
     EXPECT_EQ(released->released != 0, read->used != 0) << type.name;
   });
 }
 
 TEST_F(guard_page, is_not_stepped_over_by_copying_and_comparing) {
-  for_every_message([&](const message_type &type, const random_record &record, std::uint32_t) {
+  for_every_message([&](const naive::message &type, const random_record &record, std::uint32_t) {
     const auto copied = is_tried(stack_, std::string("duplicate ") + type.name, *rubbish(), [&] {
-      now.result = static_cast<std::size_t>(type.duplicate(now.record, record.data(), take, nullptr));
+      now.result = static_cast<std::size_t>(type.functions->duplicate(now.record, record.data(), take, nullptr));
     });
     EXPECT_EQ(copied->result, static_cast<std::size_t>(CODEC_OK)) << type.name;
     const auto compared = is_tried(stack_, std::string("compare ") + type.name, *copied, [&] {
-      now.result = static_cast<std::size_t>(type.compare(now.record, record.data()));
+      now.result = static_cast<std::size_t>(type.functions->compare(now.record, record.data()));
     });
     EXPECT_EQ(compared->result, 0u) << type.name;
   });

@@ -54,12 +54,12 @@ void *take(std::size_t size, void *) {
 }
 void give(void *, void *) {}
 
-constexpr recipe filled{.presence = 100, .longest_list = 2, .longest_text = 6};
+constexpr shape filled{.presence = 100, .longest_list = 2, .longest_text = 6};
 
 // Does what is measured, and tells whether it did it.
 using call = std::function<bool()>;
 // Makes one from a type, a record with all its members, another that is the same, and options.
-using call_maker = std::function<call(const message_type &, view, view, std::uint32_t)>;
+using call_maker = std::function<call(const naive::message &, view, view, std::uint32_t)>;
 
 class stack : public testing::Test {
  protected:
@@ -67,8 +67,8 @@ class stack : public testing::Test {
   void is_less_than_documented(const std::string &section, const std::vector<call_maker> &makers) {
     static std::size_t &used = shared<std::size_t>();
     std::size_t most = 0;
-    for (const message_type *const type : subjects()) {
-      dice first(7), second(7);
+    for (const naive::message *const type : subjects()) {
+      random_numbers first(7), second(7);
       const random_record record(*type, first, filled), same(*type, second, filled);
       for (const std::uint32_t options : type->modes()) {
         for (const call_maker &maker : makers) {
@@ -114,15 +114,15 @@ TEST_F(stack, is_less_than_the_header_says_for_decoding) {
   };
   static encoding &input = shared<encoding>();
   static unsigned char out[2048];
-  is_less_than_documented("decoding", {[](const message_type &type, view record, view, std::uint32_t options) {
-                            in_another_process([&] {
-                              input.length =
-                                  type.encode(record.data(), input.bytes, sizeof input.bytes, nullptr, nullptr, 0);
-                            });
-                            return [&type, options] {
-                              return type.decode(out, input.bytes, input.length, take, nullptr, options) == CODEC_OK;
-                            };
-                          }});
+  is_less_than_documented(
+      "decoding", {[](const naive::message &type, view record, view, std::uint32_t options) {
+        in_another_process([&] {
+          input.length = type.functions->encode(record.data(), input.bytes, sizeof input.bytes, nullptr, nullptr, 0);
+        });
+        return [&type, options] {
+          return type.functions->decode(out, input.bytes, input.length, take, nullptr, options) == CODEC_OK;
+        };
+      }});
 }
 
 TEST_F(stack, is_less_than_the_header_says_for_encoding) {
@@ -132,10 +132,10 @@ TEST_F(stack, is_less_than_the_header_says_for_encoding) {
   std::vector<call_maker> makers;
   for (const std::size_t length : {0u, 20u, 4000u, 9000u}) {
     for (const bool has_table : {false, true}) {
-      makers.push_back([length, has_table](const message_type &type, view record, view, std::uint32_t options) {
+      makers.push_back([length, has_table](const naive::message &type, view record, view, std::uint32_t options) {
         return [length, has_table, &type, record, options] {
-          return type.encode(record.data(), length != 0 ? buffer : nullptr, length, has_table ? segments : nullptr,
-                             has_table ? &count : nullptr, options) > 0;
+          return type.functions->encode(record.data(), length != 0 ? buffer : nullptr, length,
+                                        has_table ? segments : nullptr, has_table ? &count : nullptr, options) > 0;
         };
       });
     }
@@ -145,25 +145,27 @@ TEST_F(stack, is_less_than_the_header_says_for_encoding) {
 
 TEST_F(stack, is_less_than_the_header_says_for_copying) {
   static unsigned char copy[2048];
-  is_less_than_documented("copying", {[](const message_type &type, view record, view, std::uint32_t) {
+  is_less_than_documented("copying", {[](const naive::message &type, view record, view, std::uint32_t) {
                             return [&type, record] {
-                              return type.duplicate(copy, record.data(), take, nullptr) == CODEC_OK;
+                              return type.functions->duplicate(copy, record.data(), take, nullptr) == CODEC_OK;
                             };
                           }});
 }
 
 TEST_F(stack, is_less_than_the_header_says_for_releasing) {
-  is_less_than_documented("releasing", {[](const message_type &type, view record, view, std::uint32_t options) {
+  is_less_than_documented("releasing", {[](const naive::message &type, view record, view, std::uint32_t options) {
                             return [&type, record, options] {
-                              type.free(record.data(), give, nullptr, options);
+                              type.functions->free(record.data(), give, nullptr, options);
                               return true;
                             };
                           }});
 }
 
 TEST_F(stack, is_less_than_the_header_says_for_comparing) {
-  is_less_than_documented("comparing", {[](const message_type &type, view record, view same, std::uint32_t) {
-                            return [&type, record, same] { return type.compare(record.data(), same.data()) == 0; };
+  is_less_than_documented("comparing", {[](const naive::message &type, view record, view same, std::uint32_t) {
+                            return [&type, record, same] {
+                              return type.functions->compare(record.data(), same.data()) == 0;
+                            };
                           }});
 }
 

@@ -76,24 +76,24 @@ TEST(bounds, of_decoding_hold_for_a_copy_of_a_record_that_was_decoded_by_referen
 
 using hostile = test::law;
 
-const byte_string &hostile_input(test::dice &dice, const test::message_type &type) {
-  test::bytes_maker maker(dice);
-  test::on_trial() = maker.message(type, 12);
-  for (std::uint64_t times = dice.below(4); times-- != 0;) maker.damage(test::on_trial());
-  return test::on_trial();
+const byte_string &hostile_input(test::random_numbers &random, const naive::message &type) {
+  test::bytes_maker maker(random);
+  test::tried() = maker.message(type, 12);
+  for (std::uint64_t times = random.below(4); times-- != 0;) maker.damage(test::tried());
+  return test::tried();
 }
 
 // Room for a record of any message.
-std::unique_ptr<std::uint64_t[]> room_for(const test::message_type &type) {
+std::unique_ptr<std::uint64_t[]> room_for(const naive::message &type) {
   return std::make_unique<std::uint64_t[]>((type.size + 7) / 8);
 }
 
 // With a pool of just the promised size memory is never short, whatever comes.
 TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
-  const test::message_type &type = *GetParam();
+  const naive::message &type = *GetParam();
   std::size_t decoded = 0;
-  test::for_seeds(400, [&](test::dice &dice) {
-    const test::fenced_block input(hostile_input(dice, type));
+  test::for_seeds(400, [&](test::random_numbers &random) {
+    const test::fenced_block input(hostile_input(random, type));
     // One byte after an aligned place is the worst that a pool can begin at.
     const std::size_t size = pavo_zorv_pool_size_for(input.size());
     const auto block = std::make_unique<unsigned char[]>(size + 1);
@@ -102,7 +102,8 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
     pavo_zorv_counter counter;
     pavo_zorv_counter_init(&counter, pavo_zorv_pool_allocate, nullptr, &pool);
     const auto record = room_for(type);
-    const int result = type.decode(record.get(), input.data(), input.size(), pavo_zorv_counter_allocate, &counter, 0);
+    const int result =
+        type.functions->decode(record.get(), input.data(), input.size(), pavo_zorv_counter_allocate, &counter, 0);
     ASSERT_NE(result, CODEC_ERR_NO_MEMORY);
     ASSERT_LE(counter.bytes, input.size() * PAVO_ZORV_MEMORY_PER_BYTE);
     ASSERT_LE(counter.requests * PAVO_ZORV_BYTES_PER_REQUEST, input.size());
@@ -111,8 +112,8 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
     // A copy asks for no more, also of what was decoded by reference, and what is charged for it comes back.
     const auto referenced = room_for(type);
     test::accountant strings_and_lists;
-    ASSERT_EQ(type.decode(referenced.get(), input.data(), input.size(), test::accountant::allocate, &strings_and_lists,
-                          PAVO_ZORV_REFERENCE),
+    ASSERT_EQ(type.functions->decode(referenced.get(), input.data(), input.size(), test::accountant::allocate,
+                                     &strings_and_lists, PAVO_ZORV_REFERENCE),
               result);
     for (void *const source : {static_cast<void *>(record.get()), static_cast<void *>(referenced.get())}) {
       pavo_zorv_budget budget;
@@ -121,13 +122,13 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
       pavo_zorv_counter copies;
       pavo_zorv_counter_init(&copies, pavo_zorv_budget_allocate, pavo_zorv_budget_release, &budget);
       const auto copy = room_for(type);
-      ASSERT_EQ(type.duplicate(copy.get(), source, pavo_zorv_counter_allocate, &copies), CODEC_OK);
+      ASSERT_EQ(type.functions->duplicate(copy.get(), source, pavo_zorv_counter_allocate, &copies), CODEC_OK);
       ASSERT_LE(copies.bytes, counter.bytes);
       ASSERT_LE(copies.requests, counter.requests);
-      type.free(copy.get(), pavo_zorv_counter_release, &copies, 0);
+      type.functions->free(copy.get(), pavo_zorv_counter_release, &copies, 0);
       ASSERT_EQ(budget.spent, 0u);
     }
-    type.free(referenced.get(), test::accountant::release, &strings_and_lists, PAVO_ZORV_REFERENCE);
+    type.functions->free(referenced.get(), test::accountant::release, &strings_and_lists, PAVO_ZORV_REFERENCE);
   });
   if (test::is_tried_in_full()) {
     EXPECT_GT(decoded, 20u) << "input that is always refused shows little";
@@ -136,20 +137,20 @@ TEST_P(hostile, input_never_asks_for_more_than_the_bounds) {
 
 // With a budget that may be too small decoding ends in good order, and no more than it is ever out.
 TEST_P(hostile, input_gets_no_more_than_the_budget) {
-  const test::message_type &type = *GetParam();
-  test::for_seeds(200, [&](test::dice &dice) {
-    const test::fenced_block input(hostile_input(dice, type));
+  const naive::message &type = *GetParam();
+  test::for_seeds(200, [&](test::random_numbers &random) {
+    const test::fenced_block input(hostile_input(random, type));
     test::accountant memory;
     pavo_zorv_budget budget;
-    pavo_zorv_budget_init(&budget, static_cast<std::size_t>(dice.below(input.size() * 4 + 1)),
+    pavo_zorv_budget_init(&budget, static_cast<std::size_t>(random.below(input.size() * 4 + 1)),
                           test::accountant::allocate, test::accountant::release, &memory);
     const auto record = room_for(type);
-    type.decode(record.get(), input.data(), input.size(), pavo_zorv_budget_allocate, &budget, 0);
+    type.functions->decode(record.get(), input.data(), input.size(), pavo_zorv_budget_allocate, &budget, 0);
     std::size_t given = 0;
     for (const std::size_t asked : memory.sizes) given += asked;
     ASSERT_LE(given, budget.limit);
     ASSERT_EQ(budget.spent, given);
-    type.free(record.get(), pavo_zorv_budget_release, &budget, 0);
+    type.functions->free(record.get(), pavo_zorv_budget_release, &budget, 0);
     // What a nested message that came twice owned at first is still out, and still charged.
     ASSERT_EQ(budget.spent == 0, memory.live() == 0);
   });

@@ -66,10 +66,10 @@ const fields<sweep_message> sweep_fields = {
 
 // --- Requests ---
 
-TEST(api_msg_p2p_auto_policy_request, its_fields_are_of_their_kinds) { fields_are_of_kinds<request_message>("nuu"); }
+TEST(api_msg_p2p_auto_policy_request, its_fields_are_of_their_kinds) { fields_are_of_kinds<request_message>(); }
 
 TEST(api_msg_p2p_auto_policy_request, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_request().record, request_fields, "nuu");
+  goes_to_the_wire_and_back(whole_request().record, request_fields);
 }
 
 TEST(api_msg_p2p_auto_policy_request, an_empty_policy_with_its_bit_set_is_a_key_and_a_zero_length) {
@@ -138,14 +138,15 @@ TEST(api_msg_p2p_auto_policy_request, a_second_policy_replaces_the_first_and_dro
 }
 
 TEST(api_msg_p2p_auto_policy_request, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_request().record, together(request_fields), {{4, 2}});
+  fills_short_buffers(whole_request().record, together(request_fields), {{"policy.field1", 4, 2}});
 }
 
 TEST(api_msg_p2p_auto_policy_request, its_own_entry_comes_after_those_of_the_policy) {
-  takes_entries(whole_request().record, {{8, 2}, {2, 8}, {0, 15}});
+  takes_entries(whole_request().record,
+                {{"policy.label_stack", 8, 2}, {"policy", 2, 8}, {"api_msg_p2p_auto_policy_request", 0, 15}});
   request_message record{};
   record.presence = 1;
-  takes_entries(record, {{0, 2}});
+  takes_entries(record, {{"api_msg_p2p_auto_policy_request", 0, 2}});
   takes_entries(request_message{}, {});
 }
 
@@ -153,7 +154,9 @@ TEST(api_msg_p2p_auto_policy_request, the_options_word_changes_nothing) {
   const whole_request whole;
   for (const std::uint32_t options : {1u, 0xffffffffu}) {
     EXPECT_EQ(show(encoded(whole.record, options)), show(together(request_fields)));
-    takes_entries(whole.record, {{8, 2}, {2, 8}, {0, 15}}, options);
+    takes_entries(whole.record,
+                  {{"policy.label_stack", 8, 2}, {"policy", 2, 8}, {"api_msg_p2p_auto_policy_request", 0, 15}},
+                  options);
     decoded<request_message> read(together(request_fields), options);
     EXPECT_EQ(read.memory.sizes, (std::vector<std::size_t>{3, 4}));
     EXPECT_EQ(decode_without_memory<request_message>(hex("0a 03 0a 01 61"), options), CODEC_ERR_NO_MEMORY);
@@ -173,7 +176,7 @@ TEST(api_msg_p2p_auto_policy_request, memory_is_asked_for_by_the_policy_alone) {
 
 TEST(api_msg_p2p_auto_policy_request, a_copy_that_fails_keeps_its_own_bits) {
   const whole_request whole;
-  copied<request_message> copy(whole.record, accountant::never, 0);
+  copied<request_message> copy(whole.record, {.fail_from = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(bits(copy.record), 7u);
   EXPECT_EQ(bits(copy->policy), std::uint32_t{API_MSG_P2P_AUTO_POLICY_HAS_LABEL_STACK});
@@ -236,10 +239,10 @@ TEST(api_msg_p2p_auto_policy_request, presence_bits_of_no_field_are_left_alone) 
 
 // --- Responses ---
 
-TEST(api_msg_p2p_auto_policy_response, its_fields_are_of_their_kinds) { fields_are_of_kinds<response_message>("nuu"); }
+TEST(api_msg_p2p_auto_policy_response, its_fields_are_of_their_kinds) { fields_are_of_kinds<response_message>(); }
 
 TEST(api_msg_p2p_auto_policy_response, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_response().record, response_fields, "nuu");
+  goes_to_the_wire_and_back(whole_response().record, response_fields);
 }
 
 TEST(api_msg_p2p_auto_policy_response, an_empty_notification_with_its_bit_set_is_a_key_and_a_zero_length) {
@@ -289,11 +292,11 @@ TEST(api_msg_p2p_auto_policy_response, a_second_notification_replaces_the_first_
 }
 
 TEST(api_msg_p2p_auto_policy_response, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_response().record, together(response_fields), {{5, 1}});
+  fills_short_buffers(whole_response().record, together(response_fields), {{"notification.field21", 5, 1}});
 }
 
 TEST(api_msg_p2p_auto_policy_response, its_own_entry_comes_after_those_of_the_notification) {
-  takes_entries(whole_response().record, {{2, 19}, {0, 29}});
+  takes_entries(whole_response().record, {{"notification", 2, 19}, {"api_msg_p2p_auto_policy_response", 0, 29}});
 }
 
 TEST(api_msg_p2p_auto_policy_response, memory_is_asked_for_by_the_notification_alone) {
@@ -354,10 +357,10 @@ TEST(api_msg_p2p_auto_policy_response, presence_bits_of_no_field_are_left_alone)
 
 // --- Sweeps ---
 
-TEST(api_msg_p2p_auto_policy_sweep, its_fields_are_of_their_kinds) { fields_are_of_kinds<sweep_message>("uu"); }
+TEST(api_msg_p2p_auto_policy_sweep, its_fields_are_of_their_kinds) { fields_are_of_kinds<sweep_message>(); }
 
 TEST(api_msg_p2p_auto_policy_sweep, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(sweep_message{300, 0, 3}, sweep_fields, "uu");
+  goes_to_the_wire_and_back(sweep_message{300, 0, 3}, sweep_fields);
 }
 
 TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_bytes_and_no_entries) {
@@ -373,7 +376,7 @@ TEST(api_msg_p2p_auto_policy_sweep, with_both_bits_clear_there_are_no_bytes_and_
 
 TEST(api_msg_p2p_auto_policy_sweep, the_numbers_300_and_0_take_five_bytes) {
   EXPECT_EQ(show(encoded(sweep_message{300, 0, 3})), "08 ac 02 10 00");
-  takes_entries(sweep_message{300, 0, 3}, {{0, 5}});
+  takes_entries(sweep_message{300, 0, 3}, {{"api_msg_p2p_auto_policy_sweep", 0, 5}});
 }
 
 TEST(api_msg_p2p_auto_policy_sweep, nothing_needs_memory) {

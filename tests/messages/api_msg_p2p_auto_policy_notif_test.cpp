@@ -8,8 +8,6 @@ namespace {
 
 using notification = api_msg_p2p_auto_policy_notif;
 
-constexpr std::string_view kinds = "ssufffuufnuufuluuuufsluuufI";
-
 // A notification with every field.
 struct whole_notification {
   char field1[3] = "ab";
@@ -89,10 +87,10 @@ const fields<notification> all_fields = {
 
 // --- On the wire ---
 
-TEST(api_msg_p2p_auto_policy_notif, its_fields_are_of_their_kinds) { fields_are_of_kinds<notification>(kinds); }
+TEST(api_msg_p2p_auto_policy_notif, its_fields_are_of_their_kinds) { fields_are_of_kinds<notification>(); }
 
 TEST(api_msg_p2p_auto_policy_notif, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_notification().record, all_fields, kinds);
+  goes_to_the_wire_and_back(whole_notification().record, all_fields);
 }
 
 TEST(api_msg_p2p_auto_policy_notif, a_negative_field_27_takes_ten_bytes_and_is_less_than_0) {
@@ -112,7 +110,7 @@ TEST(api_msg_p2p_auto_policy_notif, an_empty_label_stack_with_its_bit_set_is_a_k
   notification record{};
   record.presence = 1u << 9;
   EXPECT_EQ(show(encoded(record)), "52 00");
-  takes_entries(record, {{0, 2}});
+  takes_entries(record, {{"api_msg_p2p_auto_policy_notif", 0, 2}});
 }
 
 TEST(api_msg_p2p_auto_policy_notif, a_flag_that_holds_2_is_written_as_it_is_and_read_as_1) {
@@ -246,11 +244,11 @@ TEST(api_msg_p2p_auto_policy_notif, a_second_label_stack_replaces_the_first_and_
 // --- Buffers and tables ---
 
 TEST(api_msg_p2p_auto_policy_notif, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_notification().record, together(all_fields), {{2, 2}, {60, 3}});
+  fills_short_buffers(whole_notification().record, together(all_fields), {{"field1", 2, 2}, {"field21", 60, 3}});
 }
 
 TEST(api_msg_p2p_auto_policy_notif, its_own_entry_comes_after_that_of_the_labels) {
-  takes_entries(whole_notification().record, {{23, 2}, {0, 91}});
+  takes_entries(whole_notification().record, {{"label_stack", 23, 2}, {"api_msg_p2p_auto_policy_notif", 0, 91}});
 }
 
 // --- Memory ---
@@ -272,7 +270,7 @@ TEST(api_msg_p2p_auto_policy_notif, memory_is_asked_for_in_field_order_and_its_l
 
 TEST(api_msg_p2p_auto_policy_notif, a_copy_without_memory_has_empty_members_and_keeps_the_bit_of_the_label_stack) {
   const whole_notification whole;
-  copied<notification> copy(whole.record, accountant::never, 0);
+  copied<notification> copy(whole.record, {.fail_from = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(bits(copy.record), 0x7ffffffu & ~(1u << 0 | 1u << 1 | 1u << 14 | 1u << 20 | 1u << 21));
   EXPECT_EQ(copy->field1, nullptr);

@@ -8,8 +8,6 @@ namespace {
 
 using policy = api_msg_p2p_auto_policy;
 
-constexpr std::string_view kinds = "ssuuffnuufluumuuuufsnu";
-
 // A policy with every field.
 struct whole_policy {
   char field1[3] = "ab";
@@ -93,10 +91,10 @@ const fields<policy> all_fields = {
 
 // --- On the wire ---
 
-TEST(api_msg_p2p_auto_policy, its_fields_are_of_their_kinds) { fields_are_of_kinds<policy>(kinds); }
+TEST(api_msg_p2p_auto_policy, its_fields_are_of_their_kinds) { fields_are_of_kinds<policy>(); }
 
 TEST(api_msg_p2p_auto_policy, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_policy().record, all_fields, kinds);
+  goes_to_the_wire_and_back(whole_policy().record, all_fields);
 }
 
 TEST(api_msg_p2p_auto_policy, an_empty_nested_message_with_its_bit_set_is_a_key_and_a_zero_length) {
@@ -314,11 +312,18 @@ TEST(api_msg_p2p_auto_policy, a_run_of_paths_that_is_cut_off_asks_for_no_memory)
 // --- Buffers, tables and options ---
 
 TEST(api_msg_p2p_auto_policy, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_policy().record, together(all_fields), {{2, 2}, {6, 1}, {72, 3}});
+  fills_short_buffers(whole_policy().record, together(all_fields),
+                      {{"field1", 2, 2}, {"field2", 6, 1}, {"field20", 72, 3}});
 }
 
 TEST(api_msg_p2p_auto_policy, its_own_entry_comes_after_those_of_labels_hops_paths_and_segment_identifier) {
-  takes_entries(whole_policy().record, {{18, 6}, {47, 4}, {45, 8}, {78, 7}, {0, 88}});
+  takes_entries(whole_policy().record, {
+                                           {"label_stack", 18, 6},
+                                           {"exp_paths[0].hops[0]", 47, 4},
+                                           {"exp_paths[0]", 45, 8},
+                                           {"prefix_sid", 78, 7},
+                                           {"api_msg_p2p_auto_policy", 0, 88},
+                                       });
 }
 
 TEST(api_msg_p2p_auto_policy, empty_nested_messages_have_no_entries) {
@@ -328,7 +333,7 @@ TEST(api_msg_p2p_auto_policy, empty_nested_messages_have_no_entries) {
   record.exp_paths_count = 2;
   record.presence = 1u << 6 | 1u << 13 | 1u << 20;
   EXPECT_EQ(show(encoded(record)), "3a 00 72 00 72 00 aa 01 00");
-  takes_entries(record, {{0, 9}});
+  takes_entries(record, {{"api_msg_p2p_auto_policy", 0, 9}});
   takes_entries(policy{}, {});
 }
 
@@ -336,7 +341,15 @@ TEST(api_msg_p2p_auto_policy, the_options_word_changes_nothing) {
   const whole_policy whole;
   for (const std::uint32_t options : {1u, 0xffffffffu}) {
     EXPECT_EQ(show(encoded(whole.record, options)), show(together(all_fields)));
-    takes_entries(whole.record, {{18, 6}, {47, 4}, {45, 8}, {78, 7}, {0, 88}}, options);
+    takes_entries(whole.record,
+                  {
+                      {"label_stack", 18, 6},
+                      {"exp_paths[0].hops[0]", 47, 4},
+                      {"exp_paths[0]", 45, 8},
+                      {"prefix_sid", 78, 7},
+                      {"api_msg_p2p_auto_policy", 0, 88},
+                  },
+                  options);
     decoded<policy> read(together(all_fields), options);
     EXPECT_EQ(read.result, CODEC_OK);
     EXPECT_EQ(read.memory.sizes,
@@ -368,7 +381,7 @@ TEST(api_msg_p2p_auto_policy, memory_is_asked_for_in_field_order_and_its_lack_co
 
 TEST(api_msg_p2p_auto_policy, a_copy_without_memory_has_empty_members_and_keeps_the_bits_of_nested_messages) {
   const whole_policy whole;
-  copied<policy> copy(whole.record, accountant::never, 0);
+  copied<policy> copy(whole.record, {.fail_from = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(bits(copy.record), 0x3fffffu & ~(1u << 0 | 1u << 1 | 1u << 10 | 1u << 13 | 1u << 19));
   EXPECT_EQ(copy->field1, nullptr);

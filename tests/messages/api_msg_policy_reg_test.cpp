@@ -29,17 +29,17 @@ const fields<api_msg_policy_reg> all_fields = {
     {take(&api_msg_policy_reg::field4), hex("22 02 61 62")},
 };
 
-TEST(api_msg_policy_reg, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_msg_policy_reg>("flus"); }
+TEST(api_msg_policy_reg, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_msg_policy_reg>(); }
 
 TEST(api_msg_policy_reg, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_registration().record, all_fields, "flus");
+  goes_to_the_wire_and_back(whole_registration().record, all_fields);
 }
 
 TEST(api_msg_policy_reg, a_flag_two_bytes_and_300_take_nine_bytes) {
   whole_registration whole;
   whole.record.field4 = nullptr;
   EXPECT_EQ(show(encoded(whole.record)), "08 01 10 01 10 02 18 ac 02");
-  takes_entries(whole.record, {{0, 9}});
+  takes_entries(whole.record, {{"api_msg_policy_reg", 0, 9}});
   whole.record.presence = 7;
   EXPECT_EQ(show(encoded(whole.record)), "08 01 10 01 10 02 18 ac 02");
 }
@@ -65,7 +65,7 @@ TEST(api_msg_policy_reg, the_order_of_strings_is_handed_on_as_it_is) {
 
 TEST(api_msg_policy_reg, a_copy_without_memory_has_the_flag_and_the_number) {
   const whole_registration whole;
-  copied<api_msg_policy_reg> copy(whole.record, accountant::never, 0);
+  copied<api_msg_policy_reg> copy(whole.record, {.fail_from = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(copy->field1, 1);
   EXPECT_EQ(copy->octets, nullptr);
@@ -117,11 +117,11 @@ TEST(api_msg_policy_reg, a_failure_keeps_what_came_before) {
 }
 
 TEST(api_msg_policy_reg, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_registration().record, together(all_fields), {{11, 2}});
+  fills_short_buffers(whole_registration().record, together(all_fields), {{"field4", 11, 2}});
 }
 
 TEST(api_msg_policy_reg, it_takes_one_entry) {
-  takes_entries(whole_registration().record, {{0, 13}});
+  takes_entries(whole_registration().record, {{"api_msg_policy_reg", 0, 13}});
   takes_entries(api_msg_policy_reg{}, {});
 }
 

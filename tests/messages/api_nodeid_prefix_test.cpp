@@ -44,10 +44,10 @@ const fields<api_prefix> prefix_fields = {
 
 // --- Node identifiers ---
 
-TEST(api_nodeid, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_nodeid>("ul"); }
+TEST(api_nodeid, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_nodeid>(); }
 
 TEST(api_nodeid, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_nodeid().record, nodeid_fields, "ul");
+  goes_to_the_wire_and_back(whole_nodeid().record, nodeid_fields);
 }
 
 TEST(api_nodeid, the_bytes_0a_80_take_five_bytes) {
@@ -118,7 +118,7 @@ TEST(api_nodeid, a_second_run_is_refused_and_the_first_kept) {
 }
 
 TEST(api_nodeid, it_takes_one_entry) {
-  takes_entries(whole_nodeid().record, {{0, 11}});
+  takes_entries(whole_nodeid().record, {{"api_nodeid", 0, 11}});
   takes_entries(api_nodeid{}, {});
 }
 
@@ -128,7 +128,7 @@ TEST(api_nodeid, short_buffers_take_what_fits) {
 
 TEST(api_nodeid, the_lack_of_memory_costs_the_bytes) {
   asks_for_memory(whole_nodeid().record, nodeid_fields, {{3, 2, hex(""), hex("")}}, hex("08 ac 02"));
-  copied<api_nodeid> copy(whole_nodeid().record, 0);
+  copied<api_nodeid> copy(whole_nodeid().record, {.fail_at = 0});
   EXPECT_EQ(copy->octets, nullptr);
   EXPECT_EQ(copy->octets_count, 0u);
   EXPECT_EQ(bits(copy.record), std::uint32_t{API_NODEID_HAS_FIELD1});
@@ -189,10 +189,10 @@ TEST(api_nodeid, presence_bits_of_no_field_are_left_alone) {
 
 // --- Prefixes ---
 
-TEST(api_prefix, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_prefix>("lo"); }
+TEST(api_prefix, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_prefix>(); }
 
 TEST(api_prefix, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_prefix().record, prefix_fields, "lo");
+  goes_to_the_wire_and_back(whole_prefix().record, prefix_fields);
 }
 
 TEST(api_prefix, a_second_run_of_bytes_is_refused_and_the_first_kept) {
@@ -223,7 +223,7 @@ TEST(api_prefix, field_2_of_255_comes_back_and_256_is_read_as_0) {
 
 TEST(api_prefix, a_copy_without_memory_for_the_bytes_has_field_2) {
   const whole_prefix whole;
-  copied<api_prefix> copy(whole.record, 0);
+  copied<api_prefix> copy(whole.record, {.fail_at = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(copy->octets, nullptr);
   EXPECT_EQ(copy->octets_count, 0u);
@@ -233,7 +233,7 @@ TEST(api_prefix, a_copy_without_memory_for_the_bytes_has_field_2) {
 }
 
 TEST(api_prefix, it_takes_one_entry) {
-  takes_entries(whole_prefix().record, {{0, 8}});
+  takes_entries(whole_prefix().record, {{"api_prefix", 0, 8}});
   takes_entries(api_prefix{}, {});
 }
 

@@ -6,8 +6,6 @@ using namespace test::checks;
 
 namespace {
 
-constexpr std::string_view kinds = "suufmssuif";
-
 struct whole_policy {
   char field1[3] = "ab";
   std::uint8_t bytes1[2] = {1, 200};
@@ -56,10 +54,10 @@ const fields<api_policy> all_fields = {
 
 // --- On the wire ---
 
-TEST(api_policy, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_policy>(kinds); }
+TEST(api_policy, its_fields_are_of_their_kinds) { fields_are_of_kinds<api_policy>(); }
 
 TEST(api_policy, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_policy().record, all_fields, kinds);
+  goes_to_the_wire_and_back(whole_policy().record, all_fields);
 }
 
 TEST(api_policy, a_negative_field_9_takes_five_bytes_and_is_less_than_0) {
@@ -96,7 +94,7 @@ TEST(api_policy, an_empty_prefix_is_written_as_a_key_and_a_zero_length) {
   whole.record.prefixes_count = 2;
   whole.record.presence = API_POLICY_HAS_PREFIXES;
   EXPECT_EQ(show(encoded(whole.record)), "2a 00 2a 07 08 01 08 c8 01 10 18");
-  takes_entries(whole.record, {{4, 7}, {0, 11}});
+  takes_entries(whole.record, {{"prefixes[1]", 4, 7}, {"api_policy", 0, 11}});
 }
 
 TEST(api_policy, a_second_run_of_prefixes_is_refused_and_the_first_kept) {
@@ -226,11 +224,11 @@ TEST(api_policy, what_a_prefix_fails_with_is_handed_on) {
 // --- Buffers and tables ---
 
 TEST(api_policy, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_policy().record, together(all_fields), {{2, 2}, {30, 3}});
+  fills_short_buffers(whole_policy().record, together(all_fields), {{"field1", 2, 2}, {"field7", 30, 3}});
 }
 
 TEST(api_policy, its_own_entry_comes_after_those_of_the_prefixes) {
-  takes_entries(whole_policy().record, {{15, 7}, {24, 2}, {0, 47}});
+  takes_entries(whole_policy().record, {{"prefixes[1]", 15, 7}, {"prefixes[2]", 24, 2}, {"api_policy", 0, 47}});
   takes_entries(api_policy{}, {});
 }
 
@@ -251,7 +249,7 @@ TEST(api_policy, memory_is_asked_for_in_field_order_and_its_lack_costs_one_membe
 
 TEST(api_policy, a_copied_prefix_without_memory_for_its_bytes_has_the_rest) {
   const whole_policy whole;
-  copied<api_policy> copy(whole.record, 2);
+  copied<api_policy> copy(whole.record, {.fail_at = 2});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   ASSERT_EQ(copy->prefixes_count, 3u);
   EXPECT_EQ(copy->prefixes[1].octets, nullptr);
@@ -264,7 +262,7 @@ TEST(api_policy, a_copied_prefix_without_memory_for_its_bytes_has_the_rest) {
 
 TEST(api_policy, a_copy_without_memory_has_empty_members) {
   const whole_policy whole;
-  copied<api_policy> copy(whole.record, accountant::never, 0);
+  copied<api_policy> copy(whole.record, {.fail_from = 0});
   EXPECT_EQ(copy->field1, nullptr);
   EXPECT_EQ(copy->prefixes, nullptr);
   EXPECT_EQ(copy->prefixes_count, 0u);

@@ -87,25 +87,21 @@ TEST(memory, of_what_is_read_again_is_not_released_by_decoding) {
 
 // --- The context ---
 
-// A length-delimited field of less than 128 bytes.
-byte_string delimited(const char *key, const byte_string &content) {
-  return hex(key) + byte_string{static_cast<unsigned char>(content.size())} + content;
-}
-
 // The fields of an envelope that owns something of every kind at every depth: 28 blocks, 4 of them bytes.
 std::vector<byte_string> everything() {
   const byte_string internal = hex("12 01 61");
-  const byte_string hops = delimited("0a", hex("28 01 28 02 30 03")) + hex("0a 00") + delimited("0a", hex("28 05"));
-  const byte_string policy =
-      hex("0a 01 61 12 02 61 62 3a 04 08 01 08 02 58 05") + delimited("72", hops) + hex("a2 01 01 61 aa 01 02 10 09");
-  const byte_string policies = delimited("1a", hex("0a 01 61 2a 02 08 05"));
-  const byte_string to_igp = hex("0a 02 28 01") + delimited("12", hex("08 05") + policies);
+  const byte_string hops =
+      delimited_field(1, hex("28 01 28 02 30 03")) + hex("0a 00") + delimited_field(1, hex("28 05"));
+  const byte_string policy = hex("0a 01 61 12 02 61 62 3a 04 08 01 08 02 58 05") + delimited_field(14, hops) +
+                             hex("a2 01 01 61 aa 01 02 10 09");
+  const byte_string policies = delimited_field(3, hex("0a 01 61 2a 02 08 05"));
+  const byte_string to_igp = hex("0a 02 28 01") + delimited_field(2, hex("08 05") + policies);
   const byte_string oam_req = hex("1a 01 61 22 02 10 05 32 01 62");
   const byte_string sid_list = hex("0a 02 10 05 22 02 61 62");
-  const byte_string usid_list = delimited("0a", hex("1a 07 0a 03 61 62 63 10 05"));
-  const byte_string oam_res = delimited("2a", sid_list) + hex("32 02 63 64") + delimited("3a", usid_list);
-  return {delimited("12", internal), delimited("1a", policy), delimited("5a", to_igp), delimited("6a", oam_req),
-          delimited("72", oam_res)};
+  const byte_string usid_list = delimited_field(1, hex("1a 07 0a 03 61 62 63 10 05"));
+  const byte_string oam_res = delimited_field(5, sid_list) + hex("32 02 63 64") + delimited_field(7, usid_list);
+  return {delimited_field(2, internal), delimited_field(3, policy), delimited_field(11, to_igp),
+          delimited_field(13, oam_req), delimited_field(14, oam_res)};
 }
 
 byte_string joined(const std::vector<byte_string> &parts) {

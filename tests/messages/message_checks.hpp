@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "naive/messages.hpp"
+#include "message_table.hpp"
+#include "naive/encoder.hpp"
 #include "support.hpp"
 
 namespace test::checks {
@@ -78,31 +78,6 @@ struct encoding {
   std::size_t length;
 };
 
-// One copying call into a record of rubbish, with the requests to fail. The copy is released at the end; every block
-// must have come back by then.
-template <class Record>
-class copied {
- public:
-  explicit copied(const Record &source, std::size_t fail_at = accountant::never,
-                  std::size_t fail_from = accountant::never) {
-    memory.fail_at = fail_at;
-    memory.fail_from = fail_from;
-    std::memset(static_cast<void *>(&record), 0x5a, sizeof record);
-    result = operations<Record>::duplicate(&record, &source, accountant::allocate, &memory);
-  }
-  copied(const copied &) = delete;
-  copied &operator=(const copied &) = delete;
-  ~copied() {
-    operations<Record>::free(&record, accountant::release, &memory);
-    EXPECT_EQ(memory.live(), 0u) << "blocks not released";
-  }
-  Record *operator->() { return &record; }
-
-  accountant memory;
-  Record record;
-  int result;
-};
-
 // Notes what is released, without releasing it: for records that a test made by hand.
 struct notebook {
   std::vector<void *> released;
@@ -134,34 +109,18 @@ byte_string together(const fields<Record> &all) {
   return result;
 }
 
-inline byte_string key(unsigned number, unsigned type) {
-  const unsigned value = number << 3 | type;
-  if (value < 128) return {static_cast<unsigned char>(value)};
-  return {static_cast<unsigned char>((value & 127) | 128), static_cast<unsigned char>(value >> 7)};
+inline bool needs_memory(const naive::member &member) {
+  return !member.is_scalar() && member.kind != naive::kind::nested;
 }
 
-// Kinds, one letter for each field: f flag, o 8-bit, u 32-bit, i signed 32-bit, U 64-bit, I signed 64-bit, l list of
-// 8-bit, L list of 32-bit integers, s string, b bytes, n nested message, m list of messages.
-inline bool is_one_of(std::string_view kinds, char kind) { return kinds.find(kind) != std::string_view::npos; }
-inline unsigned wire_type_of(char kind) { return is_one_of("fouiUIlL", kind) ? 0 : 2; }
-inline bool is_list(char kind) { return is_one_of("lLm", kind); }
-inline bool needs_memory(char kind) { return is_one_of("lLsbm", kind); }
+// Of this value each width keeps another part: 64 bits all of it, 32 bits 0xffffff2c, 8 bits 0x2c; a flag only that it
+// is not 0.
+constexpr std::uint64_t too_wide = 0xffffffffffffff2c;
 
-// What becomes of the value 2^64 - 212 on the wire, by the kind that reads and writes it.
-inline byte_string read_and_written(char kind) {
-  switch (kind) {
-    case 'f':
-      return hex("01");
-    case 'o':
-    case 'l':
-      return hex("2c");
-    case 'u':
-    case 'i':
-    case 'L':
-      return hex("ac fe ff ff 0f");
-    default:
-      return hex("ac fe ff ff ff ff ff ff ff 01");
-  }
+// What is written of it again, by the member that it was read into.
+inline std::uint64_t kept_by(const naive::member &member) {
+  if (member.kind == naive::kind::flag) return 1;
+  return member.width == 1 ? 0x2c : member.width == 4 ? 0xffffff2c : too_wide;
 }
 
 template <class Record>
@@ -170,41 +129,42 @@ int result_of(const byte_string &bytes, std::uint32_t options = 0) {
   return record.result;
 }
 
-// The wire types of the fields, of their second occurrences and of unknown fields, with and without memory.
+// The wire types of the fields, of their second occurrences and of unknown fields, with and without memory. What each
+// field is, the statement of the messages says that is kept by hand.
 template <class Record>
-void fields_are_of_kinds(std::string_view kinds) {
-  ASSERT_EQ(kinds.size(), field_count<Record>);
-  const byte_string wide = hex("ac fe ff ff ff ff ff ff ff 01");
-  const byte_string unknown = hex("f0 01 00");  // field 30
-  for (unsigned number = 1; number <= kinds.size(); ++number) {
-    const char kind = kinds[number - 1];
+void fields_are_of_kinds() {
+  const std::vector<naive::member> &members = naive::message_of<Record>().members;
+  ASSERT_EQ(members.size(), field_count<Record>);
+  const byte_string unknown = varint_field(30, 0);
+  for (const naive::member &member : members) {
+    const unsigned number = member.number;
     SCOPED_TRACE("field " + std::to_string(number));
     for (unsigned type = 0; type < 8; ++type) {
-      if (type == wire_type_of(kind)) continue;
+      if (type == member.wire_type()) continue;
       SCOPED_TRACE("wire type " + std::to_string(type));
       EXPECT_EQ(result_of<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
       EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
     }
-    const byte_string own = key(number, wire_type_of(kind));
+    const byte_string own = key(number, member.wire_type());
     EXPECT_EQ(result_of<Record>(own), CODEC_ERR_TRUNCATED);
-    EXPECT_EQ(decode_without_memory<Record>(own), needs_memory(kind) ? CODEC_ERR_NO_MEMORY : CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(decode_without_memory<Record>(own), needs_memory(member) ? CODEC_ERR_NO_MEMORY : CODEC_ERR_TRUNCATED);
     EXPECT_EQ(result_of<Record>(own + hex("80")), CODEC_ERR_TRUNCATED);
     EXPECT_EQ(result_of<Record>(own + hex("00")), CODEC_OK);
-    if (wire_type_of(kind) == 0) {
-      decoded<Record> record(own + wide);
+    if (member.is_varint()) {
+      decoded<Record> record(own + varint(too_wide));
       EXPECT_EQ(record.result, CODEC_OK);
-      EXPECT_EQ(show(encoded(record.record)), show(own + read_and_written(kind)));
+      EXPECT_EQ(show(encoded(record.record)), show(own + varint(kept_by(member))));
     } else {
       EXPECT_EQ(result_of<Record>(own + hex("01")), CODEC_ERR_TRUNCATED);
       EXPECT_EQ(result_of<Record>(own + hex("ff ff ff ff 0f 00")), CODEC_ERR_TRUNCATED);
     }
     const byte_string twice = own + hex("00") + unknown + own + hex("00");
-    EXPECT_EQ(result_of<Record>(twice), needs_memory(kind) ? CODEC_ERR_TRUNCATED : CODEC_OK);
+    EXPECT_EQ(result_of<Record>(twice), needs_memory(member) ? CODEC_ERR_TRUNCATED : CODEC_OK);
     const byte_string next = own + hex("00") + own + hex("00");
-    EXPECT_EQ(result_of<Record>(next), needs_memory(kind) && !is_list(kind) ? CODEC_ERR_TRUNCATED : CODEC_OK);
+    EXPECT_EQ(result_of<Record>(next), needs_memory(member) && !member.is_list() ? CODEC_ERR_TRUNCATED : CODEC_OK);
     EXPECT_EQ(result_of<Record>(own + hex("00") + unknown + key(number, 5)), CODEC_ERR_WRONG_WIRE_TYPE);
   }
-  for (const unsigned number : {0u, static_cast<unsigned>(kinds.size()) + 1, 100u}) {
+  for (const unsigned number : {0u, field_count<Record> + 1, 100u}) {
     SCOPED_TRACE("unknown field " + std::to_string(number));
     for (const unsigned type : {3u, 4u, 6u, 7u}) {
       EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_BAD_WIRE_TYPE);
@@ -231,7 +191,7 @@ Record only(const Record &whole, const fields<Record> &all, std::size_t index) {
 
 // Each field alone, all together and in reverse, written and read; without its bit only a nested message is written.
 template <class Record>
-void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all, std::string_view kinds) {
+void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all) {
   ASSERT_EQ(all.size(), field_count<Record>);
   byte_string reversed, nested;
   for (std::size_t index = 0; index < all.size(); ++index) {
@@ -243,8 +203,9 @@ void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all, s
     EXPECT_EQ(bits(read.record), std::uint32_t{1} << index);
     EXPECT_EQ(show(encoded(read.record)), show(all[index].bytes));
     set_bits(alone, 0);
-    EXPECT_EQ(show(encoded(alone)), kinds[index] == 'n' ? show(all[index].bytes) : "");
-    if (kinds[index] == 'n') nested = nested + all[index].bytes;
+    const bool is_nested = naive::message_of<Record>().members[index].kind == naive::kind::nested;
+    EXPECT_EQ(show(encoded(alone)), is_nested ? show(all[index].bytes) : "");
+    if (is_nested) nested = nested + all[index].bytes;
     reversed = all[index].bytes + reversed;
   }
   EXPECT_EQ(bits(whole), all_bits<Record>());
@@ -317,7 +278,7 @@ void asks_for_memory(const Record &whole, const fields<Record> &all, const std::
     operations<Record>::free(&record, accountant::release, &memory);
     EXPECT_EQ(memory.live(), 0u);
 
-    copied<Record> copy(whole, index);
+    copied<Record> copy(whole, {.fail_at = index});
     EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
     std::vector<std::size_t> sizes = sizes_of(requests);
     const auto behind = sizes.begin() + static_cast<std::ptrdiff_t>(index) + 1;
@@ -326,7 +287,7 @@ void asks_for_memory(const Record &whole, const fields<Record> &all, const std::
     EXPECT_EQ(show(encoded(copy.record)), show(copied_bytes));
   }
   {
-    copied<Record> copy(whole, accountant::never, 0);
+    copied<Record> copy(whole, {.fail_from = 0});
     EXPECT_EQ(copy.result, requests.empty() ? CODEC_OK : CODEC_ERR_NO_MEMORY);
     EXPECT_EQ(show(encoded(copy.record)), show(copied_without_memory));
     Record without;
@@ -341,13 +302,39 @@ void asks_for_memory(const Record &whole, const fields<Record> &all, const std::
 
 // Where a string or bytes value lies in an encoding.
 struct block {
+  std::string name;  // the way to the field, as of an entry
   std::size_t position, length;
 };
+
+// The names of those in a record that are not empty, in order.
+inline std::vector<std::string> block_names(naive::view record, bool is_referenced, const std::string &way = "") {
+  const pavo_zorv::message_info &schema = *pavo_zorv::find_message(record.type().name);
+  std::vector<std::string> names;
+  const auto add = [&](naive::view inner, const std::string &step) {
+    const std::vector<std::string> more = block_names(inner, is_referenced, step + ".");
+    names.insert(names.end(), more.begin(), more.end());
+  };
+  for (const naive::member &member : record.type().members) {
+    const std::string name = way + schema.fields[member.number - 1].name;
+    if (member.kind == naive::kind::nested) add(record.nested(member), name);
+    if (!record.has(member)) continue;
+    for (std::uint64_t i = 0; member.kind == naive::kind::message_list && i < record.count(member); ++i) {
+      add(record.element(member, i), name + "[" + std::to_string(i) + "]");
+    }
+    const bool is_text = member.kind == naive::kind::string && record.text(member) != nullptr;
+    const bool is_bytes = member.kind == naive::kind::bytes && !is_referenced && record.pointer(member) != nullptr;
+    if ((is_text && *record.text(member) != '\0') || (is_bytes && record.count(member) != 0)) names.push_back(name);
+  }
+  return names;
+}
 
 // Into a short buffer goes what fits; a string or bytes value that does not fit whole is left out.
 template <class Record>
 void fills_short_buffers(const Record &record, const byte_string &bytes, const std::vector<block> &blocks,
                          std::uint32_t options = 0) {
+  std::vector<std::string> names;
+  for (const block &each : blocks) names.push_back(each.name);
+  EXPECT_EQ(names, block_names(naive::view_of(record), options != 0));
   for (std::size_t size = 0; size <= bytes.size() + 1; ++size) {
     SCOPED_TRACE("buffer of " + std::to_string(size));
     const fenced_block buffer(size);
@@ -365,18 +352,47 @@ void fills_short_buffers(const Record &record, const byte_string &bytes, const s
   }
 }
 
-// An entry of the table: a position in the encoding, or a block outside of it, and a length. The entry of what follows
-// a referenced block has that many bytes of its message before it.
+// An entry of the table: which message it is of, its position in the encoding, or a block outside of it, and a length.
+// The entry of what follows a referenced block has that many bytes of its message before it.
 struct entry {
+  std::string name;  // of the whole message its type, of those in it the way there: "policies[0].prefixes[1]"
   std::size_t position;
   std::uint64_t length;
   const unsigned char *outside = nullptr;
   std::size_t before = 0;
 };
 
-inline entry referenced(const unsigned char *block, std::uint64_t length) { return {0, length, block}; }
-inline entry rest(std::size_t position, std::uint64_t length, std::size_t before) {
-  return {position, length, nullptr, before};
+inline entry referenced(const std::string &name, const unsigned char *block, std::uint64_t length) {
+  return {name, 0, length, block};
+}
+inline entry rest(const std::string &name, std::size_t position, std::uint64_t length, std::size_t before) {
+  return {"rest of " + name, position, length, nullptr, before};
+}
+
+// The names that the entries of a record have, by the naive encoder and the names of the fields.
+inline std::vector<std::string> entry_names(naive::view record, bool is_referenced, const std::string &way = "") {
+  const pavo_zorv::message_info &schema = *pavo_zorv::find_message(record.type().name);
+  const std::string name = way.empty() ? schema.name : way;
+  const std::size_t all = naive::encoding(record, is_referenced).entries();
+  std::vector<std::string> names;
+  const auto add = [&](naive::view inner, const std::string &step) {
+    const std::vector<std::string> more = entry_names(inner, is_referenced, way.empty() ? step : way + "." + step);
+    names.insert(names.end(), more.begin(), more.end());
+  };
+  for (const naive::member &member : record.type().members) {
+    const std::string step = schema.fields[member.number - 1].name;
+    if (member.kind == naive::kind::nested) add(record.nested(member), step);
+    for (std::uint64_t i = 0; member.kind == naive::kind::message_list && i < record.count(member); ++i) {
+      if (record.has(member)) add(record.element(member, i), step + "[" + std::to_string(i) + "]");
+    }
+    if (member.kind == naive::kind::bytes && is_referenced && record.has(member) && record.count(member) != 0) {
+      names.push_back(name);
+      names.push_back(way.empty() ? step : way + "." + step);
+    }
+  }
+  const bool is_split = std::find(names.begin(), names.end(), name) != names.end();
+  if (names.size() < all) names.push_back(is_split ? "rest of " + name : name);
+  return names;
 }
 
 // What an entry says for a buffer of a size: a message after its end has no start.
@@ -391,6 +407,9 @@ inline piece expected_piece(const entry &each, const unsigned char *buffer, std:
 // The entries of an encoding, whatever the capacity of the table and the size of the buffer.
 template <class Record>
 void takes_entries(const Record &record, const std::vector<entry> &entries, std::uint32_t options = 0) {
+  std::vector<std::string> names;
+  for (const entry &each : entries) names.push_back(each.name);
+  EXPECT_EQ(names, entry_names(naive::view_of(record), options != 0));
   const auto encode = operations<Record>::encode;
   const auto needed = static_cast<std::uint32_t>(entries.size());
   const byte_string bytes = encoded(record, options);

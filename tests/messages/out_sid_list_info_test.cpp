@@ -57,10 +57,10 @@ const fields<out_srv6_usid_list_info> list_fields = {
 
 // --- Outgoing segment lists ---
 
-TEST(out_sid_list_info, its_fields_are_of_their_kinds) { fields_are_of_kinds<out_sid_list_info>("nuub"); }
+TEST(out_sid_list_info, its_fields_are_of_their_kinds) { fields_are_of_kinds<out_sid_list_info>(); }
 
 TEST(out_sid_list_info, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_info().record, info_fields, "nuub");
+  goes_to_the_wire_and_back(whole_info().record, info_fields);
 }
 
 TEST(out_sid_list_info, a_nested_message_is_written_by_content_or_bit) {
@@ -75,18 +75,19 @@ TEST(out_sid_list_info, a_nested_message_is_written_by_content_or_bit) {
 TEST(out_sid_list_info, by_reference_it_ends_with_two_entries_of_its_own_and_no_third) {
   const whole_info whole;
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "0a 07 08 03 10 01 10 c8 01 10 ac 02 18 00 22 03");
-  takes_entries(whole.record, {{2, 7}, {0, 16}, referenced(whole.data, 3)}, by_reference);
-  takes_entries(whole.record, {{2, 7}, {0, 19}});
+  takes_entries(whole.record, {{"prefix_sid", 2, 7}, {"out_sid_list_info", 0, 16}, referenced("field4", whole.data, 3)},
+                by_reference);
+  takes_entries(whole.record, {{"prefix_sid", 2, 7}, {"out_sid_list_info", 0, 19}});
 }
 
 TEST(out_sid_list_info, by_reference_without_bytes_or_bytes_it_has_one_entry_of_its_own) {
   whole_info whole;
   whole.record.field4_length = 0;
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "0a 07 08 03 10 01 10 c8 01 10 ac 02 18 00 22 00");
-  takes_entries(whole.record, {{2, 7}, {0, 16}}, by_reference);
+  takes_entries(whole.record, {{"prefix_sid", 2, 7}, {"out_sid_list_info", 0, 16}}, by_reference);
   whole.record.field4_length = 3;
   whole.record.presence = 7;
-  takes_entries(whole.record, {{2, 7}, {0, 14}}, by_reference);
+  takes_entries(whole.record, {{"prefix_sid", 2, 7}, {"out_sid_list_info", 0, 14}}, by_reference);
   takes_entries(out_sid_list_info{}, {}, by_reference);
 }
 
@@ -95,13 +96,13 @@ TEST(out_sid_list_info, bytes_alone_by_reference_take_two_entries) {
   whole.record.prefix_sid = {};
   whole.record.presence = OUT_SID_LIST_INFO_HAS_FIELD4;
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "22 03");
-  takes_entries(whole.record, {{0, 2}, referenced(whole.data, 3)}, by_reference);
+  takes_entries(whole.record, {{"out_sid_list_info", 0, 2}, referenced("field4", whole.data, 3)}, by_reference);
 }
 
 TEST(out_sid_list_info, bytes_read_by_reference_lie_in_the_input_and_the_list_does_not) {
   decoded<out_sid_list_info> read(together(info_fields), by_reference);
   EXPECT_EQ(read.result, CODEC_OK);
-  EXPECT_EQ(read->field4, read.input.data() + 16);
+  EXPECT_EQ(read->field4, read.input().data() + 16);
   EXPECT_EQ(read->field4_length, 3u);
   EXPECT_EQ(read.memory.sizes, std::vector<std::size_t>{2});
   EXPECT_TRUE(read.memory.owns(read->prefix_sid.field2));
@@ -110,7 +111,7 @@ TEST(out_sid_list_info, bytes_read_by_reference_lie_in_the_input_and_the_list_do
   const std::vector<void *> blocks = {read->prefix_sid.field2};
   operations<out_sid_list_info>::free(&read.record, accountant::release, &read.memory, by_reference);
   EXPECT_EQ(read.memory.released, blocks);
-  EXPECT_EQ(read->field4, read.input.data() + 16);
+  EXPECT_EQ(read->field4, read.input().data() + 16);
 
   EXPECT_EQ(decode_without_memory<out_sid_list_info>(hex("22 01 aa"), by_reference), CODEC_OK);
   EXPECT_EQ(decode_without_memory<out_sid_list_info>(hex("22 01 aa")), CODEC_ERR_NO_MEMORY);
@@ -158,7 +159,7 @@ TEST(out_sid_list_info, a_second_segment_identifier_replaces_the_first_and_drops
 }
 
 TEST(out_sid_list_info, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_info().record, together(info_fields), {{16, 3}});
+  fills_short_buffers(whole_info().record, together(info_fields), {{"field4", 16, 3}});
 }
 
 TEST(out_sid_list_info, memory_is_asked_for_in_field_order_and_its_lack_costs_one_member) {
@@ -168,7 +169,7 @@ TEST(out_sid_list_info, memory_is_asked_for_in_field_order_and_its_lack_costs_on
                       {3, 4, hex(""), hex("")},
                   },
                   hex("0a 02 08 03 10 ac 02 18 00"));
-  copied<out_sid_list_info> copy(whole_info().record, 1);
+  copied<out_sid_list_info> copy(whole_info().record, {.fail_at = 1});
   EXPECT_EQ(copy->field4, nullptr);
   EXPECT_EQ(copy->field4_length, 0u);
   EXPECT_EQ(bits(copy.record), 7u);
@@ -235,10 +236,10 @@ TEST(out_sid_list_info, presence_bits_of_no_field_are_left_alone_at_every_depth)
 
 // --- Lists of micro-SIDs ---
 
-TEST(out_srv6_usid_list_info, its_fields_are_of_their_kinds) { fields_are_of_kinds<out_srv6_usid_list_info>("m"); }
+TEST(out_srv6_usid_list_info, its_fields_are_of_their_kinds) { fields_are_of_kinds<out_srv6_usid_list_info>(); }
 
 TEST(out_srv6_usid_list_info, every_field_goes_to_the_wire_and_back) {
-  goes_to_the_wire_and_back(whole_list().record, list_fields, "m");
+  goes_to_the_wire_and_back(whole_list().record, list_fields);
 }
 
 TEST(out_srv6_usid_list_info, a_present_but_empty_list_is_nothing_and_takes_no_entry) {
@@ -274,8 +275,8 @@ TEST(out_srv6_usid_list_info, read_by_reference_only_the_array_is_released) {
   decoded<out_srv6_usid_list_info> read(together(list_fields), by_reference);
   EXPECT_EQ(read.result, CODEC_OK);
   ASSERT_EQ(read->usids_count, 3u);
-  EXPECT_EQ(read->usids[0].prefix.field1, read.input.data() + 8);
-  EXPECT_EQ(read->usids[2].prefix.field1, read.input.data() + 22);
+  EXPECT_EQ(read->usids[0].prefix.field1, read.input().data() + 8);
+  EXPECT_EQ(read->usids[2].prefix.field1, read.input().data() + 22);
   EXPECT_EQ(read.memory.sizes, std::vector<std::size_t>{3 * sizeof(srv6_usid)});
   const std::vector<void *> blocks = {read->usids};
   operations<out_srv6_usid_list_info>::free(&read.record, accountant::release, &read.memory, by_reference);
@@ -304,17 +305,25 @@ TEST(out_srv6_usid_list_info, a_longer_list_is_greater) {
 
 TEST(out_srv6_usid_list_info, its_own_entry_comes_after_those_of_prefixes_and_micro_sids) {
   const whole_list whole;
-  takes_entries(whole.record, {{6, 8}, {2, 12}, {20, 3}, {18, 5}, {0, 23}});
+  takes_entries(whole.record, {
+                                  {"usids[0].prefix", 6, 8},
+                                  {"usids[0]", 2, 12},
+                                  {"usids[2].prefix", 20, 3},
+                                  {"usids[2]", 18, 5},
+                                  {"out_srv6_usid_list_info", 0, 23},
+                              });
   EXPECT_EQ(show(encoded(whole.record, by_reference)), "0a 08 08 01 1a 04 0a 04 10 40 0a 00 0a 04 1a 02 0a 01");
   takes_entries(whole.record,
-                {{6, 2},
-                 referenced(whole.data, 4),
-                 rest(8, 2, 2),
-                 {2, 8},
-                 {16, 2},
-                 referenced(whole.other_data, 1),
-                 {14, 4},
-                 {0, 18}},
+                {
+                    {"usids[0].prefix", 6, 2},
+                    referenced("usids[0].prefix.field1", whole.data, 4),
+                    rest("usids[0].prefix", 8, 2, 2),
+                    {"usids[0]", 2, 8},
+                    {"usids[2].prefix", 16, 2},
+                    referenced("usids[2].prefix.field1", whole.other_data, 1),
+                    {"usids[2]", 14, 4},
+                    {"out_srv6_usid_list_info", 0, 18},
+                },
                 by_reference);
 }
 
@@ -364,7 +373,8 @@ TEST(out_srv6_usid_list_info, a_run_that_is_cut_off_asks_for_no_memory) {
 }
 
 TEST(out_srv6_usid_list_info, short_buffers_take_what_fits) {
-  fills_short_buffers(whole_list().record, together(list_fields), {{8, 4}, {22, 1}});
+  fills_short_buffers(whole_list().record, together(list_fields),
+                      {{"usids[0].prefix.field1", 8, 4}, {"usids[2].prefix.field1", 22, 1}});
 }
 
 TEST(out_srv6_usid_list_info, the_lack_of_memory_costs_the_array_or_one_block) {
@@ -375,11 +385,11 @@ TEST(out_srv6_usid_list_info, the_lack_of_memory_costs_the_array_or_one_block) {
                       {1, 1, hex("0a 0c 08 01 1a 08 0a 04 aa bb cc dd 10 40 0a 00 0a 02 1a 00"), hex("")},
                   },
                   hex(""));
-  copied<out_srv6_usid_list_info> copy(whole_list().record, 0);
+  copied<out_srv6_usid_list_info> copy(whole_list().record, {.fail_at = 0});
   EXPECT_EQ(copy->usids, nullptr);
   EXPECT_EQ(copy->usids_count, 0u);
   EXPECT_EQ(bits(copy.record), 0u);
-  copied<out_srv6_usid_list_info> elements(whole_list().record, accountant::never, 1);
+  copied<out_srv6_usid_list_info> elements(whole_list().record, {.fail_from = 1});
   EXPECT_EQ(elements.result, CODEC_ERR_NO_MEMORY);
   ASSERT_EQ(elements->usids_count, 3u);
   EXPECT_EQ(elements->usids[0].prefix.field1, nullptr);

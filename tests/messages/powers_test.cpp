@@ -22,13 +22,6 @@ std::vector<std::size_t> powers(unsigned greatest = greatest_power) {
   return {result.begin(), result.end()};
 }
 
-byte_string varint(std::uint64_t value) {
-  byte_string result;
-  for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
-  result.push_back(static_cast<unsigned char>(value));
-  return result;
-}
-
 template <class Record>
 int compared(const Record &a, const Record &b) {
   return operations<Record>::compare(&a, &b);

@@ -36,28 +36,6 @@ int compared(const Record &a, const Record &b) {
   return result;
 }
 
-// A copy, released at the end.
-template <class Record>
-class duplicated {
- public:
-  explicit duplicated(const Record &source, std::size_t fail_at = accountant::never) {
-    memory.fail_at = fail_at;
-    std::memset(static_cast<void *>(&record), 0x5a, sizeof record);
-    result = operations<Record>::duplicate(&record, &source, accountant::allocate, &memory);
-  }
-  duplicated(const duplicated &) = delete;
-  duplicated &operator=(const duplicated &) = delete;
-  ~duplicated() {
-    operations<Record>::free(&record, accountant::release, &memory);
-    EXPECT_EQ(memory.live(), 0u);
-  }
-  Record *operator->() { return &record; }
-
-  accountant memory;
-  Record record;
-  int result;
-};
-
 // --- Layout ---
 
 TEST(layout, results_have_their_values) {
@@ -492,7 +470,7 @@ TEST(decode, a_nul_inside_a_string_is_copied_and_shortens_it_for_every_later_use
   EXPECT_EQ(show(encoded(intf.record)), "12 02 61 62");
   char other[] = "ab";
   EXPECT_EQ(compared(intf.record, interface_named(other)), 0);
-  duplicated<api_intf> copy(intf.record);
+  copied<api_intf> copy(intf.record);
   EXPECT_EQ(copy.memory.sizes, (std::vector<std::size_t>{3}));
   EXPECT_STREQ(copy->field2, "ab");
 }
@@ -985,7 +963,7 @@ TEST(duplicate, owns_all_that_it_holds) {
   decoded<api_msg_p2p_auto_policy> source(
       hex("0a 01 61 12 01 62 3a 04 08 10 08 11 58 05 72 08 0a 04 08 01 28 07 10 02 a2 01 01 63 aa 01 02 10 09"));
   ASSERT_EQ(source.result, CODEC_OK);
-  duplicated<api_msg_p2p_auto_policy> copy(source.record);
+  copied<api_msg_p2p_auto_policy> copy(source.record);
   EXPECT_EQ(copy.result, CODEC_OK);
   EXPECT_EQ(compared(copy.record, source.record), 0);
   EXPECT_EQ(encoded(copy.record), encoded(source.record));
@@ -1004,7 +982,7 @@ TEST(duplicate, owns_all_that_it_holds) {
 TEST(duplicate, leaves_the_source_as_it_is) {
   decoded<api_msg_internal> source(hex("08 01 12 02 61 62 2a 02 08 01"));
   const api_msg_internal before = source.record;
-  const duplicated<api_msg_internal> copy(source.record);
+  const copied<api_msg_internal> copy(source.record);
   EXPECT_EQ(std::memcmp(&source.record, &before, sizeof before), 0);
 }
 
@@ -1023,7 +1001,7 @@ TEST(duplicate, overwrites_without_releasing) {
 TEST(duplicate, a_null_string_stays_null_and_keeps_its_bit) {
   for (std::uint8_t presence = 0; presence <= 3; ++presence) {
     const api_intf source{5, nullptr, presence};
-    duplicated<api_intf> copy(source);
+    copied<api_intf> copy(source);
     EXPECT_EQ(copy.result, CODEC_OK);
     EXPECT_EQ(copy->field2, nullptr);
     EXPECT_EQ(copy->presence & 3, presence);
@@ -1033,7 +1011,7 @@ TEST(duplicate, a_null_string_stays_null_and_keeps_its_bit) {
 
 TEST(duplicate, an_empty_string_is_copied_with_its_nul) {
   char text[] = "";
-  duplicated<api_intf> copy(interface_named(text));
+  copied<api_intf> copy(interface_named(text));
   EXPECT_EQ(copy.memory.sizes, (std::vector<std::size_t>{1}));
   EXPECT_STREQ(copy->field2, "");
 }
@@ -1042,13 +1020,13 @@ TEST(duplicate, an_empty_list_is_null_and_keeps_its_bit) {
   std::uint32_t labels[] = {1};
   api_exp_hop hops[1]{};
   for (std::uint8_t presence = 0; presence <= 1; ++presence) {
-    duplicated<api_lbl_stack> stack({labels, 0, presence});
+    copied<api_lbl_stack> stack({labels, 0, presence});
     EXPECT_EQ(stack.result, CODEC_OK);
     EXPECT_EQ(stack->labels, nullptr);
     EXPECT_EQ(stack->label_count, 0u);
     EXPECT_EQ(stack->presence & 1, presence);
     EXPECT_EQ(stack.memory.requests(), 0u);
-    duplicated<api_exp_path> path({hops, 0, 0, presence});
+    copied<api_exp_path> path({hops, 0, 0, presence});
     EXPECT_EQ(path.result, CODEC_OK);
     EXPECT_EQ(path->hops, nullptr);
     EXPECT_EQ(path->hop_count, 0u);
@@ -1060,7 +1038,7 @@ TEST(duplicate, an_empty_list_is_null_and_keeps_its_bit) {
 TEST(duplicate, bytes_without_bytes_are_null_and_keep_their_bit) {
   unsigned char data[] = {1};
   for (std::uint8_t presence = 0; presence <= 1; ++presence) {
-    duplicated<srv6_prefix> prefix({data, 0, 5, presence});
+    copied<srv6_prefix> prefix({data, 0, 5, presence});
     EXPECT_EQ(prefix.result, CODEC_OK);
     EXPECT_EQ(prefix->field1, nullptr);
     EXPECT_EQ(prefix->field1_length, 0u);
@@ -1071,12 +1049,12 @@ TEST(duplicate, bytes_without_bytes_are_null_and_keep_their_bit) {
 }
 
 TEST(duplicate, a_null_array_counts_as_empty_in_every_message_whatever_its_count) {
-  duplicated<api_lbl_stack> stack({nullptr, 3, API_LBL_STACK_HAS_LABELS});
+  copied<api_lbl_stack> stack({nullptr, 3, API_LBL_STACK_HAS_LABELS});
   EXPECT_EQ(stack.result, CODEC_OK);
   EXPECT_EQ(stack->label_count, 0u);
   EXPECT_EQ(stack->presence & 1, API_LBL_STACK_HAS_LABELS);
   EXPECT_EQ(stack.memory.requests(), 0u);
-  duplicated<api_exp_path> path({nullptr, 3, 5, API_EXP_PATH_HAS_HOPS | API_EXP_PATH_HAS_FIELD2});
+  copied<api_exp_path> path({nullptr, 3, 5, API_EXP_PATH_HAS_HOPS | API_EXP_PATH_HAS_FIELD2});
   EXPECT_EQ(path.result, CODEC_OK);
   EXPECT_EQ(path->hop_count, 0u);
   EXPECT_EQ(path->field2, 5u);
@@ -1090,7 +1068,7 @@ TEST(duplicate, bytes_that_are_null_are_asked_for_by_their_length_and_empty_wher
     message.oam_req.field6_length = length;
     message.oam_req.presence = OAM_REQ_HAS_FIELD5 | OAM_REQ_HAS_FIELD6;
     message.presence = API_MSG_HAS_OAM_REQ;
-    duplicated<api_msg> copy(message, 0);
+    copied<api_msg> copy(message, {.fail_at = 0});
     EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY) << length;
     EXPECT_EQ(copy->oam_req.field6, nullptr) << length;
     EXPECT_EQ(copy->oam_req.field6_length, 0u) << length;
@@ -1102,7 +1080,7 @@ TEST(duplicate, bytes_that_are_null_are_asked_for_by_their_length_and_empty_wher
 TEST(duplicate, copies_members_whose_bit_is_clear) {
   char text[] = "ab";
   std::uint32_t numbers[] = {5, 6};
-  duplicated<api_link_update> update({1, text, 3, 4, numbers, 2, 0});
+  copied<api_link_update> update({1, text, 3, 4, numbers, 2, 0});
   EXPECT_EQ(update.result, CODEC_OK);
   EXPECT_EQ(update->field1, 1u);
   EXPECT_STREQ(update->field2, "ab");
@@ -1114,12 +1092,12 @@ TEST(duplicate, copies_members_whose_bit_is_clear) {
   EXPECT_EQ(update.memory.sizes, (std::vector<std::size_t>{3, 8}));
 
   unsigned char data[] = {1, 2, 3};
-  duplicated<srv6_prefix> prefix({data, 3, 0, 0});
+  copied<srv6_prefix> prefix({data, 3, 0, 0});
   EXPECT_EQ(prefix.memory.sizes, (std::vector<std::size_t>{3}));
   EXPECT_EQ(bytes_of(prefix->field1, prefix->field1_length), (byte_string{1, 2, 3}));
 
   api_exp_hop hops[1]{};
-  duplicated<api_exp_path> path({hops, 1, 0, 0});
+  copied<api_exp_path> path({hops, 1, 0, 0});
   EXPECT_EQ(path.memory.sizes, (std::vector<std::size_t>{sizeof(api_exp_hop)}));
   EXPECT_EQ(path->hop_count, 1u);
   EXPECT_EQ(path->presence & 3, 0);
@@ -1130,14 +1108,14 @@ TEST(duplicate, a_member_without_memory_is_left_empty_and_the_copy_goes_on) {
   std::uint32_t numbers[] = {5, 6};
   const api_link_update source{1, text, 3, 4, numbers, 2, 0x1f};
 
-  duplicated<api_link_update> without_text(source, 0);
+  copied<api_link_update> without_text(source, {.fail_at = 0});
   EXPECT_EQ(without_text.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(without_text->field2, nullptr);
   EXPECT_EQ(without_text->field5_count, 2u);
   EXPECT_EQ(without_text->presence & 0x1f, 0x1d);
   EXPECT_EQ(without_text->field4, 4u);
 
-  duplicated<api_link_update> without_numbers(source, 1);
+  copied<api_link_update> without_numbers(source, {.fail_at = 1});
   EXPECT_EQ(without_numbers.result, CODEC_ERR_NO_MEMORY);
   EXPECT_STREQ(without_numbers->field2, "ab");
   EXPECT_EQ(without_numbers->field5, nullptr);
@@ -1172,7 +1150,7 @@ TEST(duplicate, without_an_allocator_every_member_that_needs_memory_is_left_empt
 
 TEST(duplicate, bytes_without_memory_are_left_empty) {
   unsigned char data[] = {1, 2};
-  duplicated<srv6_prefix> prefix({data, 2, 5, 3}, 0);
+  copied<srv6_prefix> prefix({data, 2, 5, 3}, {.fail_at = 0});
   EXPECT_EQ(prefix.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(prefix->field1, nullptr);
   EXPECT_EQ(prefix->field1_length, 0u);
@@ -1183,7 +1161,7 @@ TEST(duplicate, bytes_without_memory_are_left_empty) {
 TEST(duplicate, elements_that_fail_leave_the_list_its_count_and_its_bit) {
   decoded<api_exp_path> source(hex("0a 02 28 07 0a 02 28 08 0a 02 08 09 10 05"));
   ASSERT_EQ(source.result, CODEC_OK);
-  duplicated<api_exp_path> copy(source.record, 1);
+  copied<api_exp_path> copy(source.record, {.fail_at = 1});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(copy->hop_count, 3u);
   EXPECT_EQ(copy->presence & 3, 3);
@@ -1197,7 +1175,7 @@ TEST(duplicate, elements_that_fail_leave_the_list_its_count_and_its_bit) {
 
 TEST(duplicate, a_list_of_messages_without_memory_is_left_empty) {
   decoded<api_exp_path> source(hex("0a 02 28 07 10 05"));
-  duplicated<api_exp_path> copy(source.record, 0);
+  copied<api_exp_path> copy(source.record, {.fail_at = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(copy->hops, nullptr);
   EXPECT_EQ(copy->hop_count, 0u);
@@ -1208,7 +1186,7 @@ TEST(duplicate, a_list_of_messages_without_memory_is_left_empty) {
 
 TEST(duplicate, a_nested_message_that_fails_keeps_the_outer_bit) {
   decoded<policy_binding_sid_t> source(hex("0a 04 08 03 10 05 10 06"));
-  duplicated<policy_binding_sid_t> copy(source.record, 0);
+  copied<policy_binding_sid_t> copy(source.record, {.fail_at = 0});
   EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(copy->presence & 3, 3);
   EXPECT_EQ(copy->sid.field1, 3u);
@@ -1248,7 +1226,7 @@ TEST(duplicate, a_null_array_counts_as_empty_in_automatic_policies_whatever_its_
   policy.label_stack.label_count = 5;
   policy.label_stack.presence = API_LBL_STACK_HAS_LABELS;
   policy.presence = API_MSG_P2P_AUTO_POLICY_HAS_FIELD11 | API_MSG_P2P_AUTO_POLICY_HAS_EXP_PATHS;
-  duplicated<api_msg_p2p_auto_policy> copy(policy);
+  copied<api_msg_p2p_auto_policy> copy(policy);
   EXPECT_EQ(copy.result, CODEC_OK);
   EXPECT_EQ(copy.memory.requests(), 0u);
   EXPECT_EQ(copy->field11, nullptr);
@@ -1356,19 +1334,19 @@ TEST(release, without_a_callback_nothing_is_released_and_the_pointers_are_set_to
   operations<api_msg_internal>::free(&internal.record, nullptr, nullptr);
   EXPECT_EQ(internal->field2, nullptr);
   EXPECT_EQ(internal.memory.live(), 1u);
-  internal.memory.sweep();
+  internal.dropped = 1;
 
   decoded<api_lbl_stack> stack(hex("08 10"));
   operations<api_lbl_stack>::free(&stack.record, nullptr, nullptr);
   EXPECT_EQ(stack->labels, nullptr);
   EXPECT_EQ(stack->label_count, 1u);
-  stack.memory.sweep();
+  stack.dropped = 1;
 
   decoded<srv6_prefix> prefix(hex("0a 01 61"));
   operations<srv6_prefix>::free(&prefix.record, nullptr, nullptr);
   EXPECT_EQ(prefix->field1, nullptr);
   EXPECT_EQ(prefix->field1_length, 1u);
-  prefix.memory.sweep();
+  prefix.dropped = 1;
 
   decoded<api_exp_path> path(hex("0a 02 28 01"));
   api_exp_hop *const hops = path->hops;
@@ -1377,7 +1355,7 @@ TEST(release, without_a_callback_nothing_is_released_and_the_pointers_are_set_to
   EXPECT_EQ(path->hop_count, 0u);
   EXPECT_EQ(hops[0].field5, nullptr) << "also in the elements";
   EXPECT_EQ(path.memory.live(), 2u);
-  path.memory.sweep();
+  path.dropped = 2;
 }
 
 TEST(release, of_messages_that_own_nothing_does_nothing) {

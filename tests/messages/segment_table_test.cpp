@@ -570,21 +570,21 @@ TEST(referenced, empty_bytes_point_after_their_length) {
 
 TEST(referenced, bytes_are_borrowed_at_every_depth) {
   decoded<srv6_usid> usid(hex("1a 04 0a 02 61 62"), reference);
-  EXPECT_EQ(usid->prefix.field1, usid.input.data() + 4);
+  EXPECT_EQ(usid->prefix.field1, usid.input().data() + 4);
   EXPECT_EQ(usid.memory.requests(), 0u);
 
   decoded<out_srv6_usid_list_info> list(hex("0a 00 0a 06 1a 04 0a 02 61 62"), reference);
   ASSERT_EQ(list->usids_count, 2u);
-  EXPECT_EQ(list->usids[1].prefix.field1, list.input.data() + 8);
+  EXPECT_EQ(list->usids[1].prefix.field1, list.input().data() + 8);
   EXPECT_EQ(list.memory.sizes, (std::vector<std::size_t>{2 * sizeof(srv6_usid)}));
 
   decoded<api_msg> message(
       hex("72 16 2a 04 22 02 61 62 32 02 63 64 3a 0a 0a 00 0a 06 1a 04 0a 02 65 66 6a 03 32 01 67"), reference);
   ASSERT_EQ(message.result, CODEC_OK);
-  EXPECT_EQ(message->oam_res.sid_lists[0].field4, message.input.data() + 6);
-  EXPECT_EQ(message->oam_res.field6, message.input.data() + 10);
-  EXPECT_EQ(message->oam_res.usid_lists[0].usids[1].prefix.field1, message.input.data() + 22);
-  EXPECT_EQ(message->oam_req.field6, message.input.data() + 28);
+  EXPECT_EQ(message->oam_res.sid_lists[0].field4, message.input().data() + 6);
+  EXPECT_EQ(message->oam_res.field6, message.input().data() + 10);
+  EXPECT_EQ(message->oam_res.usid_lists[0].usids[1].prefix.field1, message.input().data() + 22);
+  EXPECT_EQ(message->oam_req.field6, message.input().data() + 28);
   EXPECT_EQ(message.memory.sizes, (std::vector<std::size_t>{sizeof(out_sid_list_info), sizeof(out_srv6_usid_list_info),
                                                             2 * sizeof(srv6_usid)}));
 }
@@ -594,7 +594,7 @@ TEST(referenced, only_bytes_are_borrowed) {
   EXPECT_EQ(request.result, CODEC_OK);
   EXPECT_TRUE(request.memory.owns(request->field3));
   EXPECT_TRUE(request.memory.owns(request->prefix_sid.field2));
-  EXPECT_EQ(request->field6, request.input.data() + 10);
+  EXPECT_EQ(request->field6, request.input().data() + 10);
   EXPECT_EQ(decode_without_memory<oam_req>(hex("1a 02 61 62"), reference), CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(decode_without_memory<oam_req>(hex("22 02 10 05"), reference), CODEC_ERR_NO_MEMORY);
   EXPECT_EQ(decode_without_memory<oam_res>(hex("2a 00"), reference), CODEC_ERR_NO_MEMORY);

@@ -8,24 +8,6 @@ namespace {
 
 using namespace test;
 
-// A value as a varint of so many bytes, be it more than the value needs.
-byte_string varint_in(std::size_t length, std::uint64_t value) {
-  byte_string result;
-  for (std::size_t i = 0; i < length; ++i) {
-    result.push_back(static_cast<unsigned char>((value & 0x7f) | (i + 1 < length ? 0x80 : 0)));
-    value >>= 7;
-  }
-  return result;
-}
-
-byte_string first(std::size_t count, const byte_string &bytes) {
-  return byte_string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
-}
-
-byte_string key(unsigned number, unsigned wire_type) {
-  return varint_in(number < 16 ? 1 : number < 2048 ? 2 : 5, std::uint64_t{number} << 3 | wire_type);
-}
-
 // Reads a varint in all lengths up to 16 bytes, and cut off after each of its bytes. It stands after `before`, and
 // `check` is shown what came of it. A key may be missing altogether: then the input ends between two fields.
 template <class Record, class Check>
@@ -33,13 +15,13 @@ void read_in_every_length(const byte_string &before, std::uint64_t value, const 
                           std::size_t least_cut = 0) {
   for (std::size_t length = 1; length <= 16; ++length) {
     if (length < 10 && value >> 7 * length != 0) continue;
-    const byte_string varint = varint_in(length, value);
+    const byte_string varint = varint_of(length, value);
     SCOPED_TRACE(show(before + varint + after));
     decoded<Record> whole(before + varint + after);
     EXPECT_EQ(whole.result, CODEC_OK);
     check(whole.record);
     for (std::size_t cut = least_cut; cut < length; ++cut) {
-      EXPECT_EQ(decoded<Record>(before + first(cut, varint)).result, CODEC_ERR_TRUNCATED) << "cut after " << cut;
+      EXPECT_EQ(decoded<Record>(before + first_bytes(varint, cut)).result, CODEC_ERR_TRUNCATED) << "cut after " << cut;
     }
   }
 }
@@ -118,11 +100,11 @@ TEST(keys, of_unknown_fields_are_read_in_1_to_16_bytes) {
 TEST(keys, that_are_over_long_are_refused_like_short_ones) {
   for (std::size_t length = 1; length <= 16; ++length) {
     for (const unsigned type : {1u, 2u, 3u, 4u, 5u, 6u, 7u}) {
-      EXPECT_EQ(decoded<api_addr>(varint_in(length, 8 | type) + hex("00")).result, CODEC_ERR_WRONG_WIRE_TYPE)
+      EXPECT_EQ(decoded<api_addr>(varint_of(length, 8 | type) + hex("00")).result, CODEC_ERR_WRONG_WIRE_TYPE)
           << length << " bytes, wire type " << type;
     }
     for (const unsigned type : {3u, 4u, 6u, 7u}) {
-      EXPECT_EQ(decoded<api_addr>(varint_in(length, 16 | type) + hex("00")).result, CODEC_ERR_BAD_WIRE_TYPE)
+      EXPECT_EQ(decoded<api_addr>(varint_of(length, 16 | type) + hex("00")).result, CODEC_ERR_BAD_WIRE_TYPE)
           << length << " bytes, wire type " << type;
     }
   }
@@ -544,12 +526,12 @@ void read_a_run_up_to_wherever_the_input_ends(const byte_string &key, std::uint3
   for (std::uint32_t i = 0; i < 70; ++i) {
     const std::size_t length = 1 + i * 7 % 5;
     const std::uint32_t value = length == 5 ? 0xf0000000 + i : (std::uint32_t{1} << 7 * length) - 1 - i;
-    run = run + key + varint_in(length, value);
+    run = run + key + varint_of(length, value);
     values.push_back(value & element_mask);
     ends.push_back(run.size());
   }
   for (std::size_t cut = 0; cut <= run.size(); ++cut) {
-    decoded<Record> record(first(cut, run));
+    decoded<Record> record(first_bytes(run, cut));
     const auto end = std::find(ends.begin(), ends.end(), cut);
     if (end == ends.end()) {
       EXPECT_EQ(record.result, CODEC_ERR_TRUNCATED) << cut;
@@ -585,11 +567,11 @@ TEST(varints, of_runs_of_labels_are_read_up_to_wherever_the_input_ends) {
   byte_string run;
   std::vector<std::uint32_t> labels;
   for (std::uint32_t i = 0; i < 60; ++i) {
-    run = run + hex("08") + varint_in(3, 0x4000 + i * 34000);
+    run = run + hex("08") + varint_of(3, 0x4000 + i * 34000);
     labels.push_back(0x4000 + i * 34000);
   }
   for (std::size_t cut = 0; cut <= run.size(); ++cut) {
-    decoded<api_lbl_stack> stack(first(cut, run));
+    decoded<api_lbl_stack> stack(first_bytes(run, cut));
     EXPECT_EQ(stack.result, cut % 4 == 0 ? CODEC_OK : CODEC_ERR_TRUNCATED) << cut;
     EXPECT_EQ(stack->label_count, cut % 4 == 0 ? cut / 4 : 0) << cut;
     EXPECT_TRUE(std::equal(stack->labels, stack->labels + stack->label_count, labels.begin())) << cut;
@@ -601,7 +583,7 @@ TEST(varints, of_runs_end_with_the_nested_message_they_stand_in) {
   for (std::size_t count = 1; count <= 100; ++count) {
     for (const std::size_t cut : {std::size_t{0}, std::size_t{1}}) {
       const byte_string run = count * hex("10 05");
-      decoded<policy_binding_sid_t> binding(hex("0a") + varint_in(2, run.size() - cut) + run + 50 * hex("10 06"));
+      decoded<policy_binding_sid_t> binding(hex("0a") + varint_of(2, run.size() - cut) + run + 50 * hex("10 06"));
       EXPECT_EQ(binding.result, cut == 0 ? CODEC_OK : CODEC_ERR_TRUNCATED) << count;
       EXPECT_EQ(binding->sid.field2_count, cut == 0 ? count : 0) << count;
       EXPECT_EQ(binding->field2, cut == 0 ? 6u : 0u) << count;
@@ -620,8 +602,8 @@ TEST(varints, of_runs_may_be_longer_than_any_number_needs) {
       std::size_t value_begins = 0, key_begins = 0;
       for (std::uint32_t i = 0; i < 40; ++i) {
         if (i == place) value_begins = long_value.size() + 1, key_begins = long_key.size();
-        long_value = long_value + hex("08") + varint_in(i == place ? length : 1, 80 + i);
-        long_key = long_key + varint_in(i == place ? length : 1, 8) + varint_in(1, 80 + i);
+        long_value = long_value + hex("08") + varint_of(i == place ? length : 1, 80 + i);
+        long_key = long_key + varint_of(i == place ? length : 1, 8) + varint_of(1, 80 + i);
         labels.push_back(80 + i);
       }
       decoded<api_lbl_stack> by_value(long_value), by_key(long_key);
@@ -630,8 +612,9 @@ TEST(varints, of_runs_may_be_longer_than_any_number_needs) {
       EXPECT_EQ(by_key.result, CODEC_OK);
       EXPECT_EQ(labels_of(by_key.record), labels);
       for (const std::size_t cut : {std::size_t{1}, std::size_t{2}, length / 2, length - 1}) {
-        EXPECT_EQ(decoded<api_lbl_stack>(first(value_begins + cut, long_value)).result, CODEC_ERR_TRUNCATED) << cut;
-        EXPECT_EQ(decoded<api_lbl_stack>(first(key_begins + cut, long_key)).result, CODEC_ERR_TRUNCATED) << cut;
+        EXPECT_EQ(decoded<api_lbl_stack>(first_bytes(long_value, value_begins + cut)).result, CODEC_ERR_TRUNCATED)
+            << cut;
+        EXPECT_EQ(decoded<api_lbl_stack>(first_bytes(long_key, key_begins + cut)).result, CODEC_ERR_TRUNCATED) << cut;
       }
     }
   }
@@ -643,8 +626,8 @@ TEST(varints, of_runs_may_be_over_long_anywhere) {
     for (std::size_t length = 1; length <= 16; ++length) {
       byte_string long_value, long_key;
       for (std::uint32_t i = 0; i < 20; ++i) {
-        long_value = long_value + hex("08") + varint_in(i == place ? length : 1, 100 + i);
-        long_key = long_key + varint_in(i == place ? length : 1, 8) + varint_in(1, 100 + i);
+        long_value = long_value + hex("08") + varint_of(i == place ? length : 1, 100 + i);
+        long_key = long_key + varint_of(i == place ? length : 1, 8) + varint_of(1, 100 + i);
       }
       for (const byte_string &run : {long_value, long_key}) {
         SCOPED_TRACE(show(run));
@@ -898,7 +881,7 @@ TEST(bounded_writing, long_runs_are_written_as_far_as_they_fit) {
   byte_string whole;
   for (std::uint32_t i = 0; i < 40; ++i) {
     labels.push_back(300000 + i);
-    whole = whole + hex("08") + varint_in(3, 300000 + i);
+    whole = whole + hex("08") + varint_of(3, 300000 + i);
   }
   write_into_every_length(api_lbl_stack{labels.data(), 40, API_LBL_STACK_HAS_LABELS}, whole, {});
 }

@@ -1,17 +1,17 @@
 // A second comparison, as naive as the decoder. Only the sign counts.
 #pragma once
 
-#include "decoder.hpp"
+#include "view.hpp"
 
 namespace naive {
 
-inline int compare(const message &type, const unsigned char *a, const unsigned char *b);
+inline int compare(view a, view b);
 
 inline int sign_of(std::uint64_t a, std::uint64_t b) { return a < b ? -1 : a > b ? 1 : 0; }
 
-inline int compare_numbers(const member &field, std::uint64_t a, std::uint64_t b) {
+inline int compare_numbers(const member &member, std::uint64_t a, std::uint64_t b) {
   // Signed numbers stand in the order of the others once the sign is turned over.
-  const std::uint64_t sign = field.is_signed ? std::uint64_t{1} << (8 * field.width - 1) : 0;
+  const std::uint64_t sign = member.is_signed ? std::uint64_t{1} << (8 * member.width - 1) : 0;
   return sign_of(a ^ sign, b ^ sign);
 }
 
@@ -22,37 +22,41 @@ inline int compare_bytes(const unsigned char *a, std::uint64_t a_size, const uns
   return sign_of(a_size, b_size);
 }
 
-inline int compare_blocks(const member &field, const unsigned char *a, const unsigned char *b) {
-  const unsigned char *const left = pointer_at(a + field.offset);
-  const unsigned char *const right = pointer_at(b + field.offset);
-  if (field.what == sort::text) {
-    return compare_bytes(left, std::strlen(reinterpret_cast<const char *>(left)), right,
-                         std::strlen(reinterpret_cast<const char *>(right)));
-  }
-  const std::uint64_t a_count = count_of(field, a);
-  const std::uint64_t b_count = count_of(field, b);
-  if (field.what == sort::bytes) return compare_bytes(left, a_count, right, b_count);
-  const std::size_t size = field.element_size();
-  for (std::uint64_t i = 0; i < a_count && i < b_count; ++i) {
-    const int result = field.what == sort::messages
-                           ? compare(*field.nested, left + i * size, right + i * size)
-                           : sign_of(load(left + i * size, field.width), load(right + i * size, field.width));
+inline int compare_lists(const member &member, view a, view b) {
+  for (std::uint64_t i = 0; i < a.count(member) && i < b.count(member); ++i) {
+    const int result = member.kind == kind::message_list
+                           ? compare(a.element(member, i), b.element(member, i))
+                           : sign_of(a.element_number(member, i), b.element_number(member, i));
     if (result != 0) return result;
   }
-  return sign_of(a_count, b_count);
+  return sign_of(a.count(member), b.count(member));
 }
 
-inline int compare(const message &type, const unsigned char *a, const unsigned char *b) {
-  for (std::size_t i = 0; i < type.members.size(); ++i) {
-    const member &field = type.members[i];
-    const unsigned in_a = presence_of(type, a) >> i & 1;
-    const unsigned in_b = presence_of(type, b) >> i & 1;
-    if (in_a != in_b) return in_a != 0 ? 1 : -1;
-    if (in_a == 0) continue;
-    const int result = field.is_scalar()             ? compare_numbers(field, load(a + field.offset, field.width),
-                                                                       load(b + field.offset, field.width))
-                       : field.what == sort::message ? compare(*field.nested, a + field.offset, b + field.offset)
-                                                     : compare_blocks(field, a, b);
+inline int compare_members(const member &member, view a, view b) {
+  switch (member.kind) {
+    case kind::flag:
+    case kind::integer:
+      return compare_numbers(member, a.number(member), b.number(member));
+    case kind::string:
+      return compare_bytes(a.pointer(member), std::strlen(a.text(member)), b.pointer(member),
+                           std::strlen(b.text(member)));
+    case kind::bytes:
+      return compare_bytes(a.pointer(member), a.count(member), b.pointer(member), b.count(member));
+    case kind::nested:
+      return compare(a.nested(member), b.nested(member));
+    case kind::integer_list:
+    case kind::message_list:
+      return compare_lists(member, a, b);
+  }
+  broken("a member of no kind");
+}
+
+// A field that is there is greater than one that is not.
+inline int compare(view a, view b) {
+  for (const member &member : a.type().members) {
+    if (a.has(member) != b.has(member)) return a.has(member) ? 1 : -1;
+    if (!a.has(member)) continue;
+    const int result = compare_members(member, a, b);
     if (result != 0) return result;
   }
   return 0;

@@ -1,6 +1,7 @@
 // A second encoder, as naive as the decoder: bytes appended one by one, nested messages encoded apart and copied in.
 // It knows the messages from their statement in messages.hpp, and nothing of the library but its header. What it makes
-// may be longer than memory: members of bytes with a length and no block are places without content.
+// may be longer than memory: of strings and bytes it keeps only where they lie, and bytes with a length and no block
+// are a place without content.
 #pragma once
 
 #include <algorithm>
@@ -8,101 +9,56 @@
 #include <cstring>
 #include <vector>
 
-#include "decoder.hpp"
+#include "view.hpp"
 
 namespace naive {
 
 class encoding {
  public:
-  // A stretch of the encoding, one after another: plain bytes; a block, which is written whole or not at all; or the
-  // place of a block that is not there. Positions count from the message's first byte.
-  struct part {
-    enum { plain, block, gap } what;
-    std::uint64_t first, length;
-    std::size_t at;  // in `bytes_`
-  };
-  struct entry {
-    enum { message, rest, referenced } what;
-    std::uint64_t message_start;  // of the message, or of the message whose rest this is
-    std::uint64_t position;       // of the rest within its message
-    const unsigned char *block;   // referenced bytes
-    std::uint64_t length;
-  };
-
-  static encoding of(const message &type, const unsigned char *record, bool referenced) {
-    encoding out;
-    bool is_split = false;
-    std::uint64_t split = 0;
-    for (std::size_t i = 0; i < type.members.size(); ++i) {
-      const member &field = type.members[i];
-      const bool present = (presence_of(type, record) >> i & 1) != 0;
-      const auto number = static_cast<unsigned>(i + 1);
-      const unsigned char *const at = record + field.offset;
-      if (field.what == sort::message) {
-        const encoding inner = of(*field.nested, at, referenced);
-        if (present || inner.length_ != 0) out.nested(number, inner);
-      } else if (!present) {
-        continue;
-      } else if (field.what == sort::flag) {
-        out.varint(number * 8);
-        out.byte(*at);
-      } else if (field.what == sort::number) {
-        out.varint(number * 8);
-        out.varint(load(at, field.width));
-      } else if (field.what == sort::bytes) {
-        const std::uint64_t length = count_of(field, record);
-        out.varint(number * 8 + 2);
-        out.varint(static_cast<std::uint32_t>(length));
-        if (!referenced) {
-          out.block(pointer_at(at), length);
-        } else if (length != 0) {
-          is_split = true;
-          split = out.length_;
-          out.entries_.push_back({entry::message, 0, 0, nullptr, split});
-          out.entries_.push_back({entry::referenced, 0, 0, pointer_at(at), length});
-        }
-      } else if (field.what == sort::text) {
-        const unsigned char *const text = pointer_at(at);
-        if (text == nullptr) continue;
-        const std::size_t length = std::strlen(reinterpret_cast<const char *>(text));
-        out.varint(number * 8 + 2);
-        out.varint(static_cast<std::uint32_t>(length));
-        out.block(text, length);
-      } else {
-        const unsigned char *const array = pointer_at(at);
-        for (std::uint64_t index = 0; index < count_of(field, record); ++index) {
-          const unsigned char *const element = array + index * field.element_size();
-          if (field.what == sort::messages) {
-            out.nested(number, of(*field.nested, element, referenced));
-          } else {
-            out.varint(number * 8);
-            out.varint(load(element, field.width));
-          }
-        }
+  explicit encoding(view record, bool referenced = false) : referenced_(referenced) {
+    for (const member &member : record.type().members) {
+      // A nested message needs no bit if there is something in it.
+      if (member.kind == kind::nested) {
+        const encoding inner(record.nested(member), referenced);
+        if (record.has(member) || inner.length_ != 0) nested(member, inner);
+      } else if (record.has(member)) {
+        field(record, member);
       }
     }
-    if (!is_split && out.length_ != 0) out.entries_.push_back({entry::message, 0, 0, nullptr, out.length_});
-    if (is_split && out.length_ != split) {
-      out.entries_.push_back({entry::rest, 0, split, nullptr, out.length_ - split});
-    }
-    return out;
+    if (!is_split_ && length_ != 0) entries_.push_back({entry::message, 0, 0, nullptr, length_});
+    if (is_split_ && length_ != split_) entries_.push_back({entry::rest, 0, split_, nullptr, length_ - split_});
   }
 
   // Whether a size can say how long it is.
   bool has_size() const { return !is_beyond_ && length_ <= SIZE_MAX; }
   std::uint64_t length() const { return length_; }
-  const std::vector<part> &parts() const { return parts_; }
   std::size_t entries() const { return entries_.size(); }
-
-  // What a buffer holds after a call, which held `fill` everywhere before.
-  std::vector<unsigned char> in_buffer(std::size_t length, unsigned char fill) const {
-    std::vector<unsigned char> result(length, fill);
+  // What a buffer holds after a call. Each string and each block of bytes is written whole or not at all.
+  std::vector<unsigned char> in_buffer(std::vector<unsigned char> before) const {
     for (const part &one : parts_) {
-      if (one.first >= length || one.what == part::gap) continue;
-      const std::size_t room = length - static_cast<std::size_t>(one.first);
-      if (one.what == part::block && one.length > room) continue;
-      std::copy_n(bytes_.data() + one.at, std::min(room, static_cast<std::size_t>(one.length)),
-                  result.data() + one.first);
+      if (one.first >= before.size()) break;
+      const std::size_t room = before.size() - static_cast<std::size_t>(one.first);
+      if (one.is_block && (one.block == nullptr || one.length > room)) continue;
+      const unsigned char *const from = one.is_block ? one.block : plain_.data() + one.at;
+      std::copy_n(from, std::min(room, static_cast<std::size_t>(one.length)), before.data() + one.first);
+    }
+    return before;
+  }
+
+  // All of it, with zeros for blocks that are not there.
+  std::vector<unsigned char> bytes() const {
+    return in_buffer(std::vector<unsigned char>(static_cast<std::size_t>(length_)));
+  }
+
+  // The fields of the message one by one, the elements of a list each for itself.
+  std::vector<std::vector<unsigned char>> fields() const {
+    const std::vector<unsigned char> all = bytes();
+    std::vector<std::vector<unsigned char>> result;
+    auto start = all.begin();
+    for (const std::uint64_t end_position : field_ends_) {
+      const auto end = all.begin() + static_cast<std::ptrdiff_t>(end_position);
+      result.emplace_back(start, end);
+      start = end;
     }
     return result;
   }
@@ -119,44 +75,114 @@ class encoding {
     return {reinterpret_cast<const unsigned char *>(start), one.length};
   }
 
+  // Whether an entry is of the outermost message, and whether it is of bytes outside the buffer.
+  bool is_outermost(std::size_t index) const { return entries_[index].message_start == 0; }
+  bool is_referenced(std::size_t index) const { return entries_[index].what == entry::referenced; }
+
  private:
-  void byte(unsigned char value) {
-    if (parts_.empty() || parts_.back().what != part::plain) {
-      parts_.push_back({part::plain, length_, 0, bytes_.size()});
+  // A stretch of the encoding, one after another: plain bytes or a block. Positions count from the first byte.
+  struct part {
+    bool is_block;
+    std::uint64_t first, length;
+    const unsigned char *block;  // null for bytes that are not there
+    std::size_t at;              // of plain bytes, in `plain_`
+  };
+  struct entry {
+    enum { message, rest, referenced } what;
+    std::uint64_t message_start;  // of the message, or of the message whose rest this is
+    std::uint64_t position;       // of the rest within its message
+    const unsigned char *block;   // referenced bytes
+    std::uint64_t length;
+  };
+
+  void field(view record, const member &member) {
+    switch (member.kind) {
+      case kind::flag:
+        key(member);
+        byte(static_cast<unsigned char>(record.number(member)));
+        return end_field();
+      case kind::integer:
+        key(member);
+        varint(record.number(member));
+        return end_field();
+      case kind::string:
+        if (record.text(member) == nullptr) return;
+        return delimited(member, record.pointer(member), std::strlen(record.text(member)));
+      case kind::bytes:
+        if (!referenced_) return delimited(member, record.pointer(member), record.count(member));
+        return reference(member, record.pointer(member), record.count(member));
+      case kind::integer_list:
+        for (std::uint64_t i = 0; i < record.count(member); ++i) {
+          key(member);
+          varint(record.element_number(member, i));
+          end_field();
+        }
+        return;
+      case kind::message_list:
+        for (std::uint64_t i = 0; i < record.count(member); ++i) {
+          nested(member, encoding(record.element(member, i), referenced_));
+        }
+        return;
+      case kind::nested:
+        break;
     }
-    bytes_.push_back(value);
-    ++parts_.back().length;
-    add(1);
+    broken("a member of no kind");
   }
+
+  void key(const member &member) { varint(member.number << 3 | member.wire_type()); }
 
   void varint(std::uint64_t value) {
     for (; value >= 128; value /= 128) byte(static_cast<unsigned char>(value % 128 + 128));
     byte(static_cast<unsigned char>(value));
   }
 
-  void block(const unsigned char *start, std::uint64_t length) {
-    if (length == 0) return;
-    parts_.push_back({start != nullptr ? part::block : part::gap, length_, length, bytes_.size()});
-    if (start != nullptr) bytes_.insert(bytes_.end(), start, start + length);
-    add(length);
+  void byte(unsigned char value) {
+    if (parts_.empty() || parts_.back().is_block) parts_.push_back({false, length_, 0, nullptr, plain_.size()});
+    plain_.push_back(value);
+    ++parts_.back().length;
+    add(1);
   }
 
-  void nested(unsigned number, const encoding &inner) {
-    varint(number * 8 + 2);
+  // A length takes 32 bits, whatever it is.
+  void delimited(const member &member, const unsigned char *block, std::uint64_t length) {
+    key(member);
+    varint(static_cast<std::uint32_t>(length));
+    if (length != 0) parts_.push_back({true, length_, length, block, 0});
+    add(length);
+    end_field();
+  }
+
+  // The bytes stay where they are: the table has an entry for what is before them, for them, and for the rest.
+  void reference(const member &member, const unsigned char *block, std::uint64_t length) {
+    key(member);
+    varint(static_cast<std::uint32_t>(length));
+    end_field();
+    if (length == 0) return;
+    is_split_ = true;
+    split_ = length_;
+    entries_.push_back({entry::message, 0, 0, nullptr, split_});
+    entries_.push_back({entry::referenced, 0, 0, block, length});
+  }
+
+  void nested(const member &member, const encoding &inner) {
+    key(member);
     varint(static_cast<std::uint32_t>(inner.length_));
     for (part one : inner.parts_) {
       one.first += length_;
-      one.at += bytes_.size();
+      one.at += plain_.size();
       parts_.push_back(one);
     }
     for (entry one : inner.entries_) {
       one.message_start += length_;
       entries_.push_back(one);
     }
-    bytes_.insert(bytes_.end(), inner.bytes_.begin(), inner.bytes_.end());
+    plain_.insert(plain_.end(), inner.plain_.begin(), inner.plain_.end());
     is_beyond_ |= inner.is_beyond_;
     add(inner.length_);
+    end_field();
   }
+
+  void end_field() { field_ends_.push_back(length_); }
 
   // What 64 bits cannot count stays at the most that they can: it is not empty.
   void add(std::uint64_t length) {
@@ -164,11 +190,15 @@ class encoding {
     length_ = is_beyond_ ? UINT64_MAX : length_ + length;
   }
 
-  std::vector<unsigned char> bytes_;
+  bool referenced_;
+  std::vector<unsigned char> plain_;
   std::vector<part> parts_;
   std::vector<entry> entries_;
+  std::vector<std::uint64_t> field_ends_;
   std::uint64_t length_ = 0;
   bool is_beyond_ = false;
+  bool is_split_ = false;
+  std::uint64_t split_ = 0;
 };
 
 }  // namespace naive

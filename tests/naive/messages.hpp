@@ -5,16 +5,19 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "calls.hpp"
+#include "broken.hpp"
+#include "operations.hpp"
 
 namespace naive {
+
+using test::broken;
+using test::calls;
 
 // A star is a list. A word that names no number, string or bytes names a message: held inline or, with a star, in an
 // array. Contained messages come first.
@@ -65,21 +68,26 @@ inline constexpr statement statements[] = {
      "api_msg_policy_reg"},
 };
 
-enum class sort { flag, number, text, bytes, numbers, message, messages };
+enum class kind { flag, integer, string, bytes, integer_list, message_list, nested };
 
 struct message;
 
 struct member {
-  sort what = {};
-  unsigned width = 0;  // bytes of a number, or of the numbers of a list
+  unsigned number = 0;  // of the field
+  naive::kind kind = {};
+  unsigned width = 0;  // bytes of a flag or an integer, or of the integers of a list
   bool is_signed = false;
-  const message *nested = nullptr;
+  const message *nested = nullptr;  // also of the messages of a list
   std::size_t offset = 0;
   std::size_t count_offset = 0;  // of a list's count, or of the length of bytes
 
-  bool is_scalar() const { return what == sort::flag || what == sort::number; }
-  bool is_list() const { return what == sort::numbers || what == sort::messages; }
-  bool is_varint() const { return is_scalar() || what == sort::numbers; }
+  bool is_scalar() const { return kind == kind::flag || kind == kind::integer; }
+  bool is_list() const { return kind == kind::integer_list || kind == kind::message_list; }
+  bool is_varint() const { return is_scalar() || kind == kind::integer_list; }
+  bool has_count() const { return is_list() || kind == kind::bytes; }
+  unsigned count_width() const { return kind == kind::bytes ? 8 : 4; }
+  unsigned wire_type() const { return is_varint() ? 0 : 2; }
+  std::uint32_t presence_bit() const { return std::uint32_t{1} << (number - 1); }
   std::size_t element_size() const;
 };
 
@@ -92,15 +100,18 @@ struct message {
   unsigned presence_width = 0;
   const calls *functions = nullptr;
 
+  // The presence bits that belong to fields, and those that the flags have room for.
   std::uint32_t mask() const { return static_cast<std::uint32_t>((std::uint64_t{1} << members.size()) - 1); }
+  std::uint32_t all_bits() const { return static_cast<std::uint32_t>((std::uint64_t{1} << 8 * presence_width) - 1); }
+
+  // The options words that make a difference.
+  std::vector<std::uint32_t> modes() const {
+    return functions->takes_options ? std::vector<std::uint32_t>{0, PAVO_ZORV_REFERENCE}
+                                    : std::vector<std::uint32_t>{0};
+  }
 };
 
-inline std::size_t member::element_size() const { return what == sort::messages ? nested->size : width; }
-
-[[noreturn]] inline void broken(const std::string &what) {
-  std::fprintf(stderr, "%s\n", what.c_str());
-  std::abort();
-}
+inline std::size_t member::element_size() const { return kind == kind::message_list ? nested->size : width; }
 
 // What a word takes in a record: some pairs of a size and an alignment, one after the other.
 class layout {
@@ -146,32 +157,34 @@ inline member member_of(std::string_view word, const std::vector<message> &known
   member result;
   result.is_signed = word[0] == 'i';
   if (word == "flag") {
-    result.what = sort::flag;
+    result.kind = kind::flag;
     result.width = 1;
   } else if (word == "u8" || word == "u32" || word == "i32" || word == "u64" || word == "i64") {
-    result.what = list ? sort::numbers : sort::number;
+    result.kind = list ? kind::integer_list : kind::integer;
     result.width = word == "u8" ? 1 : word.ends_with("32") ? 4 : 8;
   } else if (word == "string" || word == "bytes") {
-    result.what = word == "string" ? sort::text : sort::bytes;
+    result.kind = word == "string" ? kind::string : kind::bytes;
   } else {
-    result.what = list ? sort::messages : sort::message;
+    result.kind = list ? kind::message_list : kind::nested;
     result.nested = message_named(known, word);
   }
-  result.offset = result.is_scalar()             ? place.number(result.width)
-                  : result.what == sort::message ? place.place(result.nested->size, result.nested->alignment)
-                                                 : place.pointer();
-  if (result.is_list()) result.count_offset = place.number(4);
-  if (result.what == sort::bytes) result.count_offset = place.number(8);
+  result.offset = result.is_scalar()            ? place.number(result.width)
+                  : result.kind == kind::nested ? place.place(result.nested->size, result.nested->alignment)
+                                                : place.pointer();
+  if (result.has_count()) result.count_offset = place.number(result.count_width());
   return result;
 }
 
-inline std::vector<message> messages_of_statements() {
+// Messages by their statements, each with the functions of its name.
+inline std::vector<message> messages_of(std::span<const statement> stated, std::span<const calls> functions) {
   std::vector<message> result;
-  result.reserve(std::size(statements));  // messages point to one another
-  for (const statement &one : statements) {
+  result.reserve(stated.size());  // messages point to one another
+  for (const statement &one : stated) {
     message made;
     made.name = one.message;
-    made.functions = calls_of(one.message);
+    for (const calls &each : functions) {
+      if (std::strcmp(each.name, one.message) == 0) made.functions = &each;
+    }
     if (made.functions == nullptr) {
       broken("tests/naive/messages.hpp states " + std::string(one.message) +
              ", which include/pavo_zorv_messages.h does not list");
@@ -180,6 +193,7 @@ inline std::vector<message> messages_of_statements() {
     for (std::string_view words = one.fields; !words.empty();) {
       const std::size_t end = words.find(' ');
       made.members.push_back(member_of(words.substr(0, end), result, place));
+      made.members.back().number = static_cast<unsigned>(made.members.size());
       words.remove_prefix(end == words.npos ? words.size() : end + 1);
     }
     place.finish();
@@ -193,8 +207,20 @@ inline std::vector<message> messages_of_statements() {
 }
 
 inline const std::vector<message> &messages() {
-  static const std::vector<message> all = messages_of_statements();
+  static const std::vector<message> all = messages_of(statements, test::all_calls);
   return all;
+}
+
+inline std::vector<const message *> pointers_to(const std::vector<message> &messages) {
+  std::vector<const message *> result;
+  for (const message &one : messages) result.push_back(&one);
+  return result;
+}
+
+template <class Record>
+const message &message_of() {
+  static const message &found = *message_named(messages(), test::operations<Record>::name);
+  return found;
 }
 
 }  // namespace naive

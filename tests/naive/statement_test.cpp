@@ -1,45 +1,47 @@
 // That the messages as they are stated by hand for the naive decoder are those of the library's schemas, and lie in
 // memory where the compiler puts them.
-#include "messages.hpp"
-
 #include "laws.hpp"
+#include "message_table.hpp"
+#include "messages/all.hpp"
 
 namespace test {
 
 class naive_statement : public law {};
 INSTANTIATE_TEST_SUITE_P(every, naive_statement, testing::ValuesIn(subjects()), name_of_subject);
 
-naive::sort sort_of(kind of) {
+naive::kind stated(pavo_zorv::kind of) {
   switch (of) {
-    case kind::flag:
-      return naive::sort::flag;
-    case kind::integer:
-      return naive::sort::number;
-    case kind::string:
-      return naive::sort::text;
-    case kind::bytes:
-      return naive::sort::bytes;
-    case kind::integer_list:
-      return naive::sort::numbers;
-    case kind::message_list:
-      return naive::sort::messages;
-    case kind::nested:
+    case pavo_zorv::kind::flag:
+      return naive::kind::flag;
+    case pavo_zorv::kind::integer:
+      return naive::kind::integer;
+    case pavo_zorv::kind::string:
+      return naive::kind::string;
+    case pavo_zorv::kind::bytes:
+      return naive::kind::bytes;
+    case pavo_zorv::kind::integer_list:
+      return naive::kind::integer_list;
+    case pavo_zorv::kind::message_list:
+      return naive::kind::message_list;
+    case pavo_zorv::kind::nested:
       break;
   }
-  return naive::sort::message;
+  return naive::kind::nested;
 }
 
 TEST_P(naive_statement, says_the_same_as_the_schema) {
-  const message_type &type = *GetParam();
-  const naive::message &stated = *naive::message_named(naive::messages(), type.name);
-  EXPECT_EQ(stated.size, type.size);
-  EXPECT_EQ(stated.presence_offset, type.presence_offset);
-  EXPECT_EQ(stated.presence_width, type.presence_width);
-  EXPECT_EQ(stated.functions->takes_options, type.takes_options);
-  ASSERT_EQ(stated.members.size(), type.fields.size());
-  for (const field &field : type.fields) {
-    const naive::member &member = stated.members[field.number - 1];
-    EXPECT_EQ(member.what, sort_of(field.kind)) << field.name;
+  const naive::message &message = *GetParam();
+  const pavo_zorv::message_info *const schema = pavo_zorv::find_message(message.name);
+  ASSERT_NE(schema, nullptr);
+  EXPECT_EQ(message.size, schema->size);
+  EXPECT_EQ(message.presence_offset, schema->presence_offset);
+  EXPECT_EQ(message.presence_width, schema->presence_width);
+  ASSERT_EQ(message.members.size(), schema->fields.size());
+  for (const pavo_zorv::field_info &field : schema->fields) {
+    const naive::member &member = message.members[field.number - 1];
+    EXPECT_EQ(member.number, field.number) << field.name;
+    EXPECT_EQ(member.kind, stated(field.kind)) << field.name;
+    EXPECT_EQ(member.wire_type(), static_cast<unsigned>(field.wire)) << field.name;
     EXPECT_EQ(member.offset, field.offset) << field.name;
     EXPECT_EQ(member.count_offset, field.count_offset) << field.name;
     EXPECT_EQ(member.width, field.width) << field.name;
@@ -50,8 +52,29 @@ TEST_P(naive_statement, says_the_same_as_the_schema) {
   }
 }
 
+TEST(message_table, says_where_the_compiler_puts_members) {
+  pavo_zorv::for_each_message([]<class Record>(std::type_identity<Record>) {
+    const pavo_zorv::message_info &message = *pavo_zorv::find_message(pavo_zorv::message_name<Record>);
+    static const Record record{};
+    const auto offset_of = [](const auto &member) {
+      return static_cast<std::size_t>(reinterpret_cast<const unsigned char *>(&member) -
+                                      reinterpret_cast<const unsigned char *>(&record));
+    };
+    pavo_zorv::for_each_row<Record>([&](auto index) {
+      const auto members = pavo_zorv::row_at<Record, index>.members();
+      EXPECT_EQ(message.fields[index].offset, offset_of(record.*std::get<0>(members))) << message.name;
+      if constexpr (std::tuple_size_v<decltype(members)> == 2) {
+        EXPECT_EQ(message.fields[index].count_offset, offset_of(record.*std::get<1>(members))) << message.name;
+      }
+    });
+    EXPECT_EQ(message.presence_offset, offset_of(record.presence)) << message.name;
+    EXPECT_EQ(message.size, sizeof record) << message.name;
+  });
+}
+
 TEST(naive_statements, are_there_for_every_message) {
-  EXPECT_EQ(naive::messages().size(), subjects().size()) << "tests/naive/messages.hpp states each message once";
+  EXPECT_EQ(naive::messages().size(), pavo_zorv::message_table().size())
+      << "tests/naive/messages.hpp states each message once";
 }
 
 }  // namespace test
