@@ -17,15 +17,15 @@ namespace inspect {
 namespace {
 
 // The value as stored in the member.
-std::string number_text(const field_type &field, std::uint64_t number) {
+std::string number_text(const field_info &field, std::uint64_t number) {
   if (field.kind == kind::flag) {
     return number == 0 ? "false" : number == 1 ? "true" : fmt::format("true (sent as {})", number);
   }
   if (field.is_signed) {
-    return field.bits == 64 ? fmt::format("{}", static_cast<std::int64_t>(number))
+    return field.width == 8 ? fmt::format("{}", static_cast<std::int64_t>(number))
                             : fmt::format("{}", static_cast<std::int32_t>(number));
   }
-  const std::uint64_t kept = field.bits == 8 ? number & 0xff : number;
+  const std::uint64_t kept = field.width == 1 ? number & 0xff : number;
   return kept == number ? fmt::format("{}", kept) : fmt::format("{} (sent as {}, truncated to 8 bits)", kept, number);
 }
 
@@ -114,7 +114,7 @@ class annotator {
 
   // Whether the member holds a different value than was sent.
   static bool is_changed(const walked_field &here) {
-    return (here.field->kind == kind::flag && here.number > 1) || (here.field->bits == 8 && here.number > 0xff);
+    return (here.field->kind == kind::flag && here.number > 1) || (here.field->width == 1 && here.number > 0xff);
   }
 
   // Marks which bytes are the key, the length and the value, and which of them a shorter varint would not have.

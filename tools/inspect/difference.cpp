@@ -17,8 +17,8 @@ std::string shown(const json &value) {
 
 class comparison {
  public:
-  void messages(const message_type &type, const json &a, const json &b) {
-    for (const field_type &field : type.fields) {
+  void messages(const message_info &type, const json &a, const json &b) {
+    for (const field_info &field : type.fields) {
       const auto in_a = a.find(field.name), in_b = b.find(field.name);
       if (in_a == a.end() && in_b == b.end()) continue;
       path_.push_back({&field, {}});
@@ -36,7 +36,7 @@ class comparison {
   std::vector<difference> found;
 
  private:
-  void values(const field_type &field, const json &a, const json &b) {
+  void values(const field_info &field, const json &a, const json &b) {
     if (field.nested != nullptr) {
       messages(*field.nested, a, b);
     } else if (a != b) {
@@ -44,7 +44,7 @@ class comparison {
     }
   }
 
-  void lists(const field_type &field, const json &a, const json &b) {
+  void lists(const field_info &field, const json &a, const json &b) {
     for (std::size_t index = 0; index < std::min(a.size(), b.size()); ++index) {
       path_.back().index = index;
       values(field, a[index], b[index]);

@@ -7,7 +7,7 @@ namespace inspect {
 
 findings examiner::examine(const message_type &type, byte_view input) {
   memory_.clear();
-  record_.resize(std::max(record_.size(), type.record_size / sizeof(std::max_align_t) + 1));
+  record_.resize(std::max(record_.size(), type.size / sizeof(std::max_align_t) + 1));
   void *const record = record_.data();
 
   findings found;

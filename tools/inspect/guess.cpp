@@ -31,7 +31,7 @@ int evidence_of(byte_view input, const walked_field &here) {
     case kind::flag:
       return here.number <= 1 ? 1 : -1;
     case kind::integer_list:
-      return here.field->bits == 8 && here.number > 0xff ? -1 : 0;
+      return here.field->width == 1 && here.number > 0xff ? -1 : 0;
     default:
       return 0;
   }

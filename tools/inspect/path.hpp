@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
+namespace pavo_zorv {
+struct field_info;
+}
+
 namespace inspect {
 
-struct field_type;
-
 struct step {
-  const field_type *field;
+  const pavo_zorv::field_info *field;
   std::optional<std::size_t> index;  // of a list's element
 };
 

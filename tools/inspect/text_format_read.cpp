@@ -18,14 +18,14 @@ class parser {
   explicit parser(byte_view text) : text_(text) {}
 
   // Fields up to the closing bracket, or up to the end if that is NUL. `type` is null inside an unknown field.
-  node::object fields(const message_type *type, char closing) {
+  node::object fields(const message_info *type, char closing) {
     if (++depth_ > max_depth) fail("nested too deeply");
     node::object members;
     while (!closes(closing)) {
       const std::size_t at = at_;
       const std::string name(word());
       if (name.empty()) fail("expected a field name");
-      const field_type *const field = type != nullptr ? type->field(std::string_view(name)) : nullptr;
+      const field_info *const field = type != nullptr ? field_of(*type, std::string_view(name)) : nullptr;
       add(members, {name, {}, at}, field);
       if (skip_blanks(); peek() == ',' || peek() == ';') ++at_;
     }
@@ -66,7 +66,7 @@ class parser {
   }
 
   // The elements of a list are given one by one, or several in brackets.
-  void add(node::object &members, member named, const field_type *field) {
+  void add(node::object &members, member named, const field_info *field) {
     skip_blanks();
     if (peek() == ':') {
       ++at_;
@@ -94,7 +94,7 @@ class parser {
     ++at_;
   }
 
-  static node::list &list_of(node::object &members, member named, const field_type *field) {
+  static node::list &list_of(node::object &members, member named, const field_info *field) {
     for (member &each : members) {
       if (is_name_of(field->name, each.name)) return std::get<node::list>(each.content.value);
     }
@@ -102,7 +102,7 @@ class parser {
     return std::get<node::list>(members.emplace_back(std::move(named)).content.value);
   }
 
-  node value(const field_type *field) {
+  node value(const field_info *field) {
     const std::size_t at = at_;
     switch (peek()) {
       case '{':

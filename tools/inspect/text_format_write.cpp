@@ -34,11 +34,11 @@ std::string escaped(byte_view content) {
 }
 
 std::string value_text(const walked_field &here, byte_view message) {
-  const field_type &field = *here.field;
+  const field_info &field = *here.field;
   if (field.wire == wire_type::delimited) return escaped(message.subspan(here.content, here.end - here.content));
   if (field.kind == kind::flag) return here.number != 0 ? "true" : "false";
-  if (!field.is_signed) return fmt::format("{}", field.bits == 8 ? here.number & 0xff : here.number);
-  return field.bits == 64 ? fmt::format("{}", static_cast<std::int64_t>(here.number))
+  if (!field.is_signed) return fmt::format("{}", field.width == 1 ? here.number & 0xff : here.number);
+  return field.width == 8 ? fmt::format("{}", static_cast<std::int64_t>(here.number))
                           : fmt::format("{}", static_cast<std::int32_t>(here.number));
 }
 

@@ -7,7 +7,6 @@
 #include <cctype>
 #include <nlohmann/json.hpp>
 #include <numeric>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -62,44 +61,9 @@ void read_record(const node &from, void *record, arena &memory, bytes_form bytes
 template <class Record>
 extern const message_type type_of;
 
-template <class Record, class Member>
-std::size_t offset_of(Member member) {
-  static const Record record{};
-  return static_cast<std::size_t>(reinterpret_cast<const char *>(&(record.*member)) -
-                                  reinterpret_cast<const char *>(&record));
-}
-
-template <class Record, std::size_t Index>
-field_type make_field() {
-  constexpr auto &row = pavo_zorv::row_at<Record, Index>;
-  using row_type = std::remove_cvref_t<decltype(row)>;
-  field_type field{row.number, row.name, row.type, row.wire, 0, false, nullptr, 0, {}};
-  const auto members = row.members();
-  field.offset = offset_of<Record>(std::get<0>(members));
-  if constexpr (std::tuple_size_v<decltype(members)> == 2) field.count_offset = offset_of<Record>(std::get<1>(members));
-  if constexpr (row.type == kind::integer || row.type == kind::integer_list) {
-    field.bits = sizeof(typename row_type::element) * 8;
-    field.is_signed = std::is_signed_v<typename row_type::element>;
-  } else if constexpr (row.type == kind::nested || row.type == kind::message_list) {
-    field.nested = &type_of<typename row_type::message>;
-  }
-  return field;
-}
-
-template <class Record>
-std::vector<field_type> make_fields() {
-  std::vector<field_type> fields;
-  pavo_zorv::for_each_row<Record>([&](auto index) { fields.push_back(make_field<Record, index>()); });
-  return fields;
-}
-
 #define INSPECT_TYPE(message)                                                                                  \
   template <>                                                                                                  \
-  const message_type type_of<message>{#message,                                                                \
-                                      make_fields<message>(),                                                  \
-                                      sizeof(message),                                                         \
-                                      offset_of<message>(&message::presence),                                  \
-                                      sizeof(message::presence) * 8,                                           \
+  const message_type type_of<message>{*pavo_zorv::find_message(#message),                                      \
                                       std::is_invocable_v<decltype(pavo_zorv_##message##_free_ext), message *, \
                                                           pavo_zorv_release, void *, std::uint32_t>,           \
                                       decode_record<message, pavo_zorv_##message##_decode_ext>,                \
@@ -132,13 +96,14 @@ std::size_t distance(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-const field_type *message_type::field(std::uint32_t number) const {
-  return number - 1 < fields.size() ? &fields[number - 1] : nullptr;
+const field_info *field_of(const message_info &type, std::uint32_t number) {
+  return number - 1 < type.fields.size() ? &type.fields[number - 1] : nullptr;
 }
 
-const field_type *message_type::field(std::string_view given) const {
-  const auto found = std::ranges::find_if(fields, [&](const field_type &each) { return is_name_of(each.name, given); });
-  return found != fields.end() ? &*found : nullptr;
+const field_info *field_of(const message_info &type, std::string_view given) {
+  const auto found =
+      std::ranges::find_if(type.fields, [&](const field_info &each) { return is_name_of(each.name, given); });
+  return found != type.fields.end() ? &*found : nullptr;
 }
 
 bool is_name_of(std::string_view field, std::string_view given) {
@@ -167,7 +132,7 @@ const message_type *nearest_type(std::string_view name) {
   return distance_to(*nearest) <= std::max<std::size_t>(2, 2 * name.size() / 5) ? *nearest : nullptr;
 }
 
-std::string describe_element(const field_type &field) {
+std::string describe_element(const field_info &field) {
   switch (field.kind) {
     case kind::flag:
       return "flag";
@@ -177,7 +142,7 @@ std::string describe_element(const field_type &field) {
       return "bytes";
     case kind::integer:
     case kind::integer_list:
-      return fmt::format("{} {}-bit", field.is_signed ? "signed" : "unsigned", field.bits);
+      return fmt::format("{} {}-bit", field.is_signed ? "signed" : "unsigned", 8 * field.width);
     case kind::nested:
     case kind::message_list:
       return field.nested->name;
@@ -185,7 +150,7 @@ std::string describe_element(const field_type &field) {
   return {};
 }
 
-std::string describe(const field_type &field) { return (field.is_list() ? "list of " : "") + describe_element(field); }
+std::string describe(const field_info &field) { return (field.is_list() ? "list of " : "") + describe_element(field); }
 
 const char *wire_type_name(std::uint32_t key) {
   static constexpr const char *names[] = {"varint",    "fixed64", "delimited",   "group start",

@@ -4,50 +4,28 @@
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "arena.hpp"
 #include "bytes.hpp"
-#include "core/schema.hpp"
-#include "core/wire.hpp"
 #include "json_form.hpp"
+#include "message_table.hpp"
 #include "path.hpp"
 #include "pavo_zorv.h"
 
 namespace inspect {
 
 using json = nlohmann::ordered_json;
+using pavo_zorv::field_info;
 using pavo_zorv::kind;
+using pavo_zorv::message_info;
 using pavo_zorv::wire_type;
 
-struct message_type;
 struct node;
 
-struct field_type {
-  unsigned number;
-  const char *name;
-  inspect::kind kind;
-  wire_type wire;
-  unsigned bits;  // of the integer, or of a list's elements; otherwise 0
-  bool is_signed;
-  const message_type *nested;               // of a nested message or a list of messages; otherwise null
-  std::size_t offset;                       // of the member in the record
-  std::optional<std::size_t> count_offset;  // of the member's count or length
-
-  std::uint32_t presence_bit() const { return 1u << (number - 1); }
-  bool is_list() const { return kind == kind::integer_list || kind == kind::message_list; }
-};
-
-struct message_type {
-  const char *name;
-  std::vector<field_type> fields;
-  std::size_t record_size;
-  std::size_t presence_offset;
-  unsigned presence_bits;
+struct message_type : message_info {
   bool takes_options;
 
   // The exported functions. Those without an options word ignore it.
@@ -59,11 +37,11 @@ struct message_type {
 
   json (*write)(const void *record, const json_form &form);
   void (*read)(const node &from, void *record, arena &memory, bytes_form bytes);
-
-  // Null if the message has no such field.
-  const field_type *field(std::uint32_t number) const;
-  const field_type *field(std::string_view name) const;
 };
+
+// Null if the message has no such field.
+const field_info *field_of(const message_info &type, std::uint32_t number);
+const field_info *field_of(const message_info &type, std::string_view name);
 
 std::span<const message_type *const> all_types();
 const message_type *find_type(std::string_view name);
@@ -75,17 +53,17 @@ const message_type *nearest_type(std::string_view name);
 bool is_name_of(std::string_view field, std::string_view given);
 
 // "flag", "signed 32-bit", "api_addr", "list of unsigned 8-bit", ...
-std::string describe(const field_type &field);
+std::string describe(const field_info &field);
 
 // The same for one element of a list: "unsigned 8-bit", "api_addr".
-std::string describe_element(const field_type &field);
+std::string describe_element(const field_info &field);
 
 const char *wire_type_name(std::uint32_t key);
 
 // A record of any message, with all memory that it points to.
 class record {
  public:
-  explicit record(const message_type &type) : type_(type), content_(memory_.zeroed(type.record_size)) {}
+  explicit record(const message_type &type) : type_(type), content_(memory_.zeroed(type.size)) {}
   record(const record &) = delete;
   record &operator=(const record &) = delete;
 

@@ -20,13 +20,13 @@ class walker {
   explicit walker(byte_view input) : input_(input) {}
 
   // False on failure; `done.failure` says why.
-  bool message(const message_type &type, std::size_t at, std::size_t end) {
+  bool message(const message_info &type, std::size_t at, std::size_t end) {
     std::array<std::optional<std::size_t>, 32> seen;  // where each field first occurs
     type_ = &type;
     while (at != end) {
       const auto key = read_varint(at, end, 32);
       if (!key) return cut_off(at, "the key");
-      const field_type *const field = type.field(static_cast<std::uint32_t>(key->value >> 3));
+      const field_info *const field = field_of(type, static_cast<std::uint32_t>(key->value >> 3));
       walked_field here = started(field, *key, at);
       if (field == nullptr) {
         if (!unknown(here, end)) return false;
@@ -58,7 +58,7 @@ class walker {
   }
 
   // A field of which only the key has been read.
-  walked_field started(const field_type *field, varint key, std::size_t start,
+  walked_field started(const field_info *field, varint key, std::size_t start,
                        std::optional<std::size_t> index = {}) const {
     return {.field = field,
             .index = index,
@@ -130,7 +130,7 @@ class walker {
   // --- Known fields: the wire type is checked first, then whether the field may be repeated, then the content ---
 
   bool known(walked_field &here, std::size_t first, std::size_t end) {
-    const field_type &field = *here.field;
+    const field_info &field = *here.field;
     if ((here.key & 7) != static_cast<unsigned>(field.wire)) {
       return fail_in({&field, {}}, CODEC_ERR_WRONG_WIRE_TYPE, here.start,
                      fmt::format("wire type {} instead of {}", wire_type_name(here.key),
@@ -165,7 +165,7 @@ class walker {
   }
 
   bool scalar(walked_field &here, std::size_t end) {
-    const auto value = read_varint(here.value, end, here.field->bits == 64 ? 64 : 32);
+    const auto value = read_varint(here.value, end, here.field->width == 8 ? 64 : 32);
     if (!value) return cut_off_in(here, "the value");
     here.number = value->value;
     here.end = value->next;
@@ -189,7 +189,7 @@ class walker {
   }
 
   bool inside(const walked_field &here) {
-    const message_type *const outer = type_;
+    const message_info *const outer = type_;
     path_.push_back({here.field, here.index});
     ++depth_;
     if (!message(*here.field->nested, here.content, here.end)) return false;
@@ -245,14 +245,14 @@ class walker {
   }
 
   byte_view input_;
-  const message_type *type_ = nullptr;  // of the message that is being read
+  const message_info *type_ = nullptr;  // of the message that is being read
   path path_;
   unsigned depth_ = 0;
 };
 
 }  // namespace
 
-walk walk_message(const message_type &type, byte_view input) {
+walk walk_message(const message_info &type, byte_view input) {
   walker walker(input);
   walker.message(type, 0, input.size());
   return std::move(walker.done);

@@ -17,7 +17,7 @@ namespace inspect {
 
 // One field of the input. The fields inside a nested message follow it, one level deeper.
 struct walked_field {
-  const field_type *field = nullptr;      // null for an unknown field, which is skipped
+  const field_info *field = nullptr;      // null for an unknown field, which is skipped
   std::optional<std::size_t> index = {};  // of a list element
   bool is_repeated = false;               // an earlier occurrence exists
   unsigned depth = 0;
@@ -46,6 +46,6 @@ struct walk {
 };
 
 // What decoding does with an allocator that never fails.
-walk walk_message(const message_type &type, byte_view input);
+walk walk_message(const message_info &type, byte_view input);
 
 }  // namespace inspect

@@ -40,7 +40,7 @@ message_form detect(byte_view input) {
   if (mark == text.npos) return message_form::automatic;
   const std::string_view name = text.substr(first, text.find_last_not_of(" \t", mark - 1) + 1 - first);
   for (const message_type *type : all_types()) {
-    if (type->field(name) != nullptr) return message_form::as_text;
+    if (field_of(*type, name) != nullptr) return message_form::as_text;
   }
   return message_form::automatic;
 }

@@ -22,28 +22,28 @@ std::string all_messages() {
 }
 
 // The bytes of the key: one for field numbers up to 15, two for higher ones.
-std::string key_bytes(const field_type &field) {
+std::string key_bytes(const field_info &field) {
   const std::uint32_t key = pavo_zorv::key_of(field.number, field.wire);
   return key < 0x80 ? fmt::format("{:02x}", key) : fmt::format("{:02x} {:02x}", (key & 0x7f) | 0x80, key >> 7);
 }
 
-std::string offsets(const field_type &field) {
-  if (!field.count_offset) return fmt::format("{}", field.offset);
-  return fmt::format("{}, {} {}", field.offset, field.is_list() ? "count" : "length", *field.count_offset);
+std::string offsets(const field_info &field) {
+  if (field.count_offset == 0) return fmt::format("{}", field.offset);
+  return fmt::format("{}, {} {}", field.offset, field.is_list() ? "count" : "length", field.count_offset);
 }
 
 std::string one_message(const message_type &type) {
   std::size_t names = 4, kinds = 4;
-  for (const field_type &field : type.fields) {
+  for (const field_info &field : type.fields) {
     names = std::max(names, std::string_view(field.name).size());
     kinds = std::max(kinds, describe(field).size());
   }
   std::string text =
-      fmt::format("{}: a record of {} bytes, presence flags of {} bits at offset {}{}\n", type.name, type.record_size,
-                  type.presence_bits, type.presence_offset, type.takes_options ? "; takes an options word" : "");
+      fmt::format("{}: a record of {} bytes, presence flags of {} bits at offset {}{}\n", type.name, type.size,
+                  8 * type.presence_width, type.presence_offset, type.takes_options ? "; takes an options word" : "");
   text += fmt::format("{:>2}  {:<{}}  {:<{}}  {:<5}  {:>9}  {}\n", "no", "name", names, "kind", kinds, "key",
                       "presence", "offset");
-  for (const field_type &field : type.fields) {
+  for (const field_info &field : type.fields) {
     text += fmt::format("{:>2}  {:<{}}  {:<{}}  {:<5}  {:>#9x}  {}\n", field.number, field.name, names, describe(field),
                         kinds, key_bytes(field), field.presence_bit(), offsets(field));
   }
