@@ -1,6 +1,6 @@
-// The input changes while it is read: whatever comes of it, nothing is read or written beside the input, the record and
-// its blocks, and the record can be encoded, copied and released. The changes are made by the allocator, so between the
-// counting of a list and its reading, and for each input they are always the same.
+// The input changes while it is decoded: whatever the result, nothing outside the input, the record and its blocks is
+// read or written, and the record can be encoded, copied and released. The allocator makes the changes, which is after
+// a list is counted and before it is read; they are the same in every run of an input.
 #include "harness.hpp"
 
 namespace fuzz {
@@ -11,7 +11,7 @@ struct changing {
   const trial &what;
   unsigned char *input;
 
-  // At some requests, one byte: to one that ends a value or goes on, a length, or any other.
+  // At some requests, changes one byte: its continuation bit, or its value, or all bytes from there on.
   void change(std::size_t request) const {
     if ((what.extra >> (request % 8) & 1) == 0) return;
     const std::size_t at = (what.number + request * 7) % what.length;
@@ -23,7 +23,7 @@ struct changing {
         input[at] = what.fill;
         break;
       case 2:
-        // All that comes after it, so that a list ends early or never.
+        // To the end, so that a list ends early or never.
         std::memset(input + at, what.fill, what.length - at);
         break;
       default:

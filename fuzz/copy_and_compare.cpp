@@ -1,5 +1,5 @@
-// Two records from one input: copies are equal to their sources and independent of them, and comparing is an order
-// that agrees with the naive one, also where lists are empty though their bit is set.
+// Two records from one input: copies are equal to their sources and independent of them, and comparison is an order
+// that agrees with the naive implementation, also for lists that are present but empty.
 #include "harness.hpp"
 #include "naive/compare.hpp"
 
@@ -22,7 +22,7 @@ class copy : public test::owned_record {
   const view record;
 };
 
-// The same record with shorter lists, as a caller may leave them: it is only compared.
+// The same record with shorter lists, as a caller may make them. It is only compared.
 test::record_block shortened(const trial &trial, const test::record_block &source) {
   test::record_block result = source;
   const view record(*trial.type, result.data());
@@ -65,7 +65,7 @@ void run(const trial &trial) {
     FUZZ_CHECK(trial, encoding_of(trial, copied.record, 0) == written);
   }
   FUZZ_CHECK(trial, encoding_of(trial, a.record, 0) == written);
-  // Of messages that could be read, all that is written is compared.
+  // If both were decoded completely, equal records have the same encoding.
   if (order != 0 || a.result != CODEC_OK || b.result != CODEC_OK) return;
   FUZZ_CHECK(trial, encoding_of(trial, b.record, 0) == written);
 }

@@ -1,8 +1,8 @@
-// Encoding agrees with the naive encoder, whatever a caller may put into a record: the length, every byte of a buffer
-// that is too short, long enough or not there, and every entry of a table. The record is what the naive decoder makes
-// of the input, then altered: bits without members and members without bits, numbers and flags of any value, bytes with
-// a length and no block; or all numbers there are and nothing else; and one string, list or block made so long that the
-// encoding ends near a size that matters.
+// Encoding agrees with the naive encoder for every record that a caller may build: the length, every byte of a buffer
+// that is too short, long enough or null, and every entry of a segment table. The record is what the naive decoder
+// makes of the input, then altered: presence bits without members and members without bits, numbers and flags of any
+// value, bytes with a length and no block; or all numbers and nothing else; and one string, list or block so long that
+// the encoding ends near a size that matters.
 #include <algorithm>
 
 #include "harness.hpp"
@@ -14,7 +14,7 @@ namespace fuzz {
 
 namespace {
 
-// What altered records lead to. Only encoding sees them, so blocks may be shared, and constant.
+// What altered records point to. They are only encoded, so blocks may be shared and constant.
 naive::storage &blocks() {
   static naive::storage memory(8 << 20);
   return memory;
@@ -22,7 +22,7 @@ naive::storage &blocks() {
 
 constexpr std::size_t longest_text = 80 << 10;
 
-// So many bytes, and a NUL after them.
+// A string of this length, with its NUL.
 const unsigned char *text_of(std::size_t length) {
   static const std::vector<unsigned char> all = [] {
     std::vector<unsigned char> bytes(longest_text + 1);
@@ -32,7 +32,7 @@ const unsigned char *text_of(std::size_t length) {
   return all.data() + longest_text - std::min(length, longest_text);
 }
 
-// A place in a record that can be made as long as one likes.
+// A member of a record that can be made arbitrarily long.
 struct growing {
   view record;
   const member *field;
@@ -62,7 +62,7 @@ class alteration {
         record.set_pointer(member, gap ? nullptr : text_of(static_cast<std::size_t>(length)));
         record.set_count(member, length);
       }
-      // Of a list without its bit, nothing is looked at.
+      // The pointer of a list without its presence bit is not read.
       if (member.is_list() && (bits & member.presence_bit()) == 0 && random_.percent(50)) {
         record.set_pointer(member, nullptr);
         record.set_count(member, random_.any());
@@ -71,7 +71,7 @@ class alteration {
     record.set_presence(bits ^ (static_cast<std::uint32_t>(random_.any()) & ~record.type().mask()));
   }
 
-  // Every number, as large as it gets, and nothing else: the most that is written where nothing asks for room.
+  // All numbers, each as large as possible, and nothing else: the most that is written without reserving space.
   void fill(view record) {
     std::uint32_t bits = 0;
     for (const member &member : record.type().members) {
@@ -82,7 +82,7 @@ class alteration {
     record.set_presence(bits);
   }
 
-  // The last member that can grow is written first, before all the others.
+  // Encoding goes backwards: the last member that can grow is written before all others.
   void lengthen(view record) {
     std::vector<growing> places;
     find(record, places);
@@ -94,13 +94,13 @@ class alteration {
     place.record.set_has(*place.field, true);
     const std::uint64_t now = naive::encoding(record, trial_.referenced).length();
     const std::size_t goal = this->goal();
-    // The whole is to be so long, or this member alone.
+    // The goal is the length of the whole encoding, or of this member alone.
     const std::size_t besides = random_.percent(60) ? static_cast<std::size_t>(std::min<std::uint64_t>(now, goal)) : 0;
     lengthen(place.record, *place.field, goal - besides);
   }
 
  private:
-  // Where a varint grows, where 32 bits end, where the numbers end, and between.
+  // Near the sizes at which a length varint becomes longer, near 2^32 and 2^64, and in between.
   std::uint64_t length_of_gap() {
     if (random_.percent(60)) return random_.below(20000);
     const std::uint64_t power = std::uint64_t{2} << random_.below(64);
@@ -160,7 +160,7 @@ class alteration {
 
 constexpr unsigned char untouched = 0xc7;
 
-// A call with a buffer of a length, or none, and a table of a capacity, or without a count.
+// A call with a buffer of some length or without one, and a table of some capacity or without one.
 struct call {
   static constexpr std::size_t no_buffer = SIZE_MAX;
   static constexpr std::uint32_t no_count = UINT32_MAX;
@@ -218,11 +218,11 @@ void run(const trial &trial) {
   const test::record_block before = source.block;
 
   const naive::encoding expected(record, trial.referenced);
-  // Of the options, the other bits mean nothing.
+  // The other bits of the options word are ignored.
   const std::uint32_t options = trial.options() | (trial.extra * 0x01010101u & ~std::uint32_t{PAVO_ZORV_REFERENCE});
   const auto entries = static_cast<std::uint32_t>(expected.entries());
   const std::uint32_t some = (trial.number >> 4) % (entries + 2);
-  // A buffer that is long enough, or one of which nothing is missed but its end.
+  // A buffer that is long enough, or one that cuts off the end.
   const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(expected.length(), 100000));
   const std::size_t cut = trial.number % (most + 9);
   const std::size_t by_scratch = std::min<std::size_t>(most, 8192 - trial.extra % 32);

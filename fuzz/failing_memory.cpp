@@ -1,6 +1,6 @@
-// Whatever the allocator refuses: decoding leaves what the naive decoder leaves, a copy holds what it got memory for,
-// and all of it comes back. No allocator is one that gives nothing; without a function that takes blocks back, they are
-// forgotten.
+// Whichever requests the allocator refuses, decoding leaves the same record as the naive decoder, a copy holds what
+// there was memory for, and every block is released. A null allocator refuses every request; with a null release
+// function no block is released.
 #include "harness.hpp"
 #include "naive/copy.hpp"
 
@@ -43,7 +43,7 @@ void check_copying(const trial &trial, const test::failing_requests &failing, vi
   FUZZ_CHECK(trial, copy.memory.sizes == reference.sizes);
   FUZZ_CHECK(trial, copy.memory.live() == naive::blocks_owned(record));
   FUZZ_CHECK(trial, copy.result != CODEC_OK || trial.type->functions->compare(source.data(), copy.data()) == 0);
-  // What there was no memory for is not there: the copy can be written.
+  // Members without memory are absent, so the copy can be encoded.
   encoding_of(trial, record, 0);
 }
 
@@ -70,9 +70,9 @@ void run(const trial &trial) {
   check_copying_without_allocator(trial, seen);
   const std::size_t owned = naive::blocks_owned(seen, trial.referenced);
   const std::size_t dropped = memory.live() - owned;
-  const bool forgets = trial.choice == 14;
-  trial.type->functions->free(seen.data(), forgets ? nullptr : test::accountant::release, &memory, trial.options());
-  FUZZ_CHECK(trial, memory.live() == dropped + (forgets ? owned : 0));
+  const bool no_release = trial.choice == 14;
+  trial.type->functions->free(seen.data(), no_release ? nullptr : test::accountant::release, &memory, trial.options());
+  FUZZ_CHECK(trial, memory.live() == dropped + (no_release ? owned : 0));
   FUZZ_CHECK(trial, naive::blocks_owned(seen, trial.referenced) == 0);
 }
 

@@ -16,7 +16,7 @@ using test::delimited_field;
 using test::random_numbers;
 using test::varint_field;
 
-// The way from a message to a field: indices of members.
+// The path from a message to a field, as indices of members.
 using path = std::vector<std::size_t>;
 
 void find_paths(const message &type, const path &before, std::vector<path> &out) {
@@ -32,7 +32,7 @@ class writer {
  public:
   explicit writer(random_numbers &random) : random_(random) {}
 
-  // A message whose field at the end of a path takes about `more` bytes; the fields beside the path are there or not.
+  // A message whose field at the end of a path takes about `more` bytes; other fields are present at random.
   byte_string message_of(const message &type, const path &way, std::size_t more, std::size_t depth = 0) {
     byte_string out;
     for (std::size_t i = 0; i < type.members.size(); ++i) {

@@ -1,5 +1,5 @@
-// Changes inputs as someone would who knows the messages: fields come and go, are doubled and moved, keys and lengths
-// are a little wrong, runs are split, and all of this inside nested messages too.
+// Mutates inputs with knowledge of the messages: inserts, removes, repeats and moves fields, makes keys and lengths
+// slightly wrong and splits runs, also inside nested messages.
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -19,11 +19,11 @@ using test::long_varint;
 using test::random_numbers;
 using test::varint;
 
-// A field as it stands in a message. What cannot be taken apart is one field of its own: the tail.
+// A field of a message. What cannot be parsed is one last piece, the tail.
 struct piece {
   std::uint32_t key = 0;
   std::size_t longer_key = 0;
-  byte_string value;  // a varint's bytes, fixed bytes, or what stands after a length
+  byte_string value;  // the bytes of a varint, fixed bytes, or what follows a length
   bool delimited = false;
   bool tail = false;
   std::int64_t wrong_length = 0;  // added to the length
@@ -88,11 +88,10 @@ std::vector<piece> pieces_of(const byte_string &bytes) {
 
 class mutator {
  public:
-  // With the number of bytes that the message takes, and that it has room for.
+  // With the size of the message and the size it may grow to.
   mutator(random_numbers &random, std::size_t size, std::size_t room) : random_(random), size_(size), room_(room) {}
 
-  // Makes one field, at any depth, come again and again, or a string in it longer, until the message ends near a length
-  // that matters.
+  // Repeats one field, at any depth, or lengthens a string, until the message ends near a length that matters.
   void lengthen(const message &type, byte_string &bytes, unsigned depth = 0) {
     std::vector<piece> pieces = pieces_of(bytes);
     if (pieces.empty()) insert(pieces, any_field(type, depth));
@@ -180,7 +179,7 @@ class mutator {
     pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(random_.below(pieces.size() + 1)), std::move(one));
   }
 
-  // The field again, several times, directly after itself.
+  // Repeats the field several times, directly after itself.
   void lengthen_run(std::vector<piece> &pieces, std::size_t at) {
     const std::size_t times = random_.percent(70) ? 1 + random_.below(4) : 1 + random_.below(40);
     const piece copy = pieces[at];
@@ -188,7 +187,7 @@ class mutator {
     pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), times, copy);
   }
 
-  // The field again, and another one between the two.
+  // Repeats the field, with another one in between.
   void split_run(const message &type, std::vector<piece> &pieces, std::size_t at, unsigned depth) {
     const piece copy = pieces[at];
     pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(at), copy);
@@ -254,7 +253,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(unsigned char *data, std::size_t 
   test::byte_string bytes(data + header, data + size);
   const fuzz::trial trial = fuzz::trial_of(data, size);
   fuzz::mutator change(random, bytes.size(), room - header);
-  // Where there is room for it, some become long.
+  // If there is room, some inputs become long.
   if (room > 8192 && bytes.size() < 4096 && random.percent(10)) change.lengthen(*trial.type, bytes);
   change.change(*trial.type, bytes);
   while (random.percent(30)) change.change(*trial.type, bytes);

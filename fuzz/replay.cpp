@@ -96,7 +96,7 @@ int main(int count, char **arguments) {
     return 1;
   }
   if (inputs == 0) {
-    std::fprintf(stderr, "usage: replay [--long] INPUTS...   (there was no input)\n");
+    std::fprintf(stderr, "usage: replay [--long] INPUTS...   (no input was given)\n");
     return 1;
   }
   std::printf("%ld inputs\n", inputs);

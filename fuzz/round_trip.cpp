@@ -1,4 +1,4 @@
-// What was read is written so that it reads as the same record and writes as the same bytes.
+// What was decoded is encoded to bytes that decode to the same record and encode to the same bytes.
 #include "harness.hpp"
 
 namespace fuzz {
@@ -14,7 +14,7 @@ void run(const trial &trial) {
   FUZZ_CHECK(trial, second.result == CODEC_OK);
   second.expect_dropped(0);
   FUZZ_CHECK(trial, encoding_of(trial, second.record, 0) == written);
-  // A message that could not be read to its end may hold nested members without their presence bits.
+  // After a failure, nested members may have content but no presence bit.
   if (first.result != CODEC_OK) return;
   FUZZ_CHECK(trial, trial.type->functions->compare(first.record.data(), second.record.data()) == 0);
 }

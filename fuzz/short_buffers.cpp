@@ -1,5 +1,5 @@
-// Encoding into a buffer of any length with a table of any capacity: what fits is written and nothing else, and all
-// that is said about the encoding is the same.
+// Encoding into a buffer of any length with a table of any capacity: exactly what fits is written, and the returned
+// size and counts are the same.
 #include <algorithm>
 
 #include "harness.hpp"
@@ -16,7 +16,7 @@ struct whole {
   std::size_t first, last;
 };
 
-// Takes an encoding apart. Referenced bytes are not in it.
+// Finds these parts in an encoding, which does not contain referenced bytes.
 void add_wholes(const message &type, const byte_string &bytes, std::size_t first, std::size_t last, bool referenced,
                 std::vector<whole> &out) {
   const auto number = [&](std::size_t &at) {
@@ -36,9 +36,9 @@ void add_wholes(const message &type, const byte_string &bytes, std::size_t first
   }
 }
 
-// Members without their bit, bits without a member, flags of any value that one byte can hold as a varint: what a
-// caller may ask to be written beside what comes from a decoder.
-void make_odd(const trial &trial, view record) {
+// Members without their presence bit, bits without a member, flags with any one-byte value: what a caller may encode
+// but no decoder produces.
+void make_inconsistent(const trial &trial, view record) {
   std::uint32_t bits = record.presence();
   for (std::size_t i = 0; i < trial.type->members.size(); ++i) {
     const member &field = trial.type->members[i];
@@ -59,7 +59,7 @@ struct outcome {
 
 constexpr unsigned char untouched = 0xc7;
 
-// A buffer of a length, filled together with some bytes before it; calls `encode` with it, and looks at these.
+// Calls `encode` with a filled buffer, and checks that the bytes before the buffer are not written.
 template <class Encode>
 unsigned char *in_buffer(const trial &trial, std::size_t length, unsigned char fill, Encode encode) {
   unsigned char *const buffer = output_room().last(length);
@@ -87,7 +87,7 @@ outcome encode(const trial &trial, const unsigned char *record, std::size_t leng
   return result;
 }
 
-// Without a table, the same bytes are written in another way.
+// Without a table the encoder takes another path, but writes the same bytes.
 void check_without_table(const trial &trial, const unsigned char *record, const outcome &with, unsigned char fill) {
   const std::size_t length = with.written.size();
   std::size_t size = 0;
@@ -112,8 +112,8 @@ void check_written(const trial &trial, const outcome &full, const outcome &cut, 
   FUZZ_CHECK(trial, cut.written == expected);
 }
 
-// Where an entry of the whole encoding must start in a shorter buffer. After its end there is no buffer to start in:
-// entries there start nowhere and, in reference mode, those after referenced bytes at their place as a number.
+// Where an entry of the whole encoding must start in a shorter buffer. Past the end of the buffer the start is null or,
+// in reference mode after referenced bytes, the position as a number.
 bool starts_right(const trial &trial, const outcome &full, const outcome &cut, const unsigned char *right,
                   const unsigned char *seen) {
   if (right < full.buffer || right > full.buffer + full.size) return seen == right;
@@ -128,22 +128,22 @@ bool starts_right(const trial &trial, const outcome &full, const outcome &cut, c
 void run(const trial &trial) {
   const unsigned char *const input = placed(input_room(), trial, trial.bytes, trial.length);
   decoded source(trial, input, trial.length, trial.referenced);
-  test::record_block odd = source.block;
-  if ((trial.choice & 1) != 0) make_odd(trial, {*trial.type, odd.data()});
+  test::record_block altered = source.block;
+  if ((trial.choice & 1) != 0) make_inconsistent(trial, {*trial.type, altered.data()});
 
   std::uint32_t needed = 0;
-  const std::size_t size = trial.type->functions->encode(odd.data(), nullptr, 0, nullptr, &needed, trial.options());
-  const outcome full = encode(trial, odd.data(), size, needed, trial.fill);
+  const std::size_t size = trial.type->functions->encode(altered.data(), nullptr, 0, nullptr, &needed, trial.options());
+  const outcome full = encode(trial, altered.data(), size, needed, trial.fill);
   FUZZ_CHECK(trial, full.size == size && full.count == needed);
 
   const std::size_t length = trial.number % (size + 9);
   const std::uint32_t capacity = (trial.number >> 4) % (needed + 2);
   const auto fill = static_cast<unsigned char>(trial.fill ^ 0x3f);
-  const outcome cut = encode(trial, odd.data(), length, capacity, fill);
+  const outcome cut = encode(trial, altered.data(), length, capacity, fill);
   FUZZ_CHECK(trial, cut.size == size && cut.count == needed);
   check_written(trial, full, cut, fill);
-  check_without_table(trial, odd.data(), full, trial.fill);
-  check_without_table(trial, odd.data(), cut, fill);
+  check_without_table(trial, altered.data(), full, trial.fill);
+  check_without_table(trial, altered.data(), cut, fill);
   for (std::uint32_t i = 0; i < capacity; ++i) {
     const auto *const byte = reinterpret_cast<const unsigned char *>(&cut.entries[i]);
     if (i >= needed) {

@@ -1,13 +1,13 @@
-// Decoding and copying look at nothing that their records held before: these come from malloc as they are, and nobody
-// writes them. What is made in them is encoded, compared and released. It is memcheck and the memory sanitizer that
-// would say so; every message is tried for every input, those of another type empty.
+// Decoding and copying do not read what their records held before: the records come uninitialised from malloc; the
+// results are encoded, compared and released. Memcheck and the memory sanitizer detect violations. Every input is tried
+// with its message type, and empty input with all others.
 #include "harness.hpp"
 
 namespace fuzz {
 
 namespace {
 
-// Memory for a record that nobody has written. On the heap, because a compiler may do as it likes with a variable.
+// Uninitialised memory for a record. On the heap, because a compiler may treat an uninitialised variable as it likes.
 class unwritten {
  public:
   explicit unwritten(const message &type) : block_(std::malloc(type.size)) {

@@ -1,6 +1,6 @@
-// Sizes at which sums and products could wrap: inputs larger than 4 GiB and runs of more than 2^32 elements where
-// pointers have 64 bits; runs whose array would not fit into the address space where they have 32. The inputs are one
-// small file, mapped again and again, so they take addresses but no memory.
+// Sizes at which sums and products could wrap: with 64-bit pointers, inputs larger than 4 GiB and runs of more than
+// 2^32 elements; with 32-bit pointers, runs whose array would not fit into the address space. The inputs are one small
+// file, mapped repeatedly, so that they take address space but no memory.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ unsigned checks = 0;
 constexpr bool wide = sizeof(std::size_t) == 8;
 constexpr std::size_t chunk = std::size_t{1} << (wide ? 26 : 20);
 
-// Bytes of a pattern, over and over, between `head` and `tail`. The last byte stands before an inaccessible page.
+// A repeated pattern between `head` and `tail`. The last byte is before an inaccessible page.
 class long_input {
  public:
   long_input(const byte_string &head, const byte_string &pattern, std::uint64_t times, const byte_string &tail = {})
@@ -52,7 +52,7 @@ class long_input {
     data_ = put(base_, front, beginning);
     map_chunks(base_ + front, chunks, pattern);
     if (!tail.empty()) {
-      // The tail stands directly after the chunks: the input does not end at the page then.
+      // The tail is directly after the chunks; then the input does not end at the page.
       unsigned char *const at =
           map(base_ + front + chunks * chunk, back, PROT_READ | PROT_WRITE, MAP_ANONYMOUS | MAP_FIXED, -1);
       std::memcpy(at, tail.data(), tail.size());
@@ -94,8 +94,8 @@ class long_input {
   unsigned char *base_ = nullptr, *data_ = nullptr;
 };
 
-// A run of elements of two bytes in the list of a message: what is asked for is the whole array or, where no size or
-// count can say that, nothing.
+// A run of two-byte elements in a list: the request is for the whole array or, if its size or count cannot be
+// represented, there is none.
 void a_run(const naive::message &type, unsigned number, std::uint64_t elements) {
   const naive::member &field = type.members[number - 1];
   const byte_string element = key(number, field.wire_type()) + byte_string{0x00};
@@ -129,8 +129,8 @@ void runs_of_2_to_the_32() {
   }
 }
 
-// For each list of messages whose array would not fit into 32 bits with an input of up to 200 MB: the greatest run that
-// fits, and the smallest that does not. And so far as inputs go, runs that do fit.
+// For each list of messages whose array exceeds 32 bits with an input of up to 200 MB: the longest run that fits, and
+// the shortest that does not. Otherwise, the longest runs that the input allows.
 [[maybe_unused]] void runs_beyond_the_address_space() {
   constexpr std::uint64_t most = 100'000'000;
   unsigned wrapping = 0;
@@ -152,7 +152,7 @@ void runs_of_2_to_the_32() {
   CHECK(wrapping != 0);
 }
 
-// One number, again and again.
+// One number, repeated.
 void an_input_of_more_than_4_gib() {
   const long_input input({}, byte_string{0x08, 0x2a}, std::uint64_t{1} << 31 | 5, byte_string{0x08, 0x2b});
   CHECK(input.size() > UINT32_MAX);
@@ -162,7 +162,7 @@ void an_input_of_more_than_4_gib() {
   std::printf("a number %llu times\n", static_cast<unsigned long long>(input.size() / 2));
 }
 
-// The greatest length there is, with all its bytes: of a string, of bytes in both modes, of an unknown field, and of a
+// The greatest possible length, with all its bytes: of a string, of bytes in both modes, of an unknown field, and of a
 // nested message.
 void the_greatest_length() {
   const byte_string length{0xff, 0xff, 0xff, 0xff, 0x0f};
@@ -210,7 +210,7 @@ void the_greatest_length() {
   std::printf("lengths of 2^32 - 1\n");
 }
 
-// Lengths that no input of this address space has: refused, or the end where the field is unknown.
+// Lengths that no input in this address space can have: refused, or for an unknown field the end of the message.
 void lengths_beyond_the_input() {
   for (const byte_string &length :
        {byte_string{0xff, 0xff, 0xff, 0xff, 0x0f}, byte_string{0xfa, 0xff, 0xff, 0xff, 0x0f},
@@ -234,7 +234,7 @@ void lengths_beyond_the_input() {
   std::printf("lengths beyond the input\n");
 }
 
-// An encoding of 200 MB and, where there is room, of more than 8 GiB: measured, and written as far as it fits.
+// An encoding of 200 MB and, with enough address space, of more than 8 GiB: measured, and written as far as it fits.
 void long_encodings() {
   const std::uint32_t count = wide ? UINT32_MAX : 66'666'666;
   const long_input array({}, byte_string{0x01}, std::uint64_t{count});
@@ -318,8 +318,7 @@ void more_entries_than_the_count_can_say() {
   std::printf("more than 2^32 entries\n");
 }
 
-// A string of a length is read and written, in a message and in one inside another, so that the length of the inner one
-// is what is given.
+// A string is decoded and encoded, in a message, and in a nested message whose length is given.
 void a_string(std::uint64_t length) {
   const byte_string prefix = byte_string{0x12} + varint(length);
   {
@@ -341,7 +340,7 @@ void a_string(std::uint64_t length) {
     CHECK(pavo_zorv_api_intf_encode_ext(&record, buffer, sizeof buffer, nullptr, nullptr) == prefix.size() + length);
     CHECK(std::memcmp(buffer, prefix.data(), prefix.size()) == 0 && buffer[prefix.size()] == 0);
   }
-  // Its key and its own prefix are part of what the outer one says.
+  // The length of the outer message includes the key and the length prefix of the inner one.
   api_to_zorv outer = {};
   const std::uint64_t shorter = prefix.size();
   outer.intf.field2 = reinterpret_cast<char *>(const_cast<unsigned char *>(text.data())) + shorter;
@@ -353,7 +352,7 @@ void a_string(std::uint64_t length) {
   CHECK(std::memcmp(buffer, outer_prefix.data(), outer_prefix.size()) == 0);
 }
 
-// Counts and lengths of every power of two that is too great for every day, with one less and one more.
+// Counts and lengths around every power of two that is too large for the usual tests.
 void every_greater_power_of_two() {
   for (unsigned power = 22; power <= (wide ? 31 : 26); ++power) {
     const std::uint64_t number = std::uint64_t{1} << power;

@@ -1,6 +1,6 @@
-// One thread changes the input while another decodes it, as a process that shares the memory could. What is read is
-// anyone's guess; but no write leaves a block, every block comes back once, and the record is a good one. Most is seen
-// by the address sanitizer. A race on purpose: nothing for the thread sanitizer.
+// One thread changes the input while another decodes it, as a process that shares the memory could. What is read is not
+// determined, but nothing is written outside a block, every block is released once, and the record is valid. The
+// address sanitizer detects most violations. This is a race on purpose, and not for the thread sanitizer.
 //
 //   changing_input MILLISECONDS
 #include <algorithm>
@@ -44,7 +44,7 @@ byte_string input_for(const naive::message &type, unsigned elements) {
 
 // --- The two threads ---
 
-// Changes a byte after another, often one of the first ones, and puts each back after some time or at once.
+// Changes one byte after another, often near the beginning, and restores each at once or later.
 void disturb(byte_string &input, const byte_string &before, const std::atomic<bool> &stop) {
   std::uint64_t number = 1;
   while (!stop.load(std::memory_order_relaxed)) {
@@ -71,7 +71,7 @@ void decode_once(const naive::message &type, const byte_string &input, std::uint
   if (result > CODEC_OK || result < CODEC_ERR_NO_MEMORY) test::broken(std::string(type.name) + ": no result");
   record.dropped = record.memory.live() - naive::blocks_owned({type, record.data()}, options != 0);
   if (result != CODEC_OK) return;
-  // By reference the bytes change still, so they are only read.
+  // Referenced bytes still change, so they are only read.
   const std::size_t size = calls.encode(record.data(), nullptr, 0, nullptr, nullptr, options);
   byte_string written(size);
   if (calls.encode(record.data(), written.data(), size, nullptr, nullptr, options) != size)

@@ -1,5 +1,5 @@
-// Eight threads decode, write, copy, compare and release records of their own, and write and compare records that they
-// share. What a thread sees must be what one thread alone sees.
+// Eight threads decode, encode, copy, compare and release their own records, and encode and compare shared records. The
+// results must be those of a single thread.
 //
 //   many_threads INPUTS ROUNDS     (fuzz/inputs.hpp says what inputs are)
 #include <atomic>
@@ -37,7 +37,7 @@ int decode(const naive::message &type, const byte_string &bytes, test::owned_rec
   return result;
 }
 
-// A record that all threads read, and what one thread alone made of it.
+// A record that all threads read, and the result of a single thread.
 struct shared {
   explicit shared(const input &from)
       : type(from.type),
@@ -89,7 +89,7 @@ int main(int count, char **arguments) {
   for (unsigned number = 0; number < threads; ++number) {
     running.emplace_back([&, number] {
       for (int round = 0; round < rounds; ++round) {
-        // All threads start elsewhere, and meet.
+        // Each thread starts at a different record.
         for (std::size_t i = 0; i < records.size(); ++i) {
           if (!agrees(records[(i + number * records.size() / threads) % records.size()])) ++wrong;
           ++done;
