@@ -133,12 +133,12 @@ TEST(proved_reference, reads_over_long_varints_with_every_pattern_of_top_bits_as
 
 TEST(proved_reference, skips_and_delimits_at_the_end_of_the_input_as_the_core_does) {
   readers both;
-  for (const std::size_t behind : {0u, 1u, 3u, 4u, 5u, 7u, 8u, 9u, 126u, 127u, 128u, 129u, 300u}) {
+  for (const std::size_t after : {0u, 1u, 3u, 4u, 5u, 7u, 8u, 9u, 126u, 127u, 128u, 129u, 300u}) {
     for (std::size_t length = 0; length <= 302; ++length) {
-      const fenced_block block(2 + behind);
+      const fenced_block block(2 + after);
       block.data()[0] = static_cast<unsigned char>(length | 0x80);
       block.data()[1] = static_cast<unsigned char>(length >> 7);
-      both.agree_on(block.data(), block.data() + 2 + behind);
+      both.agree_on(block.data(), block.data() + 2 + after);
     }
   }
   EXPECT_EQ(both.inputs(), 13u * 303u);

@@ -52,35 +52,34 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
 
   // A message that ends where the buffer does, or `after` bytes before; the buffer ends at an inaccessible page.
   template <class Element>
-  void agree_on(const byte_string &message, std::size_t before, std::size_t behind) {
+  void agree_on(const byte_string &message, std::size_t before, std::size_t after) {
     const unsigned number = GetParam();
-    byte *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - message.size();
+    byte *const limit = page_.data() + page_.size(), *const end = limit - after, *const at = end - message.size();
     if (!message.empty()) std::memcpy(at, message.data(), message.size());
     const buffer whole{at - before, limit};
     const std::size_t expected = pavo_zorv::plain::count_integers(number, at, end);
     const pavo_zorv::counted_run run = pavo_zorv::count_integers<Element>(number, at, end, whole);
     const std::size_t count = run.count();
-    ASSERT_EQ(count, expected) << describe(message, before, behind);
+    ASSERT_EQ(count, expected) << describe(message, before, after);
     if (count == 0) return;
     std::vector<Element> plain(count), fast(count);
     const byte *const plain_end = pavo_zorv::plain::read_integers(plain.data(), count, at, end);
     const byte *const fast_end = pavo_zorv::read_integers(fast.data(), run, number, at, end, whole);
-    ASSERT_EQ(fast_end - at, plain_end - at) << describe(message, before, behind);
-    ASSERT_EQ(fast, plain) << describe(message, before, behind);
+    ASSERT_EQ(fast_end - at, plain_end - at) << describe(message, before, after);
+    ASSERT_EQ(fast, plain) << describe(message, before, after);
   }
 
-  void agree(const byte_string &message, std::size_t before, std::size_t behind) {
-    agree_on<std::uint8_t>(message, before, behind);
-    agree_on<std::uint32_t>(message, before, behind);
+  void agree(const byte_string &message, std::size_t before, std::size_t after) {
+    agree_on<std::uint8_t>(message, before, after);
+    agree_on<std::uint32_t>(message, before, after);
   }
 
   // A run that changes after it has been counted: its elements are those that are there by now, as many as were
   // counted; where there are fewer, or the run is cut off, it is refused. Nothing is written beside them.
   template <class Element>
-  void agree_on_changed(const byte_string &counted, const byte_string &changed, std::size_t before,
-                        std::size_t behind) {
+  void agree_on_changed(const byte_string &counted, const byte_string &changed, std::size_t before, std::size_t after) {
     const unsigned number = GetParam();
-    byte *const limit = page_.data() + page_.size(), *const end = limit - behind, *const at = end - counted.size();
+    byte *const limit = page_.data() + page_.size(), *const end = limit - after, *const at = end - counted.size();
     const buffer whole{at - before, limit};
     std::memcpy(at, counted.data(), counted.size());
     const pavo_zorv::counted_run run = pavo_zorv::count_integers<Element>(number, at, end, whole);
@@ -90,7 +89,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     byte *const first = elements_.data() + elements_.size() - count * sizeof(Element);
     std::memset(elements_.data(), 0xc7, elements_.size());
     const byte *const next = pavo_zorv::read_integers(reinterpret_cast<Element *>(first), run, number, at, end, whole);
-    const std::string what = describe(changed, before, behind) + ", counted as " + show(counted);
+    const std::string what = describe(changed, before, after) + ", counted as " + show(counted);
     ASSERT_EQ(std::count(elements_.data(), first, 0xc7), first - elements_.data()) << what;
     if (run.next != nullptr) {
       // Its values are taken for where they were.
@@ -109,9 +108,9 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     ASSERT_EQ(fast, plain) << what;
   }
 
-  static std::string describe(const byte_string &message, std::size_t before, std::size_t behind) {
+  static std::string describe(const byte_string &message, std::size_t before, std::size_t after) {
     return "field " + std::to_string(GetParam()) + ", " + std::to_string(before) + " bytes before, " +
-           std::to_string(behind) + " after: " + show(message);
+           std::to_string(after) + " after: " + show(message);
   }
 
   // Every string over the alphabet up to a length.
@@ -143,7 +142,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
 TEST_P(both_readers, agree_on_every_short_message_at_the_end_of_the_buffer_and_before_it) {
   for_each_string(5, [&](const byte_string &string) {
     for (const std::size_t before : {0u, 64u}) {
-      for (const std::size_t behind : {0u, 1u, 7u, 64u}) agree(string, before, behind);
+      for (const std::size_t after : {0u, 1u, 7u, 64u}) agree(string, before, after);
     }
   });
 }
@@ -152,7 +151,7 @@ TEST_P(both_readers, agree_on_every_short_string_after_a_part_of_a_window) {
   for (const std::size_t elements : {9u, 21u, 22u, 30u, 31u, 32u}) {
     const byte_string run = filler(GetParam(), elements);
     for_each_string(3, [&](const byte_string &string) {
-      for (const std::size_t behind : {0u, 3u, 40u}) agree(run + string, 0, behind);
+      for (const std::size_t after : {0u, 3u, 40u}) agree(run + string, 0, after);
     });
   }
 }
@@ -160,8 +159,8 @@ TEST_P(both_readers, agree_on_every_short_string_after_a_part_of_a_window) {
 TEST_P(both_readers, agree_on_a_run_cut_at_every_place_at_every_distance_to_the_end) {
   const byte_string run = filler(GetParam(), 60);
   for (std::size_t length = 0; length <= run.size(); ++length) {
-    for (std::size_t behind = 0; behind <= 70; behind += length % 3 + 1) {
-      agree(byte_string(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(length)), 0, behind);
+    for (std::size_t after = 0; after <= 70; after += length % 3 + 1) {
+      agree(byte_string(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(length)), 0, after);
       if (HasFatalFailure()) return;
     }
   }
@@ -310,9 +309,9 @@ TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
     // What ends the run, in one of them or in both.
     if (length > 10 && random() % 3 == 0) std::fill(counted.end() - (random() % 2 == 0 ? 8 : 9), counted.end(), 0x01);
     if (length > 10 && random() % 3 == 0) std::fill(changed.end() - (random() % 2 == 0 ? 8 : 9), changed.end(), 0x01);
-    const std::size_t before = random() % 40, behind = random() % 2 == 0 ? 0 : random() % 70;
-    agree_on_changed<std::uint8_t>(counted, changed, before, behind);
-    agree_on_changed<std::uint32_t>(counted, changed, before, behind);
+    const std::size_t before = random() % 40, after = random() % 2 == 0 ? 0 : random() % 70;
+    agree_on_changed<std::uint8_t>(counted, changed, before, after);
+    agree_on_changed<std::uint32_t>(counted, changed, before, after);
   }
 }
 

@@ -240,7 +240,7 @@ TEST(api_msg_p2p_auto_policy, what_a_nested_message_fails_with_is_handed_on) {
   EXPECT_EQ(decode_without_memory<policy>(hex("aa 01 02 08 01")), CODEC_OK);
 }
 
-// --- A nested message that comes again ---
+// --- A nested message that occurs twice ---
 
 TEST(api_msg_p2p_auto_policy, a_second_label_stack_replaces_the_first_and_drops_its_memory) {
   decoded<policy> read(hex("3a 02 08 10 3a 04 08 11 08 12"));
