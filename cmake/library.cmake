@@ -38,6 +38,8 @@ function(pavo_zorv_objects objects)
   target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
   target_compile_options(${objects} PRIVATE
     ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
+  # So that the linker leaves out of a static program what it does not use (-Wl,--gc-sections).
+  target_compile_options(${objects} PRIVATE -ffunction-sections -fdata-sections)
   target_link_libraries(${objects} PRIVATE pavo_zorv_stack_probes)
   set_target_properties(${objects} PROPERTIES
     POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON CXX_EXTENSIONS OFF)

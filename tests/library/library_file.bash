@@ -104,5 +104,26 @@ is every message in include/pavo_zorv_messages.h?"
     [ "$text" -gt 0 ] && [ "$text" -lt 204800 ] || fail "text section: $text bytes"
     echo "text section: $text bytes"
     ;;
+  a_static_program_with_one_message_is_below_20_kilobytes)
+    cat > "$work/program.c" <<'PROGRAM'
+#include "pavo_zorv_memory.h"
+int main(int count, char **arguments) {
+  api_lbl_stack stack, copy;
+  unsigned char buffer[64];
+  int result = pavo_zorv_api_lbl_stack_decode_ext(&stack, (unsigned char *)arguments[0], (size_t)count,
+                                                  pavo_zorv_heap_allocate, NULL);
+  result += pavo_zorv_api_lbl_stack_duplicate(&copy, &stack, pavo_zorv_heap_allocate, NULL);
+  result += pavo_zorv_api_lbl_stack_compare(&copy, &stack);
+  result += (int)pavo_zorv_api_lbl_stack_encode_ext(&copy, buffer, sizeof buffer, NULL, NULL);
+  pavo_zorv_api_lbl_stack_free_ext(&copy, pavo_zorv_heap_release, NULL);
+  pavo_zorv_api_lbl_stack_free_ext(&stack, pavo_zorv_heap_release, NULL);
+  return result;
+}
+PROGRAM
+    "${CC:-cc}" -O2 -I"$source/include" -Wl,--gc-sections "$work/program.c" "$static" -o "$work/program"
+    bytes=$(size "$work/program" | awk 'NR == 2 { print $1 }')
+    [ "$bytes" -gt 0 ] && [ "$bytes" -lt 20480 ] || fail "the program has $bytes bytes of code and constants"
+    echo "the program has $bytes bytes of code and constants"
+    ;;
   *) fail "no such check: $what" ;;
 esac
