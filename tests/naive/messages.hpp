@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -110,6 +111,9 @@ struct message {
                                     : std::vector<std::uint32_t>{0};
   }
 };
+
+// As a test's parameter: an address would be another one in every build.
+inline void PrintTo(const message *type, std::ostream *out) { *out << type->name; }
 
 inline std::size_t member::element_size() const { return kind == kind::message_list ? nested->size : width; }
 
