@@ -85,7 +85,7 @@ PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, byte *buffe
 template <class Record>
 PAVO_ZORV_NOINLINE std::size_t encode_by_scratch(const Record &record, byte *buffer, std::size_t length,
                                                  std::uint32_t options) {
-  constexpr std::size_t slop = slop_of<Record>() + 1;
+  constexpr std::size_t slop = slop_of<Record>();
   byte scratch[slop + scratch_size];
 #if !defined(PAVO_ZORV_STACK_PROBES)
   static_assert(sizeof scratch <= 4096 - 256, "with what else is in the frame, it would not stay below a page");

@@ -27,10 +27,7 @@ consteval presence_of<Record> scalars_with_keys_of(std::size_t size) {
 template <class Record>
 PAVO_ZORV_INLINE std::uint64_t measure_scalars(std::uint64_t presence) {
   constexpr auto one = scalars_with_keys_of<Record>(1), two = scalars_with_keys_of<Record>(2);
-  std::uint64_t bytes = 0;
-  if constexpr (one != 0) bytes += count_bits(presence & one) * 2;
-  if constexpr (two != 0) bytes += count_bits(presence & two) * 3;
-  return bytes;
+  return std::uint64_t{count_bits(presence & one)} * 2 + std::uint64_t{count_bits(presence & two)} * 3;
 }
 
 template <class Record>

@@ -19,7 +19,7 @@ struct measurement {
 // The bytes of one message while its fields are added up.
 struct message_size {
   measurement &found;
-  std::uint64_t bytes = 0;
+  std::uint64_t bytes;
   std::uint64_t blocks = 0;      // the bytes of bytes members, and of messages that hold such
   std::uint64_t last_piece = 0;  // where the message's last table entry begins
 

@@ -76,7 +76,7 @@ template <class Record>
 void stays_in_its_slop(const Record &record, const std::string &name) {
   core::measurement found{false};
   const std::size_t size = core::measure(record, found);
-  constexpr std::size_t slop = core::slop_of<Record>() + 1;
+  constexpr std::size_t slop = core::slop_of<Record>();
   const fence space(slop + size + 1);
   core::byte *const first = space.first();
   for (std::size_t above = 0; above <= size; ++above) {
@@ -119,7 +119,7 @@ TEST(writing_by_scratch, the_slop_is_enough_for_every_message) {
 
 // Lists of every length that ends near the limit, above it or below, in the space that a whole encoding has.
 TEST(writing_by_scratch, a_list_of_any_length_is_reserved_or_overflows) {
-  constexpr std::size_t slop = core::slop_of<api_lbl_stack>() + 1, size = slop + core::scratch_size;
+  constexpr std::size_t slop = core::slop_of<api_lbl_stack>(), size = slop + core::scratch_size;
   const fence space(size);
   core::byte *const end = space.first() + size;
   std::vector<std::uint32_t> labels(core::scratch_size, 24001);
