@@ -1,8 +1,6 @@
 // Copying: the record byte by byte, then a block of its own for every pointer.
 #pragma once
 
-#include <cstring>
-
 #include "message.hpp"
 #include "overwrite.hpp"
 

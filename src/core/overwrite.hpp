@@ -10,7 +10,6 @@
 #include <cstring>
 #include <tuple>
 #include <type_traits>
-#include <utility>
 
 #include "layout.hpp"
 #include "message.hpp"

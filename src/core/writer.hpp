@@ -2,7 +2,6 @@
 // its length is written. A writer holds no position: that is handed from field to field, and stays in a register.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

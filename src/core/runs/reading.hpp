@@ -5,7 +5,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 
 #include "labels.hpp"
 #include "plain.hpp"

@@ -2,7 +2,6 @@
 // the only code for particular processors; it does what portable code does, which is beside it or in plain.hpp.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

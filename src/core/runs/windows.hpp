@@ -1,7 +1,6 @@
 // Windows: sixty-four bytes of the input at once, as masks with one bit for each byte.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
