@@ -315,57 +315,47 @@ TEST(api_msg, short_buffers_take_what_fits) {
                       });
 }
 
+// The entries of the payloads before the request for OAM, and these after them.
+std::vector<entry> with_the_first_payloads(const std::vector<entry> &others) {
+  std::vector<entry> result = {
+      {"internal.service", 19, 2},
+      {"internal", 13, 8},
+      {"field3", 23, 5},
+      {"field4.label_stack", 32, 2},
+      {"field4", 30, 4},
+      {"p2p_auto_policy_notif", 36, 12},
+      {"field6", 50, 3},
+      {"field7", 55, 2},
+      {"p2p_auto_policy_request.policy", 61, 3},
+      {"p2p_auto_policy_request", 59, 7},
+      {"p2p_auto_policy_response.notification", 70, 3},
+      {"p2p_auto_policy_response", 68, 7},
+      {"p2p_auto_policy_sweep", 77, 4},
+      {"to_igp.link_update", 85, 2},
+      {"to_igp", 83, 6},
+      {"to_zorv.nodeid", 93, 2},
+      {"to_zorv.intf", 97, 3},
+      {"to_zorv", 91, 9},
+  };
+  result.insert(result.end(), others.begin(), others.end());
+  return result;
+}
+
 TEST(api_msg, its_own_entry_comes_after_those_of_all_payloads) {
   const whole_envelope whole;
-  takes_entries(whole.record, {
-                                  {"internal.service", 19, 2},
-                                  {"internal", 13, 8},
-                                  {"field3", 23, 5},
-                                  {"field4.label_stack", 32, 2},
-                                  {"field4", 30, 4},
-                                  {"p2p_auto_policy_notif", 36, 12},
-                                  {"field6", 50, 3},
-                                  {"field7", 55, 2},
-                                  {"p2p_auto_policy_request.policy", 61, 3},
-                                  {"p2p_auto_policy_request", 59, 7},
-                                  {"p2p_auto_policy_response.notification", 70, 3},
-                                  {"p2p_auto_policy_response", 68, 7},
-                                  {"p2p_auto_policy_sweep", 77, 4},
-                                  {"to_igp.link_update", 85, 2},
-                                  {"to_igp", 83, 6},
-                                  {"to_zorv.nodeid", 93, 2},
-                                  {"to_zorv.intf", 97, 3},
-                                  {"to_zorv", 91, 9},
+  takes_entries(whole.record, with_the_first_payloads({
                                   {"oam_req", 102, 9},
                                   {"oam_res", 113, 9},
                                   {"policy_reg", 127, 5},
                                   {"api_msg", 0, 132},
-                              });
+                              }));
 }
 
 TEST(api_msg, by_reference_payloads_split_and_their_lengths_leave_the_bytes_out) {
   const whole_envelope whole;
   EXPECT_EQ(show(encoded(whole.record, by_reference)), show(written_by_reference()));
   takes_entries(whole.record,
-                {
-                    {"internal.service", 19, 2},
-                    {"internal", 13, 8},
-                    {"field3", 23, 5},
-                    {"field4.label_stack", 32, 2},
-                    {"field4", 30, 4},
-                    {"p2p_auto_policy_notif", 36, 12},
-                    {"field6", 50, 3},
-                    {"field7", 55, 2},
-                    {"p2p_auto_policy_request.policy", 61, 3},
-                    {"p2p_auto_policy_request", 59, 7},
-                    {"p2p_auto_policy_response.notification", 70, 3},
-                    {"p2p_auto_policy_response", 68, 7},
-                    {"p2p_auto_policy_sweep", 77, 4},
-                    {"to_igp.link_update", 85, 2},
-                    {"to_igp", 83, 6},
-                    {"to_zorv.nodeid", 93, 2},
-                    {"to_zorv.intf", 97, 3},
-                    {"to_zorv", 91, 9},
+                with_the_first_payloads({
                     {"oam_req", 102, 5},
                     referenced("oam_req.field6", whole.request_data, 2),
                     rest("oam_req", 107, 2, 5),
@@ -373,7 +363,7 @@ TEST(api_msg, by_reference_payloads_split_and_their_lengths_leave_the_bytes_out)
                     referenced("oam_res.field6", whole.result_data, 1),
                     {"policy_reg", 124, 5},
                     {"api_msg", 0, 129},
-                },
+                }),
                 by_reference);
 }
 
