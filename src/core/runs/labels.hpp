@@ -1,6 +1,7 @@
 // Labels of twenty bits, as many as a vector holds.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -13,13 +14,37 @@ namespace pavo_zorv {
 // Bits that no varint of three bytes has; a smaller number has the highest when 0x4000 is taken away.
 inline constexpr std::uint32_t beyond_labels = 0xffe00000;
 
+#if defined(__SSSE3__)
+inline constexpr bool has_shuffles = true;
+
+// For four words, each a key of one byte and a varint of up to three: where their bytes go when they are moved together
+// to the end. The index has a bit for each varint of two bytes or more and, above them, one for each of three.
+inline constexpr auto label_shuffles = [] {
+  std::array<std::array<byte, 16>, 256> result{};
+  for (unsigned sizes = 0; sizes < 256; ++sizes) {
+    unsigned at = 16;
+    for (unsigned word = 4; word-- != 0;) {
+      const unsigned more = (sizes >> word & 1) + (sizes >> (word + 4) & 1);
+      for (unsigned place = more + 2; place-- != 0;) result[sizes][--at] = static_cast<byte>(4 * word + place);
+    }
+  }
+  return result;
+}();
+#else
+inline constexpr bool has_shuffles = false;
+#endif
+
 // As many elements as a vector holds where each takes three bytes and, with the key after or before it, a 32-bit
 // word: most labels do. A quarter of the work that windows take.
+template <std::size_t Size = vector_size>
 class label_block {
  public:
-  static constexpr std::size_t size = vector_size;
+  static constexpr std::size_t size = Size;
   static constexpr std::size_t elements = size / 4;
   static constexpr bool usable = std::endian::native == std::endian::little;
+
+  using numbers = typename numbers_of<Size>::type;
+  using signed_numbers = typename numbers_of<Size>::with_sign;
 
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
@@ -27,26 +52,53 @@ class label_block {
   inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
 
   inline void read(std::uint32_t *values) const {
-    const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
+    const numbers labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
     std::memcpy(values, &labels, size);
   }
 
   // In memory: whether each value takes three bytes.
   static bool all_labels(const std::uint32_t *values) {
-    const number_vector labels = label_block(values).words_;
+    const numbers labels = label_block(values).words_;
     return none((labels | (labels - 0x4000)) & beyond_labels);
   }
 
   // Each value with the key before it.
   static void write(byte *at, std::uint32_t key, const std::uint32_t *values) {
-    const number_vector labels = label_block(values).words_;
-    const number_vector bytes =
+    const numbers labels = label_block(values).words_;
+    const numbers bytes =
         (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
     std::memcpy(at, &bytes, size);
   }
 
+  // Whether each value takes three bytes or less.
+  static bool all_short(const std::uint32_t *values) { return none(label_block(values).words_ & beyond_labels); }
+
+#if defined(__SSSE3__)
+  // Such values with their keys before them, whatever their sizes, so that they end at a place; where they begin. Up
+  // to 16 bytes before that are overwritten.
+  static byte *prepend(byte *at, std::uint32_t key, const std::uint32_t *values) {
+    const numbers labels = label_block(values).words_;
+    const auto two = reinterpret_cast<numbers>(reinterpret_cast<signed_numbers>(labels) > 0x7f);
+    const auto three = reinterpret_cast<numbers>(reinterpret_cast<signed_numbers>(labels) > 0x3fff);
+    const numbers bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 |
+                                (two & 0x8000) | (three & 0x800000) | key;
+    const unsigned twos = marked(two), threes = marked(three);
+    __m128i fours[elements / 4];
+    std::memcpy(fours, &bytes, size);
+    for (std::size_t index = elements / 4; index-- != 0;) {
+      const unsigned sizes = (twos >> 4 * index & 15) | (threes >> 4 * index & 15) << 4;
+      __m128i places;
+      std::memcpy(&places, label_shuffles[sizes].data(), sizeof places);
+      places = _mm_shuffle_epi8(fours[index], places);
+      std::memcpy(at - sizeof places, &places, sizeof places);
+      at -= 8 + count_bits(sizes);
+    }
+    return at;
+  }
+#endif
+
  private:
-  number_vector words_;
+  numbers words_;
 };
 
 }  // namespace pavo_zorv

@@ -77,12 +77,12 @@ PAVO_ZORV_INLINE const byte *walk_run(std::uint32_t key, const byte *at, const b
                                       Visit &visit) {
   for (;;) {
     if constexpr (KeySize == 1 && Visit::wants_blocks) {
-      std::size_t blocks = std::min(static_cast<std::size_t>(end - at) / label_block::size, visit.blocks_left());
+      std::size_t blocks = std::min(static_cast<std::size_t>(end - at) / label_block<>::size, visit.blocks_left());
       for (; blocks != 0; --blocks) {
-        const label_block block(at);
+        const label_block<> block(at);
         if (!block.are_labels(key)) break;
         visit.block(block);
-        at += label_block::size;
+        at += label_block<>::size;
       }
     }
     const run_window<KeySize> seen(key, at, end, limit);
@@ -117,12 +117,12 @@ PAVO_ZORV_INLINE const byte *walk_run(std::uint32_t key, const byte *at, const b
 
 template <class Element>
 struct element_counter {
-  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
+  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block<>::usable;
   std::size_t count = 0;
 
   void element(std::uint32_t) { ++count; }
   void elements(elements_seen seen) { count += count_bits(seen.ends); }
-  void block(const label_block &) { count += label_block::elements; }
+  void block(const label_block<> &) { count += label_block<>::elements; }
   static constexpr std::size_t blocks_left() { return SIZE_MAX; }
 };
 
@@ -149,13 +149,13 @@ PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &sec
 // Stores the elements of a run that has been counted, and never more of them, whatever the input shows by now.
 template <unsigned KeySize, class Element>
 struct element_reader {
-  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block::usable;
+  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block<>::usable;
   Element *next;
   Element *last;  // where the array ends
   const byte *limit;
 
   std::size_t left() const { return static_cast<std::size_t>(last - next); }
-  std::size_t blocks_left() const { return left() / label_block::elements; }
+  std::size_t blocks_left() const { return left() / label_block<>::elements; }
 
   PAVO_ZORV_INLINE void element(std::uint32_t value) {
     if (next != last) *next++ = static_cast<Element>(value);
@@ -173,10 +173,10 @@ struct element_reader {
     }
   }
 
-  PAVO_ZORV_INLINE void block(const label_block &block) {
+  PAVO_ZORV_INLINE void block(const label_block<> &block) {
     if constexpr (wants_blocks) {
       block.read(next);
-      next += label_block::elements;
+      next += label_block<>::elements;
     }
   }
 
@@ -253,11 +253,11 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint
   if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
     // Labels, each with the next key after it; another value follows the last key, so the buffer
     // holds the block.
-    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block::size), labels = 0x4444444444444444 & every;
+    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block<>::size), labels = 0x4444444444444444 & every;
     while ((values & every) == labels && values > every) {
-      reader.block(label_block(at));
-      at += label_block::size;
-      values >>= label_block::size;
+      reader.block(label_block<>(at));
+      at += label_block<>::size;
+      values >>= label_block<>::size;
     }
   }
   reader.elements({at, values});

@@ -20,8 +20,22 @@ namespace pavo_zorv {
 
 inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
 
+// Vectors of numbers. (Of a size that depends on a template's parameter, GCC makes vectors that no function takes.)
+template <std::size_t Size>
+struct numbers_of;
+template <>
+struct numbers_of<16> {
+  using type [[gnu::vector_size(16)]] = std::uint32_t;
+  using with_sign [[gnu::vector_size(16)]] = std::int32_t;
+};
+template <>
+struct numbers_of<32> {
+  using type [[gnu::vector_size(32)]] = std::uint32_t;
+  using with_sign [[gnu::vector_size(32)]] = std::int32_t;
+};
+
 // As many numbers as a vector holds.
-using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
+using number_vector = numbers_of<vector_size>::type;
 inline constexpr std::size_t vector_numbers = vector_size / sizeof(std::uint32_t);
 
 // A canonical key, as it is on the wire: one byte, or two for numbers from 16 on.
@@ -60,6 +74,29 @@ inline bool none(const Vector &bits) {
   std::uint64_t all = 0;
   for (const std::uint64_t part : parts) all |= part;
   return all == 0;
+}
+
+// The lanes whose highest bit is set, the first the lowest bit.
+template <class Vector>
+inline unsigned marked(const Vector &lanes) {
+#if defined(__AVX2__)
+  if constexpr (sizeof lanes == 32) {
+    __m256 all;
+    std::memcpy(&all, &lanes, sizeof all);
+    return static_cast<unsigned>(_mm256_movemask_ps(all));
+  }
+#endif
+#if defined(__SSE2__)
+  if constexpr (sizeof lanes == 16) {
+    __m128 all;
+    std::memcpy(&all, &lanes, sizeof all);
+    return static_cast<unsigned>(_mm_movemask_ps(all));
+  }
+#endif
+  unsigned result = 0;
+  for (std::size_t index = 0; index < sizeof lanes / 4; ++index)
+    result |= static_cast<std::uint32_t>(lanes[index]) >> 31 << index;
+  return result;
 }
 
 }  // namespace pavo_zorv

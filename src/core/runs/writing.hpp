@@ -60,11 +60,11 @@ PAVO_ZORV_NOINLINE appended append_words(byte *at, const byte *end, std::uint32_
   constexpr std::size_t rest = 4, most = 32;
   std::size_t done = 0;
   while (count - done >= vector_numbers + rest) {
-    if constexpr (KeySize == 1 && label_block::usable) {
-      if (label_block::all_labels(elements + done)) {
-        label_block::write(at, key, elements + done);
-        done += label_block::elements;
-        at += label_block::size;
+    if constexpr (KeySize == 1 && label_block<>::usable) {
+      if (label_block<>::all_labels(elements + done)) {
+        label_block<>::write(at, key, elements + done);
+        done += label_block<>::elements;
+        at += label_block<>::size;
         continue;
       }
     }
@@ -83,16 +83,36 @@ PAVO_ZORV_NOINLINE appended append_words(byte *at, const byte *end, std::uint32_
   return {at, done};
 }
 
-// Labels from the end on, as many as there are in a row; then the rest from its start on, if it is worth measuring.
+// Labels from the end on, as many as there are in a row; returns where they begin, and how many elements there are
+// before them. Without shuffles, only labels of three bytes.
+template <class Block>
+PAVO_ZORV_INLINE appended prepend_labels([[maybe_unused]] const writer &to, byte *at, std::uint32_t key,
+                                         const std::uint32_t *elements, std::size_t count) {
+  for (; count >= Block::elements; count -= Block::elements) {
+    const std::uint32_t *const last = elements + count - Block::elements;
+    if (Block::all_labels(last)) {
+      at -= Block::size;
+      Block::write(at, key, last);
+      continue;
+    }
+    if constexpr (!has_shuffles) break;
+#if defined(__SSSE3__)
+    if (at - to.first() < static_cast<std::ptrdiff_t>(Block::size) || !Block::all_short(last)) break;
+    at = Block::prepend(at, key, last);
+#endif
+  }
+  return {at, count};
+}
+
+// Labels from the end on; then the rest from its start on, if it is worth measuring.
 template <unsigned KeySize>
 inline byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements, std::size_t count) {
   if (!reserve_run<KeySize>(to, at, elements, count)) return at;
-  if constexpr (KeySize == 1 && label_block::usable) {
-    while (count >= label_block::elements && label_block::all_labels(elements + count - label_block::elements)) {
-      count -= label_block::elements;
-      at -= label_block::size;
-      label_block::write(at, key, elements + count);
-    }
+  if constexpr (KeySize == 1 && label_block<>::usable) {
+    appended labels = prepend_labels<label_block<>>(to, at, key, elements, count);
+    if constexpr (vector_size > 16) labels = prepend_labels<label_block<16>>(to, labels.at, key, elements, labels.count);
+    at = labels.at;
+    count = labels.count;
   }
   if (count < 4) return plain::write_integers(to, at, number_of(key), elements, count);
   byte *const start = at - static_cast<std::size_t>(count * KeySize + measure_integers(elements, count));
