@@ -136,7 +136,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
   }
 
  private:
-  fenced_block page_{512}, elements_{4 * 512};
+  fenced_block page_{2048}, elements_{4 * 2048};
 };
 
 TEST_P(both_readers, agree_on_every_short_message_at_the_end_of_the_buffer_and_before_it) {
@@ -197,6 +197,28 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
         agree(run, 0, 0);
         agree(run + hex("fa 01 00"), 0, 0);
         agree(run, 0, 33);
+      }
+    }
+  }
+}
+
+// The same in runs that are counted by several windows at once.
+TEST_P(both_readers, agree_on_long_runs_of_labels_with_one_other_element) {
+  const byte_string key = key_of_run();
+  for (const std::size_t labels : {70u, 75u, 140u}) {
+    for (const byte_string &label : {hex("81 82 03"), hex("83 04")}) {
+      for (std::size_t other = 0; other <= labels; ++other) {
+        for (const byte_string &value : {hex("05"), hex("85 03"), hex("81 82 03"), hex("ff ff ff 01"), hex("81 82 00"),
+                                         hex("05") + key + hex("06"), hex("85 03") + hex("ba 01")}) {
+          for (const byte_string &first : {label, hex("05"), hex("81 82 00"), hex("81 82 83 00")}) {
+            byte_string run = first;
+            for (std::size_t i = 1; i < labels; ++i) run = run + key + (i == other ? value : label);
+            agree(run, 1, 0);
+            agree(run + hex("fa 01 00"), 1, 70);
+            run.resize(run.size() - 1);
+            agree(run, 1, 0);
+          }
+        }
       }
     }
   }
@@ -292,7 +314,7 @@ byte_string any_run(unsigned number, std::size_t length, std::mt19937 &random) {
 TEST_P(both_readers, agree_on_random_runs) {
   std::mt19937 random(GetParam());
   for (int round = 0; round < 4000 && !HasFatalFailure(); ++round) {
-    const byte_string run = any_run(GetParam(), random() % 400, random);
+    const byte_string run = any_run(GetParam(), random() % (round % 4 == 0 ? 1500 : 400), random);
     agree(run, 0, random() % 70);
     agree(run + hex("fa 01 00"), 0, random() % 70);
   }
@@ -301,7 +323,10 @@ TEST_P(both_readers, agree_on_random_runs) {
 TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
   std::mt19937 random(GetParam());
   for (int round = 0; round < 20000 && !HasFatalFailure(); ++round) {
-    const std::size_t length = 1 + random() % (random() % 2 == 0 ? 64 : 400), from = random() % length;
+    const std::size_t length = 1 + random() % (random() % 2 == 0 ? 64
+                                               : round % 4 == 0  ? 1500
+                                                                 : 400),
+                      from = random() % length;
     const std::size_t to = random() % 2 == 0 ? length : from + random() % (length - from);
     byte_string counted = any_run(GetParam(), length, random), changed = counted;
     const byte_string other = any_run(GetParam(), length, random);
@@ -323,8 +348,8 @@ template <unsigned KeySize>
 void are_taken_one_by_one(const byte_string &run, std::size_t elements, std::size_t place) {
   const fenced_block input(run);
   const byte *const at = input.data(), *const end = at + input.size();
-  const auto taken = pavo_zorv::take_one_by_one<KeySize>(KeySize == 1 ? 0x08 : 0x80, at, end,
-                                                         pavo_zorv::element_counter<std::uint32_t>{});
+  const auto taken =
+      pavo_zorv::take_one_by_one<KeySize>(KeySize == 1 ? 0x08 : 0x80, at, end, pavo_zorv::element_counter{});
   EXPECT_FALSE(taken.ended) << show(run);
   EXPECT_EQ(taken.visit.count, elements) << show(run);
   EXPECT_EQ(taken.at - at, static_cast<std::ptrdiff_t>(place)) << show(run);

@@ -51,6 +51,12 @@ class label_block {
   // On the wire: whether each word is a value of three bytes and a key of one after it.
   inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
 
+  // How many of them do before the first that does not.
+  inline unsigned leading(std::uint32_t key) const {
+    const auto same = reinterpret_cast<numbers>((words_ & 0xff808080) == (key << 24 | 0x8080));
+    return static_cast<unsigned>(std::countr_one(marked(same)));
+  }
+
   inline void read(std::uint32_t *values) const {
     const numbers labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
     std::memcpy(values, &labels, size);
@@ -65,8 +71,7 @@ class label_block {
   // Each value with the key before it.
   static void write(byte *at, std::uint32_t key, const std::uint32_t *values) {
     const numbers labels = label_block(values).words_;
-    const numbers bytes =
-        (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
+    const numbers bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
     std::memcpy(at, &bytes, size);
   }
 
@@ -80,8 +85,8 @@ class label_block {
     const numbers labels = label_block(values).words_;
     const auto two = reinterpret_cast<numbers>(reinterpret_cast<signed_numbers>(labels) > 0x7f);
     const auto three = reinterpret_cast<numbers>(reinterpret_cast<signed_numbers>(labels) > 0x3fff);
-    const numbers bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 |
-                                (two & 0x8000) | (three & 0x800000) | key;
+    const numbers bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (two & 0x8000) |
+                          (three & 0x800000) | key;
     const unsigned twos = marked(two), threes = marked(three);
     __m128i fours[elements / 4];
     std::memcpy(fours, &bytes, size);
@@ -100,5 +105,40 @@ class label_block {
  private:
   numbers words_;
 };
+
+#if defined(__SSSE3__)
+// The same where each element takes two bytes, and three with the key: the first labels of the usual block do.
+class short_label_block {
+ public:
+  static constexpr std::size_t size = vector_size / 4 * 3;
+  static constexpr std::size_t read_size = size + 4;  // bytes that are loaded
+
+  explicit short_label_block(const byte *from) {
+    constexpr char zero = -1;
+    const __m128i places = _mm_setr_epi8(0, 1, 2, zero, 3, 4, 5, zero, 6, 7, 8, zero, 9, 10, 11, zero);
+    const auto four = [&](const byte *at) {
+      __m128i bytes;
+      std::memcpy(&bytes, at, sizeof bytes);
+      return _mm_shuffle_epi8(bytes, places);
+    };
+#if defined(__AVX2__)
+    const __m256i words = _mm256_set_m128i(four(from + 12), four(from));
+#else
+    const __m128i words = four(from);
+#endif
+    std::memcpy(&words_, &words, sizeof words_);
+  }
+
+  inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff8080) ^ (key << 16 | 0x80)); }
+
+  inline void read(std::uint32_t *values) const {
+    const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80);
+    std::memcpy(values, &labels, sizeof labels);
+  }
+
+ private:
+  number_vector words_;
+};
+#endif
 
 }  // namespace pavo_zorv

@@ -19,8 +19,8 @@ struct elements_seen {
   std::uint64_t ends;
 };
 
-// A window on a run, from the first byte of a value on. Varints end at a value and at a key by turns, so the parity of
-// the ends tells them apart, up to the first place where a key should begin and none in its shortest form does.
+// A window on a run, from the first byte of a value on. What it says holds up to the first place where a key should
+// begin and none in its shortest form does.
 template <unsigned KeySize>
 struct run_window {
   std::size_t left;      // bytes of the message from here on
@@ -33,7 +33,7 @@ struct run_window {
     const window seen = look(at, limit, key_bytes<KeySize>(key));
     const std::uint64_t inside = left < window_size ? (std::uint64_t{1} << left) - 1 : ~std::uint64_t{0};
     const std::uint64_t ends = seen.ends & inside;
-    values = ends & parity_up_to(ends);
+    values = ends_of_values<KeySize>(ends);
     keys = ends & ~values;
     breaks = (values << 1 & inside) & ~seen.keys;
   }
@@ -70,61 +70,104 @@ PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte 
   return {at, false, visit};
 }
 
-// Walks a run of integers from its first value on, a window at a time, and shows `visit` the elements in it. Returns
-// the place after the last value; null when a value, or the key after one, is cut off.
-template <unsigned KeySize, class Visit>
-PAVO_ZORV_INLINE const byte *walk_run(std::uint32_t key, const byte *at, const byte *end, const byte *limit,
-                                      Visit &visit) {
-  for (;;) {
-    if constexpr (KeySize == 1 && Visit::wants_blocks) {
-      std::size_t blocks = std::min(static_cast<std::size_t>(end - at) / label_block<>::size, visit.blocks_left());
-      for (; blocks != 0; --blocks) {
-        const label_block<> block(at);
-        if (!block.are_labels(key)) break;
-        visit.block(block);
-        at += label_block<>::size;
-      }
-    }
-    const run_window<KeySize> seen(key, at, end, limit);
-    if (seen.breaks == 0 && seen.left <= window_size) {
-      if (!seen.ends_with_value()) return nullptr;
-      visit.elements({at, seen.values});
-      return end;
-    }
-    if (seen.breaks == 0 && seen.keys != 0) {
-      // The window may cut the last value, or the key after it: the next one begins after the last whole key.
-      const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
-      visit.elements({at, seen.values_below(whole - 1)});
-      at += whole;
-      continue;
-    }
-    // Another key, or one value that is as long as the window or longer.
-    if (seen.breaks != 0) {
-      const auto place = static_cast<unsigned>(std::countr_zero(seen.breaks));
-      visit.elements({at, seen.values_below(place)});
-      at += place;
-      const auto [next, other] = read_varint<std::uint32_t>(at, end);
-      if (next == nullptr) return nullptr;
-      if (number_of(other) != number_of(key)) return at;
-      at = next;
-    }
-    const stretch<Visit> taken = take_one_by_one<KeySize>(key, at, end, visit);
-    visit = taken.visit;
-    at = taken.at;
-    if (taken.ended) return at;
-  }
-}
-
-template <class Element>
 struct element_counter {
-  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block<>::usable;
   std::size_t count = 0;
 
   void element(std::uint32_t) { ++count; }
-  void elements(elements_seen seen) { count += count_bits(seen.ends); }
-  void block(const label_block<> &) { count += label_block<>::elements; }
-  static constexpr std::size_t blocks_left() { return SIZE_MAX; }
 };
+
+// Eight vectors of a run with a key of one byte, from any place in it on: whether each value in them takes two bytes or
+// more and its key comes after it, and how many varints end in them. A third of the work of windows, but of no use
+// where values are small.
+class long_values {
+ public:
+  static constexpr std::size_t size = 8 * vector_size;
+
+  // The byte before them and the one after are looked at, too.
+  PAVO_ZORV_INLINE long_values(byte key, const byte *at) {
+    const bytes keys = key - bytes{};
+    bytes ends = {}, in_order = ~ends;
+    for (std::size_t offset = 0; offset < size; offset += vector_size) {
+      bytes before, here, after;
+      std::memcpy(&before, at + offset - 1, vector_size);
+      std::memcpy(&here, at + offset, vector_size);
+      std::memcpy(&after, at + offset + 1, vector_size);
+      // A varint goes on here, or this is the end of a value that has begun before, and a key comes after it, or this
+      // is the key and the next value goes on.
+      in_order &= here | (before & (after == keys)) | (after & ~before);
+      ends += here >> 7 ^ 1;
+    }
+    std::uint64_t words[vector_size / 8], all = 0;
+    std::memcpy(words, &ends, sizeof words);
+    for (const std::uint64_t word : words) all += word;
+    ends_ = static_cast<std::size_t>(all * 0x0101010101010101 >> 56);
+    in_order_ = none(~in_order & 0x80);
+  }
+
+  bool are_in_order() const { return in_order_; }
+  std::size_t ends() const { return ends_; }  // if they are in order: then there are at most two in three bytes
+
+ private:
+  using bytes [[gnu::vector_size(vector_size)]] = unsigned char;
+  std::size_t ends_;
+  bool in_order_;
+};
+
+// Counts a run that does not end in its first window. Windows follow each other at a fixed distance, whatever is in
+// them, so that the processor need not have counted one before it looks at the next. They overlap by as much as lets
+// each see a whole key.
+template <class Element, unsigned KeySize>
+PAVO_ZORV_INLINE std::size_t count_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
+  constexpr std::size_t distance = window_size - (KeySize - 1);
+  element_counter counter;
+  for (;;) {
+    // Varints since the last value of which it was known where it begins: an odd number of them after a value.
+    std::size_t ends = 0;
+    std::uint64_t after_value = 0;  // whether the byte before the window is a value's last
+    std::uint64_t seen_ends, breaks;
+    std::size_t windows = 0;  // before it is worth looking for long values
+    for (;; at += distance) {
+      if constexpr (KeySize == 1 && sizeof(Element) == 4) {
+        while (windows == 0 && end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
+          const long_values values(static_cast<byte>(key), at);
+          if (!values.are_in_order() || (after_value != 0 && *at != key)) {
+            windows = long_values::size / window_size;
+            break;
+          }
+          ends += values.ends();
+          at += long_values::size;
+          after_value = at[-1] < 0x80 && ends % 2 != 0;
+        }
+        windows -= windows != 0;
+      }
+      const auto left = static_cast<std::size_t>(end - at);
+      const window seen = look(at, limit, key_bytes<KeySize>(key));
+      if (left == 0) return 0;
+      const std::uint64_t inside = ~std::uint64_t{0} >> (window_size - std::min(left, distance));
+      seen_ends = seen.ends & inside;
+      const std::uint64_t values = KeySize == 1 ? ends_of_values<1>(seen_ends & ~after_value)
+                                                : seen_ends & (parity_up_to(seen_ends) ^ (0 - (ends & 1)));
+      breaks = (values << 1 | after_value) & ~seen.keys & inside;
+      if (breaks != 0) break;
+      ends += count_bits(seen_ends);
+      if (left <= distance) {
+        return (values >> (left - 1) & 1) != 0 ? counter.count + (ends + 1) / 2 : 0;
+      }
+      after_value = values >> (distance - 1) & 1;
+    }
+    const auto place = static_cast<unsigned>(std::countr_zero(breaks));
+    counter.count += (ends + count_bits(seen_ends & ((std::uint64_t{1} << place) - 1)) + 1) / 2;
+    at += place;
+    const auto [next, other] = read_varint<std::uint32_t>(at, end);
+    if (next == nullptr) return 0;
+    if (number_of(other) != number_of(key)) return counter.count;
+    const auto taken = take_one_by_one<KeySize>(key, next, end, counter);
+    if (taken.at == nullptr) return 0;
+    counter = taken.visit;
+    if (taken.ended) return counter.count;
+    at = taken.at;
+  }
+}
 
 // Two words, and four numbers.
 using word_pair [[gnu::vector_size(16)]] = std::uint64_t;
@@ -149,13 +192,12 @@ PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &sec
 // Stores the elements of a run that has been counted, and never more of them, whatever the input shows by now.
 template <unsigned KeySize, class Element>
 struct element_reader {
-  static constexpr bool wants_blocks = sizeof(Element) == 4 && label_block<>::usable;
+  static constexpr bool takes_labels = KeySize == 1 && sizeof(Element) == 4 && label_block<>::usable;
   Element *next;
   Element *last;  // where the array ends
   const byte *limit;
 
   std::size_t left() const { return static_cast<std::size_t>(last - next); }
-  std::size_t blocks_left() const { return left() / label_block<>::elements; }
 
   PAVO_ZORV_INLINE void element(std::uint32_t value) {
     if (next != last) *next++ = static_cast<Element>(value);
@@ -173,11 +215,40 @@ struct element_reader {
     }
   }
 
-  PAVO_ZORV_INLINE void block(const label_block<> &block) {
-    if constexpr (wants_blocks) {
-      block.read(next);
-      next += label_block<>::elements;
+  // Labels of one size, a vector at a time, and between them single elements of another: the processor fails to
+  // foresee these, so it does not have to for those around them as well. Returns where something else begins. A key
+  // is known to follow each of the elements, because there are more.
+  PAVO_ZORV_INLINE const byte *labels(std::uint32_t key, const byte *at, const byte *end) {
+    using block = label_block<>;
+    while (left() > block::elements && end - at > static_cast<std::ptrdiff_t>(block::size + 8)) {
+      const block words(at);
+      // Those that are no labels are overwritten.
+      words.read(next);
+      if (words.are_labels(key)) {
+        next += block::elements;
+        at += block::size;
+        continue;
+      }
+#if defined(__SSSE3__)
+      const short_label_block others(at);
+      if (others.are_labels(key)) {
+        others.read(next);
+        next += block::elements;
+        at += short_label_block::size;
+        continue;
+      }
+#endif
+      const unsigned leading = words.leading(key);
+      if (leading == 0) return at;
+      next += leading;
+      at += 4 * leading;
+      const std::uint64_t word = load_word(at), ends = ~word & highest_bits;
+      const auto size = static_cast<unsigned>(std::countr_zero(ends)) / 8 + 1;
+      if (ends == 0 || at[size] != key) return at;
+      *next++ = varint_value(word);
+      at += size + 1;
     }
+    return at;
   }
 
  private:
@@ -234,8 +305,7 @@ PAVO_ZORV_NOINLINE counted_run count_by_windows(std::uint32_t key, const byte *a
     if (next == nullptr) return {};
     if (number_of(other) != number_of(key)) return {at + place, seen.values_below(place)};
   }
-  element_counter<Element> counter;
-  return {nullptr, walk_run<KeySize>(key, at, end, limit, counter) != nullptr ? counter.count : 0};
+  return {nullptr, count_windows<Element, KeySize>(key, at, end, limit)};
 }
 
 template <class Element, unsigned KeySize>
@@ -250,12 +320,13 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint
     }
   }
   element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
-  if constexpr (KeySize == 1 && element_reader<KeySize, Element>::wants_blocks) {
-    // Labels, each with the next key after it; another value follows the last key, so the buffer
-    // holds the block.
-    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block<>::size), labels = 0x4444444444444444 & every;
+  if constexpr (element_reader<KeySize, Element>::takes_labels) {
+    // Labels, each with the next key after it; another value follows the last key, so the buffer holds the block.
+    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block<>::size);
+    constexpr std::uint64_t labels = 0x4444444444444444 & every;
     while ((values & every) == labels && values > every) {
-      reader.block(label_block<>(at));
+      label_block<>(at).read(reader.next);
+      reader.next += label_block<>::elements;
       at += label_block<>::size;
       values >>= label_block<>::size;
     }
@@ -263,12 +334,44 @@ PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint
   reader.elements({at, values});
 }
 
+// Reads a run that has been counted, from its first value on. Returns the place after the last one; null where there are
+// fewer by now, or one is cut off.
 template <class Element, unsigned KeySize>
 PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t count, std::uint32_t key, const byte *at,
                                                const byte *end, const byte *limit) {
-  element_reader<KeySize, Element> reader{elements, elements + count, limit};
-  const byte *const next = walk_run<KeySize>(key, at, end, limit, reader);
-  return reader.left() == 0 ? next : nullptr;
+  using reader = element_reader<KeySize, Element>;
+  reader to{elements, elements + count, limit};
+  const auto done = [&](const byte *place) { return to.left() == 0 ? place : nullptr; };
+  for (;;) {
+    if constexpr (reader::takes_labels) at = to.labels(key, at, end);
+    const run_window<KeySize> seen(key, at, end, limit);
+    if (seen.breaks == 0 && seen.left <= window_size) {
+      if (!seen.ends_with_value()) return nullptr;
+      to.elements({at, seen.values});
+      return done(end);
+    }
+    if (seen.breaks == 0 && seen.keys != 0) {
+      // The window may cut the last value, or the key after it: the next one begins after the last whole key.
+      const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
+      to.elements({at, seen.values_below(whole - 1)});
+      at += whole;
+      continue;
+    }
+    // Another key, or one value that is as long as the window or longer.
+    if (seen.breaks != 0) {
+      const auto place = static_cast<unsigned>(std::countr_zero(seen.breaks));
+      to.elements({at, seen.values_below(place)});
+      at += place;
+      const auto [next, other] = read_varint<std::uint32_t>(at, end);
+      if (next == nullptr) return nullptr;
+      if (number_of(other) != number_of(key)) return done(at);
+      at = next;
+    }
+    const stretch<reader> taken = take_one_by_one<KeySize>(key, at, end, to);
+    to = taken.visit;
+    at = taken.at;
+    if (taken.ended) return done(at);
+  }
 }
 
 // Counts the integers of a run from its first value on: none when a value, or the key after one, is cut off.

@@ -110,7 +110,8 @@ inline byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint3
   if (!reserve_run<KeySize>(to, at, elements, count)) return at;
   if constexpr (KeySize == 1 && label_block<>::usable) {
     appended labels = prepend_labels<label_block<>>(to, at, key, elements, count);
-    if constexpr (vector_size > 16) labels = prepend_labels<label_block<16>>(to, labels.at, key, elements, labels.count);
+    if constexpr (vector_size > 16)
+      labels = prepend_labels<label_block<16>>(to, labels.at, key, elements, labels.count);
     at = labels.at;
     count = labels.count;
   }
