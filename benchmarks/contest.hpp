@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <iostream>
@@ -15,6 +16,11 @@ namespace contest {
 
 using byte_string = std::vector<unsigned char>;
 using repeat = std::function<void(std::size_t times)>;
+
+// What is drawn at random in the workloads depends on this seed while the library is tuned. `./bench` reports another.
+constexpr std::uint64_t tuning_seed = 1;
+
+struct workloads;
 
 // What readers of the results need to know about a contestant.
 struct contestant {
@@ -54,14 +60,19 @@ repeat repeated(Step step) {
   };
 }
 
+// The workloads, and what is done with them by whom.
 class roll {
  public:
+  explicit roll(std::uint64_t seed = tuning_seed);
+
   void add_contestant(const contestant &who) { contestants.push_back(who); }
 
-  void add_case(const char *operation, const std::string &workload, const char *who, std::function<repeat()> prepare) {
+  void add_case(const char *operation, const std::string &workload, const std::string &who,
+                std::function<repeat()> prepare) {
     cases.push_back({operation, workload, who, std::move(prepare)});
   }
 
+  std::shared_ptr<const workloads> works;
   std::vector<contestant> contestants;
   std::vector<contest_case> cases;
 };
@@ -104,18 +115,20 @@ class pool {
 inline void *allocate_from_heap(std::size_t size, void *) { return std::malloc(size != 0 ? size : 1); }
 inline void release_to_heap(void *block, void *) { std::free(block); }
 
+// The bytes of a buffer after the longest encoding: one that is known to suffice. protozero needs them.
+constexpr std::size_t slack = 64;
+
 // Enough for what any contestant decodes from an encoding of this length; untouched pages cost nothing.
 constexpr std::size_t pool_capacity(std::size_t length) { return length * 96 + (std::size_t{1} << 16); }
 
 // The contestants, one file each.
 void enter_library(roll &all);
-void enter_floors(roll &all);
+void enter_other_library(roll &all, const std::string &name, const std::string &path);
+void enter_floor(roll &all);
 void enter_protobuf(roll &all);
 void enter_protobuf_c(roll &all);
 void enter_nanopb(roll &all);
 void enter_protozero(roll &all);
-
-// All contestants and cases.
-roll all_cases();
+void enter_all(roll &all);
 
 }  // namespace contest

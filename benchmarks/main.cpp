@@ -57,20 +57,25 @@ std::vector<std::vector<char>> displacing_blocks(unsigned layout) {
   return blocks;
 }
 
-// Removes `--name=value` from the arguments and returns the value.
-std::string option(int &count, char **arguments, const char *name) {
+// Removes each `--name=value` from the arguments and returns the values.
+std::vector<std::string> options(int &count, char **arguments, const char *name) {
   const std::string prefix = std::string("--") + name + "=";
-  std::string value;
+  std::vector<std::string> values;
   int kept = 1;
   for (int i = 1; i < count; ++i) {
     if (std::strncmp(arguments[i], prefix.c_str(), prefix.size()) == 0) {
-      value = arguments[i] + prefix.size();
+      values.emplace_back(arguments[i] + prefix.size());
     } else {
       arguments[kept++] = arguments[i];
     }
   }
   count = kept;
-  return value;
+  return values;
+}
+
+unsigned long number_option(int &count, char **arguments, const char *name, unsigned long otherwise) {
+  const std::vector<std::string> values = options(count, arguments, name);
+  return values.empty() ? otherwise : std::stoul(values.back());
 }
 
 // What the report needs besides times: lines of a keyword and its values, separated by tabs.
@@ -78,19 +83,36 @@ void describe(const contest::roll &all) {
   std::cout << "features\t" << features() << '\n';
   for (const contest::contestant &one : all.contestants)
     std::cout << "contestant\t" << one.name << '\t' << one.memory << '\t' << one.strings << '\t' << one.checks << '\n';
-  contest::all_workloads().each([](const auto &work) {
+  all.works->each([](const auto &work) {
     std::cout << "workload\t" << work.name << '\t' << work.wire.size() << '\t' << work.size() << '\n';
   });
 }
 
+constexpr const char *usage =
+    "pavo_zorv_bench [OPTION...]: times cases OPERATION/WORKLOAD/CONTESTANT\n"
+    "  --seed=NUMBER        of the workloads; 1 if it is not given\n"
+    "  --layout=NUMBER      of the heap: other numbers, other addresses\n"
+    "  --other=NAME=PATH    a shared library to time in the same run, as contestant NAME\n"
+    "  --describe           prints the contestants and the workloads only\n"
+    "and those of Google Benchmark, such as --benchmark_filter='^decode/10_labels/'\n";
+
 }  // namespace
 
 int main(int count, char **arguments) {
-  const std::string layout = option(count, arguments, "layout");
-  const auto blocks = displacing_blocks(layout.empty() ? 0 : static_cast<unsigned>(std::stoul(layout)));
-  contest::roll all = contest::all_cases();
+  const auto blocks = displacing_blocks(static_cast<unsigned>(number_option(count, arguments, "layout", 0)));
+  contest::roll all(number_option(count, arguments, "seed", contest::tuning_seed));
+  contest::enter_all(all);
+  for (const std::string &other : options(count, arguments, "other")) {
+    const std::size_t middle = other.find('=');
+    contest::require(middle != std::string::npos, "--other needs NAME=PATH", other);
+    contest::enter_other_library(all, other.substr(0, middle), other.substr(middle + 1));
+  }
   if (count == 2 && std::strcmp(arguments[1], "--describe") == 0) {
     describe(all);
+    return 0;
+  }
+  if (count == 2 && std::strcmp(arguments[1], "--help") == 0) {
+    std::cout << usage;
     return 0;
   }
   benchmark::Initialize(&count, arguments);

@@ -10,7 +10,8 @@ extern "C" [[gnu::noinline]] void timed(const contest::repeat &run, std::size_t 
 }
 
 int main(int count, char **arguments) {
-  const contest::roll all = contest::all_cases();
+  contest::roll all;
+  contest::enter_all(all);
   if (count < 4) {
     std::cerr << "usage: " << arguments[0] << " OPERATION WORKLOAD TIMES [CONTESTANT]\nCases:\n";
     for (const contest::contest_case &one : all.cases) std::cerr << "  " << one.name() << '\n';

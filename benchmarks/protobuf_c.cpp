@@ -11,12 +11,10 @@ namespace {
 constexpr const char *with_pool = "protobuf_c_pool";
 constexpr const char *with_heap = "protobuf_c_malloc";
 
-const ProtobufCMessageDescriptor &descriptor_of(const api_addr &) { return zorv__api_addr__descriptor; }
-const ProtobufCMessageDescriptor &descriptor_of(const api_lbl_stack &) { return zorv__api_lbl_stack__descriptor; }
-const ProtobufCMessageDescriptor &descriptor_of(const api_msg &) { return zorv__api_msg__descriptor; }
-const ProtobufCMessageDescriptor &descriptor_of(const api_to_igp &) { return zorv__api_to_igp__descriptor; }
-const ProtobufCMessageDescriptor &descriptor_of(const oam_res &) { return zorv__oam_res__descriptor; }
-const ProtobufCMessageDescriptor &descriptor_of(const srv6_prefix &) { return zorv__srv6_prefix__descriptor; }
+#define PAVO_ZORV_BENCHMARK_DESCRIPTOR(message) \
+  const ProtobufCMessageDescriptor &descriptor_of(const message &) { return zorv__##message##__descriptor; }
+PAVO_ZORV_BENCHMARK_MESSAGES(PAVO_ZORV_BENCHMARK_DESCRIPTOR)
+#undef PAVO_ZORV_BENCHMARK_DESCRIPTOR
 
 void *take_from_pool(void *context, std::size_t size) { return static_cast<pool *>(context)->take(size); }
 void give_to_pool(void *, void *) {}
@@ -94,16 +92,28 @@ repeat encode(std::shared_ptr<bench> on) {
   });
 }
 
+// It writes without looking at the size of the buffer.
+repeat encode_once(std::shared_ptr<bench> on) {
+  return repeated([on] {
+    for (const auto &source : on->sources) {
+      protobuf_c_message_pack(source.get(), on->output.data());
+      keep(on->output.data());
+    }
+  });
+}
+
 }  // namespace
 
 void enter_protobuf_c(roll &all) {
   all.add_contestant({with_pool, "pool, reset for each message", "copied, NUL-terminated", "no UTF-8"});
   all.add_contestant({with_heap, "malloc, and free_unpacked", "copied, NUL-terminated", "no UTF-8"});
-  all_workloads().each([&](const auto &work) {
-    all.add_case("decode", work.name, with_pool, [&] { return decode_into_pool(std::make_shared<bench>(work)); });
-    all.add_case("decode", work.name, with_heap, [&] { return decode_with_malloc(std::make_shared<bench>(work)); });
-    all.add_case("measure", work.name, with_heap, [&] { return measure(std::make_shared<bench>(work)); });
-    all.add_case("encode", work.name, with_heap, [&] { return encode(std::make_shared<bench>(work)); });
+  all.works->each([&](const auto &work) {
+    const auto start = [&work] { return std::make_shared<bench>(work); };
+    all.add_case("decode", work.name, with_pool, [=] { return decode_into_pool(start()); });
+    all.add_case("decode", work.name, with_heap, [=] { return decode_with_malloc(start()); });
+    all.add_case("encode", work.name, with_heap, [=] { return encode(start()); });
+    all.add_case("encode_once", work.name, with_heap, [=] { return encode_once(start()); });
+    all.add_case("measure", work.name, with_heap, [=] { return measure(start()); });
   });
 }
 

@@ -1,4 +1,4 @@
-// What is encoded and decoded: records with the same content in every run.
+// What is encoded and decoded: records as networks send them, drawn from a seeded generator.
 #pragma once
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "contest.hpp"
+#include "operations.hpp"
 #include "pavo_zorv.h"
 
 namespace contest {
@@ -34,68 +35,21 @@ struct workload {
 
 // The workloads, by the type of their messages.
 struct workloads {
-  std::vector<workload<api_addr>> addresses;
-  std::vector<workload<api_lbl_stack>> label_stacks;
-  std::vector<workload<api_msg>> envelopes;
-  std::vector<workload<api_to_igp>> igp_messages;
-  std::vector<workload<oam_res>> oam_results;
-  std::vector<workload<srv6_prefix>> srv6_prefixes;
+  explicit workloads(std::uint64_t seed);
+
+#define PAVO_ZORV_BENCHMARK_LIST(message) std::vector<workload<message>> of_##message;
+  PAVO_ZORV_BENCHMARK_MESSAGES(PAVO_ZORV_BENCHMARK_LIST)
+#undef PAVO_ZORV_BENCHMARK_LIST
+  std::shared_ptr<void> memory;  // of the records
 
   // Calls `visit` with every workload.
   template <class Visit>
   void each(Visit &&visit) const {
-    for (const auto &one : addresses) visit(one);
-    for (const auto &one : envelopes) visit(one);
-    for (const auto &one : igp_messages) visit(one);
-    for (const auto &one : label_stacks) visit(one);
-    for (const auto &one : oam_results) visit(one);
-    for (const auto &one : srv6_prefixes) visit(one);
+#define PAVO_ZORV_BENCHMARK_VISIT(message) \
+  for (const auto &one : of_##message) visit(one);
+    PAVO_ZORV_BENCHMARK_MESSAGES(PAVO_ZORV_BENCHMARK_VISIT)
+#undef PAVO_ZORV_BENCHMARK_VISIT
   }
 };
-
-// Built on first use; lives as long as the process.
-const workloads &all_workloads();
-
-// The five functions of a message type, with uniform names and options.
-template <class Record>
-struct operations;
-
-#define PAVO_ZORV_BENCHMARK_OPERATIONS(message, comma_options)                                                        \
-  template <>                                                                                                         \
-  struct operations<message> {                                                                                        \
-    static int decode(message *out, const byte_string &in, pavo_zorv_allocate allocate, void *context,                \
-                      [[maybe_unused]] std::uint32_t options) {                                                       \
-      return pavo_zorv_##message##_decode_ext(out, in.data(), in.size(), allocate, context comma_options);            \
-    }                                                                                                                 \
-    static std::size_t encode(const message *in, unsigned char *out, std::size_t length, pavo_zorv_segment *segments, \
-                              std::uint32_t *count, [[maybe_unused]] std::uint32_t options) {                         \
-      return pavo_zorv_##message##_encode_ext(in, out, length, segments, count comma_options);                        \
-    }                                                                                                                 \
-    static int duplicate(message *to, const message *from, pavo_zorv_allocate allocate, void *context) {              \
-      return pavo_zorv_##message##_duplicate(to, from, allocate, context);                                            \
-    }                                                                                                                 \
-    static void free(message *record, pavo_zorv_release release, void *context,                                       \
-                     [[maybe_unused]] std::uint32_t options) {                                                        \
-      pavo_zorv_##message##_free_ext(record, release, context comma_options);                                         \
-    }                                                                                                                 \
-    static int compare(const message *a, const message *b) { return pavo_zorv_##message##_compare(a, b); }            \
-  };
-PAVO_ZORV_BENCHMARK_OPERATIONS(api_addr, )
-PAVO_ZORV_BENCHMARK_OPERATIONS(api_lbl_stack, )
-PAVO_ZORV_BENCHMARK_OPERATIONS(api_to_igp, )
-#define PAVO_ZORV_BENCHMARK_OPTIONS , options
-PAVO_ZORV_BENCHMARK_OPERATIONS(api_msg, PAVO_ZORV_BENCHMARK_OPTIONS)
-PAVO_ZORV_BENCHMARK_OPERATIONS(oam_res, PAVO_ZORV_BENCHMARK_OPTIONS)
-PAVO_ZORV_BENCHMARK_OPERATIONS(srv6_prefix, PAVO_ZORV_BENCHMARK_OPTIONS)
-#undef PAVO_ZORV_BENCHMARK_OPTIONS
-#undef PAVO_ZORV_BENCHMARK_OPERATIONS
-
-// The library's encoding of a record, with which the contestants' results are compared.
-template <class Record>
-byte_string encoding(const Record &record, std::uint32_t options = 0) {
-  byte_string result(operations<Record>::encode(&record, nullptr, 0, nullptr, nullptr, options));
-  operations<Record>::encode(&record, result.data(), result.size(), nullptr, nullptr, options);
-  return result;
-}
 
 }  // namespace contest
