@@ -40,9 +40,9 @@ struct contest_case {
 };
 
 // A contestant whose result is wrong is not timed.
-inline void require(bool holds, const char *what, const std::string &workload) {
+inline void require(bool holds, const char *what, const std::string &where) {
   if (holds) return;
-  std::cerr << "contestant failed its check: " << what << ", workload " << workload << "\n";
+  std::cerr << "contestant failed its check: " << what << ": " << where << "\n";
   std::abort();
 }
 

@@ -104,7 +104,7 @@ int main(int count, char **arguments) {
   contest::enter_all(all);
   for (const std::string &other : options(count, arguments, "other")) {
     const std::size_t middle = other.find('=');
-    contest::require(middle != std::string::npos, "--other needs NAME=PATH", other);
+    contest::require(middle != std::string::npos, "--other has NAME=PATH", other);
     contest::enter_other_library(all, other.substr(0, middle), other.substr(middle + 1));
   }
   if (count == 2 && std::strcmp(arguments[1], "--describe") == 0) {

@@ -22,14 +22,14 @@ class build {
  public:
   build() = default;
   explicit build(const std::string &path) : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    require(handle_ != nullptr, path.c_str(), "(the library does not load)");
+    require(handle_ != nullptr, "the library loads", path);
   }
 
   template <class Function>
   Function *function(const char *name, Function *linked) const {
     if (handle_ == nullptr) return linked;
     auto *const found = reinterpret_cast<Function *>(dlsym(handle_, name));
-    require(found != nullptr, name, "(the library does not have this function)");
+    require(found != nullptr, "the library has every function", name);
     return found;
   }
 
