@@ -1,6 +1,6 @@
 """The messages of a segment-routing policy component, over the shared library libpavo_zorv.
 
-Each of the 31 messages is a class of its C name:
+Each message is a class of its C name:
 
     >>> import pavo_zorv
     >>> stack = pavo_zorv.api_lbl_stack(labels=[16, 24001])
