@@ -209,8 +209,8 @@ class mutator {
     if (random_.percent(12)) return unknown_field(type);
     const std::size_t index = random_.below(type.members.size());
     const member &field = type.members[index];
-    one.key = static_cast<std::uint32_t>(index + 1) << 3 | (field.is_varint() ? 0 : 2);
-    one.delimited = !field.is_varint();
+    one.key = static_cast<std::uint32_t>(index + 1) << 3 | field.wire_type();
+    one.delimited = field.wire_type() == 2;
     if (field.is_varint()) {
       one.value = varint(random_.number());
     } else if (field.nested == nullptr) {

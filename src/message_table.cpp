@@ -26,10 +26,11 @@ constexpr field_info field_of(std::size_t &member) {
   using row_type = std::remove_cvref_t<decltype(row)>;
   field_info result{row.number, row.name, row.type, row.wire, 0, false, nullptr, offsets_of<Record>[member++], 0};
   if constexpr (std::tuple_size_v<decltype(row.members())> == 2) result.count_offset = offsets_of<Record>[member++];
-  if constexpr (row.type == kind::flag) result.width = 1;
-  if constexpr (row.type == kind::integer || row.type == kind::integer_list) {
-    result.width = sizeof(typename row_type::element);
-    result.is_signed = std::is_signed_v<typename row_type::element>;
+  using member_type = std::remove_reference_t<decltype(std::declval<Record &>().*std::get<0>(row.members()))>;
+  using number = std::conditional_t<row.type == kind::integer_list, std::remove_pointer_t<member_type>, member_type>;
+  if constexpr (std::is_integral_v<number>) {
+    result.width = sizeof(number);
+    result.is_signed = std::is_signed_v<number>;
   }
   if constexpr (row.type == kind::nested || row.type == kind::message_list) {
     result.nested = &info<typename row_type::message>::message;

@@ -19,7 +19,7 @@ struct field_info {
   const char *name;
   pavo_zorv::kind kind;
   wire_type wire;
-  unsigned width;  // bytes of a flag or an integer, or of the integers of a list; else 0
+  unsigned width;  // bytes of a flag or a number, or of the integers of a list; else 0
   bool is_signed;
   const message_info *nested;  // also of the messages of a list; else null
   std::size_t offset;          // of the member in the record

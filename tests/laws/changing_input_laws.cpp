@@ -80,7 +80,7 @@ class changing_input : public law {
     // What is loaded at once may not pass the end of the input, nor begin before it.
     unsigned char *const place = random.percent(80) ? room.last(input.size()) : room.first();
     const member &member = type.members[static_cast<std::size_t>(random.below(type.members.size()))];
-    const auto key = static_cast<unsigned char>(member.number * 8 + (member.is_varint() ? 0 : 2));
+    const auto key = static_cast<unsigned char>(member.number * 8 + member.wire_type());
     std::size_t requests = 1;
     for (std::size_t at = 0; at < std::min(requests, most_requests); ++at) {
       for (const changes how : every_change) {
@@ -157,7 +157,7 @@ TEST_P(changing_input, does_not_make_a_list_longer_than_it_was_counted) {
           byte_string bytes;
           bytes_maker maker(random);
           for (unsigned element = 0; element < count; ++element) {
-            maker.varint(bytes, list.number * 8 + (list.is_varint() ? 0 : 2), 32, 0);
+            maker.varint(bytes, list.number * 8 + list.wire_type(), 32, 0);
             if (list.is_varint()) {
               maker.varint(bytes, std::uint64_t{1} << 7 * (size - 1), 32, 0);
             } else {

@@ -83,8 +83,8 @@ class bytes_maker {
     const std::uint64_t style = random_.below(4);
     const std::uint64_t bits = random_.from(0, 32);
     for (std::uint64_t elements = member.is_list() ? run_length(member, depth) : 1; elements-- != 0;) {
-      const std::uint64_t right_type = member.is_varint() ? 0 : 2;
-      varint(out, member.number * 8 + (random_.percent(98) ? right_type : random_.below(8)), 32, style == 1 ? 1 : 5);
+      varint(out, member.number * 8 + (random_.percent(98) ? member.wire_type() : random_.below(8)), 32,
+             style == 1 ? 1 : 5);
       if (!member.is_varint()) {
         delimited(out, member, depth);
       } else if (style == 0) {

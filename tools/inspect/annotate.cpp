@@ -121,10 +121,10 @@ class annotator {
   void mark_varints(const walked_field &here, annotation &row) const {
     mark(row, here.start, here.value, role::key, pavo_zorv::varint_size(here.key), "key");
     const bool has_length = here.content != here.value;
-    const bool is_varint = !has_length && (here.field != nullptr || (here.key & 7) == 0);
+    const wire_type type = here.field != nullptr ? here.field->wire : static_cast<wire_type>(here.key & 7);
     const std::size_t shortest = pavo_zorv::varint_size(here.number);
     if (has_length) mark(row, here.value, here.content, role::length, shortest, "length");
-    if (is_varint) mark(row, here.value, here.end, role::value, shortest, "value");
+    if (type == wire_type::varint) mark(row, here.value, here.end, role::value, shortest, "value");
   }
 
   static void mark(annotation &row, std::size_t from, std::size_t to, role role, std::size_t shortest,
