@@ -1,4 +1,4 @@
-// The messages of the library: all 31.
+// The messages of the library, all of them.
 #include "laws.hpp"
 
 namespace test {

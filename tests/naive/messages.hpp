@@ -148,14 +148,22 @@ class layout {
   message &owner_;
 };
 
-inline const message *message_named(const std::vector<message> &known, std::string_view name) {
+// Where messages are stated, and where those that have functions are listed: for the failures that end a program.
+struct source_files {
+  const char *statements, *functions;
+};
+inline constexpr source_files library_files{"tests/naive/messages.hpp", "include/pavo_zorv_messages.h"};
+
+inline const message *message_named(const std::vector<message> &known, std::string_view name,
+                                    const source_files &files = library_files) {
   for (const message &one : known) {
     if (one.name == name) return &one;
   }
-  broken("tests/naive/messages.hpp does not state " + std::string(name) + ", or not before what contains it");
+  broken(std::string(files.statements) + " does not state " + std::string(name) + ", or not before what contains it");
 }
 
-inline member member_of(std::string_view word, const std::vector<message> &known, layout &place) {
+inline member member_of(std::string_view word, const std::vector<message> &known, layout &place,
+                        const source_files &files) {
   const bool list = word.back() == '*';
   if (list) word.remove_suffix(1);
   member result;
@@ -170,7 +178,7 @@ inline member member_of(std::string_view word, const std::vector<message> &known
     result.kind = word == "string" ? kind::string : kind::bytes;
   } else {
     result.kind = list ? kind::message_list : kind::nested;
-    result.nested = message_named(known, word);
+    result.nested = message_named(known, word, files);
   }
   result.offset = result.is_scalar()            ? place.number(result.width)
                   : result.kind == kind::nested ? place.place(result.nested->size, result.nested->alignment)
@@ -180,7 +188,8 @@ inline member member_of(std::string_view word, const std::vector<message> &known
 }
 
 // Messages by their statements, each with the functions of its name.
-inline std::vector<message> messages_of(std::span<const statement> stated, std::span<const calls> functions) {
+inline std::vector<message> messages_of(std::span<const statement> stated, std::span<const calls> functions,
+                                        const source_files &files = library_files) {
   std::vector<message> result;
   result.reserve(stated.size());  // messages point to one another
   for (const statement &one : stated) {
@@ -190,20 +199,20 @@ inline std::vector<message> messages_of(std::span<const statement> stated, std::
       if (std::strcmp(each.name, one.message) == 0) made.functions = &each;
     }
     if (made.functions == nullptr) {
-      broken("tests/naive/messages.hpp states " + std::string(one.message) +
-             ", which include/pavo_zorv_messages.h does not list");
+      broken(std::string(files.statements) + " states " + one.message + ", which " + files.functions +
+             " does not list");
     }
     layout place(made);
     for (std::string_view words = one.fields; !words.empty();) {
       const std::size_t end = words.find(' ');
-      made.members.push_back(member_of(words.substr(0, end), result, place));
+      made.members.push_back(member_of(words.substr(0, end), result, place, files));
       made.members.back().number = static_cast<unsigned>(made.members.size());
       words.remove_prefix(end == words.npos ? words.size() : end + 1);
     }
     place.finish();
     if (made.size != made.functions->record_size) {
-      broken("tests/naive/messages.hpp states " + std::string(one.message) + " with " + std::to_string(made.size) +
-             " bytes, include/pavo_zorv.h has " + std::to_string(made.functions->record_size));
+      broken(std::string(files.statements) + " states " + one.message + " with " + std::to_string(made.size) +
+             " bytes, its record has " + std::to_string(made.functions->record_size));
     }
     result.push_back(made);
   }

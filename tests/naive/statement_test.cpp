@@ -30,6 +30,7 @@ naive::kind stated(pavo_zorv::kind of) {
 }
 
 TEST_P(naive_statement, says_the_same_as_the_schema) {
+  SCOPED_TRACE("tests/naive/messages.hpp, and the message's table in src/messages/");
   const naive::message &message = *GetParam();
   const pavo_zorv::message_info *const schema = pavo_zorv::find_message(message.name);
   ASSERT_NE(schema, nullptr);
