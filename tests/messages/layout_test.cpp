@@ -1,6 +1,6 @@
 // What holds for every record, and the values of the presence constants. Where the members stand says
 // pavo_zorv_layout.h, which the compiler checks wherever the header is used; their types are held against
-// tests/naive/messages.hpp.
+// tests/naive/messages.hpp. And that every message has tests.
 #include "core/layout.hpp"
 
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <set>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -66,6 +67,16 @@ std::vector<std::string> presence_constants(const std::string &header, const std
   for (std::sregex_iterator at(text.begin(), text.end(), constant); at != std::sregex_iterator(); ++at)
     result.push_back(at->str());
   return result;
+}
+
+TEST(messages, have_a_suite_of_tests_each) {
+  const testing::UnitTest &tests = *testing::UnitTest::GetInstance();
+  std::set<std::string> suites;
+  for (int i = 0; i < tests.total_test_suite_count(); ++i) suites.insert(tests.GetTestSuite(i)->name());
+  pavo_zorv::for_each_message([&](auto message) {
+    const std::string name = pavo_zorv::message_name<typename decltype(message)::type>;
+    EXPECT_TRUE(suites.contains(name)) << "no file in tests/messages/ has tests of the suite " << name;
+  });
 }
 
 TEST(layout, has_one_presence_constant_for_each_field_in_field_order) {
