@@ -19,7 +19,8 @@ void check_row() {
   static_assert(std::is_same_v<decltype(zorv::presence_bit<member>), const pavo_zorv::presence_of<Record>>);
   static_assert(traits::is_array == (std::tuple_size_v<decltype(members)> == 2));
   static_assert(traits::is_bytes == (row_type::type == pavo_zorv::kind::bytes));
-  static_assert(traits::is_flag == (row_type::type == pavo_zorv::kind::flag));
+  static_assert(traits::is_flag == (row_type::type == pavo_zorv::kind::flag),
+                "is_number_of_8_bits in include/pavo_zorv.hpp names the integers of 8 bits, and no flag");
   static_assert(traits::is_number == (traits::is_flag || row_type::type == pavo_zorv::kind::integer));
   if constexpr (traits::is_array) {
     Record record{};

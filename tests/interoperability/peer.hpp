@@ -80,7 +80,7 @@ inline void set_value(protobuf::Message &message, const protobuf::FieldDescripto
     case protobuf::FieldDescriptor::TYPE_INT64:
       return access.SetInt64(&message, &field, static_cast<std::int64_t>(value));
     default:
-      throw std::runtime_error(field.full_name() + " is no number");
+      throw std::runtime_error("tests/interoperability/peer.hpp has no case for the type of " + field.full_name());
   }
 }
 

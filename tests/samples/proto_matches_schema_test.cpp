@@ -48,7 +48,7 @@ template <class Row>
 void expect_field(const Row &row, const google::protobuf::Descriptor &message) {
   const FieldDescriptor *const field = message.FindFieldByNumber(static_cast<int>(row.number));
   ASSERT_NE(field, nullptr) << "in proto/zorv.proto, " << message.name() << " lacks field " << row.number;
-  SCOPED_TRACE(field->full_name());
+  SCOPED_TRACE("in proto/zorv.proto, " + field->full_name());
   constexpr bool is_list = Row::type == kind::integer_list || Row::type == kind::message_list;
   EXPECT_EQ(field->name(), row.name);
   EXPECT_EQ(field->type_name(), std::string(FieldDescriptor::TypeName(expected_type<Row>())));
