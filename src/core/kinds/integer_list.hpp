@@ -32,6 +32,26 @@ inline int compare_integers(const std::uint32_t *a, const std::uint32_t *b, std:
 template <class Element>
 concept integer_element = std::same_as<Element, std::uint8_t> || std::same_as<Element, std::uint32_t>;
 
+// Counts a run, asks for memory, and reads the run. All messages share it.
+template <integer_element Element, unsigned KeySize>
+PAVO_ZORV_NOINLINE step decode_run(Element *&elements, std::uint32_t &count, std::uint32_t key, const byte *at,
+                                   const byte *end, const decode_context &input) {
+  const counted_run run = count_integers<Element, KeySize>(key, at, end, input.whole);
+  const std::size_t length = run.count();
+  if (length == 0) return failed(CODEC_ERR_TRUNCATED);
+  auto *const block = input.memory.array<Element>(length);
+  if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
+  elements = block;
+  count = static_cast<std::uint32_t>(length);
+  const byte *const next = read_integers<Element, KeySize>(block, run, key, at, end, input.whole);
+  if (next == nullptr) [[unlikely]] {
+    // The input has changed since it was counted.
+    std::memset(block, 0, length * sizeof(Element));
+    return failed(CODEC_ERR_TRUNCATED);
+  }
+  return {next, CODEC_OK};
+}
+
 template <class Record, integer_element Element>
 struct integer_list : row {
   static constexpr kind type = kind::integer_list;
@@ -54,20 +74,9 @@ struct integer_list : row {
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
-    const counted_run run = count_integers<Element>(number, at, end, input.whole);
-    const std::size_t length = run.count();
-    if (length == 0) return failed(CODEC_ERR_TRUNCATED);
-    auto *const block = input.memory.array<Element>(length);
-    if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
-    record.*elements = block;
-    record.*count = static_cast<std::uint32_t>(length);
-    const byte *const next = read_integers(block, run, number, at, end, input.whole);
-    if (next == nullptr) [[unlikely]] {
-      // The input has changed since it was counted.
-      std::memset(block, 0, length * sizeof(Element));
-      return failed(CODEC_ERR_TRUNCATED);
-    }
-    return {next, CODEC_OK};
+    const std::uint32_t key = key_of(number, wire);
+    return key < 0x80 ? decode_run<Element, 1>(record.*elements, record.*count, key, at, end, input)
+                      : decode_run<Element, 2>(record.*elements, record.*count, key, at, end, input);
   }
 
   PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {

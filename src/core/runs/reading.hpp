@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/blocks.hpp"
 #include "labels.hpp"
 #include "plain.hpp"
 #include "windows.hpp"
@@ -117,7 +118,7 @@ class long_values {
 // them, so that the processor need not have counted one before it looks at the next. They overlap by as much as lets
 // each see a whole key.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_INLINE std::size_t count_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
+PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   constexpr std::size_t distance = window_size - (KeySize - 1);
   element_counter counter;
   for (;;) {
@@ -295,7 +296,7 @@ struct counted_run {
 
 // Runs with the key in its shortest form, in a buffer that is long enough for one load.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE counted_run count_by_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
+PAVO_ZORV_INLINE counted_run count_by_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   const run_window<KeySize> seen(key, at, end, limit);
   if (seen.breaks == 0 && seen.left <= window_size)
     return seen.ends_with_value() ? counted_run{end, seen.values} : counted_run{};
@@ -309,12 +310,19 @@ PAVO_ZORV_NOINLINE counted_run count_by_windows(std::uint32_t key, const byte *a
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE void read_window(Element *elements, const byte *at, std::uint64_t values, const byte *limit) {
+PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64_t values, const byte *limit) {
   if constexpr (sizeof(Element) == 1) {
     // An element that takes two bytes has its own value in the first, if the second is 1, as it is in the shortest
     // form: then all elements are the first bytes of values.
     const std::uint64_t starts = (values << (1 + KeySize) | 1) & (~std::uint64_t{0} >> std::countl_zero(values));
     if (((starts & ~values) << 1 & ~(values & look_for(at, limit, 1))) == 0) {
+      if (has_picking && limit - at >= static_cast<std::ptrdiff_t>(window_size)) {
+        // A window has no more elements than half its bytes; the last word stored may go on for seven after them.
+        byte space[window_size / 2 + 8];
+        pick_bytes(space, at, starts);
+        copy_bytes(elements, space, count_bits(starts));
+        return;
+      }
       for (std::uint64_t rest = starts; rest != 0; rest &= rest - 1) *elements++ = at[std::countr_zero(rest)];
       return;
     }
@@ -375,28 +383,23 @@ PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t co
 }
 
 // Counts the integers of a run from its first value on: none when a value, or the key after one, is cut off.
-template <class Element>
-PAVO_ZORV_INLINE counted_run count_integers(unsigned number, const byte *at, const byte *end, const buffer &whole) {
-  if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number, at, end)};
-  const std::uint32_t key = key_of(number, wire_type::varint);
-  return key < 0x80 ? count_by_windows<Element, 1>(key, at, end, whole.limit)
-                    : count_by_windows<Element, 2>(key, at, end, whole.limit);
+template <class Element, unsigned KeySize>
+PAVO_ZORV_INLINE counted_run count_integers(std::uint32_t key, const byte *at, const byte *end, const buffer &whole) {
+  if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number_of(key), at, end)};
+  return count_by_windows<Element, KeySize>(key, at, end, whole.limit);
 }
 
 // Reads integers that have been counted; returns the place after the last. Null where the input has changed since
 // then, and fewer are there now; of more, only as many as were counted are read.
-template <class Element>
-PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, unsigned number, const byte *at,
+template <class Element, unsigned KeySize>
+PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, std::uint32_t key, const byte *at,
                                            const byte *end, const buffer &whole) {
-  const std::uint32_t key = key_of(number, wire_type::varint);
   if (run.next != nullptr) {
-    key < 0x80 ? read_window<Element, 1>(elements, at, run.values, whole.limit)
-               : read_window<Element, 2>(elements, at, run.values, whole.limit);
+    read_window<Element, KeySize>(elements, at, run.values, whole.limit);
     return run.next;
   }
   if (whole.size() < native_piece::size) return plain::read_integers(elements, run.count(), at, end);
-  return key < 0x80 ? read_by_windows<Element, 1>(elements, run.count(), key, at, end, whole.limit)
-                    : read_by_windows<Element, 2>(elements, run.count(), key, at, end, whole.limit);
+  return read_by_windows<Element, KeySize>(elements, run.count(), key, at, end, whole.limit);
 }
 
 }  // namespace pavo_zorv

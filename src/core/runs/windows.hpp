@@ -1,6 +1,7 @@
 // Windows: sixty-four bytes of the input at once, as masks with one bit for each byte.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -121,5 +122,35 @@ constexpr std::uint64_t ends_of_values(std::uint64_t ends) {
   const std::uint64_t from_even = ends & ~(ends + (first & even));
   return ends & (from_even ^ ~even);
 }
+
+// Whether the bytes of a window at which a mask has ones can be put side by side, eight bytes at a time.
+#if defined(__SSSE3__)
+inline constexpr bool has_picking = true;
+
+// For eight bits, where they are one, from the lowest on.
+inline constexpr auto places_of_ones = [] {
+  std::array<std::array<byte, 8>, 256> result{};
+  for (unsigned bits = 0; bits < 256; ++bits) {
+    unsigned count = 0;
+    for (unsigned place = 0; place < 8; ++place) {
+      if ((bits >> place & 1) != 0) result[bits][count++] = static_cast<byte>(place);
+    }
+  }
+  return result;
+}();
+
+// Reads whole words up to the last one of the mask, and stores whole words.
+PAVO_ZORV_INLINE void pick_bytes(byte *to, const byte *at, std::uint64_t mask) {
+  for (; mask != 0; mask >>= 8, at += 8) {
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(at));
+    const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(places_of_ones[mask & 0xff].data()));
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(to), _mm_shuffle_epi8(bytes, places));
+    to += count_bits(mask & 0xff);
+  }
+}
+#else
+inline constexpr bool has_picking = false;
+inline void pick_bytes(byte *, const byte *, std::uint64_t) {}
+#endif
 
 }  // namespace pavo_zorv
