@@ -55,31 +55,52 @@ PAVO_ZORV_INLINE typename Writer::position write_message(const Record &record, W
   }
 }
 
-// Writes an encoding that has been measured into a buffer or a table, or both.
-template <class Record>
-PAVO_ZORV_NOINLINE void write_measured(const Record &record, const measurement &found, std::size_t size, byte *buffer,
-                                       std::size_t length, segment_table *table) {
+// What encoding in two passes needs of a message. It is the same code for all messages, because each is long, or has a
+// table, or does not fit: then these calls do not count.
+struct two_passes {
+  std::uint64_t (*measure)(const void *record, measurement &found);
+  void (*write)(const void *record, writer &to, byte *end);
+  void (*write_clipped)(const void *record, clipped_writer &to, std::size_t end);
+
+  template <class Record>
+  static two_passes of() {
+    return {
+        [](const void *record, measurement &found) {
+          return measure_message(*static_cast<const Record *>(record), found);
+        },
+        [](const void *record, writer &to, byte *end) { write_apart(*static_cast<const Record *>(record), to, end); },
+        [](const void *record, clipped_writer &to, std::size_t end) {
+          write_apart(*static_cast<const Record *>(record), to, end);
+        }};
+  }
+};
+
+PAVO_ZORV_NOINLINE inline std::size_t encode_in_two_passes(const void *record, two_passes message, byte *buffer,
+                                                           std::size_t length, pavo_zorv_segment *segments,
+                                                           std::uint32_t *segment_count, std::uint32_t options) {
+  measurement found{(options & PAVO_ZORV_REFERENCE) != 0};
+  const std::size_t size = size_in_memory(message.measure(record, found), found);
+  segment_table entries{segments, segment_count != nullptr && segments != nullptr ? *segment_count : 0, found.segments};
+  if (segment_count != nullptr)
+    *segment_count = static_cast<std::uint32_t>(std::min<std::uint64_t>(found.segments, UINT32_MAX));
+  if (found.overflowed) return size;
+  segment_table *const table = entries.capacity != 0 ? &entries : nullptr;
+  if (buffer == nullptr) length = 0;
   if (buffer != nullptr && size <= length && !found.has_null_bytes) {
     auto to = writer::exact(buffer, table, found.referenced);
-    write_apart(record, to, buffer + size);
+    message.write(record, to, buffer + size);
   } else if (length != 0 || table != nullptr) {
     clipped_writer to(buffer, length, table, found.referenced);
-    write_apart(record, to, size);
+    message.write_clipped(record, to, size);
   }
+  return size;
 }
 
 template <class Record>
 PAVO_ZORV_NOINLINE std::size_t encode_measured(const Record &record, byte *buffer, std::size_t length,
                                                pavo_zorv_segment *segments, std::uint32_t *segment_count,
                                                std::uint32_t options) {
-  measurement found{(options & PAVO_ZORV_REFERENCE) != 0};
-  const std::size_t size = measure(record, found);
-  segment_table table{segments, segment_count != nullptr && segments != nullptr ? *segment_count : 0, found.segments};
-  if (segment_count != nullptr)
-    *segment_count = static_cast<std::uint32_t>(std::min<std::uint64_t>(found.segments, UINT32_MAX));
-  if (!found.overflowed)
-    write_measured(record, found, size, buffer, buffer != nullptr ? length : 0, table.capacity != 0 ? &table : nullptr);
-  return size;
+  return encode_in_two_passes(&record, two_passes::of<Record>(), buffer, length, segments, segment_count, options);
 }
 
 template <class Record>

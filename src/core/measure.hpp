@@ -57,13 +57,16 @@ PAVO_ZORV_INLINE std::uint64_t measure_message(const Record &record, measurement
 
 // Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the bytes: with 64 bits only bytes members make so
 // many, and their sum says so itself; with 32 any long list does.
-template <class Record>
-PAVO_ZORV_INLINE std::size_t measure(const Record &record, measurement &found) {
-  const std::uint64_t bytes = measure_message(record, found);
+PAVO_ZORV_INLINE std::size_t size_in_memory(std::uint64_t bytes, measurement &found) {
   const auto size = static_cast<std::size_t>(bytes);
   if constexpr (sizeof size == sizeof bytes) return size;
   found.overflowed |= size != bytes;
   return found.overflowed ? SIZE_MAX : size;
+}
+
+template <class Record>
+PAVO_ZORV_INLINE std::size_t measure(const Record &record, measurement &found) {
+  return size_in_memory(measure_message(record, found), found);
 }
 
 }  // namespace pavo_zorv

@@ -52,6 +52,20 @@ PAVO_ZORV_NOINLINE step decode_run(Element *&elements, std::uint32_t &count, std
   return {next, CODEC_OK};
 }
 
+template <integer_element Element>
+PAVO_ZORV_INLINE bool copy_array(Element *&elements, std::uint32_t &count, const Element *from, std::uint32_t length,
+                                 const copy_context &copying) {
+  if (from == nullptr) length = 0;
+  Element *const copy = length != 0 ? copying.memory.array<Element>(length) : nullptr;
+  elements = copy;
+  if (copy == nullptr) {
+    count = 0;
+    return length == 0;
+  }
+  copy_bytes<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
+  return true;
+}
+
 template <class Record, integer_element Element>
 struct integer_list : row {
   static constexpr kind type = kind::integer_list;
@@ -98,16 +112,7 @@ struct integer_list : row {
   }
 
   PAVO_ZORV_INLINE bool copy(Record &record, const Record &source, copy_context &copying) const {
-    const Element *const from = source.*elements;
-    const std::uint32_t length = from != nullptr ? source.*count : 0;
-    Element *const copy = length != 0 ? copying.memory.array<Element>(length) : nullptr;
-    record.*elements = copy;
-    if (copy == nullptr) {
-      record.*count = 0;
-      return length == 0;
-    }
-    copy_bytes<16 * sizeof(Element)>(copy, from, length * sizeof(Element));
-    return true;
+    return copy_array(record.*elements, record.*count, source.*elements, source.*count, copying);
   }
 
   // The count stays: a record that is encoded again must be cleared before.

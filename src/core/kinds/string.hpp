@@ -10,6 +10,26 @@
 
 namespace pavo_zorv {
 
+// All messages share what asks for memory.
+PAVO_ZORV_NOINLINE inline step decode_text(char *&value, const byte *at, const byte *end, const decode_context &input) {
+  const delimited characters = read_delimited(at, end);
+  if (characters.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
+  char *const copy = input.memory.text(characters.length());
+  if (copy == nullptr) return failed(CODEC_ERR_NO_MEMORY);
+  copy_bytes(copy, characters.first, characters.length());
+  copy[characters.length()] = '\0';
+  value = copy;
+  return {characters.last, CODEC_OK};
+}
+
+PAVO_ZORV_INLINE bool copy_text(char *&value, const char *text, const copy_context &copying) {
+  const std::size_t length = std::strlen(text);
+  value = copying.memory.text(length);
+  if (value == nullptr) return false;
+  copy_bytes(value, text, length + 1);
+  return true;
+}
+
 template <class Record>
 struct string : row {
   static constexpr kind type = kind::string;
@@ -28,14 +48,7 @@ struct string : row {
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
     if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
-    const delimited characters = read_delimited(at, end);
-    if (characters.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
-    char *const copy = input.memory.text(characters.length());
-    if (copy == nullptr) return failed(CODEC_ERR_NO_MEMORY);
-    copy_bytes(copy, characters.first, characters.length());
-    copy[characters.length()] = '\0';
-    record.*value = copy;
-    return {characters.last, CODEC_OK};
+    return decode_text(record.*value, at, end, input);
   }
 
   PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {
@@ -59,14 +72,7 @@ struct string : row {
   }
 
   PAVO_ZORV_INLINE bool copy(Record &record, const Record &source, copy_context &copying) const {
-    const char *const text = source.*value;
-    if (text == nullptr) return true;
-    const std::size_t length = std::strlen(text);
-    char *const copy = copying.memory.text(length);
-    record.*value = copy;
-    if (copy == nullptr) return false;
-    copy_bytes(copy, text, length + 1);
-    return true;
+    return source.*value == nullptr || copy_text(record.*value, source.*value, copying);
   }
 
   PAVO_ZORV_INLINE void release(Record &record, const releaser &releaser) const {
