@@ -342,8 +342,8 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
   reader.elements({at, values});
 }
 
-// Reads a run that has been counted, from its first value on. Returns the place after the last one; null where there are
-// fewer by now, or one is cut off.
+// Reads a run that has been counted, from its first value on. Returns the place after the last one; null where there
+// are fewer by now, or one is cut off.
 template <class Element, unsigned KeySize>
 PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t count, std::uint32_t key, const byte *at,
                                                const byte *end, const byte *limit) {
