@@ -1,4 +1,4 @@
-/* Reference implementation of the readers in src/core/wire.hpp and decode.hpp: varints, lengths, skipping. README.md
+/* Reference implementation of the readers in src/core/wire.hpp: varints, lengths, skipping. README.md
    says what is proved. */
 #include "wire.h"
 

@@ -1,4 +1,4 @@
-/* Reference implementation of the writers in src/core/encode.hpp and wire.hpp: sizes of varints, and varints written
+/* Reference implementation of the writers in src/core/writer.hpp and wire.hpp: sizes of varints, and varints written
    backwards. README.md says what is proved. */
 #include "wire.h"
 
