@@ -43,10 +43,10 @@ void check_message(const std::string &header) {
     const std::string comment = comment_of(record, row.name);
     const std::string field = "Field " + std::to_string(row.number) + ", " + docs::kind_text<Record, index>();
     EXPECT_TRUE(std::regex_search(comment, std::regex("(^|\\. )" + field + "[.:,]")))
-        << name << "." << row.name << " does not say \"" << field << "\": " << comment;
+        << "include/pavo_zorv.h: " << name << "." << row.name << " does not say \"" << field << "\": " << comment;
     const std::string presence = "Presence: `" + docs::presence_text<Record, index>() + "`.";
     EXPECT_NE(comment.find(presence), std::string::npos)
-        << name << "." << row.name << " does not say \"" << presence << "\": " << comment;
+        << "include/pavo_zorv.h: " << name << "." << row.name << " does not say \"" << presence << "\": " << comment;
   });
 }
 
