@@ -281,8 +281,8 @@ void asks_for_memory(const Record &whole, const fields<Record> &all, const std::
     copied<Record> copy(whole, {.fail_at = index});
     EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
     std::vector<std::size_t> sizes = sizes_of(requests);
-    const auto behind = sizes.begin() + static_cast<std::ptrdiff_t>(index) + 1;
-    sizes.erase(behind, behind + static_cast<std::ptrdiff_t>(failing.inner));
+    const auto after = sizes.begin() + static_cast<std::ptrdiff_t>(index) + 1;
+    sizes.erase(after, after + static_cast<std::ptrdiff_t>(failing.inner));
     EXPECT_EQ(copy.memory.sizes, sizes);
     EXPECT_EQ(show(encoded(copy.record)), show(copied_bytes));
   }
