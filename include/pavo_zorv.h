@@ -117,8 +117,9 @@
  *
  *  @section referencing Reference mode
  *
- *  Nine message types take an options word, as the last argument of `decode_ext`, `encode_ext` and `free_ext`; bit 0 is
- *  `PAVO_ZORV_REFERENCE`, the other bits mean nothing. In reference mode bytes members are not copied:
+ *  Message types with a bytes member, of their own or in a nested message, take an options word as the last argument of
+ *  `decode_ext`, `encode_ext` and `free_ext`, and so do a few others; bit 0 is `PAVO_ZORV_REFERENCE`, the other bits
+ *  mean nothing. In reference mode bytes members are not copied:
  *  - `decode_ext` makes them point into @p buffer, which must outlive the record, and needs no memory for them;
  *  - `encode_ext` writes key and length but not the bytes, and does not count them. With a segment count, and a length
  *    that is not 0, several entries replace the message's own: the message up to and including the length; the

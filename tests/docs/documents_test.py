@@ -82,6 +82,13 @@ for name, program in programs.items():
         if found[2] == ";" and (use is None or not re.search(rf"\w\((?:.*, )?&{found[1]}$", use[0], re.DOTALL)):
             faults.append(f"{name}: the record {found[1]} is filled without having been zeroed")
 
+# The messages that take options, where they are named.
+with_options = set(re.findall(r"^  with_options\((\w+)\)",
+                              (source / "include" / "pavo_zorv_messages.h").read_text(encoding="utf-8"), re.MULTILINE))
+introduction = (source / "docs" / "reference_mode.md").read_text(encoding="utf-8").partition("\n## ")[0]
+for name in sorted(with_options ^ (set(re.findall(r"`(\w+)`", introduction)) & set(messages))):
+    faults.append(f"docs/reference_mode.md and include/pavo_zorv_messages.h differ about the options of {name}")
+
 # The numbers of messages and of functions, where they are said.
 said = 0
 for document in documents:
