@@ -72,6 +72,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     const unsigned number = GetParam();
     byte *const limit = page_.data() + page_.size(), *const end = limit - after, *const at = end - message.size();
     if (!message.empty()) std::memcpy(at, message.data(), message.size());
+    at[-1] = key_of_run().back();
     const buffer whole{at - before, limit};
     const std::size_t expected = pavo_zorv::plain::count_integers(number, at, end);
     const pavo_zorv::counted_run run = count_fast<Element>(number, at, end, whole);
@@ -222,11 +223,13 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
 TEST_P(both_readers, agree_on_long_runs_of_labels_with_one_other_element) {
   const byte_string key = key_of_run();
   constexpr std::size_t labels = 140;
+  byte_string longer_key = key + 300 * hex("80") + hex("00");
+  longer_key[key.size() - 1] |= 0x80;
   for (const byte_string &label : {hex("81 82 03"), hex("83 04")}) {
     for (std::size_t other = 0; other <= labels; ++other) {
       for (const byte_string &value : {hex("05"), hex("85 03"), hex("81 82 03"), hex("ff ff ff 01"), hex("81 82 00"),
                                        hex("05") + key + hex("06"), hex("85 03") + hex("ba 01")}) {
-        for (const byte_string &first : {label, hex("05")}) {
+        for (const byte_string &first : {label, hex("05"), hex("05") + longer_key + hex("86 07")}) {
           byte_string run = first;
           for (std::size_t i = 1; i < labels; ++i) run = run + key + (i == other ? value : label);
           agree(run, 1, 0);

@@ -131,7 +131,9 @@ PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *at, 
       if constexpr (KeySize == 1 && sizeof(Element) == 4) {
         while (windows == 0 && end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
           const long_values values(static_cast<byte>(key), at);
-          if (!values.are_in_order() || (after_value != 0 && *at != key)) {
+          // The first byte is a key after a value, and goes on after a key.
+          const bool begins = after_value != 0 ? *at == key : (at[-1] | *at) >= 0x80;
+          if (!begins || !values.are_in_order()) {
             windows = long_values::size / window_size;
             break;
           }
