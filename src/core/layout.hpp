@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "schema.hpp"
 
@@ -31,6 +32,9 @@ struct record_layout {
   std::size_t size{}, alignment{};
 };
 
+template <class Record, class Pointer>
+using member_type = std::remove_cvref_t<decltype(std::declval<Record>().*std::declval<Pointer>())>;
+
 template <class Record>
 constexpr record_layout<Record> layout_of(data_model model) {
   record_layout<Record> result;
@@ -44,14 +48,15 @@ constexpr record_layout<Record> layout_of(data_model model) {
     result.offsets[index++] = result.size;
     result.size += size;
   };
-  const auto place_member = [&]<class Member>(Member Record::*) {
-    if constexpr (std::is_class_v<Member>) {
-      const auto inside = layout_of<Member>(model);
+  const auto place_member = [&](auto pointer) {
+    using member = member_type<Record, decltype(pointer)>;
+    if constexpr (std::is_class_v<member>) {
+      const auto inside = layout_of<member>(model);
       place(inside.size, inside.alignment);
-    } else if constexpr (std::is_pointer_v<Member>) {
+    } else if constexpr (std::is_pointer_v<member>) {
       place(model.pointer, model.pointer);
     } else {
-      place(sizeof(Member), sizeof(Member) == 8 ? model.wide : sizeof(Member));
+      place(sizeof(member), sizeof(member) == 8 ? model.wide : sizeof(member));
     }
   };
   std::apply([&](auto... members) { (place_member(members), ...); }, row_members<Record>);

@@ -22,9 +22,10 @@ inline constexpr auto spare_bits = [] {
   constexpr auto layout = layout_of<Record>(native);
   std::array<byte, sizeof(Record)> bits{};
   std::size_t index = 0;
-  const auto copy_inside = [&]<class Member>(Member Record::*) {
-    if constexpr (std::is_class_v<Member>)
-      std::copy(spare_bits<Member>.begin(), spare_bits<Member>.end(), bits.begin() + layout.offsets[index]);
+  const auto copy_inside = [&](auto pointer) {
+    using member = member_type<Record, decltype(pointer)>;
+    if constexpr (std::is_class_v<member>)
+      std::copy(spare_bits<member>.begin(), spare_bits<member>.end(), bits.begin() + layout.offsets[index]);
     ++index;
   };
   std::apply([&](auto... members) { (copy_inside(members), ...); }, row_members<Record>);

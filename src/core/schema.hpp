@@ -22,6 +22,8 @@ struct row {
   unsigned number;
   const char *name;
 
+  consteval row(unsigned field_number, const char *field_name) : number(field_number), name(field_name) {}
+
   // Whether a field is a number of at least one byte, which is measured with the other scalars of its message.
   static constexpr bool is_scalar() { return false; }
 
