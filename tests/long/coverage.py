@@ -41,9 +41,9 @@ def counters(folder):
     for data in sorted(folder.rglob("*.gcda")):
         report = subprocess.run(["gcov", "--json-format", "--stdout", "--branch-probabilities", data.name],
                                 cwd=data.parent, check=True, capture_output=True, text=True).stdout
-        files = [file for part in report.splitlines() if part for file in json.loads(part)["files"]]
-        for file in files:
-            path = (data.parent / file["file"]).resolve()
+        parts = [json.loads(part) for part in report.splitlines() if part]
+        for compiled_in, file in [(part["current_working_directory"], file) for part in parts for file in part["files"]]:
+            path = pathlib.Path(compiled_in, file["file"]).resolve()
             if ROOT / "src" not in path.parents:
                 continue
             for line in file["lines"]:
