@@ -46,15 +46,19 @@ class decoder {
   PAVO_ZORV_INLINE step read_fields(std::uint64_t key, const byte *at, const byte *end) {
     step done{at, CODEC_OK};
     // clang-format off
-#define PAVO_ZORV_FIELD(index)                                            \
-  case key_at(index):                                                     \
-    if constexpr (index < fields) {                                       \
-      done = read_value<index>(done.next, end);                           \
-      if (done.result != CODEC_OK) return done;                           \
-      const byte *const next = step_over_key<index + 1>(done.next, end);  \
-      if (next == nullptr) return done;                                   \
-      done.next = next;                                                   \
-    }                                                                     \
+#define PAVO_ZORV_FIELD(index)                                              \
+  case key_at(index):                                                       \
+    if constexpr (index < fields) {                                         \
+      done = read_value<index>(done.next, end);                             \
+      if constexpr (index + 1 == fields) {                                  \
+        return done;                                                        \
+      } else {                                                              \
+        if (done.result != CODEC_OK) return done;                           \
+        const byte *const next = step_over_key<index + 1>(done.next, end);  \
+        if (next == nullptr) return done;                                   \
+        done.next = next;                                                   \
+      }                                                                     \
+    }                                                                       \
     [[fallthrough]];
     switch (key) {
       PAVO_ZORV_FIELD(0)  PAVO_ZORV_FIELD(1)  PAVO_ZORV_FIELD(2)  PAVO_ZORV_FIELD(3)
@@ -85,9 +89,7 @@ class decoder {
   // Where the value of a field begins if its canonical key is here, else null.
   template <std::size_t Index>
   PAVO_ZORV_INLINE const byte *step_over_key(const byte *at, const byte *end) {
-    if constexpr (Index >= fields) {
-      return nullptr;
-    } else if constexpr (key_at(Index) < 0x80) {
+    if constexpr (key_at(Index) < 0x80) {
       return at != end && *at == key_at(Index) ? at + 1 : nullptr;
     } else {
       constexpr byte first = (key_at(Index) & 0x7f) | 0x80, second = key_at(Index) >> 7;
