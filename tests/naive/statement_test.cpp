@@ -53,6 +53,10 @@ TEST_P(naive_statement, says_the_same_as_the_schema) {
   }
 }
 
+TEST(message_table, finds_no_message_by_the_beginning_of_its_name) {
+  EXPECT_EQ(pavo_zorv::find_message("api_ms"), nullptr);
+}
+
 TEST(message_table, says_where_the_compiler_puts_members) {
   pavo_zorv::for_each_message([]<class Record>(std::type_identity<Record>) {
     const pavo_zorv::message_info &message = *pavo_zorv::find_message(pavo_zorv::message_name<Record>);
