@@ -538,6 +538,11 @@ TYPED_TEST(both_writers, agree_on_every_length_and_distance_to_the_start) {
       for (auto &element : some)
         element = static_cast<TypeParam>(random() % 40 == 0 ? random() : 0x4000 + random() % 0x1fc000);
       this->agree(some, 3, before);
+      // Labels of every size, and at times another number among them.
+      for (auto &element : some) element = static_cast<TypeParam>((random() & 0x1fffff) >> random() % 21);
+      this->agree(some, 3, before);
+      if (length != 0) some[random() % length] = static_cast<TypeParam>(0x200000);
+      this->agree(some, 3, before);
     }
   }
 }
