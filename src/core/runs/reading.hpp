@@ -114,19 +114,19 @@ class long_values {
   bool in_order_;
 };
 
-// Counts a run that does not end in its first window. Windows follow each other at a fixed distance, whatever is in
-// them, so that the processor need not have counted one before it looks at the next. They overlap by as much as lets
-// each see a whole key.
+// Counts a run that does not end in its first window, from its first value on: the byte before is its key's last.
+// Windows follow each other at a fixed distance, whatever is in them, so that the processor need not have counted one
+// before it looks at the next. They overlap by as much as lets each see a whole key.
 template <class Element, unsigned KeySize>
 PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   constexpr std::size_t distance = window_size - (KeySize - 1);
   element_counter counter;
   for (;;) {
-    // Varints since the last value of which it was known where it begins: an odd number of them after a value.
+    // Varints that have ended since the walk was last known to be at the start of a value: odd after a value.
     std::size_t ends = 0;
     std::uint64_t after_value = 0;  // whether the byte before the window is a value's last
     std::uint64_t seen_ends, breaks;
-    std::size_t windows = 0;  // before it is worth looking for long values
+    std::size_t windows = 0;  // to be taken before long values are tried again
     for (;; at += distance) {
       if constexpr (KeySize == 1 && sizeof(Element) == 4) {
         while (windows == 0 && end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
@@ -218,9 +218,9 @@ struct element_reader {
     }
   }
 
-  // Labels of one size, a vector at a time, and between them single elements of another: the processor fails to
-  // foresee these, so it does not have to for those around them as well. Returns where something else begins. A key
-  // is known to follow each of the elements, because there are more.
+  // Labels of one size, a vector at a time. An element of another size among them is taken alone: only for it is a
+  // branch mispredicted, not for those around it. Returns where something else begins. A key is known to follow each of
+  // the elements, because there are more.
   PAVO_ZORV_INLINE const byte *labels(std::uint32_t key, const byte *at, const byte *end) {
     using block = label_block<>;
     while (left() > block::elements && end - at > static_cast<std::ptrdiff_t>(block::size + 8)) {
