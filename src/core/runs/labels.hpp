@@ -15,8 +15,6 @@ namespace pavo_zorv {
 inline constexpr std::uint32_t beyond_labels = 0xffe00000;
 
 #if defined(__SSSE3__)
-inline constexpr bool has_shuffles = true;
-
 // For four words, each a key of one byte and a varint of up to three: where their bytes go when they are moved together
 // to the end. The index has a bit for each varint of two bytes or more and, above them, one for each of three.
 inline constexpr auto label_shuffles = [] {
@@ -30,8 +28,6 @@ inline constexpr auto label_shuffles = [] {
   }
   return result;
 }();
-#else
-inline constexpr bool has_shuffles = false;
 #endif
 
 // As many elements as a vector holds where each takes three bytes and, with the key after or before it, a 32-bit

@@ -318,7 +318,7 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
     // form: then all elements are the first bytes of values.
     const std::uint64_t starts = (values << (1 + KeySize) | 1) & (~std::uint64_t{0} >> std::countl_zero(values));
     if (((starts & ~values) << 1 & ~(values & look_for(at, limit, 1))) == 0) {
-      if (has_picking && limit - at >= static_cast<std::ptrdiff_t>(window_size)) {
+      if (has_shuffles && limit - at >= static_cast<std::ptrdiff_t>(window_size)) {
         // A window has no more elements than half its bytes; the last word stored may go on for seven after them.
         byte space[window_size / 2 + 8];
         pick_bytes(space, at, starts);

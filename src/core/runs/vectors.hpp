@@ -18,6 +18,13 @@
 
 namespace pavo_zorv {
 
+// Whether bytes of a vector can be put anywhere in it by one instruction.
+#if defined(__SSSE3__)
+inline constexpr bool has_shuffles = true;
+#else
+inline constexpr bool has_shuffles = false;
+#endif
+
 inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
 
 // Vectors of numbers. (Of a size that depends on a template's parameter, GCC makes vectors that no function takes.)

@@ -123,10 +123,7 @@ constexpr std::uint64_t ends_of_values(std::uint64_t ends) {
   return ends & (from_even ^ ~even);
 }
 
-// Whether the bytes of a window at which a mask has ones can be put side by side, eight bytes at a time.
 #if defined(__SSSE3__)
-inline constexpr bool has_picking = true;
-
 // For eight bits, where they are one, from the lowest on.
 inline constexpr auto places_of_ones = [] {
   std::array<std::array<byte, 8>, 256> result{};
@@ -139,7 +136,8 @@ inline constexpr auto places_of_ones = [] {
   return result;
 }();
 
-// Reads whole words up to the last one of the mask, and stores whole words.
+// Puts the bytes of a window at which a mask has ones side by side, eight bytes at a time. Reads whole words up to the
+// last one of the mask, and stores whole words.
 PAVO_ZORV_INLINE void pick_bytes(byte *to, const byte *at, std::uint64_t mask) {
   for (; mask != 0; mask >>= 8, at += 8) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(at));
@@ -149,7 +147,6 @@ PAVO_ZORV_INLINE void pick_bytes(byte *to, const byte *at, std::uint64_t mask) {
   }
 }
 #else
-inline constexpr bool has_picking = false;
 inline void pick_bytes(byte *, const byte *, std::uint64_t) {}
 #endif
 
