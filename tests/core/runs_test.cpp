@@ -66,13 +66,15 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
                : byte_string{static_cast<unsigned char>(low | 0x80), static_cast<unsigned char>(GetParam() >> 4)};
   }
 
-  // A message that ends where the buffer does, or `after` bytes before; the buffer ends at an inaccessible page.
+  // A message so many bytes after the start of the buffer, but at least after the last byte of a key, and before its
+  // end; the buffer ends at an inaccessible page, or begins at one.
   template <class Element>
-  void agree_on(const byte_string &message, std::size_t before, std::size_t after) {
+  void agree_on(const byte_string &message, std::size_t before, std::size_t after, bool at_start = false) {
     const unsigned number = GetParam();
-    byte *const limit = page_.data() + page_.size(), *const end = limit - after, *const at = end - message.size();
-    if (!message.empty()) std::memcpy(at, message.data(), message.size());
-    at[-1] = key_of_run().back();
+    before = std::max<std::size_t>(before, 1);
+    const byte_string all = byte_string(before, key_of_run().back()) + message + byte_string(after, 0xc7);
+    const byte *const at = page_.holding(all, at_start) + before, *const end = at + message.size();
+    const byte *const limit = end + after;
     const buffer whole{at - before, limit};
     const std::size_t expected = pavo_zorv::plain::count_integers(number, at, end);
     const pavo_zorv::counted_run run = count_fast<Element>(number, at, end, whole);
@@ -96,8 +98,8 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
   template <class Element>
   void agree_on_changed(const byte_string &counted, const byte_string &changed, std::size_t before, std::size_t after) {
     const unsigned number = GetParam();
-    byte *const limit = page_.data() + page_.size(), *const end = limit - after, *const at = end - counted.size();
-    const buffer whole{at - before, limit};
+    byte *const at = page_.last(before + counted.size() + after) + before, *const end = at + counted.size();
+    const buffer whole{at - before, end + after};
     std::memcpy(at, counted.data(), counted.size());
     const pavo_zorv::counted_run run = count_fast<Element>(number, at, end, whole);
     const std::size_t count = run.count();
@@ -114,7 +116,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
       return;
     }
     // In a buffer that is shorter than one load, keys are where they were when they were counted, whichever they are.
-    const bool is_short = whole.size() < pavo_zorv::native_piece::size;
+    const bool is_short = whole.size() < pavo_zorv::short_piece::size;
     const bool is_gone = pavo_zorv::plain::count_integers(number, at, end) < count;
     ASSERT_TRUE(next == nullptr ? is_gone : is_short || !is_gone) << what;
     if (next == nullptr) return;
@@ -153,7 +155,8 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
   }
 
  private:
-  fenced_block page_{2048}, elements_{4 * 2048};
+  fence page_{2048};
+  fenced_block elements_{4 * 2048};
 };
 
 TEST_P(both_readers, agree_on_every_short_message_at_the_end_of_the_buffer_and_before_it) {
@@ -293,6 +296,18 @@ TEST_P(both_readers, agree_on_lists_of_small_bytes) {
   // As many as a window holds, and more.
   for (std::size_t ones = 0; ones <= 40; ++ones) {
     for (const byte_string &value : values) agree(ones * (hex("01") + key) + value, 0, 64);
+  }
+}
+
+// The buffer is as short as one load, or a little longer, so that loads are moved back to where it begins.
+TEST_P(both_readers, agree_where_the_buffer_begins) {
+  for (std::size_t length = 0; length <= 80; ++length) {
+    for (const std::size_t after : {0u, 1u, 9u}) {
+      const byte_string run = filler(GetParam(), 60),
+                        message(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(length));
+      agree_on<std::uint8_t>(message, 1, after, true);
+      agree_on<std::uint32_t>(message, 1, after, true);
+    }
   }
 }
 
@@ -474,15 +489,21 @@ std::vector<Element> boundaries() {
 template <class Element>
 class both_writers : public ::testing::Test {
  protected:
-  // Into a buffer in which the run begins `before` bytes after the start; what is before and after stays as it was.
-  // The elements end at an inaccessible page.
+  // Into a buffer in which the run begins `before` bytes after the start; what is after it stays as it was. The
+  // elements begin and end at an inaccessible page.
   void agree(const std::vector<Element> &elements, unsigned number, std::size_t before) {
-    const std::size_t key_size = number < 16 ? 1 : 2, size = elements.size() * sizeof(Element);
-    const fenced_block large(size > page_.size() ? size : 0);
-    const fenced_block &block = size > page_.size() ? large : page_;
-    byte *const start = block.data() + block.size() - size;
-    if (size != 0) std::memcpy(start, elements.data(), size);
-    const auto *const data = reinterpret_cast<const Element *>(start);
+    const std::size_t size = elements.size() * sizeof(Element);
+    const fence large(size > page_.room() ? size : 0);
+    const fence &room = size > page_.room() ? large : page_;
+    for (const bool at_start : {false, true}) {
+      const byte *const start = room.holding(reinterpret_cast<const byte *>(elements.data()), size, at_start);
+      agree(elements, reinterpret_cast<const Element *>(start), number, before);
+    }
+  }
+
+ private:
+  void agree(const std::vector<Element> &elements, const Element *data, unsigned number, std::size_t before) {
+    const std::size_t key_size = number < 16 ? 1 : 2;
     const std::size_t values = static_cast<std::size_t>(pavo_zorv::plain::measure_integers(data, elements.size()));
     ASSERT_EQ(pavo_zorv::measure_integers(data, elements.size()), values) << ::testing::PrintToString(elements);
     const std::size_t length = elements.size() * key_size + values;
@@ -506,8 +527,7 @@ class both_writers : public ::testing::Test {
         << ::testing::PrintToString(elements);
   }
 
- private:
-  fenced_block page_{512};
+  fence page_{512};
 };
 
 using elements = ::testing::Types<std::uint8_t, std::uint32_t>;
@@ -530,7 +550,7 @@ TYPED_TEST(both_writers, agree_on_every_short_array_of_boundary_values) {
 TYPED_TEST(both_writers, agree_on_every_length_and_distance_to_the_start) {
   std::mt19937 random(7);
   for (std::size_t length = 0; length <= 70; ++length) {
-    for (std::size_t before = 0; before <= 20; ++before) {
+    for (std::size_t before = 0; before <= 40; ++before) {
       std::vector<TypeParam> some(length);
       for (auto &element : some) element = static_cast<TypeParam>(random() >> random() % 32);
       for (const unsigned number : {1u, 15u, 16u, 27u}) this->agree(some, number, before);
@@ -565,15 +585,15 @@ TYPED_TEST(both_writers, agree_on_long_arrays) {
   this->agree(some, 16, 0);
 }
 
-// A list of integers is reserved before it is written: below the limit nothing is touched but by one store, and where
-// it does not fit, nothing is written.
+// A list of integers is reserved before it is written: below the limit nothing is touched but by the stores of a
+// vector, and where it does not fit, nothing is written.
 template <class Element>
 void is_reserved(unsigned number, Element value, std::size_t bytes_of_value) {
   const std::size_t each = (number < 16 ? 1 : 2) + bytes_of_value;
   const std::vector<Element> values(700, value);
   for (const std::size_t count : {1u, 3u, 4u, 5u, 8u, 9u, 33u, 100u, 699u, 700u}) {
     for (std::size_t above = 0; above <= 1200; above += 1 + above / 100) {
-      constexpr std::size_t slop = 8192, of_one_store = 16;
+      constexpr std::size_t slop = 8192, of_stores = pavo_zorv::vector_size;
       byte_string space(slop + above, 0xc7);
       byte *const first = space.data(), *const limit = first + slop, *const end = limit + above;
       auto to = pavo_zorv::writer::scratch(first, slop, false);
@@ -581,7 +601,7 @@ void is_reserved(unsigned number, Element value, std::size_t bytes_of_value) {
       const std::size_t written = each * count <= above ? each * count : 0;
       ASSERT_EQ(static_cast<std::size_t>(end - start), written) << count << " elements, " << above << " bytes";
       ASSERT_EQ(to.overflowed(), each * count > above) << count << " elements, " << above << " bytes";
-      ASSERT_EQ(std::count(first, limit - of_one_store, 0xc7), static_cast<std::ptrdiff_t>(slop - of_one_store))
+      ASSERT_EQ(std::count(first, limit - of_stores, 0xc7), static_cast<std::ptrdiff_t>(slop - of_stores))
           << count << " elements, " << above << " bytes";
     }
   }

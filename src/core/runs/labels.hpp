@@ -32,15 +32,11 @@ inline constexpr auto label_shuffles = [] {
 
 // As many elements as a vector holds where each takes three bytes and, with the key after or before it, a 32-bit
 // word: most labels do. A quarter of the work that windows take.
-template <std::size_t Size = vector_size>
 class label_block {
  public:
-  static constexpr std::size_t size = Size;
-  static constexpr std::size_t elements = size / 4;
+  static constexpr std::size_t size = vector_size;
+  static constexpr std::size_t elements = vector_numbers;
   static constexpr bool usable = std::endian::native == std::endian::little;
-
-  using numbers = typename numbers_of<Size>::type;
-  using signed_numbers = typename numbers_of<Size>::with_sign;
 
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
@@ -49,40 +45,34 @@ class label_block {
 
   // How many of them do before the first that does not.
   inline unsigned leading(std::uint32_t key) const {
-    const auto same = reinterpret_cast<numbers>((words_ & 0xff808080) == (key << 24 | 0x8080));
+    const auto same = reinterpret_cast<number_vector>((words_ & 0xff808080) == (key << 24 | 0x8080));
     return static_cast<unsigned>(std::countr_one(marked(same)));
   }
 
   inline void read(std::uint32_t *values) const {
-    const numbers labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
+    const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
     std::memcpy(values, &labels, size);
   }
 
   // In memory: whether each value takes three bytes.
-  static bool all_labels(const std::uint32_t *values) {
-    const numbers labels = label_block(values).words_;
-    return none((labels | (labels - 0x4000)) & beyond_labels);
-  }
+  static bool all_labels(const number_vector &values) { return none((values | (values - 0x4000)) & beyond_labels); }
 
   // Each value with the key before it.
-  static void write(byte *at, std::uint32_t key, const std::uint32_t *values) {
-    const numbers labels = label_block(values).words_;
-    const numbers bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (key | 0x808000);
+  static void write(byte *at, std::uint32_t key, const number_vector &labels) {
+    const number_vector bytes = with_keys(key, labels) | 0x808000;
     std::memcpy(at, &bytes, size);
   }
 
   // Whether each value takes three bytes or less.
-  static bool all_short(const std::uint32_t *values) { return none(label_block(values).words_ & beyond_labels); }
+  static bool all_short(const number_vector &values) { return none(values & beyond_labels); }
 
 #if defined(__SSSE3__)
   // Such values with their keys before them, whatever their sizes, so that they end at a place; where they begin. Up
   // to 16 bytes before that are overwritten.
-  static byte *prepend(byte *at, std::uint32_t key, const std::uint32_t *values) {
-    const numbers labels = label_block(values).words_;
-    const auto two = reinterpret_cast<numbers>(reinterpret_cast<signed_numbers>(labels) > 0x7f);
-    const auto three = reinterpret_cast<numbers>(reinterpret_cast<signed_numbers>(labels) > 0x3fff);
-    const numbers bytes = (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | (two & 0x8000) |
-                          (three & 0x800000) | key;
+  static byte *prepend(byte *at, std::uint32_t key, const number_vector &labels) {
+    const auto two = reinterpret_cast<number_vector>(reinterpret_cast<signed_vector>(labels) > 0x7f);
+    const auto three = reinterpret_cast<number_vector>(reinterpret_cast<signed_vector>(labels) > 0x3fff);
+    const number_vector bytes = with_keys(key, labels) | (two & 0x8000) | (three & 0x800000);
     const unsigned twos = marked(two), threes = marked(three);
     __m128i fours[elements / 4];
     std::memcpy(fours, &bytes, size);
@@ -99,7 +89,12 @@ class label_block {
 #endif
 
  private:
-  numbers words_;
+  // Groups of seven bits, one in each byte after the key.
+  static number_vector with_keys(std::uint32_t key, const number_vector &labels) {
+    return (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | key;
+  }
+
+  number_vector words_;
 };
 
 #if defined(__SSSE3__)

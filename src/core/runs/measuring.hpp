@@ -24,33 +24,40 @@ inline std::uint64_t measure_integers(const std::uint8_t *elements, std::size_t 
   return count == 0 ? bytes : bytes + count_high(load_short(elements, count));
 }
 
-// One byte more for each power of 128 that an element reaches; a vector at a time. Labels, all of three bytes, are
-// known together by the bits that any of them has, and those it has when 0x4000 is subtracted.
+inline std::uint32_t sum_of_lanes(const signed_vector &lanes) {
+  std::uint32_t sum = 0;
+  for (std::size_t lane = 0; lane < vector_numbers; ++lane) sum += static_cast<std::uint32_t>(lanes[lane]);
+  return sum;
+}
+
+// What integers of any size take beyond a byte each, as far as they fill vectors.
+inline std::uint32_t measure_beyond_labels(const std::uint32_t *elements, std::size_t count) {
+  signed_vector more{};
+  for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
+    more -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
+  });
+  return sum_of_lanes(more);
+}
+
+// A vector at a time, of which the last may have lanes of 0. Nearly all numbers are labels, or as small: what they take
+// beyond a byte each is known from two comparisons. A stretch that has others is measured again.
 inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
-  using counts [[gnu::vector_size(vector_size)]] = std::int32_t;
-  std::uint64_t bytes = 0;
-  while (count >= vector_numbers) {
-    const std::size_t stretch = std::min<std::size_t>(count / vector_numbers, 16);
-    number_vector bits = {}, values;
-    for (std::size_t index = 0; index < stretch; ++index) {
-      std::memcpy(&values, elements + index * vector_numbers, sizeof values);
-      bits |= values | (values - 0x4000);
-    }
-    if (none(bits & beyond_labels)) {
-      bytes += 3 * vector_numbers * stretch;
-    } else {
-      counts sums = {};
-      for (std::size_t index = 0; index < stretch; ++index) {
-        std::memcpy(&values, elements + index * vector_numbers, sizeof values);
-        sums -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
-      }
-      bytes += vector_numbers * stretch;
-      for (std::size_t index = 0; index < vector_numbers; ++index) bytes += static_cast<std::uint64_t>(sums[index]);
-    }
-    elements += stretch * vector_numbers;
-    count -= stretch * vector_numbers;
+  constexpr std::size_t longest = 32 * vector_numbers;
+  if (count < 4) return plain::measure_integers(elements, count);
+  const std::size_t whole = has_masked_loads ? count : count / vector_numbers * vector_numbers;
+  std::uint64_t bytes = whole;
+  for (std::size_t done = 0, some; done != whole; done += some) {
+    some = std::min(whole - done, longest);
+    number_vector all{};
+    signed_vector more{};
+    for_each_vector(elements + done, some, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
+      const auto labels = reinterpret_cast<signed_vector>(values);
+      all |= values;
+      more -= (labels > 0x7f) + (labels > 0x3fff);
+    });
+    bytes += none(all & beyond_labels) ? sum_of_lanes(more) : measure_beyond_labels(elements + done, some);
   }
-  return bytes + plain::measure_integers(elements, count);
+  return bytes + plain::measure_integers(elements + whole, count - whole);
 }
 
 }  // namespace pavo_zorv

@@ -195,7 +195,7 @@ PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &sec
 // Stores the elements of a run that has been counted, and never more of them, whatever the input shows by now.
 template <unsigned KeySize, class Element>
 struct element_reader {
-  static constexpr bool takes_labels = KeySize == 1 && sizeof(Element) == 4 && label_block<>::usable;
+  static constexpr bool takes_labels = KeySize == 1 && sizeof(Element) == 4 && label_block::usable;
   Element *next;
   Element *last;  // where the array ends
   const byte *limit;
@@ -207,14 +207,24 @@ struct element_reader {
   }
 
   PAVO_ZORV_INLINE void elements(elements_seen seen) {
-    if constexpr (sizeof(Element) == 4) {
-      if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) return words(seen);
+    if constexpr (sizeof(Element) == 1) {
+      bytes(seen);
+    } else if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) {
+      words(seen, load_word);
+    } else {
+      next = moved_words(*this, seen);
     }
-    const byte *begin = seen.at;
-    for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
-      const byte *const end = seen.at + std::countr_zero(ends);
-      *next++ = value(begin, end);
-      begin = end + 1 + KeySize;
+  }
+
+  // The same for a window after which the buffer may end: words that would reach past it are moved back.
+  PAVO_ZORV_INLINE void last_elements(elements_seen seen) {
+    if constexpr (sizeof(Element) == 1) {
+      bytes(seen);
+    } else {
+      words(seen, [last_word = limit - 8](const byte *begin) PAVO_ZORV_INLINE_LAMBDA {
+        const byte *const from = std::min(begin, last_word);
+        return load_word(from) >> 8 * static_cast<unsigned>(begin - from);
+      });
     }
   }
 
@@ -222,7 +232,7 @@ struct element_reader {
   // branch mispredicted, not for those around it. Returns where something else begins. A key is known to follow each of
   // the elements, because there are more.
   PAVO_ZORV_INLINE const byte *labels(std::uint32_t key, const byte *at, const byte *end) {
-    using block = label_block<>;
+    using block = label_block;
     while (left() > block::elements && end - at > static_cast<std::ptrdiff_t>(block::size + 8)) {
       const block words(at);
       // Those that are no labels are overwritten.
@@ -255,12 +265,13 @@ struct element_reader {
   }
 
  private:
-  // Where the buffer goes on for a word after the window: four varints at once, each as a word.
-  PAVO_ZORV_INLINE void words(elements_seen seen) {
+  // Four varints at once, each as a word.
+  template <class Load>
+  PAVO_ZORV_INLINE void words(elements_seen seen, Load load) {
     std::uint64_t ends = seen.ends;
     const byte *begin = seen.at;
     const auto take = [&]() PAVO_ZORV_INLINE_LAMBDA {
-      const std::uint64_t word = load_word(begin);
+      const std::uint64_t word = load(begin);
       begin = seen.at + __builtin_ctzll(ends) + 1 + KeySize;
       ends &= ends - 1;
       return word;
@@ -273,17 +284,20 @@ struct element_reader {
     for (; some != 0; --some) *next++ = varint_value(take());
   }
 
-  // The first byte, and the lowest bit of the second if there is one.
-  PAVO_ZORV_INLINE std::uint8_t value(const byte *begin, const byte *end) const requires(sizeof(Element) == 1) {
-    const bool more = begin != end;
-    return static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & unsigned{more}) << 7);
+  PAVO_ZORV_NOINLINE static Element *moved_words(element_reader reader, elements_seen seen) {
+    reader.last_elements(seen);
+    return reader.next;
   }
 
-  // At the end of the buffer in the last word there is.
-  PAVO_ZORV_INLINE std::uint32_t value(const byte *begin, const byte *) const requires(sizeof(Element) == 4) {
-    const auto left = static_cast<std::size_t>(limit - begin);
-    const std::size_t missing = left < 8 ? 8 - left : 0;
-    return varint_value(load_word(begin - missing) >> 8 * missing);
+  // Of each the first byte, and the lowest bit of the second if there is one.
+  PAVO_ZORV_INLINE void bytes(elements_seen seen) {
+    const byte *begin = seen.at;
+    for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
+      const byte *const end = seen.at + std::countr_zero(ends);
+      const bool more = begin != end;
+      *next++ = static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & unsigned{more}) << 7);
+      begin = end + 1 + KeySize;
+    }
   }
 };
 
@@ -332,16 +346,16 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
   element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
   if constexpr (element_reader<KeySize, Element>::takes_labels) {
     // Labels, each with the next key after it; another value follows the last key, so the buffer holds the block.
-    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block<>::size);
+    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block::size);
     constexpr std::uint64_t labels = 0x4444444444444444 & every;
     while ((values & every) == labels && values > every) {
-      label_block<>(at).read(reader.next);
-      reader.next += label_block<>::elements;
-      at += label_block<>::size;
-      values >>= label_block<>::size;
+      label_block(at).read(reader.next);
+      reader.next += label_block::elements;
+      at += label_block::size;
+      values >>= label_block::size;
     }
   }
-  reader.elements({at, values});
+  reader.last_elements({at, values});
 }
 
 // Reads a run that has been counted, from its first value on. Returns the place after the last one; null where there
@@ -387,7 +401,7 @@ PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t co
 // Counts the integers of a run from its first value on: none when a value, or the key after one, is cut off.
 template <class Element, unsigned KeySize>
 PAVO_ZORV_INLINE counted_run count_integers(std::uint32_t key, const byte *at, const byte *end, const buffer &whole) {
-  if (whole.size() < native_piece::size) return {nullptr, plain::count_integers(number_of(key), at, end)};
+  if (whole.size() < short_piece::size) return {nullptr, plain::count_integers(number_of(key), at, end)};
   return count_by_windows<Element, KeySize>(key, at, end, whole.limit);
 }
 
@@ -400,7 +414,7 @@ PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, s
     read_window<Element, KeySize>(elements, at, run.values, whole.limit);
     return run.next;
   }
-  if (whole.size() < native_piece::size) return plain::read_integers(elements, run.count(), at, end);
+  if (whole.size() < short_piece::size) return plain::read_integers(elements, run.count(), at, end);
   return read_by_windows<Element, KeySize>(elements, run.count(), key, at, end, whole.limit);
 }
 

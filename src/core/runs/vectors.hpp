@@ -27,23 +27,49 @@ inline constexpr bool has_shuffles = false;
 
 inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
 
-// Vectors of numbers. (Of a size that depends on a template's parameter, GCC makes vectors that no function takes.)
-template <std::size_t Size>
-struct numbers_of;
-template <>
-struct numbers_of<16> {
-  using type [[gnu::vector_size(16)]] = std::uint32_t;
-  using with_sign [[gnu::vector_size(16)]] = std::int32_t;
-};
-template <>
-struct numbers_of<32> {
-  using type [[gnu::vector_size(32)]] = std::uint32_t;
-  using with_sign [[gnu::vector_size(32)]] = std::int32_t;
-};
-
 // As many numbers as a vector holds.
-using number_vector = numbers_of<vector_size>::type;
+using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
+using signed_vector [[gnu::vector_size(vector_size)]] = std::int32_t;
 inline constexpr std::size_t vector_numbers = vector_size / sizeof(std::uint32_t);
+
+inline number_vector load_numbers(const std::uint32_t *from) {
+  number_vector numbers;
+  std::memcpy(&numbers, from, sizeof numbers);
+  return numbers;
+}
+
+// Where the processor can load some lanes of a vector, and read no byte of the others, which are 0.
+#if defined(__AVX2__)
+inline constexpr bool has_masked_loads = true;
+
+inline number_vector load_lanes(std::uintptr_t address, const signed_vector &taken) {
+  const auto *const from = reinterpret_cast<const int *>(address);
+  return reinterpret_cast<number_vector>(_mm256_maskload_epi32(from, reinterpret_cast<__m256i>(taken)));
+}
+
+// The numbers in the first lanes.
+inline number_vector load_first(const std::uint32_t *from, std::size_t count) {
+  constexpr signed_vector lanes = {0, 1, 2, 3, 4, 5, 6, 7};
+  return load_lanes(reinterpret_cast<std::uintptr_t>(from), lanes < static_cast<std::int32_t>(count));
+}
+
+// The numbers before `end` in the last lanes.
+inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
+  constexpr signed_vector lanes = {8, 7, 6, 5, 4, 3, 2, 1};
+  return load_lanes(reinterpret_cast<std::uintptr_t>(end) - vector_size, lanes <= static_cast<std::int32_t>(count));
+}
+#else
+inline constexpr bool has_masked_loads = false;
+#endif
+
+// Numbers as vectors; those that do not fill one only where some lanes can be loaded.
+template <class Visit>
+PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
+  for (; count >= vector_numbers; numbers += vector_numbers, count -= vector_numbers) visit(load_numbers(numbers));
+#if defined(__AVX2__)
+  if (count != 0) visit(load_first(numbers, count));
+#endif
+}
 
 // A canonical key, as it is on the wire: one byte, or two for numbers from 16 on.
 template <unsigned Size>

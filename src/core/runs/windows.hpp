@@ -36,6 +36,25 @@ class portable_piece {
   std::uint64_t bytes_;
 };
 
+// For the end of a buffer, if it is no longer than that.
+#if defined(__SSE2__)
+class short_piece {
+ public:
+  static constexpr std::size_t size = 16;
+  explicit short_piece(const byte *at) { std::memcpy(&bytes_, at, size); }
+  std::uint64_t ends() const { return 0xffff ^ static_cast<std::uint32_t>(_mm_movemask_epi8(bytes_)); }
+  std::uint64_t equal(byte value) const {
+    const __m128i same = _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(static_cast<char>(value)));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(same));
+  }
+
+ private:
+  __m128i bytes_;
+};
+#else
+using short_piece = portable_piece;
+#endif
+
 #if defined(__AVX2__)
 class native_piece {
  public:
@@ -50,36 +69,25 @@ class native_piece {
  private:
   __m256i bytes_;
 };
-#elif defined(__SSE2__)
-class native_piece {
- public:
-  static constexpr std::size_t size = 16;
-  explicit native_piece(const byte *at) { std::memcpy(&bytes_, at, size); }
-  std::uint64_t ends() const { return 0xffff ^ static_cast<std::uint32_t>(_mm_movemask_epi8(bytes_)); }
-  std::uint64_t equal(byte value) const {
-    const __m128i same = _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(static_cast<char>(value)));
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(same));
-  }
-
- private:
-  __m128i bytes_;
-};
 #else
-using native_piece = portable_piece;
+using native_piece = short_piece;
 #endif
 
 // The bytes from `at` on, as many as a window has or the buffer still holds, a load at a time: calls `add` with the
-// bytes, the place of the first of them in the window, and how many before it are to be left out. The last load is
-// moved back to where the buffer ends, so the buffer must be as long as one load.
+// bytes, the place of the first of them in the window, and how many before it are to be left out. The last load ends
+// where the buffer does: it may have bytes that another has had as well. The buffer is as long as a short piece.
 template <class Piece, class Add>
 PAVO_ZORV_INLINE void for_each_piece(const byte *at, const byte *limit, Add add) {
   const auto left = static_cast<std::size_t>(limit - at);
   if (left >= window_size) [[likely]] {
     for (std::size_t offset = 0; offset < window_size; offset += Piece::size) add(Piece(at + offset), offset, 0);
+  } else if (left >= Piece::size) {
+    for (std::size_t offset = 0; offset + Piece::size < left; offset += Piece::size) add(Piece(at + offset), offset, 0);
+    add(Piece(limit - Piece::size), left - Piece::size, 0);
+  } else if constexpr (Piece::size > short_piece::size) {
+    for_each_piece<short_piece>(at, limit, add);
   } else {
-    std::size_t offset = 0;
-    for (; left - offset >= Piece::size; offset += Piece::size) add(Piece(at + offset), offset, 0);
-    if (offset < left) add(Piece(limit - Piece::size), offset, Piece::size - (left - offset));
+    add(Piece(limit - Piece::size), 0, Piece::size - left);
   }
 }
 
@@ -87,7 +95,7 @@ PAVO_ZORV_INLINE void for_each_piece(const byte *at, const byte *limit, Add add)
 template <class Piece = native_piece, unsigned KeySize>
 PAVO_ZORV_INLINE window look(const byte *at, const byte *limit, key_bytes<KeySize> key) {
   std::uint64_t ends = 0, first = 0, second = 0;
-  for_each_piece<Piece>(at, limit, [&](Piece bytes, std::size_t offset, std::size_t before) PAVO_ZORV_INLINE_LAMBDA {
+  for_each_piece<Piece>(at, limit, [&](auto bytes, std::size_t offset, std::size_t before) PAVO_ZORV_INLINE_LAMBDA {
     ends |= bytes.ends() >> before << offset;
     first |= bytes.equal(key.first) >> before << offset;
     if constexpr (KeySize == 2) second |= bytes.equal(key.second) >> before << offset;
@@ -99,7 +107,7 @@ PAVO_ZORV_INLINE window look(const byte *at, const byte *limit, key_bytes<KeySiz
 template <class Piece = native_piece>
 PAVO_ZORV_INLINE std::uint64_t look_for(const byte *at, const byte *limit, byte value) {
   std::uint64_t found = 0;
-  for_each_piece<Piece>(at, limit, [&](Piece bytes, std::size_t offset, std::size_t before) PAVO_ZORV_INLINE_LAMBDA {
+  for_each_piece<Piece>(at, limit, [&](auto bytes, std::size_t offset, std::size_t before) PAVO_ZORV_INLINE_LAMBDA {
     found |= bytes.equal(value) >> before << offset;
   });
   return found;

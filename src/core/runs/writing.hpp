@@ -24,8 +24,7 @@ bool reserve_run(writer &to, const byte *at, const Element *elements, std::size_
 
 // The varints of a vector of numbers: the first four bytes of each in one number, and the fifth, or 0, in another.
 inline void varint_bytes(const std::uint32_t *numbers, std::uint32_t *four, std::uint32_t *fifth) {
-  number_vector values;
-  std::memcpy(&values, numbers, sizeof values);
+  const number_vector values = load_numbers(numbers);
   const number_vector more = values >> 28;
   // Groups of seven bits, one in each byte.
   number_vector word = (values & 0x3fff) | (values & 0xfffc000) << 2;
@@ -60,11 +59,12 @@ PAVO_ZORV_NOINLINE appended append_words(byte *at, const byte *end, std::uint32_
   constexpr std::size_t rest = 4, most = 32;
   std::size_t done = 0;
   while (count - done >= vector_numbers + rest) {
-    if constexpr (KeySize == 1 && label_block<>::usable) {
-      if (label_block<>::all_labels(elements + done)) {
-        label_block<>::write(at, key, elements + done);
-        done += label_block<>::elements;
-        at += label_block<>::size;
+    if constexpr (KeySize == 1 && label_block::usable) {
+      const number_vector next = load_numbers(elements + done);
+      if (label_block::all_labels(next)) {
+        label_block::write(at, key, next);
+        done += label_block::elements;
+        at += label_block::size;
         continue;
       }
     }
@@ -85,22 +85,30 @@ PAVO_ZORV_NOINLINE appended append_words(byte *at, const byte *end, std::uint32_
 
 // Labels from the end on, as many as there are in a row; returns where they begin, and how many elements there are
 // before them. Without shuffles, only labels of three bytes.
-template <class Block>
 PAVO_ZORV_INLINE appended prepend_labels([[maybe_unused]] const writer &to, byte *at, std::uint32_t key,
                                          const std::uint32_t *elements, std::size_t count) {
-  for (; count >= Block::elements; count -= Block::elements) {
-    const std::uint32_t *const last = elements + count - Block::elements;
-    if (Block::all_labels(last)) {
-      at -= Block::size;
-      Block::write(at, key, last);
+  using block = label_block;
+  for (; count >= block::elements; count -= block::elements) {
+    const number_vector last = load_numbers(elements + count - block::elements);
+    if (block::all_labels(last)) {
+      at -= block::size;
+      block::write(at, key, last);
       continue;
     }
     if constexpr (!has_shuffles) break;
 #if defined(__SSSE3__)
-    if (at - to.first() < static_cast<std::ptrdiff_t>(Block::size) || !Block::all_short(last)) break;
-    at = Block::prepend(at, key, last);
+    if (at - to.first() < static_cast<std::ptrdiff_t>(block::size) || !block::all_short(last)) break;
+    at = block::prepend(at, key, last);
 #endif
   }
+#if defined(__AVX2__)
+  // What is left at the start of the list, in the last lanes: the others are written before it, two bytes each, and
+  // overwritten.
+  if (count != 0 && count < block::elements && at - to.first() >= static_cast<std::ptrdiff_t>(block::size)) {
+    const number_vector first = load_last(elements + count, count);
+    if (block::all_short(first)) return {block::prepend(at, key, first) + 2 * (block::elements - count), 0};
+  }
+#endif
   return {at, count};
 }
 
@@ -108,10 +116,8 @@ PAVO_ZORV_INLINE appended prepend_labels([[maybe_unused]] const writer &to, byte
 template <unsigned KeySize>
 inline byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements, std::size_t count) {
   if (!reserve_run<KeySize>(to, at, elements, count)) return at;
-  if constexpr (KeySize == 1 && label_block<>::usable) {
-    appended labels = prepend_labels<label_block<>>(to, at, key, elements, count);
-    if constexpr (vector_size > 16)
-      labels = prepend_labels<label_block<16>>(to, labels.at, key, elements, labels.count);
+  if constexpr (KeySize == 1 && label_block::usable) {
+    const appended labels = prepend_labels(to, at, key, elements, count);
     at = labels.at;
     count = labels.count;
   }
