@@ -128,7 +128,7 @@ PAVO_ZORV_NOINLINE std::size_t encode_small(const Record &record, byte *buffer, 
   const std::size_t size = measure(record, found);
   if (size > length || found.overflowed || found.has_null_bytes) [[unlikely]]
     return encode_measured(record, buffer, length, nullptr, nullptr, options);
-  auto to = writer::exact(buffer, nullptr, found.referenced);
+  exact_writer to(buffer, found.referenced);
   write_fields(record, to, buffer + size);
   return size;
 }
@@ -141,7 +141,7 @@ std::size_t encode(const Record &record, byte *buffer, std::size_t length, pavo_
     measurement found{(options & PAVO_ZORV_REFERENCE) != 0};
     return measure(record, found);
   }
-  if (is_small<Record>) return encode_small(record, buffer, length, options);
+  if constexpr (is_small<Record>) return encode_small(record, buffer, length, options);
   if (length <= scratch_size) return encode_by_scratch(record, buffer, length, options);
   return encode_measured(record, buffer, length, nullptr, nullptr, options);
 }

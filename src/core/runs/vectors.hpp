@@ -62,12 +62,12 @@ inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
 inline constexpr bool has_masked_loads = false;
 #endif
 
-// Numbers as vectors; those that do not fill one only where some lanes can be loaded.
+// Numbers as vectors; those that do not fill the last one, if any, only where some lanes can be loaded.
 template <class Visit>
 PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
   for (; count >= vector_numbers; numbers += vector_numbers, count -= vector_numbers) visit(load_numbers(numbers));
 #if defined(__AVX2__)
-  if (count != 0) visit(load_first(numbers, count));
+  visit(load_first(numbers, count));
 #endif
 }
 
