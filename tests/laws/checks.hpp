@@ -20,8 +20,7 @@ inline void check_written(view record, const naive::encoding &encoding, const fe
   buffer_before.resize(length, rubbish);
   unsigned char *const buffer = room.holding(buffer_before);
   std::memset(buffer - before, rubbish, before);
-  ASSERT_EQ(record.type().functions->encode(record.data(), buffer, length, nullptr, nullptr, options),
-            encoding.length());
+  ASSERT_EQ(record.type().functions->encode(record.data(), buffer, length, nullptr, nullptr, options), encoding.size());
   const byte_string expected = encoding.in_buffer(buffer_before);
   for (std::size_t i = 0; i < length; ++i) {
     if (buffer[i] == expected[i]) continue;
@@ -38,8 +37,7 @@ inline void check_table(view record, const naive::encoding &encoding, const fenc
   auto *const entries = reinterpret_cast<pavo_zorv_segment *>(room.last(capacity * sizeof(pavo_zorv_segment)));
   for (std::uint32_t i = 0; i < capacity; ++i) entries[i] = {untouched.start, untouched.length};
   std::uint32_t count = capacity;
-  ASSERT_EQ(record.type().functions->encode(record.data(), buffer, length, entries, &count, options),
-            encoding.length());
+  ASSERT_EQ(record.type().functions->encode(record.data(), buffer, length, entries, &count, options), encoding.size());
   ASSERT_EQ(count, encoding.entries()) << "capacity " << capacity << ", options " << options;
   for (std::uint32_t i = 0; i < capacity; ++i) {
     const pavo_zorv_segment right = i < count ? encoding.in_table(i, buffer, length) : pavo_zorv_segment{};

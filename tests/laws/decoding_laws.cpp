@@ -70,7 +70,7 @@ TEST_P(decoding_laws, an_encoding_cut_off_anywhere_is_good_only_between_two_fiel
     std::set<std::size_t> ends{0};
     for (const byte_string &field : expected.fields()) ends.insert(*ends.rbegin() + field.size());
     for (const std::uint32_t options : GetParam()->modes()) {
-      for (std::size_t length = 0; length <= expected.length(); ++length) {
+      for (std::size_t length = 0; length <= expected.size(); ++length) {
         decoding seen(*GetParam(), random, options);
         const bool whole = ends.count(length) != 0;
         ASSERT_EQ(seen.decode(room.holding(tried().data(), length), length), whole ? CODEC_OK : CODEC_ERR_TRUNCATED)

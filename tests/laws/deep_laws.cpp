@@ -31,8 +31,8 @@ TEST_F(full_envelope, comes_back_equal_and_is_written_the_same) {
 TEST_F(full_envelope, is_written_into_a_buffer_of_any_length) {
   for (const std::uint32_t options : modes) {
     const naive::encoding expected(record, is_referenced(options));
-    const fence room(expected.length() + 32);
-    for (std::size_t length = 0; length <= expected.length() + 8; ++length) {
+    const fence room(expected.size() + 32);
+    for (std::size_t length = 0; length <= expected.size() + 8; ++length) {
       ASSERT_NO_FATAL_FAILURE(check_written(record, expected, room, length, options));
     }
   }
@@ -41,7 +41,7 @@ TEST_F(full_envelope, is_written_into_a_buffer_of_any_length) {
 TEST_F(full_envelope, fills_a_table_of_any_capacity_whatever_the_buffer) {
   for (const std::uint32_t options : modes) {
     const naive::encoding expected(record, is_referenced(options));
-    const std::size_t size = expected.length();
+    const std::size_t size = expected.size();
     const auto needed = static_cast<std::uint32_t>(expected.entries());
     EXPECT_GT(needed, 50u);
     const fence buffer(size);
@@ -108,7 +108,7 @@ TEST_F(thousand_policies, come_back_equal_and_are_written_the_same) {
 TEST_F(thousand_policies, need_5001_entries_of_which_a_smaller_table_gets_the_first) {
   const naive::encoding expected(view_of(list), false);
   ASSERT_EQ(expected.entries(), entries);
-  const std::size_t size = expected.length();
+  const std::size_t size = expected.size();
   const fence buffer(size);
   const fence room((entries + 2) * sizeof(pavo_zorv_segment));
   for (const std::uint32_t capacity : {0u, 1u, 4u, 5u, 6u, 2500u, entries - 1, entries, entries + 2}) {
@@ -121,8 +121,8 @@ TEST_F(thousand_policies, need_5001_entries_of_which_a_smaller_table_gets_the_fi
 
 TEST_F(thousand_policies, are_written_as_far_as_they_fit) {
   const naive::encoding expected(view_of(list), false);
-  const fence room(expected.length() + 32);
-  for (std::size_t length = 0; length <= expected.length() + 8; length += 997) {
+  const fence room(expected.size() + 32);
+  for (std::size_t length = 0; length <= expected.size() + 8; length += 997) {
     ASSERT_NO_FATAL_FAILURE(check_written(view_of(list), expected, room, length, 0));
   }
 }
@@ -206,7 +206,7 @@ TEST_P(numbers_before_a_block, are_written_whether_there_is_room_for_them_or_not
         holder.set_count(*block, count);
       }
       const naive::encoding expected(record, false);
-      for (const std::size_t length : {expected.length(), scratch}) {
+      for (const std::size_t length : {expected.size(), scratch}) {
         ASSERT_NO_FATAL_FAILURE(check_written(record, expected, room, length, 0)) << count;
       }
     }

@@ -13,13 +13,13 @@ TEST_P(encoding_laws, what_is_measured_is_written_byte_by_byte) {
     for (const std::uint32_t options : GetParam()->modes()) {
       const naive::encoding expected(record, is_referenced(options));
       tried() = expected.bytes();
-      ASSERT_EQ(measured(record, options), expected.length());
+      ASSERT_EQ(measured(record, options), expected.size());
       // Without a buffer the length given with it means nothing.
-      for (const std::size_t length : {std::size_t{1}, expected.length() / 2, SIZE_MAX}) {
+      for (const std::size_t length : {std::size_t{1}, expected.size() / 2, SIZE_MAX}) {
         ASSERT_EQ(GetParam()->functions->encode(record.data(), nullptr, length, nullptr, nullptr, options),
-                  expected.length());
+                  expected.size());
       }
-      check_written(record, expected, fence(expected.length() + 16), expected.length(), options);
+      check_written(record, expected, fence(expected.size() + 16), expected.size(), options);
     }
     EXPECT_TRUE(same_content(before.record.data(), record.data(), GetParam()->size)) << "the record was changed";
   });
@@ -64,8 +64,8 @@ TEST_P(encoding_laws, a_buffer_of_any_length_gets_what_fits_and_nothing_else_is_
     for (const std::uint32_t options : GetParam()->modes()) {
       const naive::encoding expected(record, is_referenced(options));
       tried() = expected.bytes();
-      const fence room(expected.length() + 32);
-      for (std::size_t length = 0; length <= expected.length() + 8; ++length) {
+      const fence room(expected.size() + 32);
+      for (std::size_t length = 0; length <= expected.size() + 8; ++length) {
         ASSERT_NO_FATAL_FAILURE(check_written(record, expected, room, length, options));
       }
     }
@@ -78,7 +78,7 @@ TEST_P(encoding_laws, a_table_of_any_capacity_gets_the_first_entries_and_the_cou
     for (const std::uint32_t options : GetParam()->modes()) {
       const naive::encoding expected(record, is_referenced(options));
       tried() = expected.bytes();
-      const std::size_t size = expected.length();
+      const std::size_t size = expected.size();
       const auto needed = static_cast<std::uint32_t>(expected.entries());
       const fence buffer(size);
       const fence room((needed + 2) * sizeof(pavo_zorv_segment));
@@ -99,10 +99,10 @@ TEST_P(encoding_laws, the_entries_do_not_depend_on_how_much_of_the_encoding_fits
     for (const std::uint32_t options : GetParam()->modes()) {
       const naive::encoding expected(record, is_referenced(options));
       tried() = expected.bytes();
-      const fence buffer(expected.length() + 8);
+      const fence buffer(expected.size() + 8);
       const auto needed = static_cast<std::uint32_t>(expected.entries());
       const fence room(needed * sizeof(pavo_zorv_segment));
-      for (std::size_t length = 0; length <= expected.length() + 8; ++length) {
+      for (std::size_t length = 0; length <= expected.size() + 8; ++length) {
         ASSERT_NO_FATAL_FAILURE(check_table(record, expected, room, needed, buffer.last(length), length, options));
       }
     }
@@ -115,7 +115,7 @@ TEST_P(encoding_laws, without_a_table_the_count_is_the_same_and_without_a_count_
     for (const std::uint32_t options : GetParam()->modes()) {
       const naive::encoding expected(record, is_referenced(options));
       tried() = expected.bytes();
-      const fenced_block buffer(expected.length());
+      const fenced_block buffer(expected.size());
       auto count = static_cast<std::uint32_t>(random.any());
       GetParam()->functions->encode(record.data(), buffer.data(), buffer.size(), nullptr, &count, options);
       ASSERT_EQ(count, expected.entries());

@@ -75,9 +75,9 @@ TEST_P(huge_laws, totals_are_exact_or_nothing_is_touched) {
     const std::size_t room = static_cast<std::size_t>(random.below(80));
     for (const std::uint32_t options : GetParam()->modes()) {
       const naive::encoding encoding(record, is_referenced(options));
-      const std::size_t length = encoding.has_size() ? static_cast<std::size_t>(encoding.length()) : SIZE_MAX;
+      const std::size_t length = encoding.has_size() ? encoding.size() : SIZE_MAX;
       beyond += !encoding.has_size();
-      large += encoding.has_size() && encoding.length() > SIZE_MAX / 2;
+      large += encoding.has_size() && encoding.size() > SIZE_MAX / 2;
       ASSERT_EQ(measured(record, options), length);
 
       const byte_string untouched(room, fenced_block::untouched);

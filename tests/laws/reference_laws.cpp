@@ -64,7 +64,7 @@ TEST_P(reference_laws, the_pieces_of_the_outermost_message_together_are_the_whol
     const random_record record(*GetParam(), random, shapes::canonical);
     const naive::encoding expected(record, true);
     tried() = expected.bytes();
-    const fenced_block buffer(expected.length());
+    const fenced_block buffer(expected.size());
     table seen(static_cast<std::uint32_t>(expected.entries()));
     GetParam()->functions->encode(record.data(), buffer.data(), buffer.size(), seen.entries(), &seen.count,
                                   PAVO_ZORV_REFERENCE);

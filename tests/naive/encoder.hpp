@@ -32,6 +32,10 @@ class encoding {
   // Whether a size can say how long it is.
   bool has_size() const { return !is_beyond_ && length_ <= SIZE_MAX; }
   std::uint64_t length() const { return length_; }
+  std::size_t size() const {
+    if (!has_size()) broken("a size of what is longer than memory");
+    return static_cast<std::size_t>(length_);
+  }
   std::size_t entries() const { return entries_.size(); }
   // What a buffer holds after a call. Each string and each block of bytes is written whole or not at all.
   std::vector<unsigned char> in_buffer(std::vector<unsigned char> before) const {
@@ -46,9 +50,7 @@ class encoding {
   }
 
   // All of it, with zeros for blocks that are not there.
-  std::vector<unsigned char> bytes() const {
-    return in_buffer(std::vector<unsigned char>(static_cast<std::size_t>(length_)));
-  }
+  std::vector<unsigned char> bytes() const { return in_buffer(std::vector<unsigned char>(size())); }
 
   // The fields of the message one by one, the elements of a list each for itself.
   std::vector<std::vector<unsigned char>> fields() const {
