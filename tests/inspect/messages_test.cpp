@@ -11,7 +11,6 @@
 #include "examine.hpp"
 #include "hex_text.hpp"
 #include "json_parse.hpp"
-#include "json_text.hpp"
 #include "laws.hpp"
 #include "segment_table.hpp"
 #include "text_format.hpp"
@@ -45,7 +44,7 @@ class every_message : public test::law {
   byte_string through_json(byte_view input, bytes_form bytes) const {
     record content(type());
     EXPECT_EQ(content.decode(input), CODEC_OK);
-    const std::string text = to_text(content.write({bytes, {}}));
+    const std::string text = content.to_text({bytes, {}});
     return from_node(parse_json(view_of(text)), bytes);
   }
 
@@ -117,7 +116,7 @@ TEST_P(every_message, has_differences_exactly_if_compare_says_so) {
     const byte_string second = bytes_of_record();
     ASSERT_EQ(a.decode(first), CODEC_OK);
     ASSERT_EQ(b.decode(second), CODEC_OK);
-    const auto found = differences(type(), a.write(), b.write());
+    const auto found = differences(type(), a.to_json(), b.to_json());
     ASSERT_EQ(found.empty(), a.compare(b) == 0);
     ++(found.empty() ? equal : different);
   });

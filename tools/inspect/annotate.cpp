@@ -4,9 +4,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <concepts>
 #include <cstdint>
-#include <iterator>
 #include <string_view>
+#include <unordered_map>
 
 #include "core/wire.hpp"
 #include "pavo_zorv_memory.h"
@@ -16,92 +17,142 @@
 namespace inspect {
 namespace {
 
+void append_number(std::string &text, std::integral auto number) {
+  const fmt::format_int digits(number);
+  text.append(digits.data(), digits.size());
+}
+
 // The value as stored in the member.
-std::string number_text(const field_info &field, std::uint64_t number) {
+void append_value(std::string &text, const field_info &field, std::uint64_t number) {
   if (field.kind == kind::flag) {
-    return number == 0 ? "false" : number == 1 ? "true" : fmt::format("true (sent as {})", number);
+    text += number == 0 ? "false" : "true";
+    if (number > 1) text += fmt::format(" (sent as {})", number);
+  } else if (field.is_signed && field.width == 8) {
+    append_number(text, static_cast<std::int64_t>(number));
+  } else if (field.is_signed) {
+    append_number(text, static_cast<std::int32_t>(number));
+  } else {
+    const std::uint64_t kept = field.width == 1 ? number & 0xff : number;
+    append_number(text, kept);
+    if (kept != number) text += fmt::format(" (sent as {}, truncated to 8 bits)", number);
   }
-  if (field.is_signed) {
-    return field.width == 8 ? fmt::format("{}", static_cast<std::int64_t>(number))
-                            : fmt::format("{}", static_cast<std::int32_t>(number));
-  }
-  const std::uint64_t kept = field.width == 1 ? number & 0xff : number;
-  return kept == number ? fmt::format("{}", kept) : fmt::format("{} (sent as {}, truncated to 8 bits)", kept, number);
 }
 
 // In quotes, with escapes for what is not printable ASCII; only the beginning of a long string.
-std::string quoted(byte_view characters) {
+void append_quoted(std::string &text, byte_view characters) {
   constexpr std::size_t max_size = 60;
-  std::string text = "\"";
+  text += '"';
   for (const unsigned char character : characters.first(std::min(max_size, characters.size()))) {
-    if (character == '"' || character == '\\') {
-      text += fmt::format("\\{}", static_cast<char>(character));
-    } else if (character >= ' ' && character <= '~') {
+    if (character == '"' || character == '\\') text += '\\';
+    if (character >= ' ' && character <= '~') {
       text += static_cast<char>(character);
     } else {
       text += fmt::format("\\x{:02x}", character);
     }
   }
-  return text + (characters.size() > max_size ? "\"..." : "\"");
+  text += characters.size() > max_size ? "\"..." : "\"";
 }
 
 class annotator {
  public:
-  annotator(byte_view input, const walk &walked) : input_(input), walked_(walked) {}
+  annotator(byte_view input, const row_visitor &visit) : input_(input), visit_(visit) {}
 
-  std::vector<annotation> rows() {
-    for (const walked_field &field : walked_.fields) rows_.push_back(row_of(field));
-    if (walked_.failure) add_rest(*walked_.failure);
-    return std::move(rows_);
+  // The memory of a row is used again for the next one.
+  void add(const walked_field &here) {
+    row_.is_container = here.field != nullptr && here.field->nested != nullptr;
+    row_.depth = here.depth;
+    row_.start = here.start;
+    row_.end = row_.is_container ? here.content : here.end;
+    row_.field_end = here.end;
+    row_.parent = here.depth == 0 ? std::string_view() : std::string_view(parents_[here.depth - 1]);
+    set_name(here);
+    set_key(here);
+    row_.kind.clear();
+    if (here.field != nullptr) row_.kind = described(*here.field);
+    row_.meaning.clear();
+    append_meaning(here);
+    row_.remarks.clear();
+    row_.roles.assign(row_.end - row_.start, role::value);
+    mark_varints(here);
+    add_other_remarks(here);
+    row_.state = here.field == nullptr                       ? row_state::unknown
+                 : row_.remarks.empty() && !is_changed(here) ? row_state::plain
+                                                             : row_state::tolerated;
+    covered_ = row_.end;
+    if (row_.is_container) note_parent(here.depth);
+    visit_(row_);
+  }
+
+  // What the walk did not read, in two rows: up to the failure, and from there to the end.
+  void add_rest(const walk_failure &failure) {
+    if (covered_ < failure.offset) {
+      visit_(rest_row(row_state::unread, covered_, failure.offset, failure.depth, "not stored"));
+    }
+    visit_(rest_row(row_state::failed, failure.offset, input_.size(), failure.depth,
+                    fmt::format("<-- {}: {}", pavo_zorv_result_name(failure.result), failure.reason)));
   }
 
  private:
-  annotation row_of(const walked_field &here) {
-    annotation row;
-    row.is_container = here.field != nullptr && here.field->nested != nullptr;
-    row.depth = here.depth;
-    row.start = here.start;
-    row.end = row.is_container ? here.content : here.end;
-    row.field_end = here.end;
-    row.parent = parent_path(here);
-    row.name = here.field == nullptr ? fmt::format("unknown field {}", here.key >> 3)
-                                     : to_string(path{{here.field, here.index}});
-    row.key = fmt::format("{} {}", here.key >> 3, wire_type_name(here.key));
-    if (here.field != nullptr) row.kind = describe_element(*here.field);
-    row.meaning = meaning(here);
-    row.roles.assign(row.end - row.start, role::value);
-    mark_varints(here, row);
-    row.remarks += other_remarks(here);
-    row.state = here.field == nullptr                      ? row_state::unknown
-                : row.remarks.empty() && !is_changed(here) ? row_state::plain
-                                                           : row_state::tolerated;
-    covered_ = row.end;
-    return row;
+  void set_name(const walked_field &here) {
+    if (here.field == nullptr) {
+      row_.name = "unknown field ";
+      append_number(row_.name, here.key >> 3);
+      return;
+    }
+    row_.name = here.field->name;
+    if (!here.index) return;
+    row_.name += '[';
+    append_number(row_.name, *here.index);
+    row_.name += ']';
   }
 
-  // The path to the message that contains a field.
-  std::string parent_path(const walked_field &here) {
-    path_.resize(here.depth);
-    std::string text = to_string(path_);
-    if (!text.empty()) text += '.';
-    path_.push_back({here.field, here.index});
+  void set_key(const walked_field &here) {
+    row_.key.clear();
+    append_number(row_.key, here.key >> 3);
+    row_.key += ' ';
+    row_.key += wire_type_name(here.key);
+  }
+
+  // The same field often comes many times, one after the other.
+  const std::string &described(const field_info &field) {
+    std::string &text = descriptions_[&field];
+    if (text.empty()) text = describe_element(field);
     return text;
+  }
+
+  // For the rows inside a message: the path to it.
+  void note_parent(std::size_t depth) {
+    if (parents_.size() <= depth) parents_.resize(depth + 1);
+    parents_[depth] = row_.parent;
+    parents_[depth] += row_.name;
+    parents_[depth] += '.';
   }
 
   byte_view content(const walked_field &here) const { return input_.subspan(here.content, here.end - here.content); }
 
-  std::string meaning(const walked_field &here) const {
-    if (here.field == nullptr) return skipped(here);
+  void append_meaning(const walked_field &here) {
+    std::string &text = row_.meaning;
+    if (here.field == nullptr) {
+      text = skipped(here);
+      return;
+    }
     switch (here.field->kind) {
       case kind::string:
-        return " = " + quoted(content(here));
+        text += " = ";
+        append_quoted(text, content(here));
+        break;
       case kind::bytes:
-        return " = " + byte_count(content(here).size());
+        text += " = ";
+        text += byte_count(content(here).size());
+        break;
       case kind::nested:
       case kind::message_list:
-        return ": " + byte_count(content(here).size());
+        text += ": ";
+        text += byte_count(content(here).size());
+        break;
       default:
-        return " = " + number_text(*here.field, here.number);
+        text += " = ";
+        append_value(text, *here.field, here.number);
     }
   }
 
@@ -118,29 +169,28 @@ class annotator {
   }
 
   // Marks which bytes are the key, the length and the value, and which of them a shorter varint would not have.
-  void mark_varints(const walked_field &here, annotation &row) const {
-    mark(row, here.start, here.value, role::key, pavo_zorv::varint_size(here.key), "key");
+  void mark_varints(const walked_field &here) {
+    mark(here.start, here.value, role::key, pavo_zorv::varint_size(here.key), "key");
     const bool has_length = here.content != here.value;
     const wire_type type = here.field != nullptr ? here.field->wire : static_cast<wire_type>(here.key & 7);
     const std::size_t shortest = pavo_zorv::varint_size(here.number);
-    if (has_length) mark(row, here.value, here.content, role::length, shortest, "length");
-    if (type == wire_type::varint) mark(row, here.value, here.end, role::value, shortest, "value");
+    if (has_length) mark(here.value, here.content, role::length, shortest, "length");
+    if (type == wire_type::varint) mark(here.value, here.end, role::value, shortest, "value");
   }
 
-  static void mark(annotation &row, std::size_t from, std::size_t to, role role, std::size_t shortest,
-                   const char *what) {
-    const auto first = row.roles.begin() + static_cast<std::ptrdiff_t>(from - row.start);
+  void mark(std::size_t from, std::size_t to, role role, std::size_t shortest, const char *what) {
+    const auto first = row_.roles.begin() + static_cast<std::ptrdiff_t>(from - row_.start);
     const std::size_t size = to - from;
     std::fill_n(first, size, role);
     if (size <= shortest) return;
     std::fill_n(first + static_cast<std::ptrdiff_t>(shortest), size - shortest, role::excess);
-    row.remarks += fmt::format(", over-long {}", what);
+    row_.remarks += fmt::format(", over-long {}", what);
   }
 
-  std::string other_remarks(const walked_field &here) const {
-    std::string text;
+  void add_other_remarks(const walked_field &here) {
+    std::string &text = row_.remarks;
     if (here.is_repeated) text += ", replaces the earlier occurrence";
-    if (here.field == nullptr) return text;
+    if (here.field == nullptr) return;
     if ((here.key & 7) != static_cast<unsigned>(here.field->wire)) {
       text += fmt::format(", read as {}: within a run only the field number matters",
                           wire_type_name(static_cast<unsigned>(here.field->wire)));
@@ -148,16 +198,6 @@ class annotator {
     if (here.field->kind == kind::string && std::ranges::find(content(here), 0) != content(here).end()) {
       text += ", ends at its first NUL";
     }
-    return text;
-  }
-
-  // What the walk did not read, in two rows: up to the failure, and from there to the end.
-  void add_rest(const walk_failure &failure) {
-    if (covered_ < failure.offset) {
-      rows_.push_back(rest_row(row_state::unread, covered_, failure.offset, failure.depth, "not stored"));
-    }
-    rows_.push_back(rest_row(row_state::failed, failure.offset, input_.size(), failure.depth,
-                             fmt::format("<-- {}: {}", pavo_zorv_result_name(failure.result), failure.reason)));
   }
 
   static annotation rest_row(row_state state, std::size_t start, std::size_t end, unsigned depth, std::string text) {
@@ -172,14 +212,28 @@ class annotator {
   }
 
   byte_view input_;
-  const walk &walked_;
-  std::vector<annotation> rows_;
-  path path_;
+  const row_visitor &visit_;
+  annotation row_;
+  std::vector<std::string> parents_;  // for each depth, the path to the last message there
+  std::unordered_map<const field_info *, std::string> descriptions_;
   std::size_t covered_ = 0;  // the end of the last row
 };
 
 }  // namespace
 
-std::vector<annotation> annotate(byte_view input, const walk &walked) { return annotator(input, walked).rows(); }
+std::vector<annotation> annotate(byte_view input, const walk &walked) {
+  std::vector<annotation> rows;
+  const row_visitor keep = [&](const annotation &row) { rows.push_back(row); };
+  annotator annotator(input, keep);
+  for (const walked_field &field : walked.fields) annotator.add(field);
+  if (walked.failure) annotator.add_rest(*walked.failure);
+  return rows;
+}
+
+void annotate(const message_type &type, byte_view input, const row_visitor &visit) {
+  annotator annotator(input, visit);
+  const walk_outcome walked = walk_message(type, input, [&](const walked_field &field) { annotator.add(field); });
+  if (walked.failure) annotator.add_rest(*walked.failure);
+}
 
 }  // namespace inspect

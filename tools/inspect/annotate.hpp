@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ enum class row_state {
   failed,     // from the byte that cannot be read to the end
 };
 
-enum class role { key, length, value, excess };  // excess: bytes that a shorter varint would not have
+enum class role : unsigned char { key, length, value, excess };  // excess: bytes that a shorter varint would not have
 
 // One field without the fields inside it, or the rest of the input after a failure.
 struct annotation {
@@ -40,5 +41,9 @@ struct annotation {
 
 // Every byte of the input is in exactly one row, including those after a failure.
 std::vector<annotation> annotate(byte_view input, const walk &walked);
+
+// The same in constant memory: `visit` is called with each row.
+using row_visitor = std::function<void(const annotation &)>;
+void annotate(const message_type &type, byte_view input, const row_visitor &visit);
 
 }  // namespace inspect

@@ -1,7 +1,6 @@
 // Colours as ANSI sequences.
 #include "colour.hpp"
 
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -15,10 +14,16 @@ bool terminal_has_colours() {
   return isatty(STDOUT_FILENO) == 1 && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
+std::string_view painter::sequence(colour chosen) {
+  static constexpr std::string_view sequences[] = {"\x1b[0m",  "\x1b[2m",  "\x1b[1m",  "\x1b[31m", "\x1b[32m",
+                                                   "\x1b[33m", "\x1b[34m", "\x1b[35m", "\x1b[36m", "\x1b[1;37;41m"};
+  return sequences[static_cast<std::size_t>(chosen)];
+}
+
 std::string painter::operator()(colour chosen, std::string_view text) const {
-  static constexpr const char *codes[] = {"0", "2", "1", "31", "32", "33", "34", "35", "36", "1;37;41"};
-  if (!is_on_ || chosen == colour::plain || text.empty()) return std::string(text);
-  return fmt::format("\x1b[{}m{}\x1b[0m", codes[static_cast<std::size_t>(chosen)], text);
+  std::string painted;
+  append(painted, chosen, text);
+  return painted;
 }
 
 }  // namespace inspect

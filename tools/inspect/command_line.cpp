@@ -190,6 +190,7 @@ class command_line {
     add_choice(annotating, "--color", options_.colours, colour_choices,
                "When to use colours; auto is on a terminal, unless NO_COLOR is set");
     annotating->add_flag("--html", options_.html, "Write a page for a browser");
+    annotating->add_flag("-a,--all", options_.all, "Show all bytes after a failure, not only the first");
 
     CLI::App *const drawing =
         command("segments", "Show the segment table of an encoding, without and with reference mode", segments);

@@ -29,7 +29,7 @@ struct command_options {
   message_form from = message_form::automatic;
   message_form to = message_form::as_json;
   bool html = false;
-  bool all = false;     // show all differences, messages or types
+  bool all = false;     // show all differences, messages, types or bytes
   bool strict = false;  // non-canonical messages are refused
   bool timing = false;
 };

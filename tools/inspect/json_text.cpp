@@ -1,42 +1,55 @@
 // Writes JSON as text.
 #include "json_text.hpp"
 
-#include <algorithm>
-#include <nlohmann/json.hpp>
+#include <stdexcept>
 
 namespace inspect {
-namespace {
 
-// Whether its members or elements go on lines of their own.
-bool needs_lines(const json &value) {
-  return value.is_object() ? !value.empty()
-                           : std::ranges::any_of(value, [](const json &each) { return each.is_structured(); });
+void json_writer::begin(char bracket, bool has_lines) {
+  separate();
+  if (depth_ == max_levels) throw std::length_error("JSON nested too deeply");
+  levels_[depth_++] = {has_lines && is_readable_, true};
+  text_ += bracket;
 }
 
-void append(std::string &text, const json &value, std::size_t depth) {
-  if (!value.is_structured()) {
-    text += value.dump();
-    return;
-  }
-  const std::string line_break = needs_lines(value) ? '\n' + std::string(2 * depth, ' ') : "";
-  const std::string margin = line_break.empty() ? "" : line_break + "  ";
-  text += value.is_object() ? '{' : '[';
-  std::string separator = margin;
-  for (const auto &[name, member] : value.items()) {
-    text += separator;
-    if (value.is_object()) text += json(name).dump() + ": ";
-    append(text, member, depth + 1);
-    separator = margin.empty() ? ", " : ',' + margin;
-  }
-  text += line_break + (value.is_object() ? '}' : ']');
+void json_writer::end(char bracket) {
+  const level ended = levels_[--depth_];
+  if (ended.has_lines && !ended.is_empty) break_line();
+  text_ += bracket;
 }
 
-}  // namespace
+void json_writer::separate_element() {
+  level &here = levels_[depth_ - 1];
+  if (!here.is_empty) text_ += ',';
+  if (here.has_lines) {
+    break_line();
+  } else if (!here.is_empty) {
+    text_ += ' ';
+  }
+  here.is_empty = false;
+}
 
-std::string to_text(const json &value) {
-  std::string text;
-  append(text, value, 0);
-  return text + '\n';
+void json_writer::break_line() {
+  text_ += '\n';
+  text_.append(2 * depth_, ' ');
+}
+
+void json_writer::quote(std::string_view value) {
+  text_ += '"';
+  for (const char character : value) {
+    if (character == '"' || character == '\\') {
+      text_ += '\\';
+      text_ += character;
+    } else if (static_cast<unsigned char>(character) >= ' ') {
+      text_ += character;
+    } else if (const std::size_t letter = std::string_view("\b\f\n\r\t").find(character); letter != value.npos) {
+      text_ += '\\';
+      text_ += "bfnrt"[letter];
+    } else {
+      text_ += fmt::format("\\u{:04x}", character);
+    }
+  }
+  text_ += '"';
 }
 
 }  // namespace inspect

@@ -4,32 +4,39 @@
 // is an object, {"base64": "..."}. Hexadecimal digits or the length can be written instead of base64.
 #pragma once
 
+#include <fmt/format.h>
+
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
 #include "core/kinds.hpp"
+#include "json_text.hpp"
 #include "text_encodings.hpp"
 #include "types.hpp"
 
 namespace inspect {
 
-template <class Record>
-json to_json(const Record &record, const json_form &form);
+// What one call writes, and where.
+struct json_target {
+  json_writer &to;
+  json_form form;
 
-// The form for the content of a member: the path to where decoding stopped, without the member's own step.
-inline json_form inside(json_form form) {
-  if (!form.stopped.empty()) form.stopped = form.stopped.subspan(1);
-  return form;
-}
+  // For the content of a member: the path to where decoding stopped, without the member's own step.
+  json_target inside() const { return {to, {form.bytes, form.stopped.subspan(form.stopped.empty() ? 0 : 1)}}; }
+  json_target not_stopped() const { return {to, {form.bytes}}; }
+};
+
+template <class Record>
+void write_json(const Record &record, json_target target);
 
 template <class Value>
-json number_to_json(Value value) {
+void write_number(Value value, json_writer &to) {
   if constexpr (sizeof(Value) == 8) {
-    return std::to_string(value);
+    const fmt::format_int digits(value);
+    to.string({digits.data(), digits.size()});
   } else {
-    return value;
+    to.number(value);
   }
 }
 
@@ -45,43 +52,50 @@ inline std::string bytes_to_text(byte_view content, bytes_form form) {
   return {};
 }
 
-inline json text_to_json(std::string_view text, bytes_form form) {
-  if (is_utf8(text)) return text;
+inline void write_string(std::string_view text, const json_target &target) {
+  if (is_utf8(text)) return target.to.string(text);
   static constexpr const char *names[] = {"base64", "hex", "length"};
   const byte_view raw(reinterpret_cast<const unsigned char *>(text.data()), text.size());
-  return {{names[static_cast<std::size_t>(form)], bytes_to_text(raw, form)}};
+  target.to.begin_object();
+  target.to.name(names[static_cast<std::size_t>(target.form.bytes)]);
+  target.to.string(bytes_to_text(raw, target.form.bytes));
+  target.to.end_object();
 }
 
 // The elements of a list of messages. If decoding stopped inside one, the elements after it were not reached.
 template <class Nested>
-json list_to_json(const Nested *elements, std::size_t count, const json_form &form) {
-  json list = json::array();
-  const bool stops_here = !form.stopped.empty() && form.stopped.front().index.has_value();
-  const std::size_t last = stops_here ? *form.stopped.front().index : count;
+void write_list(const Nested *elements, std::size_t count, const json_target &target) {
+  const path_view stopped = target.form.stopped;
+  const bool stops_here = !stopped.empty() && stopped.front().index.has_value();
+  const std::size_t last = stops_here ? *stopped.front().index : count;
+  target.to.begin_list(true);
   for (std::size_t index = 0; index < count && index <= last; ++index) {
-    list.push_back(to_json(elements[index], index == last ? inside(form) : json_form{form.bytes}));
+    write_json(elements[index], index == last ? target.inside() : target.not_stopped());
   }
-  return list;
+  target.to.end_list();
 }
 
 template <class Row, class Record>
-json member_to_json(const Row &row, const Record &record, const json_form &form) {
+void write_member(const Row &row, const Record &record, const json_target &target) {
   if constexpr (Row::type == kind::flag) {
-    return record.*row.value != 0;
+    target.to.flag(record.*row.value != 0);
   } else if constexpr (Row::type == kind::integer) {
-    return number_to_json(record.*row.value);
+    write_number(record.*row.value, target.to);
   } else if constexpr (Row::type == kind::string) {
-    return text_to_json(record.*row.value, form.bytes);
+    write_string(record.*row.value, target);
   } else if constexpr (Row::type == kind::bytes) {
-    return bytes_to_text(byte_view(record.*row.value, static_cast<std::size_t>(record.*row.length)), form.bytes);
+    const byte_view content(record.*row.value, static_cast<std::size_t>(record.*row.length));
+    target.to.string(bytes_to_text(content, target.form.bytes));
   } else if constexpr (Row::type == kind::integer_list) {
-    json list = json::array();
-    for (std::uint32_t index = 0; index < record.*row.count; ++index) list.push_back((record.*row.elements)[index]);
-    return list;
+    target.to.begin_list(false);
+    for (std::uint32_t index = 0; index < record.*row.count; ++index) {
+      write_number((record.*row.elements)[index], target.to);
+    }
+    target.to.end_list();
   } else if constexpr (Row::type == kind::message_list) {
-    return list_to_json(record.*row.elements, record.*row.count, form);
+    write_list(record.*row.elements, record.*row.count, target);
   } else {
-    return to_json(record.*row.value, inside(form));
+    write_json(record.*row.value, target.inside());
   }
 }
 
@@ -91,23 +105,30 @@ bool holds_part(const Row &row, const Record &record, const json_form &form) {
   if constexpr (Row::type == kind::message_list) {
     return record.*row.elements != nullptr;
   } else if constexpr (Row::type == kind::nested) {
-    return !member_to_json(row, record, form).empty();
+    std::string text;
+    json_writer trial(text, json_layout::one_line);
+    write_member(row, record, {trial, form});
+    return text != "{}";
   } else {
     return false;
   }
 }
 
 template <class Record>
-json to_json(const Record &record, const json_form &form) {
-  json object = json::object();
+void write_json(const Record &record, json_target target) {
+  target.to.begin_object();
   pavo_zorv::for_each_row<Record>([&](auto index) {
     constexpr auto &row = pavo_zorv::row_at<Record, index>;
+    const path_view stopped = target.form.stopped;
     const bool present = (record.presence & pavo_zorv::presence_bit<Record, index>) != 0;
-    const bool on_path = !form.stopped.empty() && form.stopped.front().field->number == row.number;
-    const json_form here = on_path ? form : json_form{form.bytes};
-    if (present || (on_path && holds_part(row, record, here))) object[row.name] = member_to_json(row, record, here);
+    const bool on_path = !stopped.empty() && stopped.front().field->number == row.number;
+    const json_target here = on_path ? target : target.not_stopped();
+    if (present || (on_path && holds_part(row, record, here.form))) {
+      target.to.name(row.name);
+      write_member(row, record, here);
+    }
   });
-  return object;
+  target.to.end_object();
 }
 
 }  // namespace inspect

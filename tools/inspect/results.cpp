@@ -18,9 +18,11 @@ std::string position(const message_type &type, const walk_failure &failure) {
 
 }  // namespace
 
-bool agree(int result, const walk &walked) { return result == walked.result() || result == CODEC_ERR_NO_MEMORY; }
+bool agree(int result, const walk_outcome &walked) {
+  return result == walked.result() || result == CODEC_ERR_NO_MEMORY;
+}
 
-std::string explain(const message_type &type, int result, const walk &walked) {
+std::string explain(const message_type &type, int result, const walk_outcome &walked) {
   if (!agree(result, walked)) {
     return fmt::format(
         "*** DEFECT: the library and this tool's own walk disagree about this input ***\n"

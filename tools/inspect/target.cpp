@@ -67,10 +67,6 @@ void for_each_message(const command_options &options, const std::string &file, c
         fmt::format("{}: no message {}: there are {}, counted from 0", name, *options.at, found.complete.size()));
 }
 
-json decoded::to_json(bytes_form bytes) const {
-  return content.write({bytes, walked.failure ? path_view(walked.failure->path) : path_view{}});
-}
-
 exit_status decoded::report() const {
   const std::string text = explain(type, result, walked);
   if (text.empty()) return ok;

@@ -44,9 +44,12 @@ struct decoded {
         input(message_bytes),
         content(message),
         result(content.decode(input)),
-        walked(walk_message(message, input)) {}
+        walked(outcome_of(message, input)) {}
 
-  json to_json(bytes_form bytes = bytes_form::base64) const;
+  // The form for writing its content: without what decoding did not reach.
+  json_form form(bytes_form bytes = bytes_form::base64) const {
+    return {bytes, walked.failure ? path_view(walked.failure->path) : path_view{}};
+  }
 
   // Prints what went wrong, if anything did.
   exit_status report() const;
@@ -55,7 +58,7 @@ struct decoded {
   byte_view input;
   record content;
   int result;
-  walk walked;
+  walk_outcome walked;
 };
 
 // The given type, or else the only one that the message can be, which is then reported.

@@ -49,8 +49,8 @@ int compare_records(const void *a, const void *b) {
 }
 
 template <class Record>
-json write_record(const void *record, const json_form &form) {
-  return to_json(*static_cast<const Record *>(record), form);
+void write_record(const void *record, const json_form &form, json_writer &to) {
+  write_json(*static_cast<const Record *>(record), {to, form});
 }
 
 template <class Record>
@@ -174,7 +174,14 @@ byte_string record::encode() const {
   return result;
 }
 
-json record::write(const json_form &form) const { return type_.write(content_, form); }
+std::string record::to_text(const json_form &form, json_layout layout) const {
+  std::string text;
+  json_writer to(text, layout);
+  write(to, form);
+  return text += '\n';
+}
+
+json record::to_json(const json_form &form) const { return json::parse(to_text(form, json_layout::one_line)); }
 
 void record::read(const node &from, bytes_form bytes) { type_.read(from, content_, memory_, bytes); }
 

@@ -11,6 +11,7 @@
 #include "arena.hpp"
 #include "bytes.hpp"
 #include "json_form.hpp"
+#include "json_text.hpp"
 #include "message_table.hpp"
 #include "path.hpp"
 #include "pavo_zorv.h"
@@ -35,7 +36,7 @@ struct message_type : message_info {
   void (*release)(void *record, pavo_zorv_release release, void *context, std::uint32_t options);
   int (*compare)(const void *a, const void *b);
 
-  json (*write)(const void *record, const json_form &form);
+  void (*write)(const void *record, const json_form &form, json_writer &to);
   void (*read)(const node &from, void *record, arena &memory, bytes_form bytes);
 };
 
@@ -73,7 +74,11 @@ class record {
   byte_string encode() const;
   int compare(const record &other) const { return type_.compare(content_, other.content_); }
 
-  json write(const json_form &form = {}) const;
+  // As JSON: its text, the same as a tree, or as a part of something greater.
+  std::string to_text(const json_form &form = {}, json_layout layout = json_layout::readable) const;
+  json to_json(const json_form &form = {}) const;
+  void write(json_writer &to, const json_form &form = {}) const { type_.write(content_, form, to); }
+
   void read(const node &from, bytes_form bytes = bytes_form::base64);
 
   const void *content() const { return content_; }

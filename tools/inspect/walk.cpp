@@ -17,7 +17,7 @@ struct varint {
 
 class walker {
  public:
-  explicit walker(byte_view input) : input_(input) {}
+  walker(byte_view input, const field_visitor *visit) : input_(input), visit_(visit) {}
 
   // False on failure; `done.failure` says why.
   bool message(const message_info &type, std::size_t at, std::size_t end) {
@@ -41,9 +41,13 @@ class walker {
     return true;
   }
 
-  walk done;
+  walk_outcome done;
 
  private:
+  void pass_on(const walked_field &here) const {
+    if (visit_ != nullptr) (*visit_)(here);
+  }
+
   // Of any number of bytes; bits beyond the width are dropped.
   std::optional<varint> read_varint(std::size_t at, std::size_t end, unsigned width) const {
     std::uint64_t value = 0;
@@ -123,7 +127,8 @@ class walker {
                                 wire_type_name(here.key)));
     }
     if (here.end == 0) here.end = here.number < end - here.content ? here.content + here.number : end;
-    done.fields.push_back(here);
+    ++done.unknown_fields;
+    pass_on(here);
     return true;
   }
 
@@ -139,17 +144,19 @@ class walker {
     switch (field.kind) {
       case kind::flag:
       case kind::integer:
-        return scalar(here, end);
+        if (!scalar(here, end)) return false;
+        pass_on(here);
+        return true;
       case kind::string:
       case kind::bytes:
         if (here.is_repeated)
           return fail_again(here, fmt::format("second occurrence; the first is at offset {}", first));
         if (!delimited(here, end)) return false;
-        done.fields.push_back(here);
+        pass_on(here);
         return true;
       case kind::nested:
         if (!delimited(here, end)) return false;
-        done.fields.push_back(here);
+        pass_on(here);
         return inside(here);
       case kind::integer_list:
       case kind::message_list:
@@ -169,7 +176,6 @@ class walker {
     if (!value) return cut_off_in(here, "the value");
     here.number = value->value;
     here.end = value->next;
-    done.fields.push_back(here);
     return true;
   }
 
@@ -204,47 +210,37 @@ class walker {
   // All elements are delimited before any is read: if that fails, none of the run is kept. In the keys within a run
   // only the field number matters, not the wire type.
   bool run(walked_field &here, std::size_t end) {
-    const std::size_t before = done.fields.size();
     here.index = 0;
+    const walked_field first = here;
     while (true) {
-      const bool is_complete =
-          here.field->kind == kind::integer_list ? scalar(here, end) : delimited_element(here, end);
-      if (!is_complete) return discard_from(before);
+      if (!element(here, end)) return false;
       if (here.end == end) break;
       const auto key = read_varint(here.end, end, 32);
-      if (!key) {
-        cut_off(here.end, fmt::format("the key after {}[{}]", here.field->name, *here.index));
-        return discard_from(before);
-      }
+      if (!key) return cut_off(here.end, fmt::format("the key after {}[{}]", here.field->name, *here.index));
       if (key->value >> 3 != here.field->number) break;
       here = started(here.field, *key, here.end, *here.index + 1);
     }
-    return here.field->kind == kind::integer_list || elements(before);
+    // Without a visitor the values of integers matter to nobody.
+    return (visit_ == nullptr && here.field->kind == kind::integer_list) || elements(first, here.end);
   }
 
-  bool delimited_element(walked_field &here, std::size_t end) {
-    if (!delimited(here, end)) return false;
-    done.fields.push_back(here);
-    return true;
-  }
-
-  bool discard_from(std::size_t first) {
-    done.fields.resize(first);
-    return false;
+  bool element(walked_field &here, std::size_t end) {
+    return here.field->kind == kind::integer_list ? scalar(here, end) : delimited(here, end);
   }
 
   // Reads the elements of a run that has been delimited; each is followed by its own fields.
-  bool elements(std::size_t first) {
-    const std::vector<walked_field> run(done.fields.begin() + static_cast<std::ptrdiff_t>(first), done.fields.end());
-    done.fields.resize(first);
-    for (const walked_field &element : run) {
-      done.fields.push_back(element);
-      if (!inside(element)) return false;
+  bool elements(walked_field here, std::size_t end) {
+    while (true) {
+      element(here, end);
+      pass_on(here);
+      if (here.field->kind == kind::message_list && !inside(here)) return false;
+      if (here.end == end) return true;
+      here = started(here.field, *read_varint(here.end, end, 32), here.end, *here.index + 1);
     }
-    return true;
   }
 
   byte_view input_;
+  const field_visitor *visit_;
   const message_info *type_ = nullptr;  // of the message that is being read
   path path_;
   unsigned depth_ = 0;
@@ -252,10 +248,22 @@ class walker {
 
 }  // namespace
 
-walk walk_message(const message_info &type, byte_view input) {
-  walker walker(input);
+walk_outcome walk_message(const message_info &type, byte_view input, const field_visitor &visit) {
+  walker walker(input, &visit);
   walker.message(type, 0, input.size());
   return std::move(walker.done);
+}
+
+walk_outcome outcome_of(const message_info &type, byte_view input) {
+  walker walker(input, nullptr);
+  walker.message(type, 0, input.size());
+  return std::move(walker.done);
+}
+
+walk walk_message(const message_info &type, byte_view input) {
+  std::vector<walked_field> fields;
+  walk_outcome outcome = walk_message(type, input, [&](const walked_field &each) { fields.push_back(each); });
+  return {std::move(outcome), std::move(fields)};
 }
 
 }  // namespace inspect

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,14 +39,25 @@ struct walk_failure {
   std::string reason;  // "field 2 of api_exp_path: second run of a list; the first starts at offset 0"
 };
 
-struct walk {
-  std::vector<walked_field> fields;
+struct walk_outcome {
   std::optional<walk_failure> failure;
+  std::size_t unknown_fields = 0;  // that were skipped
 
   int result() const { return failure ? failure->result : CODEC_OK; }
 };
 
+struct walk : walk_outcome {
+  std::vector<walked_field> fields;
+};
+
 // What decoding does with an allocator that never fails.
 walk walk_message(const message_info &type, byte_view input);
+
+// The same in constant memory: `visit` is called with each field, in the order of the input.
+using field_visitor = std::function<void(const walked_field &)>;
+walk_outcome walk_message(const message_info &type, byte_view input, const field_visitor &visit);
+
+// Only how it ends.
+walk_outcome outcome_of(const message_info &type, byte_view input);
 
 }  // namespace inspect

@@ -1,10 +1,8 @@
 // A fuzzing target for JSON and the text form: any text is refused with a position inside it, or gives a message that
 // survives a round trip through both forms. The last byte of the input selects the message type and the form.
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "json_parse.hpp"
-#include "json_text.hpp"
 #include "property.hpp"
 #include "text_format.hpp"
 #include "types.hpp"
@@ -34,7 +32,7 @@ void try_text(const message_type &type, bool is_json, bytes_form bytes, byte_vie
   }
   record content(type);
   require(content.decode(message) == CODEC_OK, "what was read is encoded to a valid message");
-  const std::string json_text = to_text(content.write({bytes, {}}));
+  const std::string json_text = content.to_text({bytes, {}});
   require(encoded(type, parse_json(view_of(json_text)), bytes) == message,
           "a message survives a round trip through JSON");
   const std::string plain_text = to_text_format(type, message);

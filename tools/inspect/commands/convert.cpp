@@ -1,11 +1,9 @@
 // `convert`: a message in another form. From one form of bytes to another, the message is not decoded.
-#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "../commands.hpp"
 #include "../input.hpp"
 #include "../json_parse.hpp"
-#include "../json_text.hpp"
 #include "../target.hpp"
 #include "../text_format.hpp"
 
@@ -75,7 +73,7 @@ exit_status convert(const command_options &options) {
   const decoded read(type_of(type, file == "-" ? "standard input" : file, message), message);
   // Encoding shows what the library keeps of a message; after a failure that would be too little.
   const byte_string kept = read.walked.failure ? message : read.content.encode();
-  write_text(options, options.to == message_form::as_json ? to_text(read.to_json(options.bytes))
+  write_text(options, options.to == message_form::as_json ? read.content.to_text(read.form(options.bytes))
                                                           : to_text_format(read.type, kept));
   return read.report();
 }

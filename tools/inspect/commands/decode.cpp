@@ -1,9 +1,6 @@
 // `decode`: messages as JSON, including what was read before a failure.
-#include <nlohmann/json.hpp>
-
 #include "../commands.hpp"
 #include "../input.hpp"
-#include "../json_text.hpp"
 #include "../target.hpp"
 
 namespace inspect {
@@ -13,7 +10,7 @@ exit_status decode(const command_options &options) {
   exit_status status = ok;
   for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
     const decoded read(type_of(type, name, message), message);
-    print(to_text(read.to_json(options.bytes)));
+    print(read.content.to_text(read.form(options.bytes)));
     status = worse(status, read.report());
   });
   return status;

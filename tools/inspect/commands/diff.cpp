@@ -42,7 +42,8 @@ exit_status diff(const command_options &options) {
   const exit_status status = worse(first.report(), second.report());
 
   const int order = first.content.compare(second.content);
-  const std::vector<difference> found = differences(type, first.to_json(), second.to_json());
+  const std::vector<difference> found =
+      differences(type, first.content.to_json(first.form()), second.content.to_json(second.form()));
   if (order == 0 && found.empty()) return status;
   print(fmt::format("{} | {}: the {} is greater\n{}", target.files[0], target.files[1], order > 0 ? "first" : "second",
                     list_text(found, options.all)));

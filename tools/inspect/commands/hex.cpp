@@ -17,6 +17,9 @@ bool has_colours(colour_choice choice) {
   return choice == colour_choice::always || (choice == colour_choice::when_terminal && terminal_has_colours());
 }
 
+constexpr std::size_t shown_rest = 192;  // bytes after a failure
+constexpr std::size_t chunk = 1 << 16;   // what is printed at once
+
 }  // namespace
 
 exit_status hex(const command_options &options) {
@@ -26,14 +29,21 @@ exit_status hex(const command_options &options) {
   std::string page;
   for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
     const decoded read(type_of(type, name, message), message);
-    const std::vector<annotation> rows = annotate(message, read.walked);
     if (options.html) {
+      const std::vector<annotation> rows = annotate(message, walk_message(read.type, message));
       page += html_section({name, read.type.name, message, rows});
     } else {
       if (options.stream != prefix_form::none) {
         print(paint(colour::bold, fmt::format("{}: {}, {}", name, read.type.name, byte_count(message.size()))) + '\n');
       }
-      print(hex_text(message, rows, paint));
+      std::string text;
+      annotate(read.type, message, [&](const annotation &row) {
+        append_hex(text, message, row, paint, options.all ? SIZE_MAX : shown_rest);
+        if (text.size() < chunk) return;
+        print(text);
+        text.clear();
+      });
+      print(text);
     }
     status = worse(status, read.report());
   });
