@@ -1,14 +1,17 @@
 // Bytes in the forms that other tools print, and streams of messages.
 #include "byte_forms.hpp"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bytes_of_text.hpp"
 #include "failure.hpp"
-#include "stream.hpp"
+#include "messages.hpp"
 #include "support.hpp"
 
 namespace inspect {
@@ -73,11 +76,65 @@ TEST(base64, is_read_over_many_lines) {
   EXPECT_THROW(parse_bytes(of("CB?="), byte_form::base64), input_error);
 }
 
-TEST(other_input, is_taken_as_raw_bytes) {
+TEST(digits, are_read_as_logs_and_programs_write_them) {
+  const byte_string expected = test::hex("08 07 12 02 65 74");
+  for (const std::string_view text : {
+           "08:07:12:02:65:74",
+           "08:07:12:\n02:65:74\n",
+           "08-07-12-02-65-74",
+           "08,07,12,02,65,74",
+           "0x080712026574",
+           "0X08 0X07 0x12 0x02 0x65 0x74",
+           "0x8, 0x7, 0x12, 0x2, 0x65, 0x74,\n",
+           "\\x08\\x07\\x12\\x02\\x65\\x74",
+           "b'\\x08\\x07\\x12\\x02\\x65\\x74'",
+           "\"\\x08\\x07\\x12\"\n\"\\x02\\x65\\x74\"",
+           "unsigned char raw[] = {\n  0x08, 0x07, 0x12,\n  0x02, 0x65, 0x74\n};\nunsigned int raw_len = 6;\n",
+           "/* Frame (6 bytes) */\nstatic const unsigned char pkt1[6] = {\n0x08, 0x07, 0x12, /* ... */\n0x02, 0x65, "
+           "0x74  // et\n};\n",
+           "[]byte{0x08, 0x07, 0x12, 0x02, 0x65, 0x74}",
+       }) {
+    EXPECT_EQ(detected(text), expected) << text;
+  }
+}
+
+TEST(digits, are_refused_in_a_mixture_of_forms) {
+  for (const std::string_view text :
+       {"08:07-12", "08::07", ":08:07", "08,,07", "0807-1202", "0x08 07", "0x0807 0x1202", "0x8 0x123", "0x",
+        "\\x08\\x", "\\x08 07", "x08", "char a[] = {8, 7};", "char a[] = {0x08, 0x07}; int a_len = 3;",
+        "char a[] = {0x08,, 0x07};", "a() = {0x08}", "{}", "{0x08"}) {
+    EXPECT_THROW(parse_bytes(of(text), byte_form::hex), input_error) << text;
+  }
+}
+
+TEST(a_dump, has_an_asterisk_for_lines_like_the_one_before) {
+  byte_string expected(64);
+  expected.push_back(0x08);
+  EXPECT_EQ(detected("00000000  00 00 00 00 00 00 00 00  00 00 00 00 00 00 00 00  |................|\n*\n"
+                     "00000040  08                                                |.|\n00000041\n"),
+            expected);
+  EXPECT_THROW(parse_bytes(of("00000000  00 00\n*\n"), byte_form::dump), input_error);
+  EXPECT_THROW(parse_bytes(of("*\n00000000  00 00\n"), byte_form::dump), input_error);
+  EXPECT_THROW(parse_bytes(of("00000000  00 00\n*\nffffffff\n"), byte_form::dump), input_error) << "gigabytes";
+}
+
+TEST(other_input, is_taken_as_raw_bytes_unless_it_is_text) {
   EXPECT_EQ(detected(""), byte_string{});
   EXPECT_EQ(parse_bytes(test::hex("08 31"), byte_form::automatic), test::hex("08 31"));
-  EXPECT_EQ(detected("# nothing"), of("# nothing"));
   EXPECT_EQ(parse_bytes(of("0831"), byte_form::raw), of("0831"));
+  const auto refusal = [](std::string_view text) -> std::string {
+    try {
+      detected(text);
+    } catch (const input_error &error) {
+      return error.what();
+    }
+    return "read";
+  };
+  EXPECT_EQ(refusal("# nothing"), "this is text; --input=raw if it is meant as bytes");
+  EXPECT_EQ(refusal("0000000 0708\n0000002\n"), "this is text; --input=raw if it is meant as bytes");
+  EXPECT_EQ(refusal(" {\"address\": 49}\n"), "this is JSON, which `encode` reads; --input=raw if it is meant as bytes");
+  EXPECT_EQ(refusal("address: 49\n"),
+            "this is text, perhaps what `convert --from=text` reads; --input=raw if it is meant as bytes");
 }
 
 TEST(every_form, is_read_as_it_is_written) {
@@ -97,35 +154,88 @@ TEST(every_form, is_read_as_it_is_written) {
             "00000000  08 10 08 c1 bb 01 08 11 08 12 08 13 08 14 08 41\n00000010  08 42\n");
 }
 
-std::vector<std::size_t> lengths(const frames &found) {
-  std::vector<std::size_t> result;
-  for (const frame &each : found.complete) result.push_back(each.length);
-  return result;
+// The lengths of the messages of a stream, and why the rest cannot be read.
+struct stream_content {
+  std::vector<std::size_t> lengths;
+  std::string failure;
+
+  bool operator==(const stream_content &) const = default;
+};
+
+stream_content content_of(byte_string stream, prefix_form form, input_options options = {}) {
+  options.input = byte_form::raw;
+  options.stream = form;
+  const auto source = open_messages(std::make_unique<input_file>("input", std::move(stream)), options);
+  stream_content found;
+  try {
+    for (input_message message; source->next(message);) found.lengths.push_back(message.bytes.size());
+  } catch (const input_error &error) {
+    found.failure = error.what();
+  }
+  return found;
 }
 
 TEST(a_stream, is_split_at_its_prefixes) {
-  using sizes = std::vector<std::size_t>;
-  EXPECT_EQ(lengths(split(test::hex("02 08 31 00 01 08"), prefix_form::varint)), (sizes{2, 0, 1}));
-  EXPECT_EQ(lengths(split(test::hex("00000002 0831 00000000"), prefix_form::be32)), (sizes{2, 0}));
-  EXPECT_EQ(lengths(split(test::hex("02000000 0831 00000000"), prefix_form::le32)), (sizes{2, 0}));
-  EXPECT_EQ(lengths(split(byte_string{}, prefix_form::varint)), sizes{});
-  EXPECT_EQ(lengths(split(test::hex("02 08 31"), prefix_form::none)), sizes{3});
+  EXPECT_EQ(content_of(test::hex("02 08 31 00 01 08"), prefix_form::varint), (stream_content{{2, 0, 1}, ""}));
+  EXPECT_EQ(content_of(test::hex("00000002 0831 00000000"), prefix_form::be32), (stream_content{{2, 0}, ""}));
+  EXPECT_EQ(content_of(test::hex("02000000 0831 00000000"), prefix_form::le32), (stream_content{{2, 0}, ""}));
+  EXPECT_EQ(content_of({}, prefix_form::varint), (stream_content{{}, ""}));
+  EXPECT_EQ(content_of(test::hex("02 08 31"), prefix_form::none), (stream_content{{3}, ""}));
   byte_string longer = test::hex("81 01");
   longer.resize(2 + 129);
-  EXPECT_EQ(lengths(split(longer, prefix_form::varint)), sizes{129});
+  EXPECT_EQ(content_of(longer, prefix_form::varint), (stream_content{{129}, ""}));
 }
 
 TEST(a_stream, that_is_cut_off_gives_the_messages_before) {
-  const frames varint = split(test::hex("01 08 05 08 31"), prefix_form::varint);
-  EXPECT_EQ(lengths(varint), std::vector<std::size_t>{1});
-  EXPECT_EQ(varint.failure, "message 1 of the stream, at offset 2: length 5 exceeds the 2 bytes left");
-  EXPECT_EQ(split(test::hex("80 80"), prefix_form::varint).failure,
-            "message 0 of the stream, at offset 0: the length prefix is cut off or invalid");
-  EXPECT_EQ(split(test::hex("00 00 00"), prefix_form::be32).failure,
-            "message 0 of the stream, at offset 0: the length prefix is cut off or invalid");
-  EXPECT_EQ(split(test::hex("ffffffff"), prefix_form::le32).failure,
-            "message 0 of the stream, at offset 0: length 4294967295 exceeds the 0 bytes left");
-  EXPECT_TRUE(split(test::hex("ff ff ff ff ff ff ff ff ff 01 00"), prefix_form::varint).failure.has_value());
+  EXPECT_EQ(content_of(test::hex("01 08 05 08 31"), prefix_form::varint),
+            (stream_content{{1}, "input: message 1 of the stream, at offset 2: length 5 exceeds the 2 bytes left"}));
+  EXPECT_EQ(content_of(test::hex("80 80"), prefix_form::varint).failure,
+            "input: message 0 of the stream, at offset 0: the length prefix is cut off or invalid");
+  EXPECT_EQ(content_of(test::hex("00 00 00"), prefix_form::be32).failure,
+            "input: message 0 of the stream, at offset 0: the length prefix is cut off or invalid");
+  EXPECT_EQ(content_of(test::hex("ffffffff"), prefix_form::le32).failure,
+            "input: message 0 of the stream, at offset 0: length 4294967295 exceeds the 0 bytes left");
+  EXPECT_EQ(content_of(test::hex("ff ff ff ff ff ff ff ff ff ff 01 00"), prefix_form::varint).failure,
+            "input: message 0 of the stream, at offset 0: the length prefix is cut off or invalid");
+}
+
+TEST(a_stream, may_begin_and_end_within_the_input) {
+  input_options options;
+  options.skip = 3;
+  EXPECT_EQ(content_of(test::hex("ff ff ff 02 08 31 00"), prefix_form::varint, options), (stream_content{{2, 0}, ""}));
+  options.length = 3;
+  EXPECT_EQ(content_of(test::hex("ff ff ff 02 08 31 00"), prefix_form::varint, options), (stream_content{{2}, ""}));
+  options.length = 2;
+  EXPECT_EQ(content_of(test::hex("ff ff ff 02 08 31 00"), prefix_form::varint, options).failure,
+            "input: message 0 of the stream, at offset 3: length 2 exceeds the 1 byte left");
+  options.skip = 9;
+  EXPECT_EQ(content_of(test::hex("ff ff ff"), prefix_form::varint, options), (stream_content{{}, ""}));
+  EXPECT_EQ(content_of(test::hex("ff ff ff"), prefix_form::none, options), (stream_content{{0}, ""}));
+}
+
+TEST(lines, are_messages_unless_they_are_empty_or_comments) {
+  input_options options;
+  options.stream = prefix_form::lines;
+  const auto source = open_messages(
+      std::make_unique<input_file>("input", of("0831\n\n# three\n08:32:08:33  # two\r\n  CDE=\nno form")), options);
+  input_message message;
+  std::vector<byte_string> found;
+  for (int line = 0; line < 3; ++line) {
+    ASSERT_TRUE(source->next(message));
+    EXPECT_EQ(message.name, fmt::format("input[{}]", line));
+    found.emplace_back(message.bytes.begin(), message.bytes.end());
+  }
+  EXPECT_EQ(found, (std::vector<byte_string>{test::hex("08 31"), test::hex("08 32 08 33"), test::hex("08 31")}));
+  EXPECT_THROW(
+      {
+        try {
+          source->next(message);
+        } catch (const input_error &error) {
+          EXPECT_STREQ(error.what(), "input: line 6: neither hexadecimal text nor base64");
+          throw;
+        }
+      },
+      input_error);
 }
 
 TEST(a_prefix, is_written_as_it_is_read) {
@@ -135,7 +245,7 @@ TEST(a_prefix, is_written_as_it_is_read) {
       append_prefix(stream, length, form);
       const std::size_t size = stream.size();
       stream.resize(size + length);
-      EXPECT_EQ(lengths(split(stream, form)), std::vector<std::size_t>{length});
+      EXPECT_EQ(content_of(stream, form), (stream_content{{length}, ""}));
     }
   }
   byte_string stream;

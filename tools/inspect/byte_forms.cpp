@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "failure.hpp"
+#include "hex_forms.hpp"
 #include "text_encodings.hpp"
 
 namespace inspect {
@@ -18,13 +19,6 @@ namespace {
 std::string_view text_of(byte_view input) { return {reinterpret_cast<const char *>(input.data()), input.size()}; }
 
 bool is_blank(char character) { return character == ' ' || character == '\t' || character == '\r'; }
-
-// Only characters that occur in text: this alone rules out most messages.
-bool is_text(byte_view input) {
-  return std::ranges::all_of(input, [](unsigned char each) {
-    return (each >= ' ' && each <= '~') || each == '\t' || each == '\n' || each == '\r';
-  });
-}
 
 std::string_view trimmed(std::string_view line) {
   while (!line.empty() && is_blank(line.front())) line.remove_prefix(1);
@@ -40,28 +34,6 @@ std::string_view next_line(std::string_view &text) {
   return line;
 }
 
-// --- Digits ---
-
-// The digits of hexadecimal text; empty if it contains anything else.
-std::optional<std::string> hex_digits(std::string_view text) {
-  std::string digits;
-  while (!text.empty()) {
-    const std::string_view line = next_line(text);
-    for (const char character : line.substr(0, line.find('#'))) {
-      if (is_blank(character)) continue;
-      if (digit_value(static_cast<unsigned char>(character)) < 0) return std::nullopt;
-      digits += character;
-    }
-  }
-  return digits;
-}
-
-byte_string bytes_of_digits(const std::string &digits) {
-  auto result = from_hex(digits);
-  if (!result) throw input_error("odd number of hexadecimal digits (use --input=raw if the input is not text)");
-  return *std::move(result);
-}
-
 // --- Dumps ---
 
 // One line of a dump: its offset, not yet converted, and what follows.
@@ -69,7 +41,11 @@ struct dump_line {
   std::string_view offset;
   std::string_view rest;
   bool has_colon = false;
+  bool is_repeated = false;  // up to the next line's offset: there was a line with only an asterisk
 };
+
+// So that a short text does not stand for gigabytes.
+constexpr std::size_t max_repeated = 1 << 24;
 
 std::optional<dump_line> dump_line_of(std::string_view line) {
   line = trimmed(line);
@@ -121,6 +97,10 @@ std::optional<byte_string> bytes_of_dump(std::string_view text, int base) {
   while (!text.empty()) {
     const std::string_view line = next_line(text);
     if (trimmed(line).empty()) continue;
+    if (trimmed(line) == "*" && !lines.empty()) {
+      lines.back().is_repeated = true;
+      continue;
+    }
     const auto found = dump_line_of(line);
     if (!found) return std::nullopt;
     lines.push_back(*found);
@@ -134,9 +114,13 @@ std::optional<byte_string> bytes_of_dump(std::string_view text, int base) {
       if (!next || *next < result.size()) return std::nullopt;
       size = *next - result.size();
     }
-    const byte_string more = bytes_of_line(lines[index], size);
-    if (size && more.size() != *size) return std::nullopt;
+    const bool is_repeated = lines[index].is_repeated;
+    const byte_string more = bytes_of_line(lines[index], is_repeated ? std::nullopt : size);
+    if (size && !is_repeated && more.size() != *size) return std::nullopt;
     result.insert(result.end(), more.begin(), more.end());
+    if (!is_repeated) continue;
+    if (!size || more.empty() || *size > max_repeated) return std::nullopt;
+    for (std::size_t at = more.size(); at < *size; ++at) result.push_back(more[at % more.size()]);
   }
   if (result.empty()) return std::nullopt;
   return result;
@@ -155,16 +139,45 @@ std::optional<byte_string> bytes_of_base64(std::string_view text) {
   return from_base64(digits);
 }
 
+bool begins_with_name(std::string_view text) {
+  if (text.empty() || (text.front() >= '0' && text.front() <= '9')) return false;
+  const std::size_t end = text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789");
+  return end != 0 && end != text.npos && (text[end] == ':' || text.substr(end).starts_with(" {"));
+}
+
+[[noreturn]] void refuse(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  const char *const hint = text.starts_with('{') || text.starts_with('[') ? "this is JSON, which `encode` reads"
+                           : begins_with_name(text) ? "this is text, perhaps what `convert --from=text` reads"
+                                                    : "this is text";
+  throw input_error(fmt::format("{}; --input=raw if it is meant as bytes", hint));
+}
+
 byte_string detect_and_parse(byte_string input) {
   if (input.empty() || !is_text(input)) return input;
   const std::string_view text = text_of(input);
   if (auto dump = bytes_of_dump(text)) return *std::move(dump);
-  if (const auto digits = hex_digits(text)) return digits->empty() ? input : bytes_of_digits(*digits);
+  if (auto content = bytes_of_hex(text)) return *std::move(content);
   if (auto content = bytes_of_base64(text)) return *std::move(content);
-  return input;
+  refuse(text);
+}
+
+// Nothing but whitespace and comments.
+bool is_empty_hex(std::string_view text) {
+  while (!text.empty()) {
+    const std::string_view line = trimmed(next_line(text));
+    if (!line.empty() && line.front() != '#') return false;
+  }
+  return true;
 }
 
 }  // namespace
+
+bool is_text(byte_view input) {
+  return std::ranges::all_of(input, [](unsigned char each) {
+    return (each >= ' ' && each <= '~') || each == '\t' || each == '\n' || each == '\r';
+  });
+}
 
 byte_string parse_bytes(byte_string input, byte_form form) {
   std::optional<byte_string> found;
@@ -173,11 +186,11 @@ byte_string parse_bytes(byte_string input, byte_form form) {
       return detect_and_parse(std::move(input));
     case byte_form::raw:
       return input;
-    case byte_form::hex: {
-      const auto digits = hex_digits(text_of(input));
-      if (!digits) throw input_error("the input is not hexadecimal text");
-      return bytes_of_digits(*digits);
-    }
+    case byte_form::hex:
+      if (is_empty_hex(text_of(input))) return {};
+      found = bytes_of_hex(text_of(input));
+      if (!found) throw input_error("the input is not hexadecimal text");
+      return *std::move(found);
     case byte_form::dump:
       found = bytes_of_dump(text_of(input));
       if (!found) throw input_error("the input is not a hex dump: a line has no offset, or the wrong one");
@@ -188,6 +201,19 @@ byte_string parse_bytes(byte_string input, byte_form form) {
       return *std::move(found);
   }
   return input;
+}
+
+std::optional<byte_string> parse_line(std::string_view line, byte_form form) {
+  if (is_empty_hex(line)) return std::nullopt;
+  if (form == byte_form::automatic || form == byte_form::hex) {
+    if (auto found = bytes_of_hex(line)) return found;
+  }
+  if (form == byte_form::automatic || form == byte_form::base64) {
+    if (auto found = bytes_of_base64(line)) return found;
+  }
+  throw input_error(form == byte_form::base64 ? "not base64"
+                    : form == byte_form::hex  ? "not hexadecimal text"
+                                              : "neither hexadecimal text nor base64");
 }
 
 std::string format_bytes(byte_view input, byte_form form) {

@@ -1,7 +1,9 @@
 // Bytes as text: hexadecimal digits, hex dumps with offsets, base64.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "bytes.hpp"
 
@@ -10,14 +12,20 @@ namespace inspect {
 enum class byte_form {
   automatic,
   raw,
-  hex,     // pairs of digits with any whitespace, and comments from '#' to the end of the line
-  dump,    // lines of an offset and bytes, as printed by hexdump -C, xxd, od -tx1, tcpdump -x and Wireshark
+  hex,     // pairs of digits: 0807, 08 07, 08:07, 08-07, 08,07, 0x0807, 0x08 0x07, \x08\x07, or an array in C
+  dump,    // lines of an offset and bytes, as printed by hexdump -C, xxd, od -tx1, and the command `hex`
   base64,  // on any number of lines
 };
 
-// The bytes that an input stands for. With `automatic`, input that is text in one of the forms from beginning to end is
-// read in that form, any other input is taken as raw bytes. Input that is not in the given form is an error.
+// Only characters that occur in text: this alone rules out most messages.
+bool is_text(byte_view input);
+
+// The bytes that an input stands for. With `automatic`, input that is text must be in one of the forms from beginning
+// to end; any other input is taken as raw bytes. Input that is not in the given form is an error.
 byte_string parse_bytes(byte_string input, byte_form form);
+
+// The same for a line of text; empty if there is nothing in the line, or only a comment.
+std::optional<byte_string> parse_line(std::string_view line, byte_form form);
 
 // Bytes in a form, as lines of text; unchanged in the form `raw`.
 std::string format_bytes(byte_view input, byte_form form);

@@ -28,8 +28,10 @@ const choices<message_form> message_forms{{"auto", message_form::automatic}, {"r
                                           {"hex", message_form::hex},        {"dump", message_form::dump},
                                           {"base64", message_form::base64},  {"json", message_form::as_json},
                                           {"text", message_form::as_text}};
-const choices<prefix_form> prefix_forms{
-    {"varint", prefix_form::varint}, {"be32", prefix_form::be32}, {"le32", prefix_form::le32}};
+const choices<prefix_form> prefix_forms{{"varint", prefix_form::varint},
+                                        {"be32", prefix_form::be32},
+                                        {"le32", prefix_form::le32},
+                                        {"lines", prefix_form::lines}};
 const choices<bytes_form> bytes_forms{
     {"base64", bytes_form::base64}, {"hex", bytes_form::hex}, {"length", bytes_form::length}};
 const choices<colour_choice> colour_choices{
@@ -114,7 +116,9 @@ class command_line {
   int run(int count, char **arguments) {
     try {
       app_.parse(count, arguments);
-      return action_(options_);
+      const exit_status status = action_(options_);
+      flush_output();
+      return status;
     } catch (const CLI::ParseError &error) {
       return app_.exit(error) == 0 ? ok : bad_usage;
     } catch (const input_error &error) {
@@ -156,7 +160,11 @@ class command_line {
 
   void add_input(CLI::App *command) {
     add_choice(command, "-i,--input", options_.input, byte_forms, "Form of the input");
-    add_stream(command, "The input is a stream of length-prefixed messages");
+    add_choice(command, "-s,--stream", options_.stream, prefix_forms,
+               "The input is a stream of messages, each after its length, or of lines of text");
+    command->add_option("--skip", options_.skip, "Leave out the first N bytes of the input, of each line or datagram")
+        ->option_text("N");
+    command->add_option("--length", options_.length, "Read only N bytes after that")->option_text("N");
   }
 
   void add_single_input(CLI::App *command) {
@@ -166,7 +174,9 @@ class command_line {
   }
 
   void add_stream(CLI::App *command, const char *purpose) {
-    add_choice(command, "-s,--stream", options_.stream, prefix_forms, purpose);
+    choices<prefix_form> prefixes = prefix_forms;
+    prefixes.erase("lines");
+    add_choice(command, "-s,--stream", options_.stream, prefixes, purpose);
   }
 
   void add_bytes(CLI::App *command, const char *purpose, bytes_form last) {
@@ -183,6 +193,9 @@ class command_line {
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
     add_bytes(decoding, "How to show bytes", bytes_form::length);
+    decoding->add_flag("--lines", options_.lines, "Write each message on one line (JSON Lines)");
+    decoding->add_option("--path", options_.path, "Show only this member, such as policies[0].field2")
+        ->option_text("PATH");
 
     CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
     add_operands(annotating, "[TYPE] [FILE]", "Message type, and file to read");

@@ -1,15 +1,12 @@
 // The commands of zorv-inspect, and the options they take.
 #pragma once
 
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "byte_forms.hpp"
 #include "failure.hpp"
 #include "json_form.hpp"
-#include "stream.hpp"
+#include "messages.hpp"
 
 namespace inspect {
 
@@ -18,16 +15,15 @@ enum class message_form { automatic, raw, hex, dump, base64, as_json, as_text };
 
 enum class colour_choice { when_terminal, always, never };
 
-struct command_options {
+struct command_options : input_options {
   std::vector<std::string> operands;  // a message's name, if given, then files
   std::string output;                 // a file; the standard output when empty
-  byte_form input = byte_form::automatic;
-  prefix_form stream = prefix_form::none;
-  std::optional<std::size_t> at;  // only this message of a stream
   bytes_form bytes = bytes_form::base64;
   colour_choice colours = colour_choice::when_terminal;
   message_form from = message_form::automatic;
   message_form to = message_form::as_json;
+  std::string path;    // of the member to show; the whole message when empty
+  bool lines = false;  // each message on one line
   bool html = false;
   bool all = false;     // show all differences, messages, types or bytes
   bool strict = false;  // non-canonical messages are refused

@@ -6,16 +6,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
 #include "failure.hpp"
 
 namespace inspect {
 namespace {
+
+constexpr std::size_t chunk = 1 << 16;
 
 bool is_standard(const std::string &name) { return name.empty() || name == "-"; }
 
@@ -23,40 +27,12 @@ bool is_standard(const std::string &name) { return name.empty() || name == "-"; 
   throw usage_error(fmt::format("cannot {} {}: {}", action, name, std::strerror(errno)));
 }
 
-// A file open for reading. The standard input is not closed.
-class source {
- public:
-  explicit source(const std::string &name)
-      : name_(is_standard(name) ? "standard input" : name),
-        file_(is_standard(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (file_ < 0) fail("read", name_);
-  }
-  source(const source &) = delete;
-  source &operator=(const source &) = delete;
-  ~source() {
-    if (file_ != STDIN_FILENO) ::close(file_);
-  }
-
-  // The size that `fstat` reports; for pipes and the like, an initial guess.
-  std::size_t expected_size() const {
-    struct stat status {};
-    if (::fstat(file_, &status) == 0 && status.st_size > 0) return static_cast<std::size_t>(status.st_size);
-    return 4096;
-  }
-
-  std::size_t read(unsigned char *into, std::size_t size) const {
-    ssize_t taken;
-    do {
-      taken = ::read(file_, into, size);
-    } while (taken < 0 && errno == EINTR);
-    if (taken < 0) fail("read", name_);
-    return static_cast<std::size_t>(taken);
-  }
-
- private:
-  std::string name_;
-  int file_;
-};
+// The size of a regular file; of pipes and the like 0.
+std::size_t size_of(int file) {
+  struct stat status {};
+  if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  return static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
+}
 
 struct file_closer {
   void operator()(std::FILE *file) const { std::fclose(file); }
@@ -64,33 +40,92 @@ struct file_closer {
 
 }  // namespace
 
-void read_file(const std::string &name, byte_string &content) {
-  const source from(name);
-  std::size_t filled = 0;
-  content.resize(from.expected_size() + 1);  // one more, to see the end without growing
-  while (const std::size_t taken = from.read(content.data() + filled, content.size() - filled)) {
-    filled += taken;
-    if (filled == content.size()) content.resize(2 * filled);
+input_file::input_file(const std::string &name)
+    : name_(is_standard(name) ? "standard input" : name),
+      file_(is_standard(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+  if (file_ < 0) fail("read", name_);
+  file_size_ = size_of(file_);
+}
+
+input_file::input_file(std::string name, byte_string content)
+    : name_(std::move(name)), is_at_end_(true), buffer_(std::move(content)), end_(buffer_.size()) {}
+
+input_file::~input_file() {
+  if (file_ > STDIN_FILENO) ::close(file_);
+}
+
+bool input_file::read_more() {
+  if (is_at_end_) return false;
+  make_room();
+  flush_output();
+  ssize_t taken;
+  do {
+    taken = ::read(file_, buffer_.data() + end_, buffer_.size() - end_);
+  } while (taken < 0 && errno == EINTR);
+  if (taken < 0) fail("read", name_);
+  is_at_end_ = taken == 0;
+  end_ += static_cast<std::size_t>(taken);
+  if (file_size_ > 16 * chunk) show_progress(static_cast<std::size_t>(taken));
+  return !is_at_end_;
+}
+
+void input_file::read_all() {
+  // One byte more than the file has, to see its end without growing.
+  if (!is_at_end_ && buffer_.size() <= file_size_) buffer_.resize(file_size_ + 1);
+  while (read_more()) {
   }
-  content.resize(filled);
+}
+
+void input_file::replace(byte_string content) {
+  is_at_end_ = true;
+  buffer_ = std::move(content);
+  begin_ = 0;
+  end_ = buffer_.size();
+}
+
+// What is consumed makes room for more. What is not may be a part of something long.
+void input_file::make_room() {
+  if (begin_ != 0) {
+    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+    end_ -= begin_;
+    begin_ = 0;
+  }
+  if (end_ == buffer_.size()) buffer_.resize(std::max(chunk, 2 * end_));
+}
+
+// A bar among what is printed on the same terminal would be in the way.
+void input_file::show_progress(std::size_t taken) {
+  if (progress_ == nullptr && isatty(STDOUT_FILENO) == 1) return;
+  if (progress_ == nullptr) progress_ = std::make_unique<progress>([this] { return file_size_; });
+  progress_->step(taken);
+  if (is_at_end_) progress_->clear();
 }
 
 byte_string read_file(const std::string &name) {
-  byte_string content;
-  read_file(name, content);
-  return content;
+  input_file file(name);
+  file.read_all();
+  const byte_view content = file.ahead();
+  return byte_string(content.begin(), content.end());
 }
 
 void write_file(const std::string &name, byte_view content) {
-  const std::unique_ptr<std::FILE, file_closer> opened(is_standard(name) ? nullptr : std::fopen(name.c_str(), "wb"));
-  std::FILE *const target = is_standard(name) ? stdout : opened.get();
-  const bool complete = target != nullptr && std::fwrite(content.data(), 1, content.size(), target) == content.size() &&
-                        std::fflush(target) == 0;
-  if (!complete) fail("write", is_standard(name) ? "standard output" : name);
+  if (is_standard(name)) {
+    print({reinterpret_cast<const char *>(content.data()), content.size()});
+    return flush_output();
+  }
+  const std::unique_ptr<std::FILE, file_closer> target(std::fopen(name.c_str(), "wb"));
+  const bool complete = target != nullptr &&
+                        std::fwrite(content.data(), 1, content.size(), target.get()) == content.size() &&
+                        std::fflush(target.get()) == 0;
+  if (!complete) fail("write", name);
 }
 
 void print(std::string_view text) {
-  write_file("", byte_view(reinterpret_cast<const unsigned char *>(text.data()), text.size()));
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) fail("write", "standard output");
+}
+
+void flush_output() {
+  if (std::fflush(stdout) != 0) fail("write", "standard output");
 }
 
 void for_each_file(const std::string &name, const std::function<void(const std::string &)> &visit) {

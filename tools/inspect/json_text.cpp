@@ -1,9 +1,29 @@
 // Writes JSON as text.
 #include "json_text.hpp"
 
+#include <algorithm>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace inspect {
+
+void json_writer::value(const nlohmann::ordered_json &tree) {
+  if (tree.is_object()) {
+    begin_object();
+    for (const auto &[key, each] : tree.items()) {
+      name(key);
+      value(each);
+    }
+    end_object();
+  } else if (tree.is_array()) {
+    begin_list(std::ranges::any_of(tree, [](const auto &each) { return each.is_structured(); }));
+    for (const auto &each : tree) value(each);
+    end_list();
+  } else {
+    separate();
+    text_ += tree.dump();
+  }
+}
 
 void json_writer::begin(char bracket, bool has_lines) {
   separate();

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <concepts>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
@@ -46,7 +47,13 @@ class json_writer {
     quote(value);
   }
 
-  std::string &text() { return text_; }
+  // Any of these, as a tree.
+  void value(const nlohmann::ordered_json &tree);
+
+  void member(std::string_view name_of_it, std::string_view value_of_it) {
+    name(name_of_it);
+    string(value_of_it);
+  }
 
  private:
   void begin(char bracket, bool has_lines);

@@ -1,4 +1,4 @@
-// A progress bar on the standard error, if that is a terminal.
+// A progress bar on the standard error, if that is a terminal. Of several at a time, only the first is drawn.
 #pragma once
 
 #include <chrono>
@@ -13,9 +13,9 @@ class progress {
   explicit progress(const std::function<std::size_t()> &count);
   progress(const progress &) = delete;
   progress &operator=(const progress &) = delete;
-  ~progress() { clear(); }
+  ~progress();
 
-  void step();
+  void step(std::size_t steps = 1);
 
   // Erases the bar, so that something can be printed.
   void clear();
@@ -27,6 +27,7 @@ class progress {
   bool is_drawn_ = false;
   std::size_t total_ = 0;
   std::size_t done_ = 0;
+  std::size_t calls_ = 0;
   clock::time_point last_ = clock::now();
 };
 

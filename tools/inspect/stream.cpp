@@ -1,65 +1,41 @@
 // Length prefixes, read and written.
 #include "stream.hpp"
 
-#include <fmt/format.h>
-
-#include <cstdint>
-
 #include "failure.hpp"
 
 namespace inspect {
 namespace {
 
-struct prefix {
-  std::uint64_t length;
-  std::size_t size;
-};
+first_message with_length(byte_view stream, std::size_t start, std::uint64_t length) {
+  const bool is_complete = length <= stream.size() - start;
+  return {is_complete ? first_message::complete : first_message::incomplete, start, length};
+}
 
-// Empty if the input ends inside the prefix, or if it is longer than any prefix can be.
-std::optional<prefix> read_prefix(byte_view input, prefix_form form) {
-  if (form == prefix_form::varint) {
-    std::uint64_t length = 0;
-    for (std::size_t index = 0; index < input.size() && index < 10; ++index) {
-      length |= std::uint64_t{input[index] & 0x7fu} << 7 * index;
-      if (input[index] < 0x80) return prefix{length, index + 1};
-    }
-    return std::nullopt;
-  }
-  if (input.size() < 4) return std::nullopt;
+first_message after_varint(byte_view stream) {
   std::uint64_t length = 0;
-  for (std::size_t index = 0; index < 4; ++index) {
-    length = length << 8 | input[form == prefix_form::be32 ? index : 3 - index];
+  for (std::size_t index = 0; index < stream.size(); ++index) {
+    if (index == 10) return {first_message::invalid};
+    length |= std::uint64_t{stream[index] & 0x7fu} << 7 * index;
+    if (stream[index] < 0x80) return with_length(stream, index + 1, length);
   }
-  return prefix{length, 4};
+  return {first_message::cut_prefix};
+}
+
+first_message after_32_bits(byte_view stream, bool is_big_endian) {
+  if (stream.size() < 4) return {first_message::cut_prefix};
+  std::uint64_t length = 0;
+  for (std::size_t index = 0; index < 4; ++index) length = length << 8 | stream[is_big_endian ? index : 3 - index];
+  return with_length(stream, 4, length);
 }
 
 }  // namespace
 
-frames split(byte_view input, prefix_form form) {
-  if (form == prefix_form::none) return {{{0, 0, input.size()}}, {}};
-  frames found;
-  std::size_t at = 0;
-  while (at != input.size()) {
-    const auto prefix = read_prefix(input.subspan(at), form);
-    const std::string which = fmt::format("message {} of the stream, at offset {}", found.complete.size(), at);
-    if (!prefix) {
-      found.failure = fmt::format("{}: the length prefix is cut off or invalid", which);
-      break;
-    }
-    const std::size_t left = input.size() - at - prefix->size;
-    if (prefix->length > left) {
-      found.failure = fmt::format("{}: length {} exceeds the {} bytes left", which, prefix->length, left);
-      break;
-    }
-    const auto length = static_cast<std::size_t>(prefix->length);
-    found.complete.push_back({at, at + prefix->size, length});
-    at += prefix->size + length;
-  }
-  return found;
+first_message first_message_of(byte_view stream, prefix_form form) {
+  return form == prefix_form::varint ? after_varint(stream) : after_32_bits(stream, form == prefix_form::be32);
 }
 
 void append_prefix(byte_string &stream, std::size_t length, prefix_form form) {
-  if (form == prefix_form::none) return;
+  if (form == prefix_form::none || form == prefix_form::lines) return;
   if (form == prefix_form::varint) {
     for (; length >= 0x80; length >>= 7) stream.push_back(static_cast<unsigned char>(length | 0x80));
     stream.push_back(static_cast<unsigned char>(length));

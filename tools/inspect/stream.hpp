@@ -1,10 +1,8 @@
-// Streams of length-prefixed messages.
+// Streams of messages, and the length prefixes in them.
 #pragma once
 
 #include <cstddef>
-#include <optional>
-#include <string>
-#include <vector>
+#include <cstdint>
 
 #include "bytes.hpp"
 
@@ -15,22 +13,18 @@ enum class prefix_form {
   varint,  // as Protocol Buffers libraries write "delimited" messages
   be32,    // 32 bits, big-endian
   le32,    // 32 bits, little-endian
+  lines,   // no prefixes: a message is a line of text
 };
 
-// One message of a stream.
-struct frame {
-  std::size_t offset;  // of the prefix
-  std::size_t start;   // of the message
-  std::size_t length;
+// What is known about the first message of a stream from its first bytes.
+struct first_message {
+  enum { complete, incomplete, cut_prefix, invalid } state;
+  std::size_t start = 0;     // where the message begins, after the prefix
+  std::uint64_t length = 0;  // according to the prefix, if that is complete
 };
 
-struct frames {
-  std::vector<frame> complete;
-  std::optional<std::string> failure;  // why the rest of the stream cannot be read
-};
-
-// Without length prefixes the input is one message.
-frames split(byte_view input, prefix_form form);
+// The stream may go on after these bytes.
+first_message first_message_of(byte_view stream, prefix_form form);
 
 void append_prefix(byte_string &stream, std::size_t length, prefix_form form);
 

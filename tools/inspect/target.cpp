@@ -50,27 +50,29 @@ single_target single_target_of(const command_options &options) {
   return {found.type, found.files.empty() ? "-" : found.files.front()};
 }
 
-void for_each_message(const command_options &options, const std::string &file, const visitor &visit) {
-  const byte_string content = parse_bytes(read_file(file), options.input);
-  const frames found = split(content, options.stream);
-  const std::string name = file == "-" ? "standard input" : file;
-  for (std::size_t index = 0; index < found.complete.size(); ++index) {
-    if (options.at && *options.at != index) continue;
-    const frame &each = found.complete[index];
-    visit(options.stream == prefix_form::none ? name : fmt::format("{}[{}]", name, index),
-          byte_view(content).subspan(each.start, each.length));
+void for_each_message(const command_options &options, const std::string &file, const message_visitor &visit) {
+  const std::unique_ptr<message_source> source = open_messages(file, options);
+  input_message message;
+  std::size_t count = 0;
+  for (; source->next(message); ++count) {
+    if (options.at && *options.at != count) continue;
+    visit(message);
+    if (options.at) return;
   }
-  const bool is_found = !options.at || *options.at < found.complete.size();
-  if (found.failure && (!options.at || !is_found)) throw input_error(fmt::format("{}: {}", name, *found.failure));
-  if (!is_found)
-    throw input_error(
-        fmt::format("{}: no message {}: there are {}, counted from 0", name, *options.at, found.complete.size()));
+  if (options.at) {
+    throw input_error(fmt::format("{}: no message {}: there are {}, counted from 0",
+                                  file == "-" ? "standard input" : file, *options.at, count));
+  }
 }
 
-exit_status decoded::report() const {
+void for_each_message(const command_options &options, const std::string &file, const visitor &visit) {
+  for_each_message(options, file, [&](const input_message &message) { visit(message.name, message.bytes); });
+}
+
+exit_status decoded::report(std::string_view name) const {
   const std::string text = explain(type, result, walked);
   if (text.empty()) return ok;
-  print_error(text);
+  print_error(name.empty() ? text : fmt::format("{}: {}", name, text));
   return agree(result, walked) ? bad_input : disagreement;
 }
 
@@ -81,6 +83,9 @@ const message_type &type_of(const message_type *given, const std::string &name, 
   return guessed;
 }
 
-void print_error(std::string_view text) { fmt::print(stderr, "zorv-inspect: {}", text); }
+void print_error(std::string_view text) {
+  flush_output();
+  fmt::print(stderr, "zorv-inspect: {}", text);
+}
 
 }  // namespace inspect

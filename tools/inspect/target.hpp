@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands.hpp"
+#include "messages.hpp"
 #include "results.hpp"
 #include "types.hpp"
 #include "walk.hpp"
@@ -32,8 +33,12 @@ single_target single_target_of(const command_options &options);
 // The message of that name; otherwise a usage error that suggests the nearest name.
 const message_type &type_named(const std::string &name);
 
-// Calls `visit` with each message of a file and its name: "file", or "file[3]" in a stream. A stream that is cut off is
-// an error after the messages before it have been visited.
+// Calls `visit` with each message of a file as soon as it has arrived. A stream that is cut off is an error after the
+// messages before it have been visited.
+using message_visitor = std::function<void(const input_message &message)>;
+void for_each_message(const command_options &options, const std::string &file, const message_visitor &visit);
+
+// The same with the name of the message: "file", or "file[3]" in a stream.
 using visitor = std::function<void(const std::string &name, byte_view message)>;
 void for_each_message(const command_options &options, const std::string &file, const visitor &visit);
 
@@ -51,8 +56,8 @@ struct decoded {
     return {bytes, walked.failure ? path_view(walked.failure->path) : path_view{}};
   }
 
-  // Prints what went wrong, if anything did.
-  exit_status report() const;
+  // Prints what went wrong, if anything did; in a stream with the name of the message.
+  exit_status report(std::string_view name = {}) const;
 
   const message_type &type;
   byte_view input;

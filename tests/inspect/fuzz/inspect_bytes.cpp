@@ -2,6 +2,7 @@
 // a stream is split into messages that do not overlap; for each message the walk agrees with the library, and every
 // byte is in exactly one row. The last byte of the input selects the form, the length prefix and the message type.
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "annotate.hpp"
@@ -9,9 +10,10 @@
 #include "colour.hpp"
 #include "failure.hpp"
 #include "hex_text.hpp"
+#include "input.hpp"
+#include "messages.hpp"
 #include "property.hpp"
 #include "results.hpp"
-#include "stream.hpp"
 #include "types.hpp"
 #include "walk.hpp"
 
@@ -47,15 +49,29 @@ void try_forms(const byte_string &content) {
 }
 
 void try_stream(const message_type &type, const byte_string &content, prefix_form form) {
-  const frames found = split(content, form);
-  std::size_t at = 0;
-  for (const frame &each : found.complete) {
-    require(each.offset == at && each.start >= at && each.start + each.length <= content.size(),
-            "messages do not overlap");
-    at = each.start + each.length;
-    try_message(type, byte_view(content).subspan(each.start, each.length));
+  input_options options;
+  options.input = byte_form::raw;
+  options.stream = form;
+  const auto source = open_messages(std::make_unique<input_file>("input", content), options);
+  input_message message;
+  std::size_t at = 0, count = 0;
+  try {
+    while (source->next(message)) {
+      if (!message.is_single) {
+        require(message.number == count++ && message.offset == at, "no message is missing");
+        const byte_view rest = byte_view(content).subspan(at);
+        const first_message found = first_message_of(rest, form);
+        require(found.state == first_message::complete && found.length == message.bytes.size() &&
+                    std::ranges::equal(rest.subspan(found.start, message.bytes.size()), message.bytes),
+                "a message is what follows its prefix");
+        at += found.start + message.bytes.size();
+      }
+      try_message(type, message.bytes);
+    }
+  } catch (const input_error &) {
+    return;
   }
-  require(found.failure.has_value() || at == content.size(), "a stream without a failure is read to its end");
+  require(form == prefix_form::none || at == content.size(), "a stream without a failure is read to its end");
 }
 
 }  // namespace

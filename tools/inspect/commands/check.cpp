@@ -62,26 +62,13 @@ class checking {
   // A file that cannot be read, or a stream that is cut off, does not prevent the others from being checked.
   void check_file(const std::string &file) {
     try {
-      const auto begin = clock::now();
-      read_file(file, content_);
-      reading_ += clock::now() - begin;
-      content_ = parse_bytes(std::move(content_), options_.input);
-      check_content(file);
+      for_each_message(options_, file,
+                       [&](const std::string &name, byte_view message) { check_message(name, message); });
     } catch (const std::runtime_error &error) {
       report(fmt::format("{}\n", error.what()));
       status_ = worse(status_, dynamic_cast<const usage_error *>(&error) != nullptr ? bad_usage : bad_input);
     }
     progress_.step();
-  }
-
-  void check_content(const std::string &file) {
-    if (options_.stream == prefix_form::none) return check_message(file, content_);
-    const frames found = split(content_, options_.stream);
-    for (std::size_t index = 0; index < found.complete.size(); ++index) {
-      const frame &each = found.complete[index];
-      check_message(fmt::format("{}[{}]", file, index), byte_view(content_).subspan(each.start, each.length));
-    }
-    if (found.failure) throw input_error(fmt::format("{}: {}", file, *found.failure));
   }
 
   void check_message(const std::string &name, byte_view message) {
@@ -170,18 +157,15 @@ class checking {
   }
 
   std::string times_text(std::chrono::duration<double> all) const {
-    const double reading = std::chrono::duration<double>(reading_).count();
-    return fmt::format("time: {:.3f} s, of which {:.3f} s to read files; {:.0f} messages per second\n", all.count(),
-                       reading, static_cast<double>(totals_.messages) / all.count());
+    return fmt::format("time: {:.3f} s; {:.0f} messages per second\n", all.count(),
+                       static_cast<double>(totals_.messages) / all.count());
   }
 
   const command_options &options_;
   const target &target_;
   progress progress_;
   examiner examiner_;
-  byte_string content_;
   totals totals_;
-  clock::duration reading_{};
   exit_status status_ = ok;
 };
 

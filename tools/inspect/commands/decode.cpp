@@ -1,19 +1,83 @@
-// `decode`: messages as JSON, including what was read before a failure.
+// `decode`: messages as JSON, including what was read before a failure. All those of a stream are in objects that say
+// which message it is.
+#include <nlohmann/json.hpp>
+
 #include "../commands.hpp"
 #include "../input.hpp"
+#include "../member_path.hpp"
 #include "../target.hpp"
+#include "pavo_zorv_memory.h"
 
 namespace inspect {
+namespace {
 
-exit_status decode(const command_options &options) {
-  const auto [type, file] = single_target_of(options);
-  exit_status status = ok;
-  for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
-    const decoded read(type_of(type, name, message), message);
-    print(read.content.to_text(read.form(options.bytes)));
-    status = worse(status, read.report());
-  });
-  return status;
-}
+class decoding {
+ public:
+  explicit decoding(const command_options &options)
+      : options_(options), layout_(options.lines ? json_layout::one_line : json_layout::readable) {}
+
+  exit_status run() {
+    const auto [type, file] = single_target_of(options_);
+    for_each_message(options_, file, [&, given = type](const input_message &message) {
+      const decoded read(type_of(given, message.name, message.bytes), message.bytes);
+      text_.clear();
+      if (append(message, read, given == nullptr)) print(text_);
+      status_ = worse(status_, read.report(message.is_single ? "" : message.name));
+    });
+    return status_;
+  }
+
+ private:
+  // False if the message does not have the member that was asked for.
+  bool append(const input_message &message, const decoded &read, bool is_guessed) {
+    const json_form form = read.form(options_.bytes);
+    std::optional<json> member;
+    if (!options_.path.empty()) {
+      member = member_path(read.type, options_.path).of(read.content.to_json(form));
+      if (!member) return false;
+    }
+    json_writer to(text_, layout_);
+    const auto append_content = [&] { member ? to.value(*member) : read.content.write(to, form); };
+    if (message.is_single || options_.at) {
+      append_content();
+    } else {
+      to.begin_object();
+      append_origin(to, message);
+      if (is_guessed) to.member("type", read.type.name);
+      append_failure(to, read);
+      to.name(member ? "value" : "message");
+      append_content();
+      to.end_object();
+    }
+    text_ += '\n';
+    return true;
+  }
+
+  static void append_origin(json_writer &to, const input_message &message) {
+    to.name("number");
+    to.number(message.number);
+    if (message.offset) {
+      to.name("offset");
+      to.number(*message.offset);
+    }
+  }
+
+  static void append_failure(json_writer &to, const decoded &read) {
+    if (!read.walked.failure) return;
+    to.member("error", pavo_zorv_result_name(read.walked.failure->result));
+    to.name("error_offset");
+    to.number(read.walked.failure->offset);
+    to.member("reason", read.walked.failure->reason);
+  }
+
+  const command_options &options_;
+  json_layout layout_;
+  std::string text_;
+  exit_status status_ = ok;
+};
+
+}  // namespace
+
+exit_status decode(const command_options &options) { return decoding(options).run(); }
 
 }  // namespace inspect

@@ -1,4 +1,6 @@
 // `encode`: messages from JSON; for a stream, from one value after another.
+#include <algorithm>
+
 #include "../commands.hpp"
 #include "../input.hpp"
 #include "../json_parse.hpp"
@@ -14,9 +16,17 @@ bool is_blank(byte_view text) {
   return true;
 }
 
+// What `decode` prints of a stream are objects with a message inside.
+const node &message_in(const message_type &type, const node &from) {
+  const auto *const object = std::get_if<node::object>(&from.value);
+  if (object == nullptr || field_of(type, "message") != nullptr) return from;
+  const auto found = std::ranges::find(*object, "message", &member::name);
+  return found != object->end() ? found->content : from;
+}
+
 void append_message(byte_string &stream, const message_type &type, const node &from, const command_options &options) {
   record content(type);
-  content.read(from, options.bytes);
+  content.read(message_in(type, from), options.bytes);
   const byte_string message = content.encode();
   append_prefix(stream, message.size(), options.stream);
   stream.insert(stream.end(), message.begin(), message.end());

@@ -27,13 +27,15 @@ exit_status hex(const command_options &options) {
   const painter paint(has_colours(options.colours));
   exit_status status = ok;
   std::string page;
-  for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
+  for_each_message(options, file, [&, type = type](const input_message &each) {
+    const std::string &name = each.name;
+    const byte_view message = each.bytes;
     const decoded read(type_of(type, name, message), message);
     if (options.html) {
       const std::vector<annotation> rows = annotate(message, walk_message(read.type, message));
       page += html_section({name, read.type.name, message, rows});
     } else {
-      if (options.stream != prefix_form::none) {
+      if (!each.is_single) {
         print(paint(colour::bold, fmt::format("{}: {}, {}", name, read.type.name, byte_count(message.size()))) + '\n');
       }
       std::string text;
@@ -45,7 +47,7 @@ exit_status hex(const command_options &options) {
       });
       print(text);
     }
-    status = worse(status, read.report());
+    status = worse(status, read.report(each.is_single ? "" : name));
   });
   if (options.html) print(html_page(page));
   return status;

@@ -40,12 +40,13 @@ std::string drawing_of(const segment_table &table, const char *mode) {
 exit_status segments(const command_options &options) {
   const auto [type, file] = single_target_of(options);
   exit_status status = ok;
-  for_each_message(options, file, [&, type = type](const std::string &name, byte_view message) {
-    const message_type &known = type_of(type, name, message);
-    status = worse(status, decoded(known, message).report());
+  for_each_message(options, file, [&, type = type](const input_message &each) {
+    const byte_view message = each.bytes;
+    const message_type &known = type_of(type, each.name, message);
+    status = worse(status, decoded(known, message).report(each.is_single ? "" : each.name));
     const segment_table copied = segments_of(known, message, false);
     const segment_table referenced = segments_of(known, message, true);
-    if (options.stream != prefix_form::none) print(name + '\n');
+    if (!each.is_single) print(each.name + '\n');
     print(drawing_of(copied, "copied") + '\n' + drawing_of(referenced, "referenced"));
     if (!copied.as_expected || !referenced.as_expected) {
       print_error("*** DEFECT: the segment table does not have one entry for each message or piece of a message ***\n");
