@@ -229,7 +229,7 @@ class command_line {
         command("guess", "List the messages that an input may be, the most likely first", guess_type);
     add_operands(guessing, "[FILE]", "File to read")->expected(0, 1);
     add_single_input(guessing);
-    guessing->add_flag("-a,--all", options_.all, "Also list those that cannot decode it");
+    guessing->add_flag("-a,--all", options_.all, "List all messages, not only the likely ones");
 
     CLI::App *const listing = command("index", "List the messages of a stream", index_stream);
     add_operands(listing, "[TYPE] [FILE]", "Message type, and file to read");

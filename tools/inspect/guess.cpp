@@ -1,47 +1,25 @@
-// Guesses by decoding the input as every message.
+// Guesses by reading the input as every message.
 #include "guess.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <span>
 #include <tuple>
 
 #include "failure.hpp"
-#include "text_encodings.hpp"
 #include "walk.hpp"
 
 namespace inspect {
 namespace {
 
-bool is_readable(byte_view characters) {
-  const std::string_view text(reinterpret_cast<const char *>(characters.data()), characters.size());
-  return is_utf8(text) && std::ranges::none_of(text, [](char each) { return each >= 0 && each < ' '; });
-}
-
-int evidence_of(byte_view input, const walked_field &here) {
-  if (here.field == nullptr) return -2;
-  switch (here.field->kind) {
-    case kind::string:
-      return is_readable(input.subspan(here.content, here.end - here.content)) ? 2 : -2;
-    case kind::nested:
-    case kind::message_list:
-      return here.end != here.content ? 2 : 0;
-    case kind::flag:
-      return here.number <= 1 ? 1 : -1;
-    case kind::integer_list:
-      return here.field->width == 1 && here.number > 0xff ? -1 : 0;
-    default:
-      return 0;
-  }
-}
-
 candidate read_as(const message_type &type, byte_view input) {
   const walk walked = walk_message(type, input);
-  candidate result{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0, 0};
+  candidate result{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0,
+                   surprise_of(type, input)};
   for (const walked_field &each : walked.fields) {
-    result.evidence += evidence_of(input, each);
     if (each.field == nullptr) result.unknown += each.end - each.start;
   }
   if (walked.failure) return result;
@@ -53,33 +31,51 @@ candidate read_as(const message_type &type, byte_view input) {
   return result;
 }
 
+// Sums of the same numbers in another order differ in their last digits.
+constexpr double no_difference = 1e-6;
+
 }  // namespace
 
 std::vector<candidate> guess(byte_view input) {
   std::vector<candidate> candidates;
   for (const message_type *type : all_types()) candidates.push_back(read_as(*type, input));
   const auto order = [](const candidate &each) {
-    return std::tuple(each.fit, each.unknown, -each.evidence, ~each.reached);
+    return std::tuple(std::llround(each.surprise.bits / no_difference), each.type->size);
   };
   std::ranges::stable_sort(candidates, {}, order);
   return candidates;
 }
 
+bool is_as_likely(const candidate &a, const candidate &b) {
+  return std::llround(a.surprise.bits / no_difference) == std::llround(b.surprise.bits / no_difference);
+}
+
+std::size_t likely_count(const std::vector<candidate> &candidates) {
+  constexpr double likely = 10;
+  const double most = candidates.front().surprise.bits + likely;
+  return static_cast<std::size_t>(
+      std::ranges::count_if(candidates, [&](const candidate &each) { return each.surprise.bits <= most; }));
+}
+
 const message_type &unique_guess(byte_view input, const std::string &name) {
   const std::vector<candidate> candidates = guess(input);
-  const fit best = candidates.front().fit;
+  const fit best = std::ranges::min(candidates, {}, &candidate::fit).fit;
   if (best == fit::partial || best == fit::none) {
-    throw usage_error(fmt::format("{}: TYPE is required: no message reads every byte of it", name));
+    throw usage_error(fmt::format("{}: TYPE is required: no message reads every byte of it; the most likely is {}",
+                                  name, candidates.front().type->name));
   }
-  const auto count = std::ranges::count(candidates, best, &candidate::fit);
-  if (count == 1) return *candidates.front().type;
+  std::vector<const message_type *> fitting;
+  for (const candidate &each : candidates) {
+    if (each.fit == best) fitting.push_back(each.type);
+  }
+  if (fitting.size() == 1) return *fitting.front();
+  constexpr std::size_t named = 4;
   std::string names;
-  for (const candidate &each :
-       std::span(candidates).first(static_cast<std::size_t>(std::min<std::ptrdiff_t>(count, 4)))) {
-    names += fmt::format("{}{}", names.empty() ? "" : ", ", each.type->name);
+  for (const message_type *type : std::span(fitting).first(std::min(fitting.size(), named))) {
+    names += fmt::format("{}{}", names.empty() ? "" : ", ", type->name);
   }
-  throw usage_error(fmt::format("{}: TYPE is required: {} messages fit equally well ({}{})", name, count, names,
-                                count > 4 ? ", ..." : ""));
+  throw usage_error(fmt::format("{}: TYPE is required: {} messages fit equally well ({}{})", name, fitting.size(),
+                                names, fitting.size() > named ? ", ..." : ""));
 }
 
 }  // namespace inspect

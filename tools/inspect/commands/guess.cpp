@@ -3,6 +3,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <span>
+
 #include "../commands.hpp"
 #include "../input.hpp"
 #include "../target.hpp"
@@ -10,16 +13,16 @@
 namespace inspect {
 namespace {
 
-std::string line(const candidate &each, std::size_t size) {
+std::string meaning(const candidate &each, std::size_t size) {
   switch (each.fit) {
     case fit::canonical:
-      return fmt::format("{:<34}reads every byte and writes the same bytes\n", each.type->name);
+      return "reads every byte and writes the same bytes";
     case fit::complete:
-      return fmt::format("{:<34}reads every byte, but writes different bytes\n", each.type->name);
+      return "reads every byte, but writes different bytes";
     case fit::partial:
-      return fmt::format("{:<34}skips {} of {} bytes\n", each.type->name, each.unknown, size);
+      return fmt::format("skips {} of {} bytes", each.unknown, size);
     case fit::none:
-      return fmt::format("{:<34}stops at offset {} of {}\n", each.type->name, each.reached, size);
+      return fmt::format("stops at offset {}, knows {} of {} bytes", each.reached, each.surprise.known, size);
   }
   return {};
 }
@@ -32,13 +35,15 @@ exit_status guess_type(const command_options &options) {
   for_each_message(options, file, [&](const std::string &name, byte_view message) {
     const std::vector<candidate> candidates = guess(message);
     std::string text = options.stream != prefix_form::none ? name + '\n' : "";
-    // Messages that cannot decode the input are shown only if all others cannot either.
-    const bool any = candidates.front().fit != fit::none;
-    for (const candidate &each : candidates) {
-      if (each.fit != fit::none || !any || options.all) text += line(each, message.size());
+    const std::size_t shown = options.all ? candidates.size() : likely_count(candidates);
+    for (const candidate &each : std::span(candidates).first(shown)) {
+      const bool is_tied = &each != candidates.data() && is_as_likely(each, candidates.front());
+      text += fmt::format("{:<34}{}{}\n", each.type->name, meaning(each, message.size()),
+                          is_tied ? "; as likely as the first" : "");
     }
     print(text);
-    if (!any) status = bad_input;
+    const bool decodes = std::ranges::any_of(candidates, [](const candidate &each) { return each.fit != fit::none; });
+    if (!decodes) status = bad_input;
   });
   return status;
 }

@@ -15,7 +15,7 @@ std::string state(const message_type *type, byte_view message) {
   const std::vector<candidate> candidates = guess(message);
   if (message.empty()) return "any";
   if (candidates[0].fit == fit::none) return "no message reads it";
-  return fmt::format("{}{}", candidates[0].type->name, candidates[0].fit == candidates[1].fit ? "?" : "");
+  return fmt::format("{}{}", candidates[0].type->name, likely_count(candidates) > 1 ? "?" : "");
 }
 
 }  // namespace
