@@ -4,13 +4,21 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <exception>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "commands.hpp"
 #include "completion.hpp"
 #include "input.hpp"
+#include "suggest.hpp"
 #include "target.hpp"
 
 namespace inspect {
@@ -36,6 +44,10 @@ const choices<bytes_form> bytes_forms{
     {"base64", bytes_form::base64}, {"hex", bytes_form::hex}, {"length", bytes_form::length}};
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
+
+std::vector<const CLI::App *> commands_of(const CLI::App &app) {
+  return app.get_subcommands([](const CLI::App *) { return true; });
+}
 
 // Help in this tool's own layout, from which help2man can make a manual page.
 class help_format : public CLI::Formatter {
@@ -79,10 +91,6 @@ class help_format : public CLI::Formatter {
   }
 
  private:
-  static std::vector<const CLI::App *> commands_of(const CLI::App &app) {
-    return app.get_subcommands([](const CLI::App *) { return true; });
-  }
-
   static std::string operands_of(const CLI::App &app) {
     std::string text;
     for (const CLI::Option *each :
@@ -111,16 +119,22 @@ class command_line {
     add_checking_commands();
     add_writing_commands();
     add_completion();
+    add_help();
   }
 
   int run(int count, char **arguments) {
     try {
+      require_command(count, arguments);
       app_.parse(count, arguments);
+      refuse_what_is_left();
       const exit_status status = action_(options_);
       flush_output();
       return status;
+    } catch (const CLI::Success &success) {  // help and the version, which it prints
+      return app_.exit(success);
     } catch (const CLI::ParseError &error) {
-      return app_.exit(error) == 0 ? ok : bad_usage;
+      print_error(sentence_of(error));
+      return bad_usage;
     } catch (const input_error &error) {
       print_error(fmt::format("{}\n", error.what()));
       return bad_input;
@@ -135,22 +149,117 @@ class command_line {
 
   CLI::App *command(const char *name, const char *purpose, action selected) {
     CLI::App *const added = app_.add_subcommand(name, purpose);
-    added->callback([this, selected] { action_ = selected; });
+    added->callback([this, selected, added] {
+      action_ = selected;
+      selected_ = added;
+    });
+    added->allow_extras();
     return added;
   }
+
+  // --- Wrong usage ---
+
+  // The first argument is a command, or an option like --help.
+  void require_command(int count, char **arguments) const {
+    if (count < 2) throw usage_error("a command is required; `zorv-inspect --help` lists them");
+    const std::string given = arguments[1];
+    if (!given.starts_with('-')) return require_known(given);
+    const std::vector<std::string> options = long_options(app_);
+    const std::vector<std::string_view> names(options.begin(), options.end());
+    if (given == "-h" || std::ranges::find(names, given) != names.end()) return;
+    throw usage_error(fmt::format("{}: no such option before a command{}", given, suggestion(given, names)));
+  }
+
+  void require_known(const std::string &given) const {
+    std::vector<std::string_view> names;
+    for (const CLI::App *each : commands_of(app_)) names.emplace_back(each->get_name());
+    if (std::ranges::find(names, given) != names.end()) return;
+    const std::string suggested = suggestion(given, names);
+    throw usage_error(fmt::format("{}: no such command{}", given,
+                                  suggested.empty() ? "; `zorv-inspect --help` lists them" : suggested));
+  }
+
+  // Options that the command does not have, and operands beyond those that it takes.
+  void refuse_what_is_left() const {
+    for (const std::string &each : selected_->remaining()) {
+      const std::string given = each.substr(0, each.find('='));
+      const std::vector<std::string> options = long_options(*selected_);
+      const std::vector<std::string_view> names(options.begin(), options.end());
+      throw usage_error(
+          fmt::format("{}: {} has no such option{}", given, selected_->get_name(), suggestion(given, names)));
+    }
+    const std::size_t most = most_operands_.at(selected_);
+    if (options_.operands.size() > most) {
+      throw usage_error(
+          fmt::format("{}: unexpected argument; {} takes only one", options_.operands[most], selected_->get_name()));
+    }
+  }
+
+  static std::string sentence_of(const CLI::ParseError &error) {
+    const std::string what = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch *>(&error) != nullptr) {
+      return fmt::format("{}: a value is required\n", what.substr(0, what.find(':')));
+    }
+    if (dynamic_cast<const CLI::ConversionError *>(&error) != nullptr) {  // "Could not convert: --all = maybe"
+      const std::string given = what.substr(what.find(": ") + 2);
+      return fmt::format("{}: this option takes no value\n", given.substr(0, given.find(' ')));
+    }
+    return what + '\n';
+  }
+
+  // Those of one letter are not worth a suggestion.
+  static std::vector<std::string> long_options(const CLI::App &command) {
+    std::vector<std::string> names;
+    for (const CLI::Option *each : command.get_options()) {
+      for (const std::string &name : each->get_lnames()) names.push_back("--" + name);
+    }
+    return names;
+  }
+
+  // --- Options ---
 
   template <class Value>
   void add_choice(CLI::App *command, const char *name, Value &value, const choices<Value> &values,
                   std::string purpose) {
     std::string names;
     for (const auto &[each, meaning] : values) names += (names.empty() ? "" : ", ") + each;
-    command->add_option(name, value, purpose + ": " + names)
-        ->transform(CLI::CheckedTransformer(values).description(""))
-        ->option_text("FORM");
+    const auto choose = [&value, values, names, option = long_name(name)](const std::string &given) {
+      const auto found = values.find(given);
+      if (found == values.end()) throw usage_error(no_such_value(option, given, values, names));
+      value = found->second;
+    };
+    command->add_option_function<std::string>(name, choose, purpose + ": " + names)->option_text("FORM");
   }
 
-  CLI::Option *add_operands(CLI::App *command, const char *text, const char *purpose) {
-    return command->add_option("operands", options_.operands, purpose)->option_text(text);
+  template <class Value>
+  static std::string no_such_value(std::string_view option, const std::string &given, const choices<Value> &values,
+                                   const std::string &names) {
+    std::vector<std::string_view> each_name;
+    for (const auto &[each, meaning] : values) each_name.emplace_back(each);
+    const std::string suggested = suggestion(given, each_name);
+    return fmt::format("{}={}: no such form{}", option, given, suggested.empty() ? "; there are " + names : suggested);
+  }
+
+  // "--input" of "-i,--input".
+  static std::string long_name(std::string_view names) { return std::string(names.substr(names.find("--"))); }
+
+  // `value` may be optional.
+  template <class Value>
+  void add_number(CLI::App *command, const char *name, Value &value, const char *purpose) {
+    const auto read = [&value, option = long_name(name)](const std::string &given) {
+      std::size_t number = 0;
+      const auto [rest, error] = std::from_chars(given.data(), given.data() + given.size(), number);
+      if (error != std::errc{} || rest != given.data() + given.size()) {
+        throw usage_error(fmt::format("{}={}: not a number from 0 to {}", option, given, SIZE_MAX));
+      }
+      value = number;
+    };
+    command->add_option_function<std::string>(name, read, purpose)->option_text("N");
+  }
+
+  void add_operands(CLI::App *command, const char *text, const char *purpose, std::size_t most = SIZE_MAX) {
+    command->add_option("operands", options_.operands, purpose)->option_text(text);
+    most_operands_[command] = most;
   }
 
   void add_output(CLI::App *command) {
@@ -162,15 +271,13 @@ class command_line {
     add_choice(command, "-i,--input", options_.input, byte_forms, "Form of the input");
     add_choice(command, "-s,--stream", options_.stream, prefix_forms,
                "The input is a stream of messages, each after its length, or of lines of text");
-    command->add_option("--skip", options_.skip, "Leave out the first N bytes of the input, of each line or datagram")
-        ->option_text("N");
-    command->add_option("--length", options_.length, "Read only N bytes after that")->option_text("N");
+    add_number(command, "--skip", options_.skip, "Leave out the first N bytes of the input, of each line or datagram");
+    add_number(command, "--length", options_.length, "Read only N bytes after that");
   }
 
   void add_single_input(CLI::App *command) {
     add_input(command);
-    command->add_option("-n,--at", options_.at, "Read only this message of the stream, counted from 0")
-        ->option_text("N");
+    add_number(command, "-n,--at", options_.at, "Read only this message of the stream, counted from 0");
   }
 
   void add_stream(CLI::App *command, const char *purpose) {
@@ -187,8 +294,7 @@ class command_line {
 
   void add_reading_commands() {
     add_operands(command("types", "List the messages, or the fields of one with their keys and record offsets", types),
-                 "[TYPE]", "Message type")
-        ->expected(0, 1);
+                 "[TYPE]", "Message type", 1);
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
@@ -227,7 +333,7 @@ class command_line {
 
     CLI::App *const guessing =
         command("guess", "List the messages that an input may be, the most likely first", guess_type);
-    add_operands(guessing, "[FILE]", "File to read")->expected(0, 1);
+    add_operands(guessing, "[FILE]", "File to read", 1);
     add_single_input(guessing);
     guessing->add_flag("-a,--all", options_.all, "List all messages, not only the likely ones");
 
@@ -255,21 +361,38 @@ class command_line {
   }
 
   void add_completion() {
-    CLI::App *const completing =
-        command("completion", "Print the completion script for a shell", [this](const command_options &options) {
-          print(options.operands.front() == "bash" ? bash_completion(app_) : zsh_completion(app_));
+    const choices<std::string (*)(const CLI::App &)> shells{
+        {"bash", bash_completion}, {"fish", fish_completion}, {"zsh", zsh_completion}};
+    CLI::App *const completing = command(
+        "completion", "Print the completion script for a shell", [this, shells](const command_options &options) {
+          const std::string shell = options.operands.empty() ? "" : options.operands.front();
+          const auto found = shells.find(shell);
+          if (found == shells.end()) throw usage_error("completion takes the name of a shell: bash, fish or zsh");
+          print(found->second(app_));
           return ok;
         });
-    completing->add_option("operands", options_.operands, "bash or zsh")
-        ->option_text("SHELL")
-        ->required()
-        ->expected(1)
-        ->check(CLI::IsMember({"bash", "zsh"}).description(""));
+    add_operands(completing, "SHELL", "bash, fish or zsh", 1);
+  }
+
+  void add_help() {
+    CLI::App *const helping = command("help", "Print the help of a command", [this](const command_options &options) {
+      if (options.operands.empty()) {
+        print(app_.get_formatter()->make_help(&app_, app_.get_name(), CLI::AppFormatMode::Normal));
+        return ok;
+      }
+      std::string name = options.operands.front();
+      require_known(name);
+      print(app_.get_subcommand(name)->help("zorv-inspect"));
+      return ok;
+    });
+    add_operands(helping, "[COMMAND]", "Name of a command", 1);
   }
 
   CLI::App app_{"Inspect and edit the messages of pavo-zorv.", "zorv-inspect"};
   command_options options_;
   action action_;
+  const CLI::App *selected_ = nullptr;
+  std::map<const CLI::App *, std::size_t> most_operands_;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 namespace inspect {
 
 std::string bash_completion(const CLI::App &app);
+std::string fish_completion(const CLI::App &app);
 std::string zsh_completion(const CLI::App &app);
 
 }  // namespace inspect

@@ -62,8 +62,9 @@ struct text_error : std::runtime_error {
   std::string path;
 };
 
-// The same with line and column: "line 3, column 7: hops[2].field5[0]: 300 is out of range 0 to 255".
-input_error with_position(const text_error &error, byte_view text);
+// The same with the name of the file, line and column: "path.json: line 3, column 7: hops[2].field5[0]: 300 is out of
+// range 0 to 255".
+input_error with_position(const text_error &error, byte_view text, const std::string &file);
 
 // Deeper nesting is refused while reading: no message is nested as deeply.
 inline constexpr std::size_t max_depth = 64;

@@ -71,7 +71,7 @@ class record_reader {
       read_member(row, named.content, record);
       record.presence |= pavo_zorv::presence_bit<Record, index>;
     });
-    if (!known) refuse(named.at, "no such field");
+    if (!known) refuse(named.at, no_such_field(*pavo_zorv::find_message(pavo_zorv::message_name<Record>), named.name));
   }
 
   template <class Row, class Record>

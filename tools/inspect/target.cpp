@@ -50,6 +50,8 @@ single_target single_target_of(const command_options &options) {
   return {found.type, found.files.empty() ? "-" : found.files.front()};
 }
 
+std::string name_of(const std::string &file) { return file == "-" ? "standard input" : file; }
+
 void for_each_message(const command_options &options, const std::string &file, const message_visitor &visit) {
   const std::unique_ptr<message_source> source = open_messages(file, options);
   input_message message;
@@ -60,8 +62,8 @@ void for_each_message(const command_options &options, const std::string &file, c
     if (options.at) return;
   }
   if (options.at) {
-    throw input_error(fmt::format("{}: no message {}: there are {}, counted from 0",
-                                  file == "-" ? "standard input" : file, *options.at, count));
+    throw input_error(
+        fmt::format("{}: no message {}: there are {}, counted from 0", name_of(file), *options.at, count));
   }
 }
 

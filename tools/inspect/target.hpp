@@ -30,6 +30,9 @@ struct single_target {
 };
 single_target single_target_of(const command_options &options);
 
+// "standard input" for "-".
+std::string name_of(const std::string &file);
+
 // The message of that name; otherwise a usage error that suggests the nearest name.
 const message_type &type_named(const std::string &name);
 

@@ -6,13 +6,13 @@
 #include <algorithm>
 #include <cctype>
 #include <nlohmann/json.hpp>
-#include <numeric>
 #include <type_traits>
-#include <utility>
+#include <vector>
 
 #include "messages/all.hpp"
 #include "record_read.hpp"
 #include "record_write.hpp"
+#include "suggest.hpp"
 
 namespace inspect {
 namespace {
@@ -79,21 +79,6 @@ PAVO_ZORV_MESSAGES(INSPECT_TYPE)
 const message_type *const types[] = {PAVO_ZORV_MESSAGES(INSPECT_LISTED)};
 #undef INSPECT_LISTED
 
-// The fewest insertions, deletions and replacements that make one of the other.
-std::size_t distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i + 1);
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] != b[j]);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-    }
-  }
-  return row.back();
-}
-
 }  // namespace
 
 const field_info *field_of(const message_info &type, std::uint32_t number) {
@@ -127,9 +112,16 @@ const message_type *find_type(std::string_view name) {
 }
 
 const message_type *nearest_type(std::string_view name) {
-  const auto distance_to = [&](const message_type *type) { return distance(name, type->name); };
-  const auto nearest = std::ranges::min_element(types, {}, distance_to);
-  return distance_to(*nearest) <= std::max<std::size_t>(2, 2 * name.size() / 5) ? *nearest : nullptr;
+  std::vector<std::string_view> names;
+  for (const message_type *type : types) names.emplace_back(type->name);
+  const auto found = nearest(name, names);
+  return found ? find_type(*found) : nullptr;
+}
+
+std::string no_such_field(const message_info &type, std::string_view given) {
+  std::vector<std::string_view> names;
+  for (const field_info &field : type.fields) names.emplace_back(field.name);
+  return fmt::format("{} has no such field{}", type.name, suggestion(given, names));
 }
 
 std::string describe_element(const field_info &field) {

@@ -50,6 +50,9 @@ const message_type *find_type(std::string_view name);
 // The message with the most similar name; null if none is similar.
 const message_type *nearest_type(std::string_view name);
 
+// "api_msg has no such field; did you mean to_igp?"
+std::string no_such_field(const message_info &type, std::string_view given);
+
 // Whether a name in JSON denotes a field: the field's name, as it is or in lowerCamelCase.
 bool is_name_of(std::string_view field, std::string_view given);
 

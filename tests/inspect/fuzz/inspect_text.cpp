@@ -27,7 +27,8 @@ void try_text(const message_type &type, bool is_json, bytes_form bytes, byte_vie
     message = encoded(type, is_json ? parse_json(text) : parse_text_format(type, text), bytes);
   } catch (const text_error &error) {
     require(error.at <= text.size(), "the position of an error is in the text");
-    require(std::string(with_position(error, text).what()).starts_with("line "), "an error names its line");
+    require(std::string(with_position(error, text, "file").what()).starts_with("file: line "),
+            "an error names its line");
     return;
   }
   record content(type);

@@ -43,13 +43,14 @@ message_form detect(byte_view input) {
   return message_form::automatic;
 }
 
-byte_string encode_text(const message_type *type, byte_view text, const command_options &options, message_form from) {
+byte_string encode_text(const message_type *type, const std::string &name, byte_view text,
+                        const command_options &options, message_form from) {
   if (type == nullptr) throw usage_error("TYPE is required: neither JSON nor the text form says which message it is");
   record content(*type);
   try {
     content.read(from == message_form::as_json ? parse_json(text) : parse_text_format(*type, text), options.bytes);
   } catch (const text_error &error) {
-    throw with_position(error, text);
+    throw with_position(error, text, name);
   }
   return content.encode();
 }
@@ -65,12 +66,12 @@ exit_status convert(const command_options &options) {
   const byte_string input = read_file(file);
   const message_form from = options.from == message_form::automatic ? detect(input) : options.from;
   const byte_string message =
-      is_bytes(from) ? parse_bytes(input, byte_form_of(from)) : encode_text(type, input, options, from);
+      is_bytes(from) ? parse_bytes(input, byte_form_of(from)) : encode_text(type, name_of(file), input, options, from);
   if (is_bytes(options.to)) {
     write_text(options, format_bytes(message, byte_form_of(options.to)));
     return ok;
   }
-  const decoded read(type_of(type, file == "-" ? "standard input" : file, message), message);
+  const decoded read(type_of(type, name_of(file), message), message);
   // Encoding shows what the library keeps of a message; after a failure that would be too little.
   const byte_string kept = read.walked.failure ? message : read.content.encode();
   write_text(options, options.to == message_form::as_json ? read.content.to_text(read.form(options.bytes))

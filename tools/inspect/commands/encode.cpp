@@ -48,7 +48,7 @@ exit_status encode(const command_options &options) {
       }
     }
   } catch (const text_error &error) {
-    throw with_position(error, text);
+    throw with_position(error, text, name_of(file));
   }
   write_file(options.output, result);
   return ok;
