@@ -7,7 +7,8 @@
 
 namespace inspect {
 
-bool terminal_has_colours() {
+bool has_colours(colour_choice choice) {
+  if (choice != colour_choice::when_terminal) return choice == colour_choice::always;
   const char *const forbidden = std::getenv("NO_COLOR");
   if (forbidden != nullptr && *forbidden != '\0') return false;
   const char *const terminal = std::getenv("TERM");

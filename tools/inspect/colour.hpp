@@ -8,8 +8,10 @@ namespace inspect {
 
 enum class colour { plain, faint, bold, red, green, yellow, blue, magenta, cyan, failure };
 
-// Whether the standard output is a terminal with colours, and NO_COLOR (no-color.org) is not set.
-bool terminal_has_colours();
+enum class colour_choice { when_terminal, always, never };
+
+// With `when_terminal`: whether the standard output is a terminal with colours, and NO_COLOR (no-color.org) is not set.
+bool has_colours(colour_choice choice);
 
 // Colours text, or leaves it unchanged.
 class painter {

@@ -292,6 +292,21 @@ class command_line {
     add_choice(command, "-b,--bytes", options_.bytes, values, purpose);
   }
 
+  void add_colours(CLI::App *command) {
+    add_choice(command, "--color", options_.colours, colour_choices,
+               "When to use colours; auto is on a terminal, unless NO_COLOR is set");
+  }
+
+  void add_report(CLI::App *command, const char *name, report_form form, const char *purpose) {
+    const auto choose = [this, form](std::int64_t) {
+      if (options_.report != report_form::as_text && options_.report != form) {
+        throw usage_error("--json, --junit and --summary exclude each other");
+      }
+      options_.report = form;
+    };
+    command->add_flag_function(name, choose, purpose);
+  }
+
   void add_reading_commands() {
     add_operands(command("types", "List the messages, or the fields of one with their keys and record offsets", types),
                  "[TYPE]", "Message type", 1);
@@ -306,8 +321,7 @@ class command_line {
     CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
     add_operands(annotating, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(annotating);
-    add_choice(annotating, "--color", options_.colours, colour_choices,
-               "When to use colours; auto is on a terminal, unless NO_COLOR is set");
+    add_colours(annotating);
     annotating->add_flag("--html", options_.html, "Write a page for a browser");
     annotating->add_flag("-a,--all", options_.all, "Show all bytes after a failure, not only the first");
 
@@ -329,6 +343,10 @@ class command_line {
     add_input(checking);
     checking->add_flag("-a,--all", options_.all, "Print a line for every message");
     checking->add_flag("--strict", options_.strict, "Treat messages that are not canonical as refused");
+    add_report(checking, "--json", report_form::as_json, "Report in JSON");
+    add_report(checking, "--junit", report_form::as_junit, "Report in JUnit's XML, a test case for each message");
+    add_report(checking, "--summary", report_form::only_totals, "Print only the totals");
+    add_colours(checking);
     checking->add_flag("--timing", options_.timing, "Print how long it took");
 
     CLI::App *const guessing =

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "check_report.hpp"
+#include "colour.hpp"
 #include "failure.hpp"
 #include "json_form.hpp"
 #include "messages.hpp"
@@ -12,8 +14,6 @@ namespace inspect {
 
 // What `convert` reads and writes: bytes in some form, or a message as text.
 enum class message_form { automatic, raw, hex, dump, base64, as_json, as_text };
-
-enum class colour_choice { when_terminal, always, never };
 
 struct command_options : input_options {
   std::vector<std::string> operands;  // a message's name, if given, then files
@@ -28,6 +28,7 @@ struct command_options : input_options {
   bool all = false;     // show all differences, messages, types or bytes
   bool strict = false;  // non-canonical messages are refused
   bool timing = false;
+  report_form report = report_form::as_text;
 };
 
 exit_status types(const command_options &options);

@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -126,14 +125,6 @@ void print(std::string_view text) {
 
 void flush_output() {
   if (std::fflush(stdout) != 0) fail("write", "standard output");
-}
-
-void for_each_file(const std::string &name, const std::function<void(const std::string &)> &visit) {
-  std::error_code error;
-  if (!std::filesystem::is_directory(name, error)) return visit(name);
-  for (const auto &entry : std::filesystem::recursive_directory_iterator(name)) {
-    if (!entry.is_directory()) visit(entry.path().string());
-  }
 }
 
 }  // namespace inspect

@@ -1,8 +1,7 @@
-// Input and output: files, folders and the standard streams.
+// Input and output: files and the standard streams.
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,8 +59,5 @@ void write_file(const std::string &name, byte_view content);
 // Appends to the standard output, which is flushed before the program waits for input, and in the end.
 void print(std::string_view text);
 void flush_output();
-
-// Calls `visit` with every file in a folder and its subfolders, or with the name itself when it is not a folder.
-void for_each_file(const std::string &name, const std::function<void(const std::string &)> &visit);
 
 }  // namespace inspect

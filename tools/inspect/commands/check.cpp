@@ -1,61 +1,46 @@
-// `check`: runs many messages through the library; prints a line for each that is not canonical, and totals.
+// `check`: runs many messages through the library, and reports those that are not canonical, and totals.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 
+#include "../check_report.hpp"
 #include "../commands.hpp"
-#include "../examine.hpp"
+#include "../folder.hpp"
 #include "../guess.hpp"
-#include "../input.hpp"
 #include "../progress.hpp"
 #include "../target.hpp"
-#include "../text_encodings.hpp"
-#include "pavo_zorv_memory.h"
 
 namespace inspect {
 namespace {
 
 using clock = std::chrono::steady_clock;
 
-std::string usage_text(const counting_memory::usage &usage) {
-  return fmt::format("{} in {} block{}", byte_count(usage.bytes), usage.blocks, usage.blocks == 1 ? "" : "s");
-}
-
-double ratio(std::size_t bytes, std::size_t input) {
-  return input == 0 ? 0 : static_cast<double>(bytes) / static_cast<double>(input);
-}
-
-struct totals {
-  std::size_t messages = 0, bytes = 0;
-  std::size_t decoded = 0, canonical = 0;
-  std::size_t unknown = 0;
-  counting_memory::usage memory, dropped;
-  double amplification = 0;    // the highest memory per input byte
-  std::string most_amplified;  // the message with that amplification
-};
-
 class checking {
  public:
   checking(const command_options &options, const target &target)
-      : options_(options), target_(target), progress_([&] { return count_files(); }) {}
+      : options_(options),
+        target_(target),
+        progress_([&] { return count_files(); }),
+        report_(make_report(options.report, options.all, painter(has_colours(options.colours)))) {}
 
   exit_status run() {
     const auto begin = clock::now();
-    for (const std::string &name : target_.files) {
-      for_each_file(name, [&](const std::string &file) { check_file(file); });
-    }
+    const folder_visitor visit{[&](const std::string &file) { check_file(file); },
+                               [&](const std::string &) { ++totals_.skipped; },
+                               [&](const std::string &folder, const std::string &why) { add_unreadable(folder, why); }};
+    for (const std::string &name : target_.files) visit_files(name, visit);
     progress_.clear();
-    print(totals_text());
-    if (options_.timing) print(times_text(std::chrono::duration<double>(clock::now() - begin)));
+    if (options_.timing) totals_.seconds = std::chrono::duration<double>(clock::now() - begin).count();
+    report_->end(totals_);
     return status_;
   }
 
  private:
   std::size_t count_files() const {
     std::size_t count = 0;
-    for (const std::string &name : target_.files) {
-      for_each_file(name, [&](const std::string &) { ++count; });
-    }
+    const auto ignore = [](const auto &...) {};
+    for (const std::string &name : target_.files) visit_files(name, {[&](const auto &) { ++count; }, ignore, ignore});
     return count;
   }
 
@@ -65,50 +50,68 @@ class checking {
       for_each_message(options_, file,
                        [&](const std::string &name, byte_view message) { check_message(name, message); });
     } catch (const std::runtime_error &error) {
-      report(fmt::format("{}\n", error.what()));
+      progress_.clear();
+      report_->error(file, error.what());
       status_ = worse(status_, dynamic_cast<const usage_error *>(&error) != nullptr ? bad_usage : bad_input);
     }
     progress_.step();
   }
 
-  void check_message(const std::string &name, byte_view message) {
-    const message_type &type = target_.type != nullptr ? *target_.type : unique_guess(message, name);
-    const findings found = examiner_.examine(type, message);
-    add(name, message, found);
-    // A canonical message has no unknown fields, so only the others need the walk.
-    if (found.is_canonical) {
-      if (options_.all)
-        report(fmt::format("{}: {}, canonical, {}\n", name, described(type, message), costs(message, found)));
-      return;
-    }
-    const walk walked = walk_message(type, message);
-    if (!agree(found.result, walked)) {
-      report(fmt::format("{}: {}", name, explain(type, found.result, walked)));
-      status_ = disagreement;
-    } else if (found.result != CODEC_OK) {
-      report(fmt::format("{}: {}, {}\n", name, described(type, message), one_line(found.result, walked)));
-      status_ = worse(status_, bad_input);
-    } else {
-      const std::size_t unknown = unknown_fields(walked);
-      totals_.unknown += unknown;
-      report(fmt::format("{}: {}, not canonical: encodes to {}, {} unknown field{}, {}\n", name,
-                         described(type, message), byte_count(found.encoded), unknown, unknown == 1 ? "" : "s",
-                         costs(message, found)));
-      if (options_.strict) status_ = worse(status_, bad_input);
-    }
+  void add_unreadable(const std::string &folder, const std::string &why) {
+    progress_.clear();
+    report_->error(folder, fmt::format("cannot read the folder {}: {}", folder, why));
+    status_ = worse(status_, bad_usage);
   }
 
-  void add(const std::string &name, byte_view message, const findings &found) {
+  void check_message(const std::string &name, byte_view message) {
+    const message_type &type = target_.type != nullptr ? *target_.type : unique_guess(message, name);
+    check_result result{
+        check_result::canonical, name, &type, message.size(), examiner_.examine(type, message), 0, nullptr, "", false};
+    add(result);
+    // A canonical message has no unknown fields, so only the others need the walk.
+    if (!result.findings.is_canonical) return judge(result, message);
+    if (!report_->takes_all()) return;
+    progress_.clear();
+    report_->message(result);
+  }
+
+  void judge(check_result &result, byte_view message) {
+    const walk walked = walk_message(*result.type, message);
+    if (walked.failure) result.failure = &*walked.failure;
+    if (!agree(result.findings.result, walked)) {
+      result.verdict = check_result::contradictory;
+      result.explanation = explain(*result.type, result.findings.result, walked);
+      result.is_bad = true;
+      status_ = disagreement;
+    } else if (result.findings.result != CODEC_OK) {
+      result.verdict = check_result::refused;
+      result.is_bad = true;
+      status_ = worse(status_, bad_input);
+    } else {
+      result.verdict = check_result::not_canonical;
+      const auto is_unknown = [](const walked_field &each) { return each.field == nullptr; };
+      result.unknown_fields = static_cast<std::size_t>(std::ranges::count_if(walked.fields, is_unknown));
+      totals_.unknown += result.unknown_fields;
+      result.is_bad = options_.strict;
+      if (options_.strict) status_ = worse(status_, bad_input);
+    }
+    progress_.clear();
+    report_->message(result);
+  }
+
+  void add(const check_result &result) {
+    const findings &found = result.findings;
     ++totals_.messages;
-    totals_.bytes += message.size();
+    totals_.bytes += result.size;
     totals_.decoded += found.result == CODEC_OK;
     totals_.canonical += found.is_canonical;
     add(totals_.memory, found.memory);
     add(totals_.dropped, found.dropped);
-    const double amplification = ratio(found.memory.bytes, message.size());
+    if (result.size == 0) return;
+    const double amplification = static_cast<double>(found.memory.bytes) / static_cast<double>(result.size);
     if (amplification > totals_.amplification) {
       totals_.amplification = amplification;
-      totals_.most_amplified = name;
+      totals_.most_amplified = result.name;
     }
   }
 
@@ -117,55 +120,12 @@ class checking {
     sum.bytes += more.bytes;
   }
 
-  static std::string described(const message_type &type, byte_view message) {
-    return fmt::format("{}, {}", type.name, byte_count(message.size()));
-  }
-
-  static std::string one_line(int result, const walk &walked) {
-    if (!walked.failure) return pavo_zorv_result_name(result);
-    return fmt::format("{} at offset {}: {}", pavo_zorv_result_name(result), walked.failure->offset,
-                       walked.failure->reason);
-  }
-
-  static std::string costs(byte_view message, const findings &found) {
-    std::string text =
-        fmt::format("{} ({:.1f} per input byte)", usage_text(found.memory), ratio(found.memory.bytes, message.size()));
-    if (found.dropped.blocks != 0) text += fmt::format(", dropped {}", usage_text(found.dropped));
-    return text;
-  }
-
-  static std::size_t unknown_fields(const walk &walked) {
-    std::size_t count = 0;
-    for (const walked_field &each : walked.fields) count += each.field == nullptr;
-    return count;
-  }
-
-  void report(const std::string &text) {
-    progress_.clear();
-    print(text);
-  }
-
-  std::string totals_text() const {
-    std::string text = fmt::format("{} message{}, {}: {} decode, {} canonical, {} refused\n", totals_.messages,
-                                   totals_.messages == 1 ? "" : "s", byte_count(totals_.bytes), totals_.decoded,
-                                   totals_.canonical, totals_.messages - totals_.decoded);
-    text += fmt::format("memory: {}", usage_text(totals_.memory));
-    if (totals_.amplification > 0) {
-      text += fmt::format("; at most {:.1f} per input byte ({})", totals_.amplification, totals_.most_amplified);
-    }
-    return text + fmt::format("\ndropped: {}; unknown fields: {}\n", usage_text(totals_.dropped), totals_.unknown);
-  }
-
-  std::string times_text(std::chrono::duration<double> all) const {
-    return fmt::format("time: {:.3f} s; {:.0f} messages per second\n", all.count(),
-                       static_cast<double>(totals_.messages) / all.count());
-  }
-
   const command_options &options_;
   const target &target_;
   progress progress_;
+  std::unique_ptr<check_report> report_;
   examiner examiner_;
-  totals totals_;
+  check_totals totals_;
   exit_status status_ = ok;
 };
 

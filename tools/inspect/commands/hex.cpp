@@ -13,10 +13,6 @@
 namespace inspect {
 namespace {
 
-bool has_colours(colour_choice choice) {
-  return choice == colour_choice::always || (choice == colour_choice::when_terminal && terminal_has_colours());
-}
-
 constexpr std::size_t shown_rest = 192;  // bytes after a failure
 constexpr std::size_t chunk = 1 << 16;   // what is printed at once
 
