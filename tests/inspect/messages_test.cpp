@@ -41,10 +41,10 @@ class every_message : public test::law {
     return content.encode();
   }
 
-  byte_string through_json(byte_view input, bytes_form bytes) const {
+  byte_string through_json(byte_view input, bytes_form bytes, octets_form octets = octets_form::numbers) const {
     record content(type());
     EXPECT_EQ(content.decode(input), CODEC_OK);
-    const std::string text = content.to_text({bytes, {}});
+    const std::string text = content.to_text({bytes, octets, {}});
     return from_node(parse_json(view_of(text)), bytes);
   }
 
@@ -61,6 +61,13 @@ TEST_P(every_message, survives_a_round_trip_through_json) {
 
 TEST_P(every_message, survives_a_round_trip_through_json_with_hexadecimal_bytes) {
   for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::hex), owned(input)); });
+}
+
+TEST_P(every_message, survives_a_round_trip_through_json_with_lists_of_bytes_as_strings) {
+  for_canonical([&](byte_view input) {
+    ASSERT_EQ(through_json(input, bytes_form::base64, octets_form::hex), owned(input));
+    ASSERT_EQ(through_json(input, bytes_form::base64, octets_form::address), owned(input));
+  });
 }
 
 TEST_P(every_message, survives_a_round_trip_through_the_text_form) {

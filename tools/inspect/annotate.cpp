@@ -9,6 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "address.hpp"
 #include "core/wire.hpp"
 #include "pavo_zorv_memory.h"
 #include "results.hpp"
@@ -35,6 +36,7 @@ void append_value(std::string &text, const field_info &field, std::uint64_t numb
     const std::uint64_t kept = field.width == 1 ? number & 0xff : number;
     append_number(text, kept);
     if (kept != number) text += fmt::format(" (sent as {}, truncated to 8 bits)", number);
+    if (is_address_name(field.name)) text += ", " + address_text(static_cast<std::uint32_t>(number));
   }
 }
 
@@ -57,8 +59,74 @@ class annotator {
  public:
   annotator(byte_view input, const row_visitor &visit) : input_(input), visit_(visit) {}
 
-  // The memory of a row is used again for the next one.
+  // The elements of a list of 4 or 16 bytes are one row. Up to 16 are kept until it is known how many there are.
   void add(const walked_field &here) {
+    const bool is_element = here.field != nullptr && here.field->kind == kind::integer_list && here.field->width == 1;
+    const bool goes_on = is_element && !run_.empty() && here.field == run_.back().field && here.index == run_.size();
+    if (!goes_on) add_run();
+    if (!is_element || here.index != run_.size()) return add_single(here);
+    run_.push_back(here);
+    if (run_.size() > max_address) add_run();
+  }
+
+  // At the end of what the walk has read.
+  void add_run() {
+    const bool is_address = is_address_size(run_.size()) && std::ranges::all_of(run_, is_plain_element);
+    if (is_address) add_address();
+    if (!is_address) {
+      for (const walked_field &each : run_) add_single(each);
+    }
+    run_.clear();
+  }
+
+  // The memory of a row is used again for the next one.
+  void add_single(const walked_field &here) {
+    set_row(here);
+    if (row_.is_container) note_parent(here.depth);
+    visit_(row_);
+  }
+
+  // What the walk did not read, in two rows: up to the failure, and from there to the end.
+  void add_rest(const walk_failure &failure) {
+    if (covered_ < failure.offset) {
+      visit_(rest_row(row_state::unread, covered_, failure.offset, failure.depth, "not stored"));
+    }
+    visit_(rest_row(row_state::failed, failure.offset, input_.size(), failure.depth,
+                    fmt::format("<-- {}: {}", pavo_zorv_result_name(failure.result), failure.reason)));
+  }
+
+ private:
+  static constexpr std::size_t max_address = 16;
+
+  static bool is_plain_element(const walked_field &here) {
+    return !here.is_repeated && (here.key & 7) == static_cast<unsigned>(wire_type::varint) && here.number <= 0xff &&
+           here.value - here.start == pavo_zorv::varint_size(here.key) &&
+           here.end - here.value == pavo_zorv::varint_size(here.number);
+  }
+
+  // "octets[0..3] (1 varint, unsigned 8-bit) = c0 00 02 01, 192.0.2.1"
+  void add_address() {
+    const std::size_t first = run_.front().start;
+    std::vector<role> roles;
+    byte_string bytes;
+    for (const walked_field &each : run_) {
+      roles.insert(roles.end(), each.value - each.start, role::key);
+      roles.insert(roles.end(), each.end - each.value, role::value);
+      bytes.push_back(static_cast<unsigned char>(each.number));
+    }
+    set_row(run_.back());
+    row_.start = first;
+    row_.roles = std::move(roles);
+    row_.name = fmt::format("{}[0..{}]", run_.back().field->name, run_.size() - 1);
+    row_.meaning = " =";
+    for (const unsigned char each : bytes) row_.meaning += fmt::format(" {:02x}", each);
+    row_.meaning += ", " + address_text(bytes);
+    row_.is_address = true;
+    visit_(row_);
+  }
+
+  void set_row(const walked_field &here) {
+    row_.is_address = false;
     row_.is_container = here.field != nullptr && here.field->nested != nullptr;
     row_.depth = here.depth;
     row_.start = here.start;
@@ -79,20 +147,8 @@ class annotator {
                  : row_.remarks.empty() && !is_changed(here) ? row_state::plain
                                                              : row_state::tolerated;
     covered_ = row_.end;
-    if (row_.is_container) note_parent(here.depth);
-    visit_(row_);
   }
 
-  // What the walk did not read, in two rows: up to the failure, and from there to the end.
-  void add_rest(const walk_failure &failure) {
-    if (covered_ < failure.offset) {
-      visit_(rest_row(row_state::unread, covered_, failure.offset, failure.depth, "not stored"));
-    }
-    visit_(rest_row(row_state::failed, failure.offset, input_.size(), failure.depth,
-                    fmt::format("<-- {}: {}", pavo_zorv_result_name(failure.result), failure.reason)));
-  }
-
- private:
   void set_name(const walked_field &here) {
     if (here.field == nullptr) {
       row_.name = "unknown field ";
@@ -189,8 +245,9 @@ class annotator {
 
   void add_other_remarks(const walked_field &here) {
     std::string &text = row_.remarks;
-    if (here.is_repeated) text += ", replaces the earlier occurrence";
     if (here.field == nullptr) return;
+    if (here.is_repeated) text += ", replaces the earlier occurrence";
+    if (is_out_of_order(here)) text += ", not in the order of the numbers";
     if ((here.key & 7) != static_cast<unsigned>(here.field->wire)) {
       text += fmt::format(", read as {}: within a run only the field number matters",
                           wire_type_name(static_cast<unsigned>(here.field->wire)));
@@ -198,6 +255,15 @@ class annotator {
     if (here.field->kind == kind::string && std::ranges::find(content(here), 0) != content(here).end()) {
       text += ", ends at its first NUL";
     }
+  }
+
+  // Fields are written in the order of their numbers.
+  bool is_out_of_order(const walked_field &here) {
+    last_.resize(here.depth + 1);  // a message has ended, or begun
+    unsigned &last = last_[here.depth];
+    const bool result = here.field->number < last;
+    last = std::max(last, here.field->number);
+    return result;
   }
 
   static annotation rest_row(row_state state, std::size_t start, std::size_t end, unsigned depth, std::string text) {
@@ -214,6 +280,8 @@ class annotator {
   byte_view input_;
   const row_visitor &visit_;
   annotation row_;
+  std::vector<walked_field> run_;     // elements that may be an address
+  std::vector<unsigned> last_;        // for each depth, the highest number of a field so far
   std::vector<std::string> parents_;  // for each depth, the path to the last message there
   std::unordered_map<const field_info *, std::string> descriptions_;
   std::size_t covered_ = 0;  // the end of the last row
@@ -226,6 +294,7 @@ std::vector<annotation> annotate(byte_view input, const walk &walked) {
   const row_visitor keep = [&](const annotation &row) { rows.push_back(row); };
   annotator annotator(input, keep);
   for (const walked_field &field : walked.fields) annotator.add(field);
+  annotator.add_run();
   if (walked.failure) annotator.add_rest(*walked.failure);
   return rows;
 }
@@ -233,6 +302,7 @@ std::vector<annotation> annotate(byte_view input, const walk &walked) {
 void annotate(const message_type &type, byte_view input, const row_visitor &visit) {
   annotator annotator(input, visit);
   const walk_outcome walked = walk_message(type, input, [&](const walked_field &field) { annotator.add(field); });
+  annotator.add_run();
   if (walked.failure) annotator.add_rest(*walked.failure);
 }
 

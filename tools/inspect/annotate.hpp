@@ -36,6 +36,7 @@ struct annotation {
   std::string meaning;        // " = 7", ": 12 bytes", ...
   std::string remarks;        // ", over-long key"
   std::vector<role> roles;    // one for each byte of the row
+  bool is_address = false;    // the elements of a list that are an address: the bytes stay on one line
   bool is_container = false;  // the rows that follow, one level deeper, are inside
 };
 

@@ -42,6 +42,8 @@ const choices<prefix_form> prefix_forms{{"varint", prefix_form::varint},
                                         {"lines", prefix_form::lines}};
 const choices<bytes_form> bytes_forms{
     {"base64", bytes_form::base64}, {"hex", bytes_form::hex}, {"length", bytes_form::length}};
+const choices<octets_form> octets_forms{
+    {"numbers", octets_form::numbers}, {"hex", octets_form::hex}, {"address", octets_form::address}};
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
 
@@ -292,6 +294,10 @@ class command_line {
     add_choice(command, "-b,--bytes", options_.bytes, values, purpose);
   }
 
+  void add_octets(CLI::App *command, const char *purpose) {
+    add_choice(command, "--octets", options_.octets, octets_forms, purpose);
+  }
+
   void add_colours(CLI::App *command) {
     add_choice(command, "--color", options_.colours, colour_choices,
                "When to use colours; auto is on a terminal, unless NO_COLOR is set");
@@ -314,6 +320,8 @@ class command_line {
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
     add_bytes(decoding, "How to show bytes", bytes_form::length);
+    add_colours(decoding);
+    add_octets(decoding, "How to show lists of 8-bit numbers");
     decoding->add_flag("--lines", options_.lines, "Write each message on one line (JSON Lines)");
     decoding->add_option("--path", options_.path, "Show only this member, such as policies[0].field2")
         ->option_text("PATH");
@@ -335,6 +343,7 @@ class command_line {
     CLI::App *const comparing = command("diff", "Show where two messages differ", diff);
     add_operands(comparing, "[TYPE] A B", "Message type, and the files to compare");
     add_single_input(comparing);
+    add_colours(comparing);
     comparing->add_flag("-a,--all", options_.all, "Show all differences, not only the first");
 
     CLI::App *const checking = command(
@@ -366,6 +375,7 @@ class command_line {
     add_output(encoding);
     add_stream(encoding, "Write a stream of length-prefixed messages, one for each JSON value in the input");
     add_bytes(encoding, "How bytes are given in the JSON", bytes_form::hex);
+    add_octets(encoding, "How lists of 8-bit numbers are given in the JSON; all forms are read in any case");
 
     CLI::App *const converting = command("convert", "Convert a message to another form", convert);
     add_operands(converting, "[TYPE] [FILE]", "Message type, and file to read");
@@ -376,6 +386,7 @@ class command_line {
     add_choice(converting, "-t,--to", options_.to, targets, "Form of the output");
     add_output(converting);
     add_bytes(converting, "How bytes are given in JSON", bytes_form::length);
+    add_octets(converting, "How lists of 8-bit numbers are written in JSON");
   }
 
   void add_completion() {

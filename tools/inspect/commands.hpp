@@ -19,6 +19,7 @@ struct command_options : input_options {
   std::vector<std::string> operands;  // a message's name, if given, then files
   std::string output;                 // a file; the standard output when empty
   bytes_form bytes = bytes_form::base64;
+  octets_form octets = octets_form::numbers;
   colour_choice colours = colour_choice::when_terminal;
   message_form from = message_form::automatic;
   message_form to = message_form::as_json;

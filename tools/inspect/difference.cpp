@@ -24,7 +24,7 @@ class comparison {
       path_.push_back({&field, {}});
       if (in_a == a.end() || in_b == b.end()) {
         add(in_a == a.end() ? "absent" : shown(*in_a), in_b == b.end() ? "absent" : shown(*in_b));
-      } else if (field.is_list()) {
+      } else if (in_a->is_array() && in_b->is_array()) {
         lists(field, *in_a, *in_b);
       } else {
         values(field, *in_a, *in_b);
@@ -37,7 +37,7 @@ class comparison {
 
  private:
   void values(const field_info &field, const json &a, const json &b) {
-    if (field.nested != nullptr) {
+    if (a.is_object() && b.is_object() && field.nested != nullptr) {
       messages(*field.nested, a, b);
     } else if (a != b) {
       add(shown(a), shown(b));

@@ -93,7 +93,7 @@ void append_hex(std::string &text, byte_view input, const annotation &row, const
   const std::size_t end = is_rest(row) && row.end - row.start > max_rest ? row.start + max_rest : row.end;
   std::size_t at = row.start;
   do {
-    const std::size_t stop = std::min(end, at + bytes_per_line);
+    const std::size_t stop = row.is_address ? end : std::min(end, at + bytes_per_line);
     append_offset(text, at, paint);
     const char mark = at == row.start ? mark_of(row.state) : ' ';
     paint.append(text, colour_of(row.state), std::string_view(&mark, 1));
@@ -101,7 +101,7 @@ void append_hex(std::string &text, byte_view input, const annotation &row, const
       append_byte(text, input[index], colour_of(row, index - row.start), paint);
     }
     if (at == row.start) {
-      text.append(3 * (bytes_per_line - (stop - at)) + 3, ' ');
+      text.append(3 * (bytes_per_line - std::min(bytes_per_line, stop - at)) + 3, ' ');
       append_description(text, row, paint);
     }
     text += '\n';

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "address.hpp"
 #include "core/kinds.hpp"
 #include "node.hpp"
 #include "text_encodings.hpp"
@@ -87,6 +88,14 @@ class record_reader {
       record.*row.value = block<unsigned char>(content.data(), content.size());
       record.*row.length = content.size();
     } else if constexpr (Row::type == kind::integer_list) {
+      if constexpr (sizeof(typename Row::element) == 1) {
+        if (const auto *const written = std::get_if<std::string>(&from.value)) {
+          const byte_string content = octets(from, *written);
+          record.*row.elements = block<unsigned char>(content.data(), content.size());
+          record.*row.count = static_cast<std::uint32_t>(content.size());
+          return;
+        }
+      }
       record.*row.elements = list<typename Row::element>(
           from, record.*row.count,
           [&](const node &each, typename Row::element &element) { element = number<typename Row::element>(each); });
@@ -120,6 +129,16 @@ class record_reader {
     const std::string &written = expect<std::string>(from, expected);
     auto content = is_hex ? from_hex(written) : from_base64(written);
     if (!content) refuse(from.at, fmt::format("expected {}", expected));
+    return *std::move(content);
+  }
+
+  // A list of 8-bit numbers as one string: an address, or hexadecimal digits.
+  byte_string octets(const node &from, const std::string &written) const {
+    auto content = parse_address(written);
+    if (!content) content = from_hex(written);
+    if (!content || !std::in_range<std::uint32_t>(content->size())) {
+      refuse(from.at, "expected an array, an address, or a string of hexadecimal digits");
+    }
     return *std::move(content);
   }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "address.hpp"
 #include "core/kinds.hpp"
 #include "json_text.hpp"
 #include "text_encodings.hpp"
@@ -23,8 +24,10 @@ struct json_target {
   json_form form;
 
   // For the content of a member: the path to where decoding stopped, without the member's own step.
-  json_target inside() const { return {to, {form.bytes, form.stopped.subspan(form.stopped.empty() ? 0 : 1)}}; }
-  json_target not_stopped() const { return {to, {form.bytes}}; }
+  json_target inside() const {
+    return {to, {form.bytes, form.octets, form.stopped.subspan(form.stopped.empty() ? 0 : 1)}};
+  }
+  json_target not_stopped() const { return {to, {form.bytes, form.octets, {}}}; }
 };
 
 template <class Record>
@@ -75,6 +78,18 @@ void write_list(const Nested *elements, std::size_t count, const json_target &ta
   target.to.end_list();
 }
 
+// The elements of a list of 8-bit numbers as one string, if the form says so; false if they are written as numbers.
+inline bool write_octets(byte_view elements, const json_target &target) {
+  if (target.form.octets == octets_form::hex) {
+    target.to.string(to_hex(elements));
+  } else if (target.form.octets == octets_form::address && is_address_size(elements.size())) {
+    target.to.string(address_text(elements));
+  } else {
+    return false;
+  }
+  return true;
+}
+
 template <class Row, class Record>
 void write_member(const Row &row, const Record &record, const json_target &target) {
   if constexpr (Row::type == kind::flag) {
@@ -87,6 +102,9 @@ void write_member(const Row &row, const Record &record, const json_target &targe
     const byte_view content(record.*row.value, static_cast<std::size_t>(record.*row.length));
     target.to.string(bytes_to_text(content, target.form.bytes));
   } else if constexpr (Row::type == kind::integer_list) {
+    if constexpr (sizeof(typename Row::element) == 1) {
+      if (write_octets({record.*row.elements, record.*row.count}, target)) return;
+    }
     target.to.begin_list(false);
     for (std::uint32_t index = 0; index < record.*row.count; ++index) {
       write_number((record.*row.elements)[index], target.to);

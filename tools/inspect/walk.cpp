@@ -138,8 +138,8 @@ class walker {
     const field_info &field = *here.field;
     if ((here.key & 7) != static_cast<unsigned>(field.wire)) {
       return fail_in({&field, {}}, CODEC_ERR_WRONG_WIRE_TYPE, here.start,
-                     fmt::format("wire type {} instead of {}", wire_type_name(here.key),
-                                 wire_type_name(static_cast<unsigned>(field.wire))));
+                     fmt::format("{}wire type {} instead of {}", is_packed(here) ? "a packed list: " : "",
+                                 wire_type_name(here.key), wire_type_name(static_cast<unsigned>(field.wire))));
     }
     switch (field.kind) {
       case kind::flag:
@@ -165,6 +165,10 @@ class walker {
         return run(here, end);
     }
     return false;
+  }
+
+  static bool is_packed(const walked_field &here) {
+    return here.field->kind == kind::integer_list && static_cast<wire_type>(here.key & 7) == wire_type::delimited;
   }
 
   bool fail_again(const walked_field &here, std::string_view reason) {

@@ -4,6 +4,7 @@
 
 #include "../commands.hpp"
 #include "../input.hpp"
+#include "../json_colour.hpp"
 #include "../member_path.hpp"
 #include "../target.hpp"
 #include "pavo_zorv_memory.h"
@@ -14,14 +15,16 @@ namespace {
 class decoding {
  public:
   explicit decoding(const command_options &options)
-      : options_(options), layout_(options.lines ? json_layout::one_line : json_layout::readable) {}
+      : options_(options),
+        layout_(options.lines ? json_layout::one_line : json_layout::readable),
+        has_colours_(has_colours(options.colours)) {}
 
   exit_status run() {
     const auto [type, file] = single_target_of(options_);
     for_each_message(options_, file, [&, given = type](const input_message &message) {
       const decoded read(type_of(given, message.name, message.bytes), message.bytes);
       text_.clear();
-      if (append(message, read, given == nullptr)) print(text_);
+      if (append(message, read, given == nullptr)) print(has_colours_ ? coloured_json(text_, painter(true)) : text_);
       status_ = worse(status_, read.report(message.is_single ? "" : message.name));
     });
     return status_;
@@ -30,7 +33,7 @@ class decoding {
  private:
   // False if the message does not have the member that was asked for.
   bool append(const input_message &message, const decoded &read, bool is_guessed) {
-    const json_form form = read.form(options_.bytes);
+    const json_form form = read.form(options_.bytes, options_.octets);
     std::optional<json> member;
     if (!options_.path.empty()) {
       member = member_path(read.type, options_.path).of(read.content.to_json(form));
@@ -72,6 +75,7 @@ class decoding {
 
   const command_options &options_;
   json_layout layout_;
+  bool has_colours_;
   std::string text_;
   exit_status status_ = ok;
 };

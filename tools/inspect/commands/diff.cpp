@@ -21,14 +21,19 @@ byte_string message_in(const command_options &options, const std::string &file) 
   return result;
 }
 
-std::string list_text(const std::vector<difference> &found, bool all) {
+std::string list_text(const std::vector<difference> &found, bool all, const painter &paint) {
   std::string text;
   for (const difference &each : found) {
-    text += fmt::format("{}: {} | {}\n", each.path, each.a, each.b);
+    text += fmt::format("{}: {} | {}\n", paint(colour::bold, each.path), paint(colour::red, each.a),
+                        paint(colour::green, each.b));
     if (!all) break;
   }
   if (!all && found.size() > 1) text += fmt::format("({} more; --all shows them)\n", found.size() - 1);
   return text;
+}
+
+json json_of(const decoded &message) {
+  return message.content.to_json(message.form(bytes_form::base64, octets_form::address));
 }
 
 }  // namespace
@@ -42,11 +47,10 @@ exit_status diff(const command_options &options) {
   const exit_status status = worse(first.report(), second.report());
 
   const int order = first.content.compare(second.content);
-  const std::vector<difference> found =
-      differences(type, first.content.to_json(first.form()), second.content.to_json(second.form()));
+  const std::vector<difference> found = differences(type, json_of(first), json_of(second));
   if (order == 0 && found.empty()) return status;
   print(fmt::format("{} | {}: the {} is greater\n{}", target.files[0], target.files[1], order > 0 ? "first" : "second",
-                    list_text(found, options.all)));
+                    list_text(found, options.all, painter(has_colours(options.colours)))));
   if (status == ok && (order == 0) != found.empty()) {
     print_error(fmt::format("*** DEFECT: pavo_zorv_{}_compare returns {}, but {} differences were found ***\n",
                             type.name, order, found.size()));

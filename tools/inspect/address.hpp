@@ -1,0 +1,26 @@
+// Addresses in the notation for people: "192.0.2.1", "2001:db8::51".
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "bytes.hpp"
+
+namespace inspect {
+
+// Lists of 8-bit numbers are addresses if there are 4 or 16 of them.
+constexpr bool is_address_size(std::size_t count) { return count == 4 || count == 16; }
+
+// Of 4 or 16 bytes.
+std::string address_text(byte_view bytes);
+std::string address_text(std::uint32_t address);
+
+// Empty unless the text is an address.
+std::optional<byte_string> parse_address(std::string_view text);
+
+// Whether a member of 32 bits is an address.
+bool is_address_name(std::string_view member);
+
+}  // namespace inspect
