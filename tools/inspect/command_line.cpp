@@ -42,6 +42,8 @@ const choices<prefix_form> prefix_forms{{"varint", prefix_form::varint},
                                         {"lines", prefix_form::lines}};
 const choices<bytes_form> bytes_forms{
     {"base64", bytes_form::base64}, {"hex", bytes_form::hex}, {"length", bytes_form::length}};
+const choices<schema_form> schema_forms{
+    {"proto", schema_form::proto}, {"descriptor", schema_form::descriptor}, {"json", schema_form::as_json_schema}};
 const choices<octets_form> octets_forms{
     {"numbers", octets_form::numbers}, {"hex", octets_form::hex}, {"address", octets_form::address}};
 const choices<colour_choice> colour_choices{
@@ -316,6 +318,13 @@ class command_line {
   void add_reading_commands() {
     add_operands(command("types", "List the messages, or the fields of one with their keys and record offsets", types),
                  "[TYPE]", "Message type", 1);
+    CLI::App *const describing = command(
+        "schema", "Print the messages, or one with those that it contains, as a schema for other programs", schema);
+    add_operands(describing, "[TYPE]", "Message type", 1);
+    add_choice(describing, "-f,--form", options_.schema, schema_forms,
+               "The language of protoc, a FileDescriptorSet, or JSON Schema");
+    add_output(describing);
+
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);

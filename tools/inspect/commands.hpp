@@ -15,6 +15,8 @@ namespace inspect {
 // What `convert` reads and writes: bytes in some form, or a message as text.
 enum class message_form { automatic, raw, hex, dump, base64, as_json, as_text };
 
+enum class schema_form { proto, descriptor, as_json_schema };
+
 struct command_options : input_options {
   std::vector<std::string> operands;  // a message's name, if given, then files
   std::string output;                 // a file; the standard output when empty
@@ -29,6 +31,7 @@ struct command_options : input_options {
   bool all = false;     // show all differences, messages, types or bytes
   bool strict = false;  // non-canonical messages are refused
   bool timing = false;
+  schema_form schema = schema_form::proto;
   report_form report = report_form::as_text;
 };
 
@@ -38,6 +41,7 @@ exit_status encode(const command_options &options);
 exit_status hex(const command_options &options);
 exit_status diff(const command_options &options);
 exit_status check(const command_options &options);
+exit_status schema(const command_options &options);
 exit_status segments(const command_options &options);
 exit_status guess_type(const command_options &options);
 exit_status convert(const command_options &options);
