@@ -3,8 +3,8 @@
  *
  *  Each message type has one record and five functions, `pavo_zorv_<message>_<operation>`: `decode_ext`, `encode_ext`,
  *  `duplicate`, `free_ext` and `compare`. Each operation works the same way for every message, and is described once
- *  below. The header is C11 and C++. Two more headers are optional: pavo_zorv_memory.h with ready-made callbacks, and
- *  pavo_zorv.hpp for C++17.
+ *  below. The header is C11 and C++. Other headers are optional: pavo_zorv_memory.h with ready-made callbacks,
+ *  pavo_zorv_fields.h with field numbers and longest encodings, and pavo_zorv.hpp for C++17.
  *
  *  A complete program, which writes a message, reads it back and releases it:
  *  @code{.c}
@@ -201,6 +201,27 @@
 
 #include <stddef.h>
 #include <stdint.h>
+
+/** @name Version
+ *  The version of this header. UPGRADING.md says what it promises. The library exports no version: a program that was
+ *  linked with one runs with every later one of the same `PAVO_ZORV_ABI`, which is the number in `libpavo_zorv.so.1`.
+ *  @{ */
+
+#define PAVO_ZORV_VERSION_MAJOR 1 /**< Changes when something that is promised changes. */
+#define PAVO_ZORV_VERSION_MINOR 0 /**< Changes when something is added. */
+#define PAVO_ZORV_VERSION_PATCH 0 /**< Changes when something is corrected. */
+#define PAVO_ZORV_VERSION "1.0.0" /**< The three as text. */
+
+/** The number of the binary interface, and of the shared library's SONAME. */
+#define PAVO_ZORV_ABI 1
+
+/** Whether this header is of a version or a later one, also in `#if`. */
+#define PAVO_ZORV_VERSION_AT_LEAST(major, minor, patch)                                                               \
+  (PAVO_ZORV_VERSION_MAJOR > (major) || (PAVO_ZORV_VERSION_MAJOR == (major) &&                                        \
+                                         (PAVO_ZORV_VERSION_MINOR > (minor) || (PAVO_ZORV_VERSION_MINOR == (minor) && \
+                                                                                PAVO_ZORV_VERSION_PATCH >= (patch)))))
+
+/** @} */
 
 /** What the library exports. */
 #if defined(__GNUC__)

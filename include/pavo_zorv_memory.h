@@ -58,7 +58,8 @@ typedef union pavo_zorv_alignment {
 #endif
 
 /** @name Bounds
- *  How much memory any input, even a hostile one, can make `decode_ext` ask for. The worst input is a list of empty
+ *  How much memory any input, even a hostile one, can make `decode_ext` ask for, and how much stack a call takes. For
+ *  the longest encoding of a message see pavo_zorv_fields.h. The worst input is a list of empty
  *  policies: 72 bytes of memory for 2 bytes of input. Copying a decoded record with `duplicate` asks for no more than
  *  decoding it did, or would have done without reference mode: the bounds hold for the copy as well.
  *  @{ */
@@ -71,6 +72,12 @@ typedef union pavo_zorv_alignment {
 
 /** Bytes of input for each call of the allocator, at least. */
 #define PAVO_ZORV_BYTES_PER_REQUEST 2
+
+/** Bytes of stack that `encode_ext` takes, at most. */
+#define PAVO_ZORV_STACK_OF_ENCODING 10240
+
+/** Bytes of stack that each of the other operations takes, at most. */
+#define PAVO_ZORV_STACK 4096
 
 /** @} */
 

@@ -9,6 +9,7 @@
 
 #include "laws.hpp"
 #include "other_stack.hpp"
+#include "pavo_zorv_memory.h"
 
 namespace {
 
@@ -105,6 +106,13 @@ class stack : public testing::Test {
 TEST_F(stack, of_8_kilobytes_is_measured_as_that) {
   EXPECT_GE(place_.used_by(use_8_kilobytes), 8192u);
   EXPECT_LT(place_.used_by(use_8_kilobytes), 8192u + 512);
+}
+
+TEST_F(stack, has_the_constants_that_the_header_says) {
+  EXPECT_EQ(documented("encoding"), std::size_t{PAVO_ZORV_STACK_OF_ENCODING});
+  for (const char *const section : {"decoding", "copying", "releasing", "comparing"}) {
+    EXPECT_EQ(documented(section), std::size_t{PAVO_ZORV_STACK}) << section;
+  }
 }
 
 TEST_F(stack, is_less_than_the_header_says_for_decoding) {
