@@ -3,8 +3,9 @@
  *
  *  Each message type has one record and five functions, `pavo_zorv_<message>_<operation>`: `decode_ext`, `encode_ext`,
  *  `duplicate`, `free_ext` and `compare`. Each operation works the same way for every message, and is described once
- *  below. The header is C11 and C++. Other headers are optional: pavo_zorv_memory.h with ready-made callbacks,
- *  pavo_zorv_fields.h with field numbers and longest encodings, and pavo_zorv.hpp for C++17.
+ *  below. The header is C11 and C++, and with GCC and clang also C99. Other headers are optional: pavo_zorv_memory.h
+ *  with ready-made callbacks, pavo_zorv_framing.h for messages on a stream, pavo_zorv_fields.h with field numbers and
+ *  longest encodings, and pavo_zorv.hpp for C++17.
  *
  *  A complete program, which writes a message, reads it back and releases it:
  *  @code{.c}
@@ -240,6 +241,17 @@
 #define PAVO_ZORV_NODISCARD __extension__ [[nodiscard]]
 #else
 #define PAVO_ZORV_NODISCARD
+#endif
+
+/** How the functions of the optional headers are declared: C needs a copy in each source, C++ one in the program. */
+#ifdef __cplusplus
+#define PAVO_ZORV_INLINE_FUNCTION inline
+/** @cond */
+#define PAVO_ZORV_CAST_(type, value) static_cast<type>(value)
+/** @endcond */
+#else
+#define PAVO_ZORV_INLINE_FUNCTION static inline
+#define PAVO_ZORV_CAST_(type, value) ((type)(value))
 #endif
 
 /** Marks a function that never throws, in C++. */

@@ -30,18 +30,16 @@
 
 #include "pavo_zorv.h"
 
-/** How the functions of this header are declared: C needs a copy in each source, C++ one in the program. */
-#ifdef __cplusplus
-#define PAVO_ZORV_INLINE_FUNCTION inline
 /** @cond */
-#define PAVO_ZORV_CAST_(type, value) static_cast<type>(value)
+#ifdef __cplusplus
 #define PAVO_ZORV_ADDRESS_(pointer) reinterpret_cast<uintptr_t>(pointer)
-/** @endcond */
-extern "C" {
 #else
-#define PAVO_ZORV_INLINE_FUNCTION static inline
-#define PAVO_ZORV_CAST_(type, value) ((type)(value))
 #define PAVO_ZORV_ADDRESS_(pointer) ((uintptr_t)(pointer))
+#endif
+/** @endcond */
+
+#ifdef __cplusplus
+extern "C" {
 #endif
 
 /** The strictest alignment of a record. */
@@ -53,15 +51,17 @@ typedef union pavo_zorv_alignment {
 /** The alignment of every block that the callbacks of this header return, a power of two. */
 #ifdef __cplusplus
 #define PAVO_ZORV_ALIGNMENT alignof(pavo_zorv_alignment)
+#elif defined(__GNUC__)
+#define PAVO_ZORV_ALIGNMENT (__extension__ _Alignof(pavo_zorv_alignment)) /* before C11 as well */
 #else
 #define PAVO_ZORV_ALIGNMENT _Alignof(pavo_zorv_alignment)
 #endif
 
 /** @name Bounds
- *  How much memory any input, even a hostile one, can make `decode_ext` ask for, and how much stack a call takes. For
- *  the longest encoding of a message see pavo_zorv_fields.h. The worst input is a list of empty
- *  policies: 72 bytes of memory for 2 bytes of input. Copying a decoded record with `duplicate` asks for no more than
- *  decoding it did, or would have done without reference mode: the bounds hold for the copy as well.
+ *  How much memory any input, even a hostile one, can make `decode_ext` ask for, and how much stack a call takes. The
+ *  worst input is a list of empty policies: 72 bytes of memory for 2 bytes of input. Copying a decoded record with
+ *  `duplicate` asks for no more than decoding it did, or would have done without reference mode: the bounds hold for
+ *  the copy as well. The longest encodings of messages are in pavo_zorv_fields.h.
  *  @{ */
 
 /** Bytes of memory that decoding asks for, per byte of input, at most; including what a pool loses to alignment. */

@@ -32,7 +32,8 @@ static connection *open_connection(int socket, const char *name) {
 //! [connection]
 
 //! [send]
-// The socket preserves message boundaries (SOCK_SEQPACKET); on a stream each message would need a length prefix.
+// The socket preserves message boundaries (SOCK_SEQPACKET); on a stream each message would need a length prefix: see
+// tcp_server.c.
 static int send_message(connection *to, const api_msg *message) {
   size_t length = pavo_zorv_api_msg_encode_ext(message, to->buffer, sizeof to->buffer, NULL, NULL, 0);
   if (length > sizeof to->buffer) return -1;

@@ -31,6 +31,8 @@ constexpr const char *introduction = R"(/** @file
 /** @cond */
 #ifdef __cplusplus
 #define PAVO_ZORV_ASSERT_(condition, text) static_assert(condition, text)
+#elif defined(__GNUC__)
+#define PAVO_ZORV_ASSERT_(condition, text) __extension__ _Static_assert(condition, text) /* before C11 as well */
 #else
 #define PAVO_ZORV_ASSERT_(condition, text) _Static_assert(condition, text)
 #endif
