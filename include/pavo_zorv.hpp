@@ -1,68 +1,55 @@
 /** @file
  *  pavo_zorv for C++17: records that release themselves, containers instead of pointers and lengths, presence by
- *  member.
+ *  member, results with and without exceptions.
  *
  *  Optional and header-only: every function here makes one or two calls of pavo_zorv.h, and costs what they cost. Only
- *  a container or a memory resource can throw.
+ *  a container, a memory resource, zorv::expected::value and zorv::check can throw; what is `noexcept` does not, unless
+ *  a container that it is given does, which ends the program. Members are read with the functions of
+ *  pavo_zorv_fields.hpp, which this header includes.
  *
  *  @code{.cpp}
- *  zorv::owned<api_msg> message;
- *  message.set<&api_msg::p2p_auto_policy_sweep, &api_msg_p2p_auto_policy_sweep::field1>(7u);
- *  const std::vector<unsigned char> bytes = zorv::encode(*message);
+ *  const auto message = zorv::try_make<api_msg>(
+ *      zorv::field<&api_msg::field1> = 1u,
+ *      zorv::field<&api_msg::to_zorv, &api_to_zorv::intf> =
+ *          zorv::fields(zorv::field<&api_intf::field1> = 7u, zorv::field<&api_intf::field2> = "eth0"));
+ *  if (!message) return message.error();
+ *  const std::vector<unsigned char> bytes = zorv::encode(**message);
  *
  *  const auto received = zorv::decode<api_msg>(bytes);
  *  if (!received.ok()) std::fputs(pavo_zorv_result_text(received.result()), stderr);
- *  if (received.has<&api_msg::p2p_auto_policy_sweep>()) use(received->p2p_auto_policy_sweep.field1);
- *  assert(received == message);
+ *  if (const api_intf *intf = zorv::find<&api_msg::to_zorv, &api_to_zorv::intf>(*received)) {
+ *    std::cout << zorv::get<&api_intf::field2>(*intf);
+ *  }
+ *  assert(received == *message);
  *  @endcode
  */
 #ifndef PAVO_ZORV_HPP
 #define PAVO_ZORV_HPP
 
+#if (defined(_MSVC_LANG) ? _MSVC_LANG : __cplusplus) < 201703L
+#error "pavo_zorv.hpp needs C++17 or later: compile with -std=c++17"
+#else
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <exception>
+#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <memory_resource>
+#include <optional>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "pavo_zorv.h"
+#include "pavo_zorv_fields.hpp"
 #include "pavo_zorv_memory.h"
-#include "pavo_zorv_messages.h"
 
-/** The C++ layer. */
 namespace zorv {
-
-// --- The messages ---
-
-/** The five functions of a message, and its name. */
-template <class Record>
-struct functions;
-
-/** @cond */
-#define PAVO_ZORV_FUNCTIONS(message)                                      \
-  template <>                                                             \
-  struct functions<::message> {                                           \
-    static constexpr const char *name = #message;                         \
-    static constexpr auto decode = &::pavo_zorv_##message##_decode_ext;   \
-    static constexpr auto encode = &::pavo_zorv_##message##_encode_ext;   \
-    static constexpr auto duplicate = &::pavo_zorv_##message##_duplicate; \
-    static constexpr auto free = &::pavo_zorv_##message##_free_ext;       \
-    static constexpr auto compare = &::pavo_zorv_##message##_compare;     \
-  };
-PAVO_ZORV_MESSAGES(PAVO_ZORV_FUNCTIONS)
-#undef PAVO_ZORV_FUNCTIONS
-/** @endcond */
-
-/** Whether a message's functions take the options word. If they do not, options passed to this header have no effect.
- */
-template <class Record>
-inline constexpr bool takes_options =
-    std::is_invocable_v<decltype(functions<Record>::free), Record *, pavo_zorv_release, void *, std::uint32_t>;
 
 /** @cond */
 namespace detail {
@@ -78,46 +65,10 @@ auto call(Function function, std::uint32_t options, Arguments... arguments) noex
   }
 }
 
-template <class Element>
-inline constexpr bool is_byte = std::is_same_v<Element, unsigned char> || std::is_same_v<Element, signed char> ||
-                                std::is_same_v<Element, char> || std::is_same_v<Element, std::byte>;
-
-template <class Container>
-using element_of = std::remove_pointer_t<decltype(std::data(std::declval<Container &>()))>;
-
-// Any contiguous sequence of bytes; but no array of characters, which is usually a literal with a NUL at its end.
-template <class Container, class = void>
-inline constexpr bool holds_bytes = false;
-template <class Container>
-inline constexpr bool holds_bytes<Container, std::void_t<element_of<Container>>> =
-    is_byte<std::remove_cv_t<element_of<Container>>> &&
-    !(std::is_array_v<Container> && std::is_same_v<std::remove_cv_t<element_of<Container>>, char>);
-
 }  // namespace detail
 /** @endcond */
 
-// --- Bytes and memory ---
-
-/** Bytes to read: from any contiguous container or view of `unsigned char`, `std::byte` or `char`. Does not own them.
- */
-class bytes {
- public:
-  /** No bytes. */
-  constexpr bytes() noexcept = default;
-  /** The @p size bytes at @p data. */
-  constexpr bytes(const unsigned char *data, std::size_t size) noexcept : data_(data), size_(size) {}
-  /** The bytes of a container, for as long as it lives and keeps its size. */
-  template <class Container, std::enable_if_t<detail::holds_bytes<const Container>, int> = 0>
-  bytes(const Container &container) noexcept
-      : data_(reinterpret_cast<const unsigned char *>(std::data(container))), size_(std::size(container)) {}
-
-  constexpr const unsigned char *data() const noexcept { return data_; } /**< The first byte. */
-  constexpr std::size_t size() const noexcept { return size_; } /**< How many there are. */
-
- private:
-  const unsigned char *data_ = nullptr;
-  std::size_t size_ = 0;
-};
+// --- Memory ---
 
 /** Where a record's memory comes from and goes to: the callbacks and their context. The context (a pool, a budget, a
  *  memory resource) must outlive the records. */
@@ -167,179 +118,6 @@ struct memory {
         head, static_cast<std::size_t>(head->number), PAVO_ZORV_ALIGNMENT);
   }
 };
-
-// --- Members and their presence bits, derived from how a record can be initialised ---
-
-/** @cond */
-namespace detail {
-
-struct anything {
-  template <class Member>
-  constexpr operator Member() const;
-};
-
-// An array or a block: a member followed by a count or a length.
-struct array_pointer {
-  template <class Member, std::enable_if_t<std::is_pointer_v<Member> && !std::is_same_v<Member, char *>, int> = 0>
-  constexpr operator Member() const;
-};
-
-// A nested message.
-struct any_record {
-  template <class Member, std::enable_if_t<std::is_class_v<Member>, int> = 0>
-  constexpr operator Member() const;
-};
-
-// The length of bytes. A list's count has 32 bits.
-struct wide_number {
-  template <class Member, std::enable_if_t<std::is_same_v<Member, std::uint64_t>, int> = 0>
-  constexpr operator Member() const;
-};
-
-template <std::size_t>
-using anything_at = anything;
-
-template <class Record, class Last, class Before, class = void>
-inline constexpr bool takes_after = false;
-template <class Record, class Last, std::size_t... Before>
-inline constexpr bool takes_after<
-    Record, Last, std::index_sequence<Before...>, std::void_t<decltype(Record{anything_at<Before>{}..., Last{}})>> =
-    true;
-
-// Whether the member at a position can be initialised with a value that converts only to some types.
-template <class Record, std::size_t Position, class Value>
-inline constexpr bool takes = takes_after<Record, Value, std::make_index_sequence<Position>>;
-
-// A nested message can be initialised by its own first member, without braces: that must not count.
-template <class Record, std::size_t Position>
-inline constexpr bool is_array_at = takes<Record, Position, array_pointer> && !takes<Record, Position, any_record>;
-
-template <class Record, std::size_t Count = 0>
-constexpr std::size_t member_count() {
-  if constexpr (takes<Record, Count, anything>) {
-    return member_count<Record, Count + 1>();
-  } else {
-    return Count;
-  }
-}
-
-// Initialises any member: to something other than zero if `Marked`, else to zero.
-template <bool Marked>
-struct initialiser {
-  template <class Member>
-  constexpr operator Member() const {
-    if constexpr (!Marked) {
-      return Member{};
-    } else if constexpr (std::is_class_v<Member>) {
-      Member member{};
-      member.presence = 1;
-      return member;
-    } else if constexpr (std::is_pointer_v<Member>) {
-      return const_cast<Member>(&somewhere<std::remove_pointer_t<Member>>);
-    } else {
-      return Member{1};
-    }
-  }
-
-  template <class Object>
-  static constexpr Object somewhere{};
-};
-
-template <class Member>
-constexpr bool is_marked(const Member &member) {
-  if constexpr (std::is_class_v<Member>) {
-    return member.presence != 0;
-  } else if constexpr (std::is_pointer_v<Member>) {
-    return member != nullptr;
-  } else {
-    return member != 0;
-  }
-}
-
-// A record in which only the member at a position is not zero.
-template <class Record, std::size_t Position, std::size_t... Other>
-constexpr Record with_mark(std::index_sequence<Other...>) {
-  return Record{initialiser<Other == Position>{}...};
-}
-
-template <class Record, std::size_t Position, class Member>
-constexpr bool is_at(Member Record::*member) {
-  constexpr Record record = with_mark<Record, Position>(std::make_index_sequence<member_count<Record>()>{});
-  return is_marked(record.*member);
-}
-
-template <class Record, class Member, std::size_t... Position>
-constexpr std::size_t position_among(Member Record::*member, std::index_sequence<Position...>) {
-  return ((is_at<Record, Position>(member) ? Position : 0) + ...);
-}
-
-template <class Record, std::size_t... Position>
-constexpr std::size_t arrays_among(std::index_sequence<Position...>) {
-  return (std::size_t{0} + ... + (is_array_at<Record, Position> ? 1 : 0));
-}
-
-template <class Member>
-struct member_types;
-template <class Record, class Member>
-struct member_types<Member Record::*> {
-  using record = Record;
-  using member = Member;
-};
-
-template <auto Member, class Record>
-inline constexpr bool belongs = std::is_same_v<typename member_types<decltype(Member)>::record, Record>;
-
-// A member of one byte is a flag, except for these.
-template <auto Member>
-inline constexpr bool is_number_of_8_bits = false;
-template <>
-inline constexpr bool is_number_of_8_bits<&api_prefix::field2> = true;
-template <>
-inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field3> = true;
-template <>
-inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field4> = true;
-template <>
-inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field5> = true;
-template <>
-inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field6> = true;
-template <>
-inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field7> = true;
-template <>
-inline constexpr bool is_number_of_8_bits<&srv6_sid_struct::field8> = true;
-
-// What this header knows about the member that a pointer leads to.
-template <auto Member>
-struct member_traits {
-  using record = typename member_types<decltype(Member)>::record;
-  using type = typename member_types<decltype(Member)>::member;
-  static constexpr std::size_t members = member_count<record>();
-  static constexpr std::size_t position = position_among<record>(Member, std::make_index_sequence<members>{});
-  static constexpr bool is_presence = position + 1 == members;
-  static constexpr bool is_array = is_array_at<record, position>;
-  static constexpr bool is_bytes = is_array && takes<record, position + 1, wide_number>;
-  static constexpr bool is_count = !is_array && position != 0 && is_array_at<record, position - (position != 0)>;
-  static_assert(!is_presence && !is_count, "a count, a length or the presence flags: they have no presence bit");
-  static constexpr bool is_flag = std::is_same_v<type, std::uint8_t> && !is_number_of_8_bits<Member>;
-  static constexpr bool is_number = std::is_arithmetic_v<type>;
-  // The C++ type of a flag or a number.
-  using value_type = std::conditional_t<is_flag, bool, type>;
-  using presence_type = decltype(record::presence);
-  // The field's number follows from the member's position, not counting counts and lengths.
-  static constexpr std::size_t field = position - arrays_among<record>(std::make_index_sequence<position>{});
-  static constexpr auto bit = static_cast<presence_type>(presence_type{1} << field);
-  using count_type = std::conditional_t<is_bytes, std::uint64_t, std::uint32_t>;
-
-  // The count follows the pointer directly, at its own alignment.
-  static count_type *count(record &of) {
-    auto *const base = reinterpret_cast<unsigned char *>(&of);
-    const auto end = static_cast<std::size_t>(reinterpret_cast<unsigned char *>(&(of.*Member)) - base) + sizeof(type);
-    const std::size_t offset = (end + alignof(count_type) - 1) / alignof(count_type) * alignof(count_type);
-    return reinterpret_cast<count_type *>(base + offset);
-  }
-};
-
-}  // namespace detail
-/** @endcond */
 
 // --- Numbers that fit ---
 
@@ -442,51 +220,8 @@ inline constexpr int does_not_fit = 1;
   return result == does_not_fit ? "the member cannot hold the value" : pavo_zorv_result_text(result);
 }
 
-// --- Presence and values ---
-
-/** The presence bit of a member, for example of `&api_msg::oam_req`. */
-template <auto Member>
-inline constexpr auto presence_bit = detail::member_traits<Member>::bit;
-
-/** Whether a member is present. A path of members leads into nested messages: every member on it must be present. */
-template <auto Member, auto... Inside, class Record>
-[[nodiscard]] constexpr bool has(const Record &record) noexcept {
-  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
-  if ((record.presence & presence_bit<Member>) == 0) return false;
-  if constexpr (sizeof...(Inside) != 0) {
-    return has<Inside...>(record.*Member);
-  } else {
-    return true;
-  }
-}
-
-/** Marks a member as present, and every member on the path that leads to it. */
-template <auto Member, auto... Inside, class Record>
-constexpr void set(Record &record) noexcept {
-  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
-  record.presence = static_cast<decltype(record.presence)>(record.presence | presence_bit<Member>);
-  if constexpr (sizeof...(Inside) != 0) set<Inside...>(record.*Member);
-}
-
-/** Marks the member at the end of a path as absent. Its value stays, and what it owns is still released with the
- *  record. */
-template <auto Member, auto... Inside, class Record>
-constexpr void clear(Record &record) noexcept {
-  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
-  if constexpr (sizeof...(Inside) != 0) {
-    clear<Inside...>(record.*Member);
-  } else {
-    record.presence = static_cast<decltype(record.presence)>(record.presence & ~presence_bit<Member>);
-  }
-}
-
 /** @cond */
 namespace detail {
-
-template <auto Member, auto... Inside>
-struct end_of_path : end_of_path<Inside...> {};
-template <auto Member>
-struct end_of_path<Member> : member_traits<Member> {};
 
 // Whether a path leads to a number or a flag. An empty path does not.
 template <auto... Path>
@@ -510,18 +245,162 @@ constexpr void store_number(Record &record, Number number) noexcept {
 }  // namespace detail
 /** @endcond */
 
-/** Returns a number, or a flag as `bool`. A path of members leads into nested messages. A member that is not present is
- *  usually 0 or false, but use zorv::has to find out. */
-template <auto Member, auto... Inside, class Record>
-[[nodiscard]] constexpr auto get(const Record &record) noexcept {
-  static_assert(detail::belongs<Member, Record>, "a member of this record, or a path that begins with one");
-  if constexpr (sizeof...(Inside) != 0) {
-    return get<Inside...>(record.*Member);
-  } else {
-    using traits = detail::member_traits<Member>;
-    static_assert(traits::is_number, "a number or a flag");
-    return static_cast<typename traits::value_type>(record.*Member);
+// --- Results ---
+
+#if defined(__cpp_exceptions)
+/** What zorv::expected::value and zorv::check throw. Only declared if exceptions are enabled. */
+class error : public std::exception {
+ public:
+  /** For a result that is not `CODEC_OK`. */
+  explicit error(int result) noexcept : result_(result) {}
+  /** The result. */
+  [[nodiscard]] int result() const noexcept { return result_; }
+  /** It in words: see zorv::result_text. */
+  [[nodiscard]] const char *what() const noexcept override { return result_text(result_); }
+
+ private:
+  int result_;
+};
+
+/** Throws a zorv::error unless a result is `CODEC_OK`. Only declared if exceptions are enabled. */
+inline void check(int result) {
+  if (result != CODEC_OK) throw error(result);
+}
+#endif
+
+/** A value, or the result that says why there is none: as `std::expected` of C++23. */
+template <class Value>
+class expected {
+ public:
+  /** A value. */
+  expected(Value &&value) noexcept : value_(std::move(value)), error_(CODEC_OK) {}
+  /** No value, but a result other than `CODEC_OK`. */
+  static expected failed(int result) noexcept { return expected(result); }
+
+  [[nodiscard]] bool has_value() const noexcept { return value_.has_value(); } /**< Whether there is one. */
+  explicit operator bool() const noexcept { return value_.has_value(); } /**< Whether there is one. */
+  /** Why there is none: a `pavo_zorv_result`, or zorv::does_not_fit; `CODEC_OK` if there is one. */
+  [[nodiscard]] int error() const noexcept { return error_; }
+
+  Value &operator*() &noexcept { return *value_; } /**< The value, which must be there. */
+  const Value &operator*() const &noexcept { return *value_; } /**< The value, which must be there. */
+  Value &&operator*() &&noexcept { return std::move(*value_); } /**< The value, which must be there. */
+  Value *operator->() noexcept { return &*value_; } /**< The value, which must be there. */
+  const Value *operator->() const noexcept { return &*value_; } /**< The value, which must be there. */
+
+#if defined(__cpp_exceptions)
+  /** The value; throws a zorv::error if there is none. Only declared if exceptions are enabled. */
+  Value &value() & { return checked(), *value_; }
+  /** The same. */
+  const Value &value() const & { return checked(), *value_; }
+  /** The same. */
+  Value &&value() && { return checked(), std::move(*value_); }
+#endif
+
+ private:
+  explicit expected(int result) noexcept : error_(result) {}
+#if defined(__cpp_exceptions)
+  void checked() const { check(error_); }
+#endif
+
+  std::optional<Value> value_;
+  int error_;
+};
+
+// --- Records by their fields ---
+
+/** @cond */
+namespace detail {
+
+// A path and what the member at its end is set to.
+template <class Value, auto... Path>
+struct designated {
+  Value value;
+};
+
+template <class... Designated>
+struct group {
+  std::tuple<Designated...> designated;
+};
+
+template <class... Groups>
+struct sequence {
+  std::tuple<Groups...> groups;
+};
+
+// What may be assigned to a field of a kind.
+template <kind Kind, auto... Path>
+struct designator {
+  constexpr auto operator=(fitting<typename end_of_path<Path...>::value_type> value) const noexcept {
+    return designated<decltype(value), Path...>{value};
   }
+};
+template <auto... Path>
+struct designator<kind::string, Path...> {
+  constexpr auto operator=(std::string_view value) const noexcept {
+    return designated<std::string_view, Path...>{value};
+  }
+};
+template <auto... Path>
+struct designator<kind::bytes, Path...> {
+  constexpr auto operator=(bytes value) const noexcept { return designated<bytes, Path...>{value}; }
+};
+template <auto... Path>
+struct designator<kind::integer_list, Path...> {
+  using element = const std::remove_pointer_t<typename end_of_path<Path...>::type>;
+  constexpr auto operator=(span<element> value) const noexcept { return designated<span<element>, Path...>{value}; }
+  constexpr auto operator=(std::initializer_list<std::remove_const_t<element> > value) const noexcept {
+    return designated<span<element>, Path...>{{value.begin(), value.size()}};
+  }
+};
+template <auto... Path>
+struct designator<kind::message_list, Path...> {
+  template <class... Groups>
+  constexpr auto operator=(sequence<Groups...> value) const noexcept {
+    return designated<sequence<Groups...>, Path...>{value};
+  }
+};
+template <auto... Path>
+struct designator<kind::nested, Path...> {
+  template <class... Designated>
+  constexpr auto operator=(group<Designated...> value) const noexcept {
+    return designated<group<Designated...>, Path...>{value};
+  }
+};
+
+}  // namespace detail
+/** @endcond */
+
+/** The type of zorv::field. */
+template <auto... Path>
+struct field_designator : detail::designator<detail::end_of_path<Path...>::kind, Path...> {
+  using detail::designator<detail::end_of_path<Path...>::kind, Path...>::operator=;
+};
+
+/** Names a field of a record that is made or changed, to be assigned a value in the arguments of zorv::try_make,
+ *  `owned::assign` or zorv::fields. A path of members leads into nested messages.
+ *
+ *  - flag, integer: what `owned::set` accepts: a value that is certain to fit, see zorv::fitting
+ *  - string: whatever converts to `std::string_view`, without a NUL
+ *  - bytes: whatever converts to zorv::bytes
+ *  - integer_list: a contiguous container of elements, or elements in braces
+ *  - message_list: zorv::elements
+ *  - nested: zorv::fields
+ *
+ *  Values are referred to, not copied: use the assignment only as an argument, and do not keep it. */
+template <auto... Path>
+inline constexpr field_designator<Path...> field{};
+
+/** The fields of a nested message, or of an element of a list. */
+template <class... Designated>
+[[nodiscard]] constexpr detail::group<Designated...> fields(Designated... designated) noexcept {
+  return {{designated...}};
+}
+
+/** The elements of a list of messages, each by its zorv::fields. */
+template <class... Groups>
+[[nodiscard]] constexpr detail::sequence<Groups...> elements(Groups... groups) noexcept {
+  return {{groups...}};
 }
 
 // --- Encoding and comparing plain records ---
@@ -676,7 +555,7 @@ class owned {
   /** Sets a number or a flag, and marks it and the path to it as present. A value that does not fit does not compile:
    *  see zorv::fitting. */
   template <auto... Path, std::enable_if_t<detail::leads_to_number<Path...>, int> = 0>
-  void set(fitting<detail::value_at<Path...>> value) noexcept {
+  void set(fitting<detail::value_at<Path...> > value) noexcept {
     detail::store_number<Path...>(record_, value.get());
   }
 
@@ -700,7 +579,7 @@ class owned {
    *  @{ */
   /** A number or a flag. */
   template <auto... Path, class Inner, std::enable_if_t<detail::leads_to_number<Path...>, int> = 0>
-  void set_in(Inner &inner, fitting<detail::value_at<Path...>> value) noexcept {
+  void set_in(Inner &inner, fitting<detail::value_at<Path...> > value) noexcept {
     detail::store_number<Path...>(inner, value.get());
   }
   /** A number that may not fit. */
@@ -729,6 +608,27 @@ class owned {
   }
   /** @} */
 
+  /** Sets the fields that are named, in the order of the arguments: see zorv::field. Returns `CODEC_OK`, or the first
+   *  failure: the fields before it are then set, those after it are not. */
+  template <class... Designated>
+  [[nodiscard]] int assign(const Designated &...designated) noexcept {
+    return assign_in(record_, designated...);
+  }
+
+  /** The same for a record inside this one, such as an element of a list. */
+  template <class Inner, class... Designated>
+  [[nodiscard]] int assign_in(Inner &inner, const Designated &...designated) noexcept {
+    int result = CODEC_OK;
+    static_cast<void>((((result = put(inner, designated)) == CODEC_OK) && ...));
+    return result;
+  }
+
+  /** Returns a nested message or the elements of a list, to be changed: see zorv::edit. */
+  template <auto... Path>
+  [[nodiscard]] decltype(auto) edit() noexcept {
+    return zorv::edit<Path...>(record_);
+  }
+
   /** Gives a list of messages @p count empty elements, and marks it and the path to it as present. Returns the first
    *  element. If there is no memory for them, or a list cannot have so many, returns null and leaves the list
    *  unchanged. */
@@ -753,7 +653,7 @@ class owned {
       if (block == nullptr) return block;
       std::memset(static_cast<void *>(block), 0, count * sizeof(element));
       if (inner.*Member != nullptr) {
-        for (std::uint32_t i = 0; i < *traits::count(inner); ++i) {
+        for (std::uint32_t i = 0; i < inner.*traits::count; ++i) {
           detail::call<element>(
               functions<element>::free, options_, inner.*Member + i, memory_.release, memory_.context);
         }
@@ -789,6 +689,52 @@ class owned {
     return memory_.allocate(count * size, memory_.context);
   }
 
+  template <class Inner, class Value, auto Member, auto... Inside>
+  int put(Inner &inner, const detail::designated<Value, Member, Inside...> &given) noexcept {
+    static_assert(detail::belongs<Member, Inner>, "a field of this record, or a path that begins with one");
+    if constexpr (detail::leads_to_number<Member, Inside...>) {
+      detail::store_number<Member, Inside...>(inner, given.value.get());
+      return CODEC_OK;
+    } else {
+      return put_value<Member, Inside...>(inner, given.value);
+    }
+  }
+
+  template <auto... Path, class Inner, class Value>
+  int put_value(Inner &inner, const Value &value) noexcept {
+    return set_in<Path...>(inner, value);
+  }
+
+  template <auto Member, auto... Inside, class Inner, class... Designated>
+  int put_value(Inner &inner, const detail::group<Designated...> &group) noexcept {
+    int result = CODEC_OK;
+    if constexpr (sizeof...(Inside) != 0) {
+      result = put_value<Inside...>(inner.*Member, group);
+    } else {
+      result = put_group(inner.*Member, group);
+    }
+    if (result == CODEC_OK) zorv::set<Member>(inner);
+    return result;
+  }
+
+  template <auto... Path, class Inner, class... Groups>
+  int put_value(Inner &inner, const detail::sequence<Groups...> &sequence) noexcept {
+    auto *element = resize_in<Path...>(inner, sizeof...(Groups));
+    if (element == nullptr) return CODEC_ERR_NO_MEMORY;
+    int result = CODEC_OK;
+    std::apply(
+        [&](const auto &...group) {
+          static_cast<void>((((result = put_group(*element++, group)) == CODEC_OK) && ...));
+        },
+        sequence.groups);
+    return result;
+  }
+
+  template <class Inner, class... Designated>
+  int put_group(Inner &inner, const detail::group<Designated...> &group) noexcept {
+    return std::apply([&](const auto &...designated) { return assign_in(inner, designated...); }, group.designated);
+  }
+
   // Replaces the block that a member has by another.
   template <auto Member, class Inner, class Element>
   void replace(Inner &inner, Element *block, std::size_t count) noexcept {
@@ -798,7 +744,7 @@ class owned {
       memory_.release(inner.*Member, memory_.context);
     }
     inner.*Member = block;
-    if constexpr (traits::is_array) *traits::count(inner) = static_cast<typename traits::count_type>(count);
+    if constexpr (traits::is_array) inner.*traits::count = static_cast<typename traits::count_type>(count);
     zorv::set<Member>(inner);
   }
 
@@ -825,7 +771,7 @@ class owned {
     using traits = detail::member_traits<Member>;
     using element = std::remove_pointer_t<typename traits::type>;
     static_assert(!std::is_class_v<element>, "a list of messages: see resize");
-    using given = std::remove_cv_t<detail::element_of<const Value>>;
+    using given = std::remove_cv_t<detail::element_of<const Value> >;
     static_assert(
         std::is_same_v<element, given> || (sizeof(element) == 1 && detail::holds_bytes<const Value>),
         "a contiguous container of the list's elements");
@@ -863,6 +809,44 @@ owned<Record> duplicate(const Record &record, memory from) noexcept {
   return result;
 }
 
+/** @name Results as zorv::expected
+ *  For programs that do not look at what was read before a failure: a record, or the result that says why there is
+ *  none. With exceptions: `auto message = zorv::try_decode<api_msg>(bytes).value();`.
+ *  @{ */
+
+/** Decodes a record: see zorv::decode. After a failure nothing is kept. */
+template <class Record>
+[[nodiscard]] expected<owned<Record> > try_decode(bytes input, memory from = {}, std::uint32_t options = 0) noexcept {
+  auto result = decode<Record>(input, from, options);
+  if (!result.ok()) return expected<owned<Record> >::failed(result.result());
+  return result;
+}
+
+/** Copies a record: see zorv::duplicate. After a failure nothing is kept. */
+template <class Record>
+[[nodiscard]] expected<owned<Record> > try_duplicate(const Record &record, memory from = {}) noexcept {
+  auto result = duplicate(record, from);
+  if (!result.ok()) return expected<owned<Record> >::failed(result.result());
+  return result;
+}
+
+/** Makes a record with the fields that are named, in memory of any source: see zorv::field. */
+template <class Record, class... Designated>
+[[nodiscard]] expected<owned<Record> > try_make_in(memory from, const Designated &...designated) noexcept {
+  owned<Record> result(from);
+  const int failure = result.assign(designated...);
+  if (failure != CODEC_OK) return expected<owned<Record> >::failed(failure);
+  return result;
+}
+
+/** The same in memory of the heap. */
+template <class Record, class... Designated>
+[[nodiscard]] expected<owned<Record> > try_make(const Designated &...designated) noexcept {
+  return try_make_in<Record>(memory(), designated...);
+}
+
+/** @} */
+
 /** @name Orders records, owned or plain, as `compare` does.
  *  @{ */
 /** @cond */
@@ -890,5 +874,7 @@ PAVO_ZORV_OPERATOR(>=)
 /** @} */
 
 }  // namespace zorv
+
+#endif  // C++17
 
 #endif  // PAVO_ZORV_HPP

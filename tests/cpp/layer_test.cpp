@@ -8,6 +8,14 @@
 #include <string_view>
 #include <type_traits>
 
+#if __has_include(<version>)
+#include <version>
+#endif
+#ifdef __cpp_lib_span
+#include <ranges>
+#include <span>
+#endif
+
 #include "pavo_zorv.hpp"
 
 namespace {
@@ -553,6 +561,236 @@ TEST(lists, without_memory_stay_unchanged) {
   memory->fail_from = 0;
   EXPECT_EQ(list.resize<&api_aa_list::policies>(3), nullptr);
   EXPECT_EQ(list->policies_count, 2u);
+}
+
+using zorv::field;
+
+// An envelope by the names of its fields, with every kind of member in it.
+zorv::expected<owned<api_msg>> make_envelope(zorv::memory from) {
+  return zorv::try_make_in<api_msg>(
+      from, field<&api_msg::field1> = 1u, field<&api_msg::field15> = true,
+      field<&api_msg::to_zorv, &api_to_zorv::intf> =
+          zorv::fields(field<&api_intf::field1> = 7u, field<&api_intf::field2> = "eth0"),
+      field<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies> =
+          zorv::elements(zorv::fields(field<&api_policy::field1> = std::string("a"), field<&api_policy::field9> = -1),
+                         zorv::fields(field<&api_policy::prefixes> = zorv::elements(zorv::fields()))),
+      field<&api_msg::oam_req, &oam_req::field6> = std::string_view("\x01\x02"),
+      field<&api_msg::p2p_auto_policy_request, &api_msg_p2p_auto_policy_request::policy,
+            &api_msg_p2p_auto_policy::label_stack, &api_lbl_stack::labels> = {16, 24001},
+      field<&api_msg::policy_reg> = zorv::fields());
+}
+const byte_string envelope_bytes = {0x08, 0x01,                                                              // field1
+                                    0x42, 0x0a, 0x0a, 0x08, 0x3a, 0x06, 0x08, 0x10, 0x08, 0xc1, 0xbb, 0x01,  // labels
+                                    0x5a, 0x11, 0x12, 0x0f, 0x1a, 0x09, 0x0a, 0x01, 'a',  0x48, 0xff, 0xff,
+                                    0xff, 0xff, 0x0f, 0x1a, 0x02, 0x2a, 0x00,                               // policies
+                                    0x62, 0x0a, 0x12, 0x08, 0x08, 0x07, 0x12, 0x04, 'e',  't',  'h',  '0',  // intf
+                                    0x6a, 0x04, 0x32, 0x02, 0x01, 0x02,                                     // oam_req
+                                    0x78, 0x01, 0x82, 0x01, 0x00};  // field15, policy_reg
+
+TEST(designated_fields, make_a_record_with_all_that_is_in_it) {
+  counting_memory memory;
+  const auto made = make_envelope(memory);
+  ASSERT_TRUE(made) << zorv::result_text(made.error());
+  EXPECT_EQ(zorv::encode(**made), envelope_bytes);
+  EXPECT_EQ(memory->live, 6u);
+}
+
+TEST(designated_fields, without_memory_make_nothing_and_leave_nothing) {
+  std::size_t failures = 0;
+  for (;; ++failures) {
+    counting_memory memory;
+    memory->fail_at = failures;
+    const auto made = make_envelope(memory);
+    if (made) break;
+    EXPECT_EQ(made.error(), CODEC_ERR_NO_MEMORY);
+    EXPECT_EQ(memory->live, 0u);
+  }
+  EXPECT_EQ(failures, 6u);
+}
+
+TEST(designated_fields, that_fail_leave_those_after_them_alone) {
+  counting_memory memory;
+  owned<api_intf> intf{memory};
+  EXPECT_EQ(intf.assign(field<&api_intf::field2> = "eth0"), CODEC_OK);
+  EXPECT_EQ(intf.assign(field<&api_intf::field2> = std::string_view("e\0h", 3), field<&api_intf::field1> = 7u),
+            zorv::does_not_fit);
+  EXPECT_STREQ(intf->field2, "eth0");
+  EXPECT_FALSE(intf.has<&api_intf::field1>());
+  owned<api_msg> message{memory};
+  EXPECT_EQ((message.assign(field<&api_msg::to_zorv> =
+                                zorv::fields(field<&api_to_zorv::intf> =
+                                                 zorv::fields(field<&api_intf::field2> = std::string_view("\0", 1))))),
+            zorv::does_not_fit);
+  EXPECT_TRUE(zorv::encode(*message).empty());
+}
+
+TEST(designated_fields, may_be_none) {
+  const auto made = zorv::try_make<api_addr>();
+  ASSERT_TRUE(made);
+  EXPECT_TRUE(zorv::encode(**made).empty());
+  owned<api_aa_list> list;
+  EXPECT_EQ(list.assign(field<&api_aa_list::policies> = zorv::elements()), CODEC_OK);
+  EXPECT_TRUE(list.has<&api_aa_list::policies>());
+  EXPECT_TRUE(list.get<&api_aa_list::policies>().empty());
+}
+
+TEST(designated_fields, of_lists_take_any_contiguous_container) {
+  owned<api_lbl_stack> stack;
+  const std::vector<std::uint32_t> vector = {16, 17};
+  EXPECT_EQ(stack.assign(field<&api_lbl_stack::labels> = vector), CODEC_OK);
+  EXPECT_EQ(zorv::encode(*stack), (byte_string{0x08, 0x10, 0x08, 0x11}));
+  const std::uint32_t array[] = {18};
+  EXPECT_EQ(stack.assign(field<&api_lbl_stack::labels> = array), CODEC_OK);
+  EXPECT_EQ(zorv::encode(*stack), (byte_string{0x08, 0x12}));
+}
+
+TEST(views, are_read_by_paths) {
+  const auto made = make_envelope({});
+  ASSERT_TRUE(made);
+  const api_msg &message = **made;
+  using request = api_msg_p2p_auto_policy_request;
+  std::vector<std::uint32_t> labels;
+  for (const std::uint32_t label : zorv::get<&api_msg::p2p_auto_policy_request, &request::policy,
+                                             &api_msg_p2p_auto_policy::label_stack, &api_lbl_stack::labels>(message)) {
+    labels.push_back(label);
+  }
+  EXPECT_EQ(labels, (std::vector<std::uint32_t>{16, 24001}));
+  EXPECT_EQ((zorv::get<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field2>(message)), "eth0");
+  const auto policies = zorv::get<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>(message);
+  ASSERT_EQ(policies.size(), 2u);
+  EXPECT_EQ(zorv::get<&api_policy::field1>(policies.front()), "a");
+  EXPECT_EQ(zorv::get<&api_policy::prefixes>(policies.back()).size(), 1u);
+  EXPECT_EQ(&policies[1], message.to_igp.aa_list.policies + 1);
+  EXPECT_EQ(&zorv::get<&api_msg::oam_req>(message), &message.oam_req);
+  const zorv::bytes bytes = zorv::get<&api_msg::oam_req, &oam_req::field6>(message);
+  EXPECT_EQ(byte_string(bytes.begin(), bytes.end()), (byte_string{0x01, 0x02}));
+  EXPECT_EQ(bytes[1], 2u);
+  EXPECT_FALSE(bytes.empty());
+}
+
+TEST(views, of_null_pointers_are_empty) {
+  api_lbl_stack stack{};
+  stack.label_count = 3;
+  EXPECT_TRUE(zorv::get<&api_lbl_stack::labels>(stack).empty());
+  EXPECT_TRUE(zorv::edit<&api_lbl_stack::labels>(stack).empty());
+  EXPECT_EQ(zorv::get<&api_intf::field2>(api_intf{}), "");
+  srv6_prefix prefix{};
+  prefix.field1_length = 3;
+  EXPECT_TRUE(zorv::get<&srv6_prefix::field1>(prefix).empty());
+}
+
+TEST(views, are_found_if_the_whole_path_is_present) {
+  auto made = make_envelope({});
+  ASSERT_TRUE(made);
+  owned<api_msg> &message = *made;
+  EXPECT_EQ((zorv::find<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(*message)), 7u);
+  EXPECT_EQ((zorv::find<&api_msg::to_zorv, &api_to_zorv::field3>(*message)), std::nullopt);
+  EXPECT_EQ((zorv::find<&api_msg::to_zorv, &api_to_zorv::intf>(*message)), &message->to_zorv.intf);
+  message.clear<&api_msg::to_zorv>();
+  EXPECT_EQ((zorv::find<&api_msg::to_zorv, &api_to_zorv::intf, &api_intf::field1>(*message)), std::nullopt);
+  EXPECT_EQ((zorv::find<&api_msg::to_zorv, &api_to_zorv::intf>(*message)), nullptr);
+}
+
+TEST(views, for_editing_mark_nested_messages_as_present) {
+  owned<api_msg> message;
+  api_intf &intf = message.edit<&api_msg::to_zorv, &api_to_zorv::intf>();
+  zorv::set<&api_intf::field1>(intf);
+  intf.field1 = 7;
+  EXPECT_EQ(zorv::encode(*message), (byte_string{0x62, 0x04, 0x12, 0x02, 0x08, 0x07}));
+  ASSERT_NE((message.resize<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>(2)), nullptr);
+  for (api_policy &policy : message.edit<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies>()) {
+    message.set_in<&api_policy::field9>(policy, 5);
+  }
+  EXPECT_EQ(zorv::encode(message->to_igp.aa_list), (byte_string{0x1a, 0x02, 0x48, 0x05, 0x1a, 0x02, 0x48, 0x05}));
+}
+
+TEST(fields, are_visited_in_the_order_of_their_numbers) {
+  std::string seen;
+  zorv::for_each_field<api_exp_path>([&](auto each) {
+    seen += std::to_string(each.number) + ' ' + each.name + (each.kind == zorv::kind::message_list ? " list; " : "; ");
+  });
+  EXPECT_EQ(seen, "1 hops list; 2 field2; ");
+  static_assert(zorv::field_count<api_exp_path> == 2);
+}
+
+#ifdef __cpp_lib_span
+TEST(views, are_contiguous_ranges) {
+  static_assert(std::ranges::contiguous_range<zorv::span<const std::uint32_t>>);
+  static_assert(std::ranges::view<zorv::span<const std::uint32_t>>);
+  static_assert(std::ranges::borrowed_range<zorv::span<const std::uint32_t>>);
+  static_assert(std::ranges::contiguous_range<const zorv::bytes>);
+  std::uint32_t labels[] = {16, 17};
+  api_lbl_stack stack{};
+  stack.labels = labels;
+  stack.label_count = 2;
+  const std::span<const std::uint32_t> read = zorv::get<&api_lbl_stack::labels>(stack);
+  EXPECT_EQ(read.data(), labels);
+  EXPECT_EQ(read.size(), 2u);
+  const std::span<std::uint32_t> edited = zorv::edit<&api_lbl_stack::labels>(stack);
+  EXPECT_EQ(edited.size(), 2u);
+}
+#endif
+
+static_assert(!std::is_constructible_v<zorv::span<std::uint32_t>, const std::vector<std::uint32_t> &>);
+static_assert(!std::is_convertible_v<std::vector<std::uint64_t>, zorv::span<const std::uint32_t>>);
+static_assert(noexcept(zorv::try_decode<api_msg>({})) &&noexcept(zorv::try_make<api_addr>()));
+static_assert(std::is_nothrow_move_constructible_v<zorv::expected<owned<api_msg>>>);
+
+TEST(expected, has_a_record_or_the_result_that_says_why_not) {
+  counting_memory memory;
+  const auto intf = zorv::try_decode<api_intf>(interface_bytes, memory);
+  ASSERT_TRUE(intf.has_value());
+  EXPECT_EQ(intf.error(), CODEC_OK);
+  EXPECT_STREQ((*intf)->field2, "eth0");
+  EXPECT_TRUE(intf->has<&api_intf::field2>());
+  const auto failed = zorv::try_decode<api_intf>(byte_string{0x12, 0x04}, memory);
+  EXPECT_FALSE(failed);
+  EXPECT_EQ(failed.error(), CODEC_ERR_TRUNCATED);
+  const auto copy = zorv::try_duplicate(**intf, memory);
+  ASSERT_TRUE(copy);
+  EXPECT_EQ(*copy, *intf);
+  memory->fail_from = 0;
+  EXPECT_EQ(zorv::try_duplicate(**intf, memory).error(), CODEC_ERR_NO_MEMORY);
+}
+
+TEST(expected, keeps_nothing_of_what_was_read_before_a_failure) {
+  counting_memory memory;
+  byte_string cut_off = interface_bytes;
+  cut_off.push_back(0x08);
+  const auto failed = zorv::try_decode<api_intf>(cut_off, memory);
+  EXPECT_FALSE(failed);
+  EXPECT_EQ(memory->live, 0u);
+  EXPECT_EQ(memory->requests, 1u);
+}
+
+TEST(expected, can_be_moved_out_of) {
+  counting_memory memory;
+  owned<api_intf> intf = *zorv::try_decode<api_intf>(interface_bytes, memory);
+  EXPECT_STREQ(intf->field2, "eth0");
+  EXPECT_EQ(memory->live, 1u);
+}
+
+TEST(exceptions, are_thrown_for_results_on_request) {
+  EXPECT_STREQ(zorv::try_decode<api_intf>(interface_bytes).value()->field2, "eth0");
+  const owned<api_intf> moved = zorv::try_decode<api_intf>(interface_bytes).value();
+  EXPECT_STREQ(moved->field2, "eth0");
+  try {
+    static_cast<void>(zorv::try_decode<api_intf>(byte_string{0x12, 0x04}).value());
+    ADD_FAILURE() << "nothing is thrown";
+  } catch (const std::exception &thrown) {
+    EXPECT_STREQ(thrown.what(), "the input ends inside a field, or repeats a field that may occur only once");
+  }
+  auto failed = zorv::try_decode<api_intf>(byte_string{0x0b});
+  EXPECT_THROW(static_cast<void>(failed.value()), zorv::error);
+  EXPECT_THROW(static_cast<void>(std::as_const(failed).value()), zorv::error);
+  EXPECT_NO_THROW(zorv::check(CODEC_OK));
+  try {
+    zorv::check(zorv::does_not_fit);
+    ADD_FAILURE() << "nothing is thrown";
+  } catch (const zorv::error &thrown) {
+    EXPECT_EQ(thrown.result(), zorv::does_not_fit);
+    EXPECT_STREQ(thrown.what(), "the member cannot hold the value");
+  }
 }
 
 TEST(memory, may_be_any_memory_resource) {

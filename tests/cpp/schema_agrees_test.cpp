@@ -8,36 +8,45 @@
 
 namespace {
 
-template <class Record, std::size_t Index>
-void check_row() {
-  constexpr auto &row = pavo_zorv::row_at<Record, Index>;
-  using row_type = std::remove_cvref_t<decltype(row)>;
-  constexpr auto members = row.members();
-  constexpr auto member = std::get<0>(members);
-  using traits = zorv::detail::member_traits<member>;
-  static_assert(zorv::presence_bit<member> == pavo_zorv::presence_bit<Record, Index>);
-  static_assert(std::is_same_v<decltype(zorv::presence_bit<member>), const pavo_zorv::presence_of<Record>>);
-  static_assert(traits::is_array == (std::tuple_size_v<decltype(members)> == 2));
-  static_assert(traits::is_bytes == (row_type::type == pavo_zorv::kind::bytes));
-  static_assert(traits::is_flag == (row_type::type == pavo_zorv::kind::flag),
-                "is_number_of_8_bits in include/pavo_zorv.hpp names the integers of 8 bits, and no flag");
-  static_assert(traits::is_number == (traits::is_flag || row_type::type == pavo_zorv::kind::integer));
-  if constexpr (traits::is_array) {
-    Record record{};
-    EXPECT_EQ(static_cast<void *>(traits::count(record)), static_cast<void *>(&(record.*std::get<1>(members))))
-        << pavo_zorv::message_name<Record> << "." << row.name;
+template <class Member, class Value>
+constexpr bool is_same_member(Member member, Value value) {
+  if constexpr (std::is_same_v<Member, Value>) {
+    return member == value;
+  } else {
+    return false;
   }
 }
 
-TEST(schema, agrees_about_every_member_of_every_message) {
+// A field as the layer lists it, against its row.
+template <class Record, std::size_t Index, class Field>
+void check_field(Field) {
+  constexpr auto &row = pavo_zorv::row_at<Record, Index>;
+  using row_type = std::remove_cvref_t<decltype(row)>;
+  constexpr auto members = row.members();
+  static_assert(is_same_member(Field::member, std::get<0>(members)));
+  static_assert(Field::number == row.number);
+  EXPECT_STREQ(Field::name, row.name);
+  static_assert(static_cast<int>(Field::kind) == static_cast<int>(row_type::type), "the kinds are in the same order");
+  static_assert(zorv::presence_bit<Field::member> == pavo_zorv::presence_bit<Record, Index>);
+  static_assert(std::is_same_v<decltype(zorv::presence_bit<Field::member>), const pavo_zorv::presence_of<Record>>);
+  using traits = zorv::detail::member_traits<Field::member>;
+  static_assert(traits::is_array == (std::tuple_size_v<decltype(members)> == 2));
+  if constexpr (traits::is_array) static_assert(is_same_member(traits::count, std::get<1>(members)));
+}
+
+TEST(schema, agrees_about_every_field_of_every_message) {
   std::size_t rows = 0;
   pavo_zorv::for_each_message([&](auto message) {
     using record = typename decltype(message)::type;
     EXPECT_STREQ(zorv::functions<record>::name, pavo_zorv::message_name<record>);
-    pavo_zorv::for_each_row<record>([&](auto index) {
-      check_row<record, index>();
+    static_assert(zorv::field_count<record> == pavo_zorv::field_count<record>);
+    unsigned visited = 0;
+    zorv::for_each_field<record>([&](auto field) {
+      EXPECT_EQ(field.number, ++visited) << zorv::functions<record>::name;
+      check_field<record, decltype(field)::number - 1>(field);
       ++rows;
     });
+    EXPECT_EQ(visited, pavo_zorv::field_count<record>) << zorv::functions<record>::name;
   });
   EXPECT_GT(rows, 150u);
 }
