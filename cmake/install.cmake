@@ -1,5 +1,5 @@
 # What is installed: the components runtime and development; the tools are a third one.
-install(TARGETS pavo_zorv pavo_zorv_static EXPORT pavo_zorv
+install(TARGETS ${pavo_zorv_kinds} EXPORT pavo_zorv
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development)
 # Where the dynamic loader looks first on processors that support x86-64-v3.
@@ -7,7 +7,7 @@ set(second_folder ${CMAKE_INSTALL_LIBDIR}/glibc-hwcaps/x86-64-v3)
 if(PAVO_ZORV_X86_64_V3)
   install(TARGETS pavo_zorv_x86_64_v3
     LIBRARY DESTINATION ${second_folder} COMPONENT runtime NAMELINK_SKIP)
-else()
+elseif(pavo_zorv IN_LIST pavo_zorv_kinds)
   install(CODE "
     cmake_path(APPEND CMAKE_INSTALL_PREFIX [[${second_folder}]] OUTPUT_VARIABLE FOLDER)
     set(FOLDER \"\$ENV{DESTDIR}\${FOLDER}\")
@@ -19,10 +19,11 @@ install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev
 # For find_package(pavo_zorv 1).
 include(CMakePackageConfigHelpers)
 set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pavo_zorv)
-install(EXPORT pavo_zorv NAMESPACE pavo_zorv:: FILE pavo_zorvConfig.cmake
+install(EXPORT pavo_zorv NAMESPACE pavo_zorv:: FILE pavo_zorvTargets.cmake
   DESTINATION ${config_folder} COMPONENT development)
 write_basic_package_version_file(pavo_zorvConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pavo_zorvConfigVersion.cmake
+install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/cmake/pavo_zorvConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/pavo_zorvConfigVersion.cmake
   DESTINATION ${config_folder} COMPONENT development)
 
 # For pkg-config. The file is written during installation, when the prefix is known.

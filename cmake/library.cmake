@@ -31,13 +31,29 @@ if(stack_probes)
   target_compile_definitions(pavo_zorv_stack_probes INTERFACE PAVO_ZORV_STACK_PROBES)
 endif()
 
+# Optimises a release by LEVEL, where CMake would by -O3, unless the user's flags name a level. CMake's own comes after
+# CMAKE_CXX_FLAGS, so one that is named there is named again.
+function(pavo_zorv_optimise target level)
+  string(STRIP "${CMAKE_CXX_FLAGS_RELEASE}" of_release)
+  if(NOT of_release STREQUAL "-O3 -DNDEBUG")
+    return()
+  endif()
+  string(REGEX MATCHALL "(^| )-O[^ ]*" of_user "${CMAKE_CXX_FLAGS}")
+  if(of_user)
+    list(GET of_user -1 level)
+    string(STRIP "${level}" level)
+  endif()
+  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:${level}>)
+endfunction()
+
 # One set of objects, which serves shared and static library, compiled with further flags if any are given.
 function(pavo_zorv_objects objects)
   add_library(${objects} OBJECT ${PROJECT_SOURCE_DIR}/src/library.cpp)
   target_compile_features(${objects} PRIVATE cxx_std_20)
   target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
   target_compile_options(${objects} PRIVATE
-    ${pavo_zorv_warnings} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O2> ${ARGN})
+    ${pavo_zorv_warnings} -fno-exceptions -fno-rtti ${ARGN})
+  pavo_zorv_optimise(${objects} -O2)
   # So that the linker leaves out of a static program what it does not use (-Wl,--gc-sections).
   target_compile_options(${objects} PRIVATE -ffunction-sections -fdata-sections)
   target_link_libraries(${objects} PRIVATE pavo_zorv_stack_probes)
@@ -68,22 +84,26 @@ function(pavo_zorv_shared_library library objects)
 endfunction()
 
 # Whether a second build for x86-64-v3 makes sense: if the dynamic loader looks for one, the compiler supports it, and
-# the flags do not select it already.
+# the flags do not select it already. The loader is that of the C compiler, which links.
 function(pavo_zorv_x86_64_v3_makes_sense result)
+  include(CheckCSourceCompiles)
   include(CheckCXXCompilerFlag)
   include(CheckCXXSourceCompiles)
   check_cxx_compiler_flag(-march=x86-64-v3 pavo_zorv_compiler_supports_x86_64_v3)
-  check_cxx_source_compiles("
+  check_c_source_compiles("
     #include <stdlib.h>
     #if !defined(__linux__) || !defined(__x86_64__) || defined(__ILP32__) || !defined(__GLIBC__)
     #error not x86-64 Linux with glibc
     #elif !__GLIBC_PREREQ(2, 33)
     #error the dynamic loader does not support glibc-hwcaps
-    #elif defined(__AVX2__) && defined(__BMI2__) && defined(__FMA__) && defined(__LZCNT__) && defined(__MOVBE__)
+    #endif
+    int main(void) { return 0; }" pavo_zorv_loader_supports_hwcaps)
+  check_cxx_source_compiles("
+    #if defined(__AVX2__) && defined(__BMI2__) && defined(__FMA__) && defined(__LZCNT__) && defined(__MOVBE__)
     #error the flags select x86-64-v3 already
     #endif
-    int main() { return 0; }" pavo_zorv_below_x86_64_v3)
-  if(pavo_zorv_compiler_supports_x86_64_v3 AND pavo_zorv_below_x86_64_v3)
+    int main() { return 0; }" pavo_zorv_flags_below_x86_64_v3)
+  if(pavo_zorv_compiler_supports_x86_64_v3 AND pavo_zorv_loader_supports_hwcaps AND pavo_zorv_flags_below_x86_64_v3)
     set(${result} ON PARENT_SCOPE)
   else()
     set(${result} OFF PARENT_SCOPE)

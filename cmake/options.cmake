@@ -1,7 +1,15 @@
 # Options, and the compiler flags that follow from them.
 option(PAVO_ZORV_TOOLS "Build zorv-inspect if its packages are found" ${PROJECT_IS_TOP_LEVEL})
-option(PAVO_ZORV_TESTS "Build the tests if their packages are found" ${PROJECT_IS_TOP_LEVEL})
-option(PAVO_ZORV_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+# The tests are for those who work on the library: asked for by this option, or by CMake's own.
+set(pavo_zorv_tests_default OFF)
+if(PROJECT_IS_TOP_LEVEL AND BUILD_TESTING)
+  set(pavo_zorv_tests_default ON)
+endif()
+option(PAVO_ZORV_TESTS "Build the tests if their packages are found; not with BUILD_TESTING=OFF" ${pavo_zorv_tests_default})
+if(DEFINED BUILD_TESTING AND NOT BUILD_TESTING)
+  set(PAVO_ZORV_TESTS OFF)
+endif()
+option(PAVO_ZORV_EXAMPLES "Build the examples" ${PAVO_ZORV_TESTS})
 option(PAVO_ZORV_BENCHMARKS "Build the benchmarks if their packages are found" OFF)
 option(PAVO_ZORV_INSTALL "Add the rules for installing" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_PACKAGES "Make Debian packages with cpack" OFF)
@@ -15,7 +23,7 @@ set(PAVO_ZORV_SANITIZE "" CACHE STRING "Sanitizers to build with, for example ad
 
 # The second build is for releases; instrumented builds have it only on request.
 set(pavo_zorv_x86_64_v3_default OFF)
-if(PROJECT_IS_TOP_LEVEL AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
+if(PROJECT_IS_TOP_LEVEL AND (BUILD_SHARED_LIBS OR NOT DEFINED BUILD_SHARED_LIBS) AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
   pavo_zorv_x86_64_v3_makes_sense(pavo_zorv_x86_64_v3_default)
 endif()
 option(PAVO_ZORV_X86_64_V3 "Build the shared library a second time, for x86-64-v3" ${pavo_zorv_x86_64_v3_default})

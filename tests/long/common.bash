@@ -21,7 +21,7 @@ quietly() {
 configure() {
   local folder=$1
   shift
-  quietly cmake -S . -B "build/$folder" -G Ninja -DPAVO_ZORV_WERROR=ON "$@"
+  quietly cmake -S . -B "build/$folder" -G Ninja -DPAVO_ZORV_WERROR=ON -DPAVO_ZORV_TESTS=ON "$@"
 }
 
 # build FOLDER TARGET...
@@ -34,18 +34,16 @@ build() {
 # Whether the processor runs what is compiled for x86-64-v3. Where it does not, says so.
 runs_x86_64_v3() { tests/x86_64_v3/run "$(type -P true)"; }
 
-# configure_for MACHINE CMAKE-ARGUMENTS...: for another machine, with GoogleTest built for it, of which the distribution
-# has the sources.
+# configure_for MACHINE CMAKE-ARGUMENTS...: for a machine of cmake/machines, with GoogleTest built for it, of which the
+# distribution has the sources.
 configure_for() {
-  local name=$1 folder=$PWD/build/long-$1
+  local name=$1 folder=$PWD/build/long-$1 machine=$PWD/cmake/machines/$1.cmake
   shift
   scripts/install-packages googletest
   quietly cmake -S /usr/src/googletest -B "$folder/googletest" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    "-DCMAKE_INSTALL_PREFIX=$folder/gtest" -DCMAKE_INSTALL_LIBDIR=lib -DBUILD_GMOCK=OFF "$@"
+    --toolchain "$machine" "-DCMAKE_INSTALL_PREFIX=$folder/gtest" -DCMAKE_INSTALL_LIBDIR=lib -DBUILD_GMOCK=OFF
   quietly cmake --build "$folder/googletest" --target install
-  configure "long-$name" -DCMAKE_BUILD_TYPE=Release -DPAVO_ZORV_TOOLS=OFF -DPAVO_ZORV_INSTALL=OFF \
+  configure "long-$name" --toolchain "$machine" -DCMAKE_BUILD_TYPE=Release -DPAVO_ZORV_TOOLS=OFF -DPAVO_ZORV_INSTALL=OFF \
     -DPAVO_ZORV_X86_64_V3=OFF "-DGTest_DIR=$folder/gtest/lib/cmake/GTest" -DCMAKE_DISABLE_FIND_PACKAGE_Protobuf=ON "$@"
   [[ -d $folder/tests ]] || { echo "no tests for $name:"; cat "$PAVO_ZORV_LOG"; return 1; }
 }
-for_i386=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=i386 -DCMAKE_C_COMPILER=gcc -DCMAKE_CXX_COMPILER=g++
-  -DCMAKE_C_FLAGS=-m32 -DCMAKE_CXX_FLAGS=-m32)
