@@ -14,16 +14,28 @@ import sys
 source = pathlib.Path(sys.argv[1])
 faults = []
 
+
+def headings(page):
+    """What links to the headings of a page end in."""
+    text = re.sub(r"```.*?```", "", page.read_text(encoding="utf-8"), flags=re.DOTALL)
+    return {re.sub(r"[^\w\- ]", "", heading.strip().lower()).replace(" ", "-")
+            for heading in re.findall(r"^#+ (.*)$", text, re.MULTILINE)}
+
+
 documents = [path for path in source.rglob("*.md") if "build" not in path.relative_to(source).parts[0]]
 links = 0
 for document in documents:
     text = re.sub(r"```.*?```", "", document.read_text(encoding="utf-8"), flags=re.DOTALL)
     for target in re.findall(r"\]\(([^)\s]+)\)", text):
-        if re.match(r"https?:|#", target):
+        if re.match(r"https?:", target):
             continue
         links += 1
-        if not (document.parent / target.partition("#")[0]).exists():
+        path, _, heading = target.partition("#")
+        page = document.parent / path if path else document
+        if not page.exists():
             faults.append(f"{document.relative_to(source)}: {target} is not there")
+        elif heading and heading not in headings(page):
+            faults.append(f"{document.relative_to(source)}: {target} is no heading there")
 
 # The tests that CONFORMANCE.md names, and those that there are.
 named = set(re.findall(r"`((?:difference|same_messages)\.\w+)`", (source / "CONFORMANCE.md").read_text(encoding="utf-8")))
