@@ -2,7 +2,8 @@
 """Reads the measurements of the benchmark; prints the ratios, and writes them as CSV, as a page's tables and as a plot.
 
 Usage: report.py FOLDER BUILD...   with FOLDER/BUILD.describe and FOLDER/BUILD-*.json for each build
-       report.py --store FOLDER PAGE PLOT   puts the tables into the page, and the plot where it belongs
+       report.py --store FOLDER PAGE PLOT   puts the tables into the page, the plot where it belongs, and the README's
+                                            plot beside the page
 """
 
 import collections
@@ -318,6 +319,9 @@ def store(folder, page, plot):
     table = pathlib.Path(folder, "table.md").read_text(encoding="utf-8")
     path.write_text(f"{before}{start}\n{table}\n{end}{after}", encoding="utf-8")
     shutil.copyfile(os.path.join(folder, "ratios.svg"), plot)
+    import summary  # which draws with what is above
+
+    summary.write(page, path.with_name(path.stem + "_summary.svg"))
 
 
 def main():

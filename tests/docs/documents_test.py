@@ -71,6 +71,12 @@ elif len(sys.argv) > 2:
     if shown.returncode != 0 or shown.stdout != view[1]:
         faults.append(f"README.md shows another view than zorv-inspect:\n{shown.stdout}{shown.stderr}")
 
+# What the README's first command says of itself.
+for arguments, status, said_of_itself in ((["--help"], 0, "usage: ./demo\nInstalls"), (["now"], 2, "usage: ./demo [--help]\n")):
+    ran = subprocess.run([(source / "demo").resolve(), *arguments], text=True, capture_output=True, check=False)
+    if ran.returncode != status or not (ran.stdout + ran.stderr).startswith(said_of_itself):
+        faults.append(f"./demo {arguments[0]}: exit status {ran.returncode}: {ran.stdout}{ran.stderr}")
+
 # Where records are explained it is said that they are to be zeroed.
 header = (source / "include" / "pavo_zorv.h").read_text(encoding="utf-8")
 for name, text in (("include/pavo_zorv.h", header), ("README.md", readme),
