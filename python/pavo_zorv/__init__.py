@@ -3,27 +3,28 @@
 Each message is a class of its C name:
 
     >>> import pavo_zorv
-    >>> stack = pavo_zorv.api_lbl_stack(labels=[16, 24001])
+    >>> stack = pavo_zorv.api_lbl_stack(labels=[16])
+    >>> stack.labels.append(24001)
     >>> stack.to_bytes().hex(" ")
     '08 10 08 c1 bb 01'
     >>> pavo_zorv.api_lbl_stack.from_bytes(stack.to_bytes()) == stack
     True
 
-Fields are properties, None if absent. Nested messages always exist; setting a field of one marks it and the messages
-around it as present:
+A field that is absent is None, or an empty list. Nested messages always exist; one is present once it has content:
 
     >>> message = pavo_zorv.api_msg()
     >>> message.to_zorv.intf.field2 = "eth0"
     >>> message.to_dict()
     {'to_zorv': {'intf': {'field2': 'eth0'}}}
 
-The environment variables PAVO_ZORV_LIBRARY and PAVO_ZORV_HEADER may name the library and its header. Otherwise the
-dynamic loader searches for libpavo_zorv.so.1, and the header is searched for beside this package, in the source tree
-and in /usr/include.
+The library is searched for beside this package, where the dynamic loader looks, and in /usr/local. The environment
+variable PAVO_ZORV_LIBRARY may name it.
 """
 
-from ._messages import CLASSES, REFERENCE, DecodeError, Message
+from ._messages import CLASSES, DecodeError, Message
+from ._streams import Splitter, StreamError, framed
+from ._version import __version__
 
 globals().update(CLASSES)
 
-__all__ = ["DecodeError", "Message", "REFERENCE", *CLASSES]
+__all__ = ["DecodeError", "Message", "Splitter", "StreamError", "__version__", "framed", *CLASSES]

@@ -45,8 +45,7 @@ def message_with(cls, content):
     """The message with content in the notation of the page."""
     message = cls()
     for name, value in content.items():
-        kind = type(cls.fields[name].kind).__name__
-        setattr(message, name, bytes.fromhex(value) if kind == "_Bytes" else value)
+        setattr(message, name, bytes.fromhex(value) if cls.fields[name].kind == "bytes" else value)
     return message
 
 
@@ -74,6 +73,9 @@ def test_every_row_is_true(heading, cells):
             cls.from_bytes(data)
         assert caught.value.name == failure[1]
         message = caught.value.partial
-        assert notation(message.to_dict()) == json.loads(failure[2] or "{}")
+        # What was read of the nested message that failed does not count as present on the page.
+        unfinished = caught.value.path.partition(".")[0] if "." in caught.value.path else None
+        present = {name: value for name, value in message.to_dict().items() if name != unfinished}
+        assert notation(present) == json.loads(failure[2] or "{}")
     if heading == READING_AND_WRITING:
         assert message.to_bytes().hex(" ") == cells[3]

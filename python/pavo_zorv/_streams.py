@@ -1,0 +1,92 @@
+"""Streams in which each message follows its length: as a varint, or with 16 or 32 bits, the highest byte first."""
+
+from typing import List, Optional, Tuple, Union
+
+_Bytes = Union[bytes, bytearray, memoryview]
+
+# The sizes of the prefixes of fixed size; that of a varint is at most 5.
+_SIZES = {"varint": None, "be16": 2, "be32": 4}
+_LONGEST_VARINT = 5
+
+
+class StreamError(ValueError):
+    """A stream that cannot be split. `offset` is that of the length prefix."""
+
+    def __init__(self, text: str, offset: int) -> None:
+        super().__init__(f"offset {offset}: {text}")
+        self.offset = offset
+
+
+def _require_prefix(prefix: str) -> None:
+    if prefix not in _SIZES:
+        raise ValueError(f"no prefix {prefix!r}; known: {', '.join(_SIZES)}")
+
+
+def framed(data: _Bytes, prefix: str = "varint") -> bytes:
+    """The data after its length: "varint", "be16" or "be32"."""
+    _require_prefix(prefix)
+    data, size = bytes(data), _SIZES[prefix]
+    if size is None:
+        return _varint(len(data)) + data
+    if len(data) >> 8 * size:
+        raise OverflowError(f"{len(data)} bytes are too long for {prefix}")
+    return len(data).to_bytes(size, "big") + data
+
+
+def _varint(value: int) -> bytes:
+    result = bytearray()
+    while value >= 0x80:
+        result.append(value & 0x7F | 0x80)
+        value >>= 7
+    result.append(value)
+    return bytes(result)
+
+
+class Splitter:
+    """Splits a stream that arrives in pieces of any size. A length above `limit` is refused before any memory is taken
+    for it."""
+
+    def __init__(self, prefix: str = "varint", limit: int = 1 << 20) -> None:
+        _require_prefix(prefix)
+        self._size = _SIZES[prefix]
+        self._limit = limit
+        self._pending = bytearray()
+        self._offset = 0  # of what is pending
+
+    def feed(self, data: _Bytes) -> List[bytes]:
+        """The messages that are complete with this piece, as a list of bytes."""
+        self._pending += data
+        complete: List[bytes] = []
+        at = 0
+        try:
+            while (found := self._length(at)) is not None:
+                start, length = found
+                if length > self._limit:
+                    raise StreamError(f"a message of {length} bytes; the limit is {self._limit}", self._offset + at)
+                if len(self._pending) - start < length:
+                    break
+                complete.append(bytes(self._pending[start : start + length]))
+                at = start + length
+        finally:
+            del self._pending[:at]
+            self._offset += at
+        return complete
+
+    def close(self) -> None:
+        """Says that the stream has ended: refused if it did so within a message."""
+        if self._pending:
+            raise StreamError(f"the stream ends within a message, after {len(self._pending)} bytes of it", self._offset)
+
+    def _length(self, at: int) -> Optional[Tuple[int, int]]:
+        """Where a message starts, and its length; None if the prefix is not complete."""
+        if self._size is not None:
+            start = at + self._size
+            return (start, int.from_bytes(self._pending[at:start], "big")) if start <= len(self._pending) else None
+        value = 0
+        for i, byte in enumerate(self._pending[at : at + _LONGEST_VARINT]):
+            value |= (byte & 0x7F) << 7 * i
+            if byte < 0x80:
+                return at + i + 1, value
+        if len(self._pending) - at >= _LONGEST_VARINT:
+            raise StreamError(f"a length of more than {_LONGEST_VARINT} bytes", self._offset + at)
+        return None

@@ -1,0 +1,1 @@
+../../include/pavo_zorv.h
