@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -88,11 +89,32 @@ void describe(const contest::roll &all) {
   });
 }
 
+template <class Record>
+constexpr const char *name_of = nullptr;
+#define PAVO_ZORV_BENCHMARK_NAME(message) \
+  template <>                             \
+  constexpr const char *name_of<message> = #message;
+PAVO_ZORV_BENCHMARK_MESSAGES(PAVO_ZORV_BENCHMARK_NAME)
+#undef PAVO_ZORV_BENCHMARK_NAME
+
+// The messages of each workload, in a file <workload>.<message>: each after its length of 32 bits, big-endian.
+void write_messages(const contest::roll &all, const std::string &folder) {
+  all.works->each([&folder]<class Record>(const contest::workload<Record> &work) {
+    std::ofstream file(folder + "/" + work.name + "." + name_of<Record>, std::ios::binary);
+    for (const contest::byte_string &message : work.wire) {
+      for (int shift = 24; shift >= 0; shift -= 8) file.put(static_cast<char>(message.size() >> shift & 0xff));
+      file.write(reinterpret_cast<const char *>(message.data()), static_cast<std::streamsize>(message.size()));
+    }
+    contest::require(file.good(), "the messages are written", work.name);
+  });
+}
+
 constexpr const char *usage =
     "pavo_zorv_bench [OPTION...]: times cases OPERATION/WORKLOAD/CONTESTANT\n"
     "  --seed=NUMBER        of the workloads; 1 if it is not given\n"
     "  --layout=NUMBER      of the heap: other numbers, other addresses\n"
     "  --other=NAME=PATH    a shared library to time in the same run, as contestant NAME\n"
+    "  --wire=FOLDER        writes the messages of each workload only\n"
     "  --describe           prints the contestants and the workloads only\n"
     "and those of Google Benchmark, such as --benchmark_filter='^decode/10_labels/'\n";
 
@@ -106,6 +128,10 @@ int main(int count, char **arguments) {
     const std::size_t middle = other.find('=');
     contest::require(middle != std::string::npos, "--other has NAME=PATH", other);
     contest::enter_other_library(all, other.substr(0, middle), other.substr(middle + 1));
+  }
+  if (const std::vector<std::string> folder = options(count, arguments, "wire"); !folder.empty()) {
+    write_messages(all, folder.back());
+    return 0;
   }
   if (count == 2 && std::strcmp(arguments[1], "--describe") == 0) {
     describe(all);
