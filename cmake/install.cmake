@@ -41,6 +41,21 @@ install(CODE "
   COMPONENT development)
 install(FILES ${pc_file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
+# For other languages and tools: the same messages for every Protocol Buffers library, and the script for Wireshark.
+set(data_folder ${CMAKE_INSTALL_DATADIR}/pavo_zorv)
+install(FILES ${PROJECT_SOURCE_DIR}/proto/zorv.proto DESTINATION ${data_folder} COMPONENT development)
+install(FILES ${PROJECT_SOURCE_DIR}/tools/wireshark/zorv.lua DESTINATION ${data_folder} COMPONENT tools)
+pavo_zorv_program(protoc "the descriptor set of zorv.proto")
+if(protoc)
+  set(descriptor_set ${CMAKE_CURRENT_BINARY_DIR}/zorv.desc)
+  add_custom_command(OUTPUT ${descriptor_set}
+    COMMAND ${protoc} --proto_path=${PROJECT_SOURCE_DIR}/proto --include_source_info
+      --descriptor_set_out=${descriptor_set} zorv.proto
+    DEPENDS ${PROJECT_SOURCE_DIR}/proto/zorv.proto VERBATIM)
+  add_custom_target(pavo_zorv_descriptor_set ALL DEPENDS ${descriptor_set})
+  install(FILES ${descriptor_set} DESTINATION ${data_folder} COMPONENT development)
+endif()
+
 # Removes all of that.
 if(PROJECT_IS_TOP_LEVEL)
   add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D BUILD_FOLDER=${CMAKE_BINARY_DIR}

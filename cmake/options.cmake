@@ -15,6 +15,7 @@ option(PAVO_ZORV_INSTALL "Add the rules for installing" ${PROJECT_IS_TOP_LEVEL})
 option(PAVO_ZORV_PACKAGES "Make Debian packages with cpack" OFF)
 set(PAVO_ZORV_PACKAGE_MAINTAINER "pavo-zorv maintainers <maintainers@pavo-zorv.invalid>" CACHE STRING
   "Name and mail address of the maintainer in the packages")
+set(PAVO_ZORV_HOMEPAGE "" CACHE STRING "Address of the project, if it has one, for packages and pkg-config")
 option(PAVO_ZORV_FUZZING "Instrument for libFuzzer and build the fuzzing programs; needs clang" OFF)
 option(PAVO_ZORV_REQUIRE_ALL "Fail if a part cannot be built because a package is missing" OFF)
 option(PAVO_ZORV_WERROR "Treat warnings as errors" OFF)
@@ -31,6 +32,10 @@ option(PAVO_ZORV_X86_64_V3 "Build the shared library a second time, for x86-64-v
 if(PAVO_ZORV_PACKAGES)
   # Debian's folder for libraries, under any prefix.
   set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE})
+  # Debugging information, which becomes packages of its own, names no folder of the machine that builds.
+  if(CMAKE_BUILD_TYPE MATCHES "Deb")
+    add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=/usr/src/pavo-zorv-${PROJECT_VERSION})
+  endif()
 endif()
 include(GNUInstallDirs)
 
@@ -61,3 +66,14 @@ if(PAVO_ZORV_COVERAGE)
   # Each function once, or once for each instantiation, so that a branch in it is one branch.
   add_compile_definitions(PAVO_ZORV_NO_FORCED_INLINING)
 endif()
+
+# Finds a program and sets the variable of its name. If it is missing, one line says what is left out, and the variable
+# is false.
+function(pavo_zorv_program name what)
+  find_program(${name} ${name})
+  if(NOT ${name} AND PAVO_ZORV_REQUIRE_ALL)
+    message(FATAL_ERROR "${what} cannot be built: not found: ${name}")
+  elseif(NOT ${name})
+    message(STATUS "${what} is left out: not found: ${name}")
+  endif()
+endfunction()

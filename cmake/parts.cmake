@@ -19,17 +19,6 @@ function(pavo_zorv_part folder)
   endif()
 endfunction()
 
-# Finds a program and sets the variable of its name. If it is missing, one line says what is left out, and the variable
-# is false.
-function(pavo_zorv_program name what)
-  find_program(${name} ${name})
-  if(NOT ${name} AND PAVO_ZORV_REQUIRE_ALL)
-    message(FATAL_ERROR "${what} cannot be built: not found: ${name}")
-  elseif(NOT ${name})
-    message(STATUS "${what} is left out: not found: ${name}")
-  endif()
-endfunction()
-
 if(PAVO_ZORV_TOOLS)
   pavo_zorv_part(tools/inspect CLI11 fmt nlohmann_json)
 endif()
