@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""The code in the guides is that of the examples, which are compiled and run, and of projects in tests/install.
+r"""The code in the guides is that of the examples, which are compiled and run, and of projects in tests/install.
 
 A block of code in docs/ follows a comment that says where it comes from:
 
     <!-- examples/c/round_trip.c: record -->        the lines between the two marks [record] of this file
     <!-- examples/expected/c_round_trip -->         a whole file, which is what the example prints
 
-guides.py SOURCE_FOLDER            compares; a block of code without such a comment is a fault
-guides.py SOURCE_FOLDER --update   writes the blocks anew
+A page whose blocks are sessions of Python, with `>>>`, is run by a test of the Python package instead.
+
+guides.py SOURCE_FOLDER            compares; any other block of code is a fault
+guides.py SOURCE_FOLDER --update   writes the blocks anew, also for what is quoted in Doxygen's way: \snippet, \verbinclude
 """
 
 import pathlib
@@ -19,6 +21,7 @@ source = pathlib.Path(sys.argv[1])
 update = sys.argv[2:] == ["--update"]
 LANGUAGES = {".c": "c", ".cpp": "cpp", ".py": "python", ".txt": "cmake", ".build": "meson"}
 BLOCK = re.compile(r"(<!-- ((?:examples|tests/install)/\S+?)(?:: ([\w ]+))? -->\n)(```\w*\n.*?^```\n)?", re.DOTALL | re.MULTILINE)
+run_as_sessions = "".join(path.read_text(encoding="utf-8") for path in (source / "python" / "tests").glob("*.py"))
 faults = []
 shown = 0
 
@@ -45,9 +48,15 @@ def block(file, name):
 
 for guide in sorted((source / "docs").glob("*.md")):
     text = guide.read_text(encoding="utf-8")
+    if update:
+        text = re.sub(r"^\\snippet (\S+) (.*)$", r"<!-- examples/\1: \2 -->\n", text, flags=re.MULTILINE)
+        text = re.sub(r"^\\verbinclude (\S+)$", r"<!-- examples/\1 -->\n", text, flags=re.MULTILINE)
+        text = re.sub(r"(<!-- examples/[^\n]* -->\n)\n(?!```)", r"\1", text)
     shown += len(BLOCK.findall(text))
     written = BLOCK.sub(lambda found: found[1] + block(found[2], found[3]), text)
-    if written != text and update:
+    if update:
+        written = re.sub(r"^```\n(?=<!-- )", "```\n\n", written, flags=re.MULTILINE)
+    if written != guide.read_text(encoding="utf-8") and update:
         guide.write_text(written, encoding="utf-8")
         print(f"{guide.relative_to(source)} is written anew")
     elif written != text:
@@ -56,8 +65,10 @@ for guide in sorted((source / "docs").glob("*.md")):
         faults.append(f"{guide.relative_to(source)}:{line} shows something else than the example; to write it anew: "
                       "cmake --build --preset release --target update-guides")
     # What is left when these blocks are taken out has no code that nobody compiles.
-    for found in re.finditer(r"^```(?:c|cpp|python|cmake|meson)$", BLOCK.sub("", text), re.MULTILINE):
-        faults.append(f"{guide.relative_to(source)}: a block of code that is not from an example: {found[0]}")
+    for language, code in re.findall(r"^```(c|cpp|python|cmake|meson)\n(.*\n)", BLOCK.sub("", text), re.MULTILINE):
+        session = language == "python" and code.startswith(">>> ")
+        if not session or not re.search(rf"doctest\.testfile\(.*\b{re.escape(guide.name)}", run_as_sessions):
+            faults.append(f"{guide.relative_to(source)}: a block of code that is not from an example: {code.strip()}")
     for found in re.finditer(r"^\\(?:snippet|include|verbinclude).*$", text, re.MULTILINE):
         faults.append(f"{guide.relative_to(source)} quotes what only Doxygen shows: {found[0]}")
 
