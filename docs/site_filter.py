@@ -25,7 +25,7 @@ def link(found):
     target = posixpath.normpath(page.parent / path) if path else str(page)
     if heading:
         return f"](#{identifier(target, heading)})"
-    beside = not path.endswith(".md") and not target.startswith("docs/")
+    beside = not path.endswith(".md") and posixpath.dirname(target) != "docs"
     return f"]({posixpath.basename(target)})" if beside else found[0]
 
 

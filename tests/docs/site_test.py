@@ -51,7 +51,7 @@ for name, page in pages.items():
             faults.append(f"{name} leads to {target}, a place that is not there")
 
 # Guides: a list of contents with all their headings.
-guides = [name for name in pages if name.startswith("md_docs_") or name == "md_python_README.html"]
+guides = [name for name in pages if name.startswith("md_docs_")]
 for name in guides:
     contents = re.search(r'<div class="toc">(.*?)</div>', pages[name].text, re.DOTALL)
     headings = re.findall(r'<h[12]><a class="anchor" id="([^"]+)"', pages[name].text)
