@@ -17,7 +17,7 @@ class PavoZorv(ConanFile):
     default_options = {"shared": False, "fPIC": True}
 
     # What the library is built from, and what is installed with it.
-    SOURCES = ("CMakeLists.txt", "cmake/*", "include/*", "src/*", "proto/*", "tools/wireshark/*", "packaging/copyright")
+    SOURCES = ("CMakeLists.txt", "cmake/*", "include/*", "src/*", "proto/*", "tools/*", "packaging/copyright")
 
     def configure(self):
         # The interface is C.
