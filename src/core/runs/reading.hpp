@@ -149,7 +149,7 @@ PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *at, 
       const std::uint64_t inside = ~std::uint64_t{0} >> (window_size - std::min(left, distance));
       seen_ends = seen.ends & inside;
       const std::uint64_t values = KeySize == 1 ? ends_of_values<1>(seen_ends & ~after_value)
-                                                : seen_ends & (parity_up_to(seen_ends) ^ (0 - (ends & 1)));
+                                                : seen_ends & (parity_up_to(seen_ends) ^ (0 - std::uint64_t{ends & 1}));
       breaks = (values << 1 | after_value) & ~seen.keys & inside;
       if (breaks != 0) break;
       ends += count_bits(seen_ends);
