@@ -185,6 +185,7 @@ byte_string parse_bytes(byte_string input, byte_form form) {
     case byte_form::automatic:
       return detect_and_parse(std::move(input));
     case byte_form::raw:
+    case byte_form::pcap:
       return input;
     case byte_form::hex:
       if (is_empty_hex(text_of(input))) return {};

@@ -15,6 +15,7 @@ enum class byte_form {
   hex,     // pairs of digits: 0807, 08 07, 08:07, 08-07, 08,07, 0x0807, 0x08 0x07, \x08\x07, or an array in C
   dump,    // lines of an offset and bytes, as printed by hexdump -C, xxd, od -tx1, and the command `hex`
   base64,  // on any number of lines
+  pcap,    // a capture file, which is read packet by packet
 };
 
 // Only characters that occur in text: this alone rules out most messages.

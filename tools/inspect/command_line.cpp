@@ -27,11 +27,9 @@ namespace {
 template <class Value>
 using choices = std::map<std::string, Value>;
 
-const choices<byte_form> byte_forms{{"auto", byte_form::automatic},
-                                    {"raw", byte_form::raw},
-                                    {"hex", byte_form::hex},
-                                    {"dump", byte_form::dump},
-                                    {"base64", byte_form::base64}};
+const choices<byte_form> byte_forms{{"auto", byte_form::automatic}, {"raw", byte_form::raw},
+                                    {"hex", byte_form::hex},        {"dump", byte_form::dump},
+                                    {"base64", byte_form::base64},  {"pcap", byte_form::pcap}};
 const choices<message_form> message_forms{{"auto", message_form::automatic}, {"raw", message_form::raw},
                                           {"hex", message_form::hex},        {"dump", message_form::dump},
                                           {"base64", message_form::base64},  {"json", message_form::as_json},
@@ -249,12 +247,13 @@ class command_line {
 
   // `value` may be optional.
   template <class Value>
-  void add_number(CLI::App *command, const char *name, Value &value, const char *purpose) {
-    const auto read = [&value, option = long_name(name)](const std::string &given) {
+  void add_number(CLI::App *command, const char *name, Value &value, const char *purpose,
+                  std::size_t greatest = SIZE_MAX) {
+    const auto read = [&value, greatest, option = long_name(name)](const std::string &given) {
       std::size_t number = 0;
       const auto [rest, error] = std::from_chars(given.data(), given.data() + given.size(), number);
-      if (error != std::errc{} || rest != given.data() + given.size()) {
-        throw usage_error(fmt::format("{}={}: not a number from 0 to {}", option, given, SIZE_MAX));
+      if (error != std::errc{} || rest != given.data() + given.size() || number > greatest) {
+        throw usage_error(fmt::format("{}={}: not a number from 0 to {}", option, given, greatest));
       }
       value = number;
     };
@@ -277,6 +276,12 @@ class command_line {
                "The input is a stream of messages, each after its length, or of lines of text");
     add_number(command, "--skip", options_.skip, "Leave out the first N bytes of the input, of each line or datagram");
     add_number(command, "--length", options_.length, "Read only N bytes after that");
+    command->add_flag(
+        "--pcap", [this](std::int64_t) { options_.input = byte_form::pcap; },
+        "The same as --input=pcap: a capture file, which is also recognised without");
+    add_number(command, "--port", options_.port, "Of a capture, read only UDP and TCP from or to this port", 65535);
+    command->add_option("--filter", options_.filter, "Of a capture file, read only packets for which this is true")
+        ->option_text("EXPRESSION");
   }
 
   void add_single_input(CLI::App *command) {

@@ -7,16 +7,12 @@
 #include <string_view>
 #include <utility>
 
+#include "capture.hpp"
 #include "failure.hpp"
 #include "text_encodings.hpp"
 
 namespace inspect {
 namespace {
-
-byte_view limited(byte_view bytes, const input_options &options) {
-  const byte_view rest = bytes.subspan(std::min(options.skip, bytes.size()));
-  return rest.first(std::min(options.length, rest.size()));
-}
 
 byte_string owned(byte_view bytes) { return byte_string(bytes.begin(), bytes.end()); }
 
@@ -168,13 +164,55 @@ class lines_of_text : public message_source {
   std::size_t number_ = 0;
 };
 
+// Whether there is a dump in the first lines. Most messages have a control character in their first bytes, and are not
+// waited for.
+bool begins_like_packet_text(input_file &from) {
+  constexpr std::size_t enough = 4096;
+  const auto is_control = [](unsigned char each) { return each < ' ' && each != '\t' && each != '\n' && each != '\r'; };
+  while (std::ranges::none_of(from.ahead(), is_control) && from.ahead().size() < enough && from.read_more()) {
+  }
+  const byte_view beginning = from.ahead().first(std::min(enough, from.ahead().size()));
+  if (std::ranges::any_of(beginning, is_control)) return false;
+  const std::string_view text(reinterpret_cast<const char *>(beginning.data()), beginning.size());
+  return text.find("0x0000:  ") != text.npos || text.starts_with("0000  ") || text.find("\n0000  ") != text.npos;
+}
+
+// Null if the input is no capture. More of it is read only while it may still be one.
+std::unique_ptr<packet_source> packets_of(input_file &from, const input_options &options) {
+  const bool is_chosen = options.input == byte_form::pcap;
+  if (!is_chosen && options.input != byte_form::automatic) return nullptr;
+  constexpr std::size_t longest_magic = 12;
+  while (from.ahead().size() < longest_magic && may_be_capture(from.ahead()) && from.read_more()) {
+  }
+  if (is_chosen || is_capture(from.ahead())) return open_capture(from, options.filter);
+  if (options.stream == prefix_form::lines || !begins_like_packet_text(from)) return nullptr;
+  from.read_all();
+  return packets_in_text(from.ahead());
+}
+
 }  // namespace
+
+byte_view limited(byte_view bytes, const input_options &options) {
+  const byte_view rest = bytes.subspan(std::min(options.skip, bytes.size()));
+  return rest.first(std::min(options.length, rest.size()));
+}
+
+std::string to_string(const packet_origin &origin) {
+  std::string text;
+  if (!origin.time.empty()) text += ' ' + origin.time;
+  if (!origin.from.empty()) text += fmt::format(" {} > {}", origin.from, origin.to);
+  return text;
+}
 
 std::unique_ptr<message_source> open_messages(const std::string &file, const input_options &options) {
   return open_messages(std::make_unique<input_file>(file), options);
 }
 
 std::unique_ptr<message_source> open_messages(std::unique_ptr<input_file> from, const input_options &options) {
+  if (auto packets = packets_of(*from, options)) {
+    return messages_of_capture(std::move(from), std::move(packets), options);
+  }
+  if (!options.filter.empty() || options.port) throw usage_error("--filter and --port are for captures");
   switch (options.stream) {
     case prefix_form::none:
       return std::make_unique<whole_input>(std::move(from), options);

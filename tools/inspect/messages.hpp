@@ -21,14 +21,29 @@ struct input_options {
   std::optional<std::size_t> at;  // only this message
   std::size_t skip = 0;           // bytes to leave out at the beginning of the input, of each line, or of each datagram
   std::size_t length = std::numeric_limits<std::size_t>::max();  // bytes to take after that
+  std::string filter;                                            // of the packets of a capture, as libpcap has them
+  std::optional<std::size_t> port;                               // of UDP and TCP: only packets from or to it
 };
+
+// Where a message in a capture comes from. Empty if unknown.
+struct packet_origin {
+  std::string time;      // of its last packet
+  std::string from, to;  // "192.0.2.1:4711"
+};
+
+// " 2026-11-22T12:00:01.500000Z 192.0.2.1:40000 > 192.0.2.2:4711", as far as it is known.
+std::string to_string(const packet_origin &origin);
+
+// The part of some bytes that `skip` and `length` choose.
+byte_view limited(byte_view bytes, const input_options &options);
 
 struct input_message {
   byte_view bytes;        // valid until the next message is asked for
   std::string name;       // "file", "file[3]"
   bool is_single = true;  // the input is this message and nothing else
   std::size_t number = 0;
-  std::optional<std::size_t> offset;  // in a stream, of its length prefix
+  std::optional<std::size_t> offset;    // in a stream, of its length prefix
+  std::optional<packet_origin> packet;  // in a capture
 };
 
 class message_source {

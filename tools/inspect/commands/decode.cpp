@@ -1,5 +1,5 @@
-// `decode`: messages as JSON, including what was read before a failure. All those of a stream are in objects that say
-// which message it is.
+// `decode`: messages as JSON, including what was read before a failure. Those of a stream or a capture
+// are in objects that say which message it is.
 #include <nlohmann/json.hpp>
 
 #include "../commands.hpp"
@@ -63,6 +63,13 @@ class decoding {
       to.name("offset");
       to.number(*message.offset);
     }
+    if (!message.packet) return;
+    const auto append_known = [&](const char *name, const std::string &value) {
+      if (!value.empty()) to.member(name, value);
+    };
+    append_known("time", message.packet->time);
+    append_known("from", message.packet->from);
+    append_known("to", message.packet->to);
   }
 
   static void append_failure(json_writer &to, const decoded &read) {

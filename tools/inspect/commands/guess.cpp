@@ -32,9 +32,10 @@ std::string meaning(const candidate &each, std::size_t size) {
 exit_status guess_type(const command_options &options) {
   const std::string file = options.operands.empty() ? "-" : options.operands.front();
   exit_status status = ok;
-  for_each_message(options, file, [&](const std::string &name, byte_view message) {
+  for_each_message(options, file, [&](const input_message &input) {
+    const byte_view message = input.bytes;
     const std::vector<candidate> candidates = guess(message);
-    std::string text = options.stream != prefix_form::none ? name + '\n' : "";
+    std::string text = input.is_single ? "" : input.name + '\n';
     const std::size_t shown = options.all ? candidates.size() : likely_count(candidates);
     for (const candidate &each : std::span(candidates).first(shown)) {
       const bool is_tied = &each != candidates.data() && is_as_likely(each, candidates.front());

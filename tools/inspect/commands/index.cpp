@@ -1,4 +1,4 @@
-// `index`: the messages of a stream, with their offsets.
+// `index`: the messages of a stream, with their offsets, or of a capture, with their packets.
 #include <fmt/format.h>
 
 #include "../commands.hpp"
@@ -22,12 +22,20 @@ std::string state(const message_type *type, byte_view message) {
 
 exit_status index_stream(const command_options &options) {
   const auto [type, file] = single_target_of(options);
-  if (options.stream == prefix_form::none)
-    throw usage_error("--stream is required: it says how the lengths are encoded");
-  print(fmt::format("{:>8}  {:>10}  {:>8}  {}\n", "number", "offset", "bytes", type != nullptr ? "result" : "message"));
-  for_each_message(options, file, [type = type](const input_message &each) {
-    const std::string offset = each.offset ? fmt::format("{}", *each.offset) : "-";
-    print(fmt::format("{:>8}  {:>10}  {:>8}  {}\n", each.number, offset, each.bytes.size(), state(type, each.bytes)));
+  bool is_begun = false;
+  for_each_message(options, file, [&, type = type](const input_message &each) {
+    if (each.is_single) throw usage_error("--stream is required: it says how the lengths are encoded");
+    const std::string result = state(type, each.bytes);
+    const char *const last_column = type != nullptr ? "result" : "message";
+    if (each.packet) {
+      if (!is_begun) print(fmt::format("{:>8}  {:>8}  {:<28}{}\n", "number", "bytes", last_column, "packet"));
+      print(fmt::format("{:>8}  {:>8}  {:<27}{}\n", each.number, each.bytes.size(), result, to_string(*each.packet)));
+    } else {
+      if (!is_begun) print(fmt::format("{:>8}  {:>10}  {:>8}  {}\n", "number", "offset", "bytes", last_column));
+      const std::string offset = each.offset ? fmt::format("{}", *each.offset) : "-";
+      print(fmt::format("{:>8}  {:>10}  {:>8}  {}\n", each.number, offset, each.bytes.size(), result));
+    }
+    is_begun = true;
   });
   return ok;
 }
