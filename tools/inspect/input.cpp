@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "failure.hpp"
@@ -46,8 +47,7 @@ input_file::input_file(const std::string &name)
   file_size_ = size_of(file_);
 }
 
-input_file::input_file(std::string name, byte_string content)
-    : name_(std::move(name)), is_at_end_(true), buffer_(std::move(content)), end_(buffer_.size()) {}
+input_file::input_file(std::string name, byte_view content) : name_(std::move(name)) { replace(content); }
 
 input_file::~input_file() {
   if (file_ > STDIN_FILENO) ::close(file_);
@@ -59,7 +59,7 @@ bool input_file::read_more() {
   flush_output();
   ssize_t taken;
   do {
-    taken = ::read(file_, buffer_.data() + end_, buffer_.size() - end_);
+    taken = ::read(file_, buffer_.get() + end_, capacity_ - end_);
   } while (taken < 0 && errno == EINTR);
   if (taken < 0) fail("read", name_);
   is_at_end_ = taken == 0;
@@ -70,26 +70,36 @@ bool input_file::read_more() {
 
 void input_file::read_all() {
   // One byte more than the file has, to see its end without growing.
-  if (!is_at_end_ && buffer_.size() <= file_size_) buffer_.resize(file_size_ + 1);
+  if (!is_at_end_ && capacity_ <= file_size_) resize(file_size_ + 1);
   while (read_more()) {
   }
 }
 
-void input_file::replace(byte_string content) {
+void input_file::replace(byte_view content) {
   is_at_end_ = true;
-  buffer_ = std::move(content);
-  begin_ = 0;
-  end_ = buffer_.size();
+  begin_ = end_ = 0;
+  resize(std::max<std::size_t>(content.size(), 1));
+  std::copy(content.begin(), content.end(), buffer_.get());
+  end_ = content.size();
 }
 
 // What is consumed makes room for more. What is not may be a part of something long.
 void input_file::make_room() {
   if (begin_ != 0) {
-    std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+    std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
     end_ -= begin_;
     begin_ = 0;
   }
-  if (end_ == buffer_.size()) buffer_.resize(std::max(chunk, 2 * end_));
+  if (end_ == capacity_) resize(std::max(chunk, 2 * end_));
+}
+
+// Pages that have not been filled take no memory.
+void input_file::resize(std::size_t size) {
+  auto *const resized = static_cast<unsigned char *>(std::realloc(buffer_.get(), size));
+  if (resized == nullptr) throw std::bad_alloc();
+  static_cast<void>(buffer_.release());
+  buffer_.reset(resized);
+  capacity_ = size;
 }
 
 // A bar among what is printed on the same terminal would be in the way.

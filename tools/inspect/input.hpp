@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,7 +18,7 @@ class input_file {
   // The standard input when the name is empty or "-".
   explicit input_file(const std::string &name);
   // Bytes in memory under the name of a file.
-  input_file(std::string name, byte_string content);
+  input_file(std::string name, byte_view content);
   input_file(const input_file &) = delete;
   input_file &operator=(const input_file &) = delete;
   ~input_file();
@@ -26,7 +27,7 @@ class input_file {
   const std::string &name() const { return name_; }
 
   // What has been read but not consumed. Valid until more is read.
-  byte_view ahead() const { return byte_view(buffer_).subspan(begin_, end_ - begin_); }
+  byte_view ahead() const { return {buffer_.get() + begin_, end_ - begin_}; }
 
   // Reads what there is, and waits only if that is nothing; what has been printed is flushed before. False at the end.
   bool read_more();
@@ -35,17 +36,23 @@ class input_file {
   void consume(std::size_t size) { begin_ += size; }
 
   // What is ahead is replaced by what it stands for. Nothing more is read.
-  void replace(byte_string content);
+  void replace(byte_view content);
 
  private:
+  struct memory_releaser {
+    void operator()(unsigned char *block) const { std::free(block); }
+  };
+
   void make_room();
+  void resize(std::size_t size);
   void show_progress(std::size_t taken);
 
   std::string name_;
   int file_ = -1;
   bool is_at_end_ = false;
   std::size_t file_size_ = 0;  // 0 if unknown
-  byte_string buffer_;
+  std::unique_ptr<unsigned char, memory_releaser> buffer_;
+  std::size_t capacity_ = 0;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   std::unique_ptr<progress> progress_;

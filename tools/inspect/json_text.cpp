@@ -47,6 +47,7 @@ void json_writer::separate_element() {
     text_ += ' ';
   }
   here.is_empty = false;
+  if (drain_ != nullptr && text_.size() > long_text) drain_(text_);
 }
 
 void json_writer::break_line() {

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <concepts>
+#include <cstddef>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
@@ -15,7 +16,11 @@ enum class json_layout { readable, one_line };
 // Appends values to a text, which is JSON if the calls are balanced.
 class json_writer {
  public:
-  json_writer(std::string &text, json_layout layout) : text_(text), is_readable_(layout == json_layout::readable) {}
+  // Takes what has been written so far out of a text that has become long.
+  using drain = void (*)(std::string &text);
+
+  json_writer(std::string &text, json_layout layout, drain take = nullptr)
+      : text_(text), is_readable_(layout == json_layout::readable), drain_(take) {}
 
   void begin_object() { begin('{', true); }
   void end_object() { end('}'); }
@@ -76,9 +81,11 @@ class json_writer {
     bool is_empty;
   };
   static constexpr unsigned max_levels = 64;
+  static constexpr std::size_t long_text = 1 << 16;
 
   std::string &text_;
   bool is_readable_;
+  drain drain_;
   bool is_named_ = false;
   unsigned depth_ = 0;
   level levels_[max_levels];

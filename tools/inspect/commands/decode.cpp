@@ -39,7 +39,10 @@ class decoding {
       member = member_path(read.type, options_.path).of(read.content.to_json(form));
       if (!member) return false;
     }
-    json_writer to(text_, layout_);
+    json_writer to(text_, layout_, [](std::string &text) {
+      print(text);
+      text.clear();
+    });
     const auto append_content = [&] { member ? to.value(*member) : read.content.write(to, form); };
     if (message.is_single || options_.at) {
       append_content();
