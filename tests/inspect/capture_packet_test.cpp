@@ -153,14 +153,17 @@ TEST(a_payload, is_the_whole_packet) {
 
 // Every packet, cut off anywhere and with any byte changed, is read within its bytes: the block is fenced.
 TEST(headers, are_read_within_what_was_captured) {
-  const std::string packets[] = {"02 00 00 00 00 01 02 00 00 00 00 02 81 00 00 07 08 00 " + ip_4 + udp + small_message,
-                                 "02 00 00 00 00 01 02 00 00 00 00 02 86 dd " + ip_6("00 33 ", "00 ") +
-                                     "2b 00 01 04 00 00 00 00 2c 00 04 00 00 00 00 00 " +
-                                     "33 00 00 00 00 00 00 07 11 02 00 00 00 00 00 01 00 00 00 01 00 00 00 00 " + udp +
-                                     small_message,
-                                 "02 00 00 00 00 01 02 00 00 00 00 02 08 00 45 00 00 2e 00 00 00 00 40 06 00 00 c0 00 "
-                                 "02 01 c0 00 02 02 9c 40 12 67 01 02 03 "
-                                 "04 00 00 00 00 60 13 00 00 00 00 00 00 01 01 01 00 08 31"};
+  const std::string packets[] = {
+      "02 00 00 00 00 01 02 00 00 00 00 02 08 00 46 00 00 23 00 00 40 00 40 11 00 00 c0 00 02 01 c0 00 02 02 01 01 01 "
+      "00 " +
+          udp + small_message,
+      "02 00 00 00 00 01 02 00 00 00 00 02 81 00 00 07 08 00 " + ip_4 + udp + small_message,
+      "02 00 00 00 00 01 02 00 00 00 00 02 86 dd " + ip_6("00 33 ", "00 ") +
+          "2b 00 01 04 00 00 00 00 2c 00 04 00 00 00 00 00 " +
+          "33 00 00 00 00 00 00 07 11 02 00 00 00 00 00 01 00 00 00 01 00 00 00 00 " + udp + small_message,
+      "02 00 00 00 00 01 02 00 00 00 00 02 08 00 45 00 00 2e 00 00 00 00 40 06 00 00 c0 00 "
+      "02 01 c0 00 02 02 9c 40 12 67 01 02 03 "
+      "04 00 00 00 00 60 13 00 00 00 00 00 00 01 01 01 00 08 31"};
   std::size_t contents = 0;
   for (const std::string &text : packets) {
     const byte_string whole = test::hex(text);

@@ -213,12 +213,14 @@ TEST_F(tcp, what_is_kept_is_bounded) {
   EXPECT_EQ(problems.size(), 1u);
   add(bounded, 140, "00", "", 2);
   EXPECT_EQ(problems.back(), "TCP 192.0.2.1:2 > 192.0.2.1:4711: 10 bytes missing at offset 0 of the stream");
-  add(bounded, 99, "", "S", 3);
-  add(bounded, 100, "05 08", "", 3);
-  add(bounded, 99, "", "S", 4);
+  for (const std::uint16_t port : {std::uint16_t{3}, std::uint16_t{4}}) {
+    add(bounded, 99, "", "S", port);
+    add(bounded, 100, "05 08", "", port);
+  }
+  add(bounded, 102, "08", "", 3);
   add(bounded, 99, "", "S", 5);
   EXPECT_EQ(problems.size(), 3u) << "the stream that was used least recently is forgotten";
-  EXPECT_TRUE(problems.back().starts_with("TCP 192.0.2.1:3 ")) << problems.back();
+  EXPECT_TRUE(problems.back().starts_with("TCP 192.0.2.1:4 ")) << problems.back();
 }
 
 // A stream cut into random pieces, shuffled, sent again and overlapping, gives its messages.
