@@ -334,6 +334,7 @@ class command_line {
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
     add_bytes(decoding, "How to show bytes", bytes_form::length);
+    decoding->add_flag("--raw", options_.raw, "Show the fields of an unknown message by their numbers");
     add_colours(decoding);
     add_octets(decoding, "How to show lists of 8-bit numbers");
     decoding->add_flag("--lines", options_.lines, "Write each message on one line (JSON Lines)");

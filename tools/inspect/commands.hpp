@@ -28,6 +28,7 @@ struct command_options : input_options {
   std::string path;    // of the member to show; the whole message when empty
   bool lines = false;  // each message on one line
   bool html = false;
+  bool raw = false;     // fields without their message
   bool all = false;     // show all differences, messages, types or bytes
   bool strict = false;  // non-canonical messages are refused
   bool timing = false;
@@ -37,6 +38,7 @@ struct command_options : input_options {
 
 exit_status types(const command_options &options);
 exit_status decode(const command_options &options);
+exit_status decode_raw(const command_options &options);
 exit_status encode(const command_options &options);
 exit_status hex(const command_options &options);
 exit_status diff(const command_options &options);

@@ -61,8 +61,9 @@ const message_type &unique_guess(byte_view input, const std::string &name) {
   const std::vector<candidate> candidates = guess(input);
   const fit best = std::ranges::min(candidates, {}, &candidate::fit).fit;
   if (best == fit::partial || best == fit::none) {
-    throw usage_error(fmt::format("{}: TYPE is required: no message reads every byte of it; the most likely is {}",
-                                  name, candidates.front().type->name));
+    throw usage_error(fmt::format(
+        "{}: TYPE is required: no message reads every byte of it, the most likely is {}; `decode --raw` needs none",
+        name, candidates.front().type->name));
   }
   std::vector<const message_type *> fitting;
   for (const candidate &each : candidates) {

@@ -1,5 +1,7 @@
-// `decode`: messages as JSON, including what was read before a failure. Those of a stream or a capture
-// are in objects that say which message it is.
+// `decode`: messages as JSON, including what was read before a failure. Those of a stream or a capture are in
+// objects that say which message it is.
+#include <fmt/format.h>
+
 #include <nlohmann/json.hpp>
 
 #include "../commands.hpp"
@@ -26,6 +28,7 @@ class decoding {
       text_.clear();
       if (append(message, read, given == nullptr)) print(has_colours_ ? coloured_json(text_, painter(true)) : text_);
       status_ = worse(status_, read.report(message.is_single ? "" : message.name));
+      report_unknown(message.name, read.walked.unknown_fields);
     });
     return status_;
   }
@@ -57,6 +60,11 @@ class decoding {
     }
     text_ += '\n';
     return true;
+  }
+
+  static void report_unknown(const std::string &name, std::size_t count) {
+    if (count == 0) return;
+    print_error(fmt::format("{}: {} unknown field{} skipped\n", name, count, count == 1 ? "" : "s"));
   }
 
   static void append_origin(json_writer &to, const input_message &message) {
@@ -92,6 +100,8 @@ class decoding {
 
 }  // namespace
 
-exit_status decode(const command_options &options) { return decoding(options).run(); }
+exit_status decode(const command_options &options) {
+  return options.raw ? decode_raw(options) : decoding(options).run();
+}
 
 }  // namespace inspect
