@@ -16,6 +16,8 @@ elseif(pavo_zorv IN_LIST pavo_zorv_kinds)
 endif()
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h*")
 
+include(cmake/gdb.cmake)
+
 # For find_package(pavo_zorv 1).
 include(CMakePackageConfigHelpers)
 set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pavo_zorv)

@@ -22,6 +22,12 @@ foreach(list IN LISTS lists)
     if(folder MATCHES "/(pavo_zorv|glibc-hwcaps/x86-64-v3|doc/(libpavo-zorv[^/]*|zorv-inspect))$")
       list(APPEND folders "${folder}")
     endif()
+    # The data of gdb, below the path of the library.
+    set(above "${folder}")
+    while(above MATCHES "/gdb(/auto-load.*)?$")
+      list(APPEND folders "${above}")
+      cmake_path(GET above PARENT_PATH above)
+    endwhile()
     # It contains folders for processors only.
     if(folder MATCHES "^(.*/glibc-hwcaps)/x86-64-v3$")
       list(APPEND folders "${CMAKE_MATCH_1}")
