@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Records in words, as pavo_zorv_text.hpp writes them, against zorv-inspect: the same JSON byte for byte, and lines that
-it reads as the text form.
+it and protoc read as the text form.
 
-inspect_test.py RANDOM_TEXTS ZORV_INSPECT
+inspect_test.py RANDOM_TEXTS ZORV_INSPECT PROTOC FOLDER_OF_ZORV_PROTO
 """
 
 import json
@@ -12,7 +12,7 @@ import sys
 import tempfile
 import unittest
 
-RANDOM_TEXTS, INSPECT = sys.argv[1:3]
+RANDOM_TEXTS, INSPECT, PROTOC, PROTO = sys.argv[1:5]
 
 
 def inspect(*arguments, given=None):
@@ -70,6 +70,14 @@ class Words(unittest.TestCase):
             for line, message in list(zip(lines, messages))[:5]:
                 read = inspect("convert", "--from=text", "--to=raw", stream.stem, "-", given=line.encode())
                 self.assertEqual(read, message, line)
+
+    def test_lines_are_read_by_protoc(self):
+        for stream in self.streams:
+            line = stream.with_suffix(".lines").read_text(encoding="ascii").split("\n")[0]
+            command = [PROTOC, f"--proto_path={PROTO}", f"--encode=zorv.{stream.stem}", "zorv.proto"]
+            done = subprocess.run(command, input=line.encode(), capture_output=True, timeout=60, check=False)
+            self.assertEqual(done.returncode, 0, (line, done.stderr))
+            self.assertNotEqual(done.stdout, b"", line)
 
 
 if __name__ == "__main__":

@@ -212,7 +212,7 @@ TEST(lines, do_not_look_at_what_does_not_fit) {
   EXPECT_EQ(zorv::write_line(stack, buffer, sizeof buffer).text, "labels: [0, 0, 0, 0, 0, 0, 0, 0, 0, 0...");
   srv6_prefix prefix{};
   prefix.field1 = elements.data();
-  prefix.field1_length = SIZE_MAX;
+  prefix.field1_length = SIZE_MAX / 4;
   prefix.presence = SRV6_PREFIX_HAS_FIELD1;
   EXPECT_EQ(zorv::write_line(prefix, buffer, sizeof buffer).text, "field1: \"\\000\\000\\000\\000\\000\\000\\000...");
   const fenced_block policies(20 * sizeof(api_policy));
