@@ -19,7 +19,7 @@ const zorv::owned<api_msg> &envelope() {
       field<&api_msg::p2p_auto_policy_request, &api_msg_p2p_auto_policy_request::policy,
             &api_msg_p2p_auto_policy::label_stack, &api_lbl_stack::labels> = {16, 24001},
       field<&api_msg::to_igp, &api_to_igp::aa_list, &api_aa_list::policies> =
-          zorv::elements(zorv::fields(field<&api_policy::field1> = "a\"\\\n\x01\x7f", field<&api_policy::field9> = -1),
+          zorv::elements(zorv::fields(field<&api_policy::field1> = "a'\"\\\n\x01\x7f", field<&api_policy::field9> = -1),
                          zorv::fields()),
       field<&api_msg::to_zorv, &api_to_zorv::intf> =
           zorv::fields(field<&api_intf::field1> = 4294967295u, field<&api_intf::field2> = "eth\xff"),
@@ -43,7 +43,7 @@ TEST(json, has_a_member_to_a_line) {
     "aa_list": {
       "policies": [
         {
-          "field1": "a\"\\\n\u0001)"
+          "field1": "a'\"\\\n\u0001)"
                                         "\x7f"
                                         R"(",
           "field9": -1
@@ -171,7 +171,8 @@ TEST(json, is_cut_to_buffers_of_every_size_and_reports_its_length) {
 
 constexpr std::string_view whole_line =
     "field1: 1 p2p_auto_policy_request { policy { label_stack { labels: [16, 24001] } } } to_igp { aa_list { "
-    "policies { field1: \"a\\\"\\\\\\012\\001\\177\" field9: -1 } policies { } } } to_zorv { intf { field1: 4294967295 "
+    "policies { field1: \"a\\'\\\"\\\\\\012\\001\\177\" field9: -1 } policies { } } } to_zorv { intf { field1: "
+    "4294967295 "
     "field2: \"eth\\377\" } } oam_req { field3: \"\\303\\244\" field6: \"\\000\\002\" } field15: false policy_reg { }";
 
 TEST(lines, have_the_text_form_of_printable_characters) {
