@@ -67,7 +67,8 @@ def shown(count):
 def numbers(pointer, count):
     """Bytes as numbers, because gdb would show characters."""
     content = gdb.selected_inferior().read_memory(int(pointer), shown(count)).tobytes()
-    integers = struct.pack(f"={len(content)}i", *content)
+    order = ">" if "big endian" in gdb.execute("show endian", to_string=True) else "<"
+    integers = struct.pack(f"{order}{len(content)}i", *content)
     return gdb.Value(integers, gdb.lookup_type("int").array(len(content) - 1))
 
 
