@@ -1,6 +1,7 @@
 // A fuzzing target for binary input: any input is refused, or gives bytes that survive a round trip through every form;
 // a stream is split into messages that do not overlap; for each message the walk agrees with the library, and every
-// byte is in exactly one row. The last byte of the input selects the form, the length prefix and the message type.
+// byte is in exactly one row; the readers that go on past failures take any message. The last byte of the input selects
+// the form, the length prefix and the message type.
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -9,11 +10,14 @@
 #include "byte_forms.hpp"
 #include "colour.hpp"
 #include "failure.hpp"
+#include "hex_html.hpp"
 #include "hex_text.hpp"
 #include "input.hpp"
 #include "messages.hpp"
 #include "property.hpp"
+#include "raw_text.hpp"
 #include "results.hpp"
+#include "surprise.hpp"
 #include "types.hpp"
 #include "walk.hpp"
 
@@ -33,6 +37,10 @@ void try_message(const message_type &type, byte_view message) {
     at = row.end;
   }
   require(at == message.size(), "every byte is in a row");
+  require(html_section({"input", type.name, message, rows}).ends_with("</section>\n"), "rows can be made into a page");
+  require(surprise_of(type, message).known <= message.size(), "no byte is known twice");
+  const raw_text raw = to_raw_text(message);
+  require(!raw.failure || raw.failure->offset <= message.size(), "a failure is inside the input");
   if (message.empty()) return;
   const byte_string again = parse_bytes(owned(hex_text(message, rows, painter(false))), byte_form::dump);
   require(std::ranges::equal(again, message), "annotated bytes can be read as a dump");
