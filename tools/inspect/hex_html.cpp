@@ -133,7 +133,7 @@ const char *class_of(const annotation &row, std::size_t index) {
   return "";
 }
 
-// Rows that are shown as one: mostly a single one, or the elements of a long list of numbers.
+// Rows that are shown as one: a single one, or the elements of a long list of numbers.
 using rows_view = std::span<const annotation>;
 
 constexpr std::size_t longest_open_list = 16;
