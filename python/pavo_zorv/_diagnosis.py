@@ -59,7 +59,7 @@ class _Reader:
                 _refuse(start, here, f"{about}: second run of a list; the first starts at offset {first[field.number]}")
             if field.number in first and field.kind in ("string", "bytes"):
                 _refuse(start, here, f"{about}: second occurrence; the first is at offset {first[field.number]}")
-            first.setdefault(field.number, start)
+            first[field.number] = start
             if field.is_list:
                 at = self.run(cls, field, at, end, here, about, container)
             else:

@@ -121,6 +121,16 @@ def test_values_of_every_kind():
     assert path.to_bytes() == unhex("0a 02 08 01 0a 02 10 02")
 
 
+@pytest.mark.parametrize("size, length", [
+    (0, "00"), (127, "7f"), (128, "80 01"), (4092, "fc 1f"), (4093, "fd 1f"), (4094, "fe 1f"), (4095, "ff 1f"),
+    (4096, "80 20"), (16383, "ff 7f"), (16384, "80 80 01"), (70000, "f0 a2 04")])
+def test_messages_of_any_length(size, length):
+    content = (bytes(range(256)) * 300)[:size]
+    encoded = b"\x0a" + unhex(length) + content
+    assert pavo_zorv.srv6_prefix(field1=content).to_bytes() == encoded
+    assert pavo_zorv.srv6_prefix.from_bytes(encoded).field1 == content
+
+
 def test_flags_are_bools():
     assert [name for name, field in pavo_zorv.srv6_sid_struct.fields.items() if field.kind == "flag"] == [
         "field1", "field2"]
@@ -362,6 +372,10 @@ def test_a_limit_bounds_the_memory():
     assert caught.value.name == "CODEC_ERR_NO_MEMORY"
     assert caught.value.offset is None
     assert str(caught.value) == "api_intf: CODEC_ERR_NO_MEMORY"
+    two = unhex("0a 02 61 62 32 01 63")
+    assert pavo_zorv.api_policy.from_bytes(two, limit=5).to_dict() == {"field1": "ab", "field6": "c"}
+    with pytest.raises(pavo_zorv.DecodeError):
+        pavo_zorv.api_policy.from_bytes(two, limit=4)
     prefix = unhex("0a 03 20 01 0d")
     assert pavo_zorv.srv6_prefix.from_bytes(prefix, limit=3).field1 == b"\x20\x01\x0d"
     with pytest.raises(pavo_zorv.DecodeError):
