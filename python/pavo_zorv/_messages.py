@@ -159,6 +159,10 @@ class _AbsentNested:
 _set_implicit = Base._implicit.__set__
 
 
+def _is_implicit(message):
+    return getattr(message, "_implicit", False)
+
+
 
 @functools.total_ordering
 class Message(Base):
@@ -169,6 +173,10 @@ class Message(Base):
     __hash__ = None
     fields = {}
 
+    def __init_subclass__(cls):
+        if cls.__module__ != "pavo_zorv":
+            raise TypeError("messages have no subclasses: the library makes messages of its own classes only")
+
     def __init__(self, **values):
         self._update(values, "")
 
@@ -177,6 +185,8 @@ class Message(Base):
             self._set(name, value, path)
 
     def _set(self, name, value, path):
+        if type(name) is not str:
+            raise TypeError("names of fields are strings")
         field = self.fields.get(name)
         if field is None:
             raise TypeError(f"{type(self).__name__} has no field {path}{name}")
@@ -185,6 +195,8 @@ class Message(Base):
             return
         value = _CHECKED[field.kind](field, value, path + name)
         if field.kind == "nested":
+            if _is_implicit(value) and vars(self).get(name) is not value:
+                value = value.copy()  # it continues to be absent where it comes from
             _set_implicit(value, False)
         vars(self)[name] = value
 

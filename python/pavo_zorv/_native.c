@@ -495,6 +495,11 @@ static PyObject *fill(codec *type, PyObject *made, PyObject *values) {
   Py_ssize_t position = 0, last = 0;
   PyObject *name, *value;
   while (PyDict_Next(values, &position, &name, &value)) {
+    // Any other name could have methods in Python, which change the dictionary.
+    if (!PyUnicode_CheckExact(name)) {
+      Py_DECREF(rest);
+      return PyErr_Format(PyExc_TypeError, "names of fields are strings");
+    }
     const row *const field = row_of(type, name, &last);
     PyObject *const ready = field != NULL ? ready_value(field, value) : NULL;
     int failure;
@@ -591,6 +596,7 @@ static PyObject *codec_decode(PyObject *self, PyObject *const *arguments, Py_ssi
   codec *const type = (codec *)self;
   if (count != 3) return PyErr_Format(PyExc_TypeError, "decode takes 3 arguments");
   const int reference = PyObject_IsTrue(arguments[1]);
+  if (reference < 0) return NULL;
   size_t limit = SIZE_MAX;
   if (arguments[2] != Py_None) {
     limit = PyLong_AsSize_t(arguments[2]);

@@ -186,6 +186,35 @@ def test_an_empty_nested_message_is_present_if_it_was_assigned_or_decoded():
     assert looked_at.to_bytes() == unhex("62 00")
 
 
+def test_an_absent_message_that_is_assigned_elsewhere_stays_absent():
+    one, other = pavo_zorv.api_msg(), pavo_zorv.api_msg()
+    other.to_zorv = one.to_zorv
+    assert other.has("to_zorv") and not one.has("to_zorv")
+    other.to_zorv.field3 = True
+    assert one == pavo_zorv.api_msg()
+
+
+def test_an_assigned_message_is_shared():
+    hop = pavo_zorv.api_exp_hop(field1=1)
+    path = pavo_zorv.api_exp_path(hops=[hop, hop])
+    hop.field1 = 2
+    assert path.to_bytes() == unhex("0a 02 08 02 0a 02 08 02")
+
+
+def test_messages_have_no_subclasses():
+    with pytest.raises(TypeError, match="messages have no subclasses"):
+        type("derived", (pavo_zorv.api_msg,), {})
+
+
+def test_names_of_fields_are_strings():
+    class Name(str):
+        pass
+
+    for wrong in ({1: 1}, {Name("field2"): 1}):
+        with pytest.raises(TypeError, match="names of fields are strings"):
+            pavo_zorv.api_policy(prefixes=[wrong])
+
+
 def test_lists_behave_as_lists():
     stack = pavo_zorv.api_lbl_stack()
     assert stack.labels == [] and not stack.has("labels") and stack.to_bytes() == b""
