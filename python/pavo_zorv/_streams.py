@@ -1,6 +1,6 @@
 """Streams in which each message follows its length: as a varint, or with 16 or 32 bits, the highest byte first."""
 
-from typing import List, Optional, Tuple, Union
+from typing import Iterator, Optional, Tuple, Union
 
 _Bytes = Union[bytes, bytearray, memoryview]
 
@@ -53,40 +53,40 @@ class Splitter:
         self._pending = bytearray()
         self._offset = 0  # of what is pending
 
-    def feed(self, data: _Bytes) -> List[bytes]:
-        """The messages that are complete with this piece, as a list of bytes."""
+    def feed(self, data: _Bytes) -> Iterator[bytes]:
+        """Takes a piece; the messages that are complete, one after the other. Those that are not asked for are returned
+        next time. StreamError comes after the messages before it."""
         self._pending += data
-        complete: List[bytes] = []
-        at = 0
-        try:
-            while (found := self._length(at)) is not None:
-                start, length = found
-                if length > self._limit:
-                    raise StreamError(f"a message of {length} bytes; the limit is {self._limit}", self._offset + at)
-                if len(self._pending) - start < length:
-                    break
-                complete.append(bytes(self._pending[start : start + length]))
-                at = start + length
-        finally:
-            del self._pending[:at]
-            self._offset += at
-        return complete
+        return self._messages()
+
+    def _messages(self) -> Iterator[bytes]:
+        while (found := self._length()) is not None:
+            start, length = found
+            if length > self._limit:
+                raise StreamError(f"a message of {length} bytes; the limit is {self._limit}", self._offset)
+            end = start + length
+            if len(self._pending) < end:
+                return
+            message = bytes(self._pending[start:end])
+            del self._pending[:end]
+            self._offset += end
+            yield message
 
     def close(self) -> None:
         """Says that the stream has ended: refused if it did so within a message."""
         if self._pending:
             raise StreamError(f"the stream ends within a message, after {len(self._pending)} bytes of it", self._offset)
 
-    def _length(self, at: int) -> Optional[Tuple[int, int]]:
-        """Where a message starts, and its length; None if the prefix is not complete."""
+    def _length(self) -> Optional[Tuple[int, int]]:
+        """Where the next message starts, and its length; None if the prefix is not complete."""
         if self._size is not None:
-            start = at + self._size
-            return (start, int.from_bytes(self._pending[at:start], "big")) if start <= len(self._pending) else None
+            prefix = self._pending[: self._size]
+            return (self._size, int.from_bytes(prefix, "big")) if len(prefix) == self._size else None
         value = 0
-        for i, byte in enumerate(self._pending[at : at + _LONGEST_VARINT]):
+        for i, byte in enumerate(self._pending[:_LONGEST_VARINT]):
             value |= (byte & 0x7F) << 7 * i
             if byte < 0x80:
-                return at + i + 1, value
-        if len(self._pending) - at >= _LONGEST_VARINT:
-            raise StreamError(f"a length of more than {_LONGEST_VARINT} bytes", self._offset + at)
+                return i + 1, value
+        if len(self._pending) >= _LONGEST_VARINT:
+            raise StreamError(f"a length of more than {_LONGEST_VARINT} bytes", self._offset)
         return None

@@ -24,7 +24,7 @@ def test_the_prefix(prefix, size, expected):
 
 def test_a_varint_is_the_usual_prefix():
     assert pavo_zorv.framed(b"\x08\x05") == b"\x02\x08\x05"
-    assert pavo_zorv.Splitter().feed(b"\x02\x08\x05") == [b"\x08\x05"]
+    assert list(pavo_zorv.Splitter().feed(b"\x02\x08\x05")) == [b"\x08\x05"]
 
 
 def test_what_is_too_long_for_its_prefix_is_refused():
@@ -58,7 +58,7 @@ def test_a_stream_may_be_cut_anywhere(prefix):
     ("be32", "00 00 00 01", 4)])
 def test_an_end_within_a_message_is_refused(prefix, stream, pending):
     splitter = pavo_zorv.Splitter(prefix)
-    assert splitter.feed(pavo_zorv.framed(b"abc", prefix) + bytes.fromhex(stream)) == [b"abc"]
+    assert list(splitter.feed(pavo_zorv.framed(b"abc", prefix) + bytes.fromhex(stream))) == [b"abc"]
     start = len(pavo_zorv.framed(b"abc", prefix))
     text = f"^offset {start}: the stream ends within a message, after {pending} bytes of it$"
     with pytest.raises(pavo_zorv.StreamError, match=text) as caught:
@@ -69,17 +69,26 @@ def test_an_end_within_a_message_is_refused(prefix, stream, pending):
 @pytest.mark.parametrize("prefix, hostile, offset", [
     ("varint", "01 41 65", 2), ("be16", "00 01 41 00 65", 3), ("be32", "00 00 00 01 41 ff ff ff ff", 5)])
 def test_a_length_above_the_limit_is_refused(prefix, hostile, offset):
-    splitter = pavo_zorv.Splitter(prefix, limit=100)
-    with pytest.raises(pavo_zorv.StreamError, match="; the limit is 100$") as caught:
-        splitter.feed(bytes.fromhex(hostile))
-    assert caught.value.offset == offset
-    assert len(pavo_zorv.Splitter(prefix, limit=100).feed(pavo_zorv.framed(bytes(100), prefix))) == 1
+    splitter, received = pavo_zorv.Splitter(prefix, limit=100), []
+    for piece in (bytes.fromhex(hostile), b""):
+        with pytest.raises(pavo_zorv.StreamError, match="; the limit is 100$") as caught:
+            received += splitter.feed(piece)
+        assert caught.value.offset == offset
+    assert received == [b"A"], "what comes before it is not lost"
+    assert list(pavo_zorv.Splitter(prefix, limit=100).feed(pavo_zorv.framed(bytes(100), prefix))) == [bytes(100)]
+
+
+def test_messages_that_are_not_asked_for_come_next_time():
+    splitter = pavo_zorv.Splitter()
+    assert next(splitter.feed(b"\x01A\x01B\x01")) == b"A"
+    splitter.feed(b"C")
+    assert list(splitter.feed(b"")) == [b"B", b"C"]
 
 
 def test_a_varint_without_end_is_refused():
     with pytest.raises(pavo_zorv.StreamError, match="^offset 0: a length of more than 5 bytes$"):
-        pavo_zorv.Splitter().feed(b"\x80" * 5)
-    assert pavo_zorv.Splitter().feed(b"\x80" * 4) == []
+        list(pavo_zorv.Splitter().feed(b"\x80" * 5))
+    assert not list(pavo_zorv.Splitter().feed(b"\x80" * 4))
 
 
 @pytest.mark.skipif(not INSPECT, reason="zorv-inspect is not built")
