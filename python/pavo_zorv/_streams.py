@@ -1,12 +1,12 @@
-"""Streams in which each message follows its length: as a varint, or with 16 or 32 bits, the highest byte first."""
+"""Streams in which each message follows its length."""
 
-from typing import Iterator, Optional, Tuple, Union
+from typing import Any, Iterator, Optional, Tuple, Union
 
 _Bytes = Union[bytes, bytearray, memoryview]
 
-# The sizes of the prefixes of fixed size; that of a varint is at most 5.
-_SIZES = {"varint": None, "be16": 2, "be32": 4}
-_LONGEST_VARINT = 5
+# The prefixes: a varint, or bytes in an order.
+_PREFIXES = {"varint": None, "be16": (2, "big"), "be32": (4, "big"), "le32": (4, "little")}
+_LONGEST_VARINT = 10
 
 
 class StreamError(ValueError):
@@ -17,20 +17,21 @@ class StreamError(ValueError):
         self.offset = offset
 
 
-def _require_prefix(prefix: str) -> None:
-    if prefix not in _SIZES:
-        raise ValueError(f"no prefix {prefix!r}; known: {', '.join(_SIZES)}")
+def _form(prefix: str) -> "Optional[Tuple[int, Any]]":
+    if prefix not in _PREFIXES:
+        raise ValueError(f"no prefix {prefix!r}; known: {', '.join(_PREFIXES)}")
+    return _PREFIXES[prefix]
 
 
 def framed(data: _Bytes, prefix: str = "varint") -> bytes:
-    """The data after its length: "varint", "be16" or "be32"."""
-    _require_prefix(prefix)
-    data, size = bytes(data), _SIZES[prefix]
-    if size is None:
+    """The data after its length: "varint", "be16", "be32" or "le32"."""
+    data, form = bytes(data), _form(prefix)
+    if form is None:
         return _varint(len(data)) + data
+    size, order = form
     if len(data) >> 8 * size:
         raise OverflowError(f"{len(data)} bytes are too long for {prefix}")
-    return len(data).to_bytes(size, "big") + data
+    return len(data).to_bytes(size, order) + data
 
 
 def _varint(value: int) -> bytes:
@@ -47,8 +48,7 @@ class Splitter:
     for it."""
 
     def __init__(self, prefix: str = "varint", limit: int = 1 << 20) -> None:
-        _require_prefix(prefix)
-        self._size = _SIZES[prefix]
+        self._form = _form(prefix)
         self._limit = limit
         self._pending = bytearray()
         self._offset = 0  # of what is pending
@@ -79,9 +79,10 @@ class Splitter:
 
     def _length(self) -> Optional[Tuple[int, int]]:
         """Where the next message starts, and its length; None if the prefix is not complete."""
-        if self._size is not None:
-            prefix = self._pending[: self._size]
-            return (self._size, int.from_bytes(prefix, "big")) if len(prefix) == self._size else None
+        if self._form is not None:
+            size, order = self._form
+            prefix = self._pending[:size]
+            return (size, int.from_bytes(prefix, order)) if len(prefix) == size else None
         value = 0
         for i, byte in enumerate(self._pending[:_LONGEST_VARINT]):
             value |= (byte & 0x7F) << 7 * i

@@ -9,14 +9,14 @@ import pytest
 import pavo_zorv
 
 INSPECT = os.environ.get("PAVO_ZORV_INSPECT")
-FORMS = ["varint", "be16", "be32"]
+FORMS = ["varint", "be16", "be32", "le32"]
 
 
 @pytest.mark.parametrize("prefix, size, expected", [
     ("varint", 0, "00"), ("varint", 1, "01"), ("varint", 127, "7f"), ("varint", 128, "80 01"),
     ("varint", 16384, "80 80 01"),
     ("be16", 0, "00 00"), ("be16", 258, "01 02"), ("be16", 65535, "ff ff"),
-    ("be32", 0, "00 00 00 00"), ("be32", 66051, "00 01 02 03"),
+    ("be32", 0, "00 00 00 00"), ("be32", 66051, "00 01 02 03"), ("le32", 66051, "03 02 01 00"),
 ])
 def test_the_prefix(prefix, size, expected):
     assert pavo_zorv.framed(bytes(size), prefix) == bytes.fromhex(expected) + bytes(size)
@@ -33,8 +33,8 @@ def test_what_is_too_long_for_its_prefix_is_refused():
 
 
 def test_a_prefix_that_is_not_known_is_refused():
-    for use in (lambda: pavo_zorv.framed(b"", "le32"), lambda: pavo_zorv.Splitter("le32")):
-        with pytest.raises(ValueError, match="no prefix 'le32'; known: varint, be16, be32"):
+    for use in (lambda: pavo_zorv.framed(b"", "le16"), lambda: pavo_zorv.Splitter("le16")):
+        with pytest.raises(ValueError, match="no prefix 'le16'; known: varint, be16, be32, le32"):
             use()
 
 
@@ -86,13 +86,14 @@ def test_messages_that_are_not_asked_for_come_next_time():
 
 
 def test_a_varint_without_end_is_refused():
-    with pytest.raises(pavo_zorv.StreamError, match="^offset 0: a length of more than 5 bytes$"):
-        list(pavo_zorv.Splitter().feed(b"\x80" * 5))
-    assert not list(pavo_zorv.Splitter().feed(b"\x80" * 4))
+    with pytest.raises(pavo_zorv.StreamError, match="^offset 0: a length of more than 10 bytes$"):
+        list(pavo_zorv.Splitter().feed(b"\x80" * 10))
+    assert not list(pavo_zorv.Splitter().feed(b"\x80" * 9))
+    assert list(pavo_zorv.Splitter().feed(b"\x81" + b"\x80" * 8 + b"\x00A")) == [b"A"], "more bytes than it needs"
 
 
 @pytest.mark.skipif(not INSPECT, reason="zorv-inspect is not built")
-@pytest.mark.parametrize("prefix", ["varint", "be32"])
+@pytest.mark.parametrize("prefix", ["varint", "be32", "le32"])
 def test_zorv_inspect_reads_the_stream(prefix):
     messages = [pavo_zorv.api_msg(field1=1), pavo_zorv.api_msg(),
                 pavo_zorv.api_msg(to_zorv={"intf": {"field2": "e" * 200}})]
