@@ -27,13 +27,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#if __has_include(<version>)
+#include <version>
+#endif
 #if defined(__cpp_lib_ranges)
 #include <ranges>
 #endif
@@ -186,9 +187,6 @@ struct member_types<Member Record::*> {
   using member = Member;
 };
 
-template <auto... Path>
-struct field_of_path;
-
 template <auto... Members>
 struct member_list {
   static constexpr std::size_t size = sizeof...(Members);
@@ -219,7 +217,7 @@ using members_after = member_list<Members...>;
   PAVO_ZORV_FIELD_(record, number, member, bytes, &::record::length)
 #define PAVO_ZORV_INTEGERS_(record, number, member, count) \
   PAVO_ZORV_FIELD_(record, number, member, integer_list, &::record::count)
-#define PAVO_ZORV_MESSAGES_(record, number, member, count, element) \
+#define PAVO_ZORV_MESSAGE_LIST_(record, number, member, count, element) \
   PAVO_ZORV_FIELD_(record, number, member, message_list, &::record::count)
 #define PAVO_ZORV_NESTED_(record, number, member, inner) PAVO_ZORV_FIELD_(record, number, member, nested, nullptr)
 #define PAVO_ZORV_SIMPLE_LISTED_(record, number, member) , &::record::member
@@ -229,7 +227,7 @@ using members_after = member_list<Members...>;
 #define PAVO_ZORV_RECORD_(message)                                                                               \
   PAVO_ZORV_FIELDS_OF_##message(                                                                                 \
       PAVO_ZORV_FLAG_, PAVO_ZORV_INTEGER_, PAVO_ZORV_STRING_, PAVO_ZORV_BYTES_, PAVO_ZORV_INTEGERS_,             \
-      PAVO_ZORV_MESSAGES_, PAVO_ZORV_NESTED_) template <>                                                        \
+      PAVO_ZORV_MESSAGE_LIST_, PAVO_ZORV_NESTED_) template <>                                                    \
   struct detail::fields_of<::message> {                                                                          \
     using type = members_after<nullptr PAVO_ZORV_FIELDS_OF_##message(                                            \
         PAVO_ZORV_SIMPLE_LISTED_, PAVO_ZORV_SIMPLE_LISTED_, PAVO_ZORV_SIMPLE_LISTED_, PAVO_ZORV_COUNTED_LISTED_, \
@@ -242,7 +240,7 @@ PAVO_ZORV_MESSAGES(PAVO_ZORV_RECORD_)
 #undef PAVO_ZORV_COUNTED_LISTED_
 #undef PAVO_ZORV_SIMPLE_LISTED_
 #undef PAVO_ZORV_NESTED_
-#undef PAVO_ZORV_MESSAGES_
+#undef PAVO_ZORV_MESSAGE_LIST_
 #undef PAVO_ZORV_INTEGERS_
 #undef PAVO_ZORV_BYTES_
 #undef PAVO_ZORV_STRING_
