@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/layout.hpp"
+#include "member_name.hpp"
 #include "messages/all.hpp"
 
 namespace {
@@ -67,15 +68,7 @@ constexpr const char *end = R"(
 #endif
 )";
 
-// The name of a member: a schema has none for the members that count elements, but the compiler does.
-template <auto Member>
-constexpr std::string_view name_of() {
-  constexpr std::string_view function = __PRETTY_FUNCTION__;
-  constexpr std::size_t first = function.find('&');
-  constexpr std::size_t begin = function.find("::", first) + 2;
-  return function.substr(begin, function.find_first_of(";]", begin) - begin);
-}
-static_assert(name_of<&api_lbl_stack::label_count>() == "label_count");
+static_assert(pavo_zorv::member_name<&api_lbl_stack::label_count>() == "label_count");
 
 template <class Record>
 void write_record(const char *record) {
@@ -91,7 +84,7 @@ void write_record(const char *record) {
   };
   constexpr std::size_t count = pavo_zorv::row_member_count<Record>;
   [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-    (write(name_of<std::get<Index>(pavo_zorv::row_members<Record>)>(), Index), ...);
+    (write(pavo_zorv::member_name<std::get<Index>(pavo_zorv::row_members<Record>)>(), Index), ...);
   }
   (std::make_index_sequence<count>{});
   write("presence", count);
