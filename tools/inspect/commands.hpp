@@ -8,12 +8,10 @@
 #include "colour.hpp"
 #include "failure.hpp"
 #include "json_form.hpp"
+#include "message_form.hpp"
 #include "messages.hpp"
 
 namespace inspect {
-
-// What `convert` reads and writes: bytes in some form, or a message as text.
-enum class message_form { automatic, raw, hex, dump, base64, as_json, as_text };
 
 enum class schema_form { proto, descriptor, as_json_schema };
 
