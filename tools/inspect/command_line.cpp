@@ -402,6 +402,8 @@ class command_line {
     add_output(converting);
     add_bytes(converting, "How bytes are given in JSON", bytes_form::length);
     add_octets(converting, "How lists of 8-bit numbers are written in JSON");
+
+    add_output(command("page", "Open the page that does all this in a browser, or write it to a file", page));
   }
 
   void add_completion() {

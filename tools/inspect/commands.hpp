@@ -46,5 +46,6 @@ exit_status segments(const command_options &options);
 exit_status guess_type(const command_options &options);
 exit_status convert(const command_options &options);
 exit_status index_stream(const command_options &options);
+exit_status page(const command_options &options);
 
 }  // namespace inspect
