@@ -48,7 +48,7 @@ export class BytesView {
       row.append(hex);
       characters += byte >= 0x20 && byte < 0x7f ? String.fromCharCode(byte) : ".";
     }
-    row.append(element("span", {className: "characters", ariaHidden: "true"}, characters));
+    row.append(element("span", {className: "characters", "aria-hidden": "true"}, characters));
     row.setAttribute("role", "listitem");
   }
 

@@ -53,7 +53,7 @@ export class SegmentsPanel {
 
   drawEntry(index, row) {
     const [name, depth, start, length, isReferenced] = this.entries[index];
-    const bar = element("span", {className: "bar", ariaHidden: "true"}, element("span"));
+    const bar = element("span", {className: "bar", "aria-hidden": "true"}, element("span"));
     bar.firstChild.style.marginLeft = isReferenced ? "0" : `${100 * start / this.length}%`;
     bar.firstChild.style.width = isReferenced ? "0" : `${100 * length / this.length}%`;
     row.append(span("number", String(index)), span("number", isReferenced ? "–" : String(start)), span("number", String(length)), bar,

@@ -77,7 +77,7 @@ export class TreeView {
     if (node === this.page.selected) row.classList.add("selected");
     if (this.hasNodes(node)) {
       row.setAttribute("aria-expanded", String(this.isOpen(node)));
-      row.append(element("span", {className: "fold", ariaHidden: "true"}, this.isOpen(node) ? "▾" : "▸"));
+      row.append(element("span", {className: "fold", "aria-hidden": "true"}, this.isOpen(node) ? "▾" : "▸"));
     } else {
       row.append(span("fold", ""));
     }
@@ -98,7 +98,7 @@ export class TreeView {
 
   presenceOf(node, words) {
     return element("input", {
-      type: "checkbox", checked: true, tabIndex: -1, className: "presence", ariaLabel: `${words.name} is present`,
+      type: "checkbox", checked: true, tabIndex: -1, className: "presence", "aria-label": `${words.name} is present`,
       title: "Present: clear to remove it",
     });
   }
@@ -118,7 +118,7 @@ export class TreeView {
   adding(node, words) {
     if (words?.state === "failed") return "";
     if (node !== root && this.message.get(node, "kind") === kinds.list) {
-      return element("button", {className: "add", tabIndex: -1, title: "Add an element", ariaLabel: "Add an element"}, "+");
+      return element("button", {className: "add", tabIndex: -1, title: "Add an element", "aria-label": "Add an element"}, "+");
     }
     const present = new Set();
     const end = node === root ? this.message.count : this.message.get(node, "next");
@@ -127,7 +127,7 @@ export class TreeView {
     }
     const absent = this.page.fieldsOf(words?.message ?? this.page.type).filter(field => !present.has(field.number));
     if (absent.length === 0) return "";
-    return element("select", {className: "add", tabIndex: -1, ariaLabel: "Add a field", title: "Fields that are absent"},
+    return element("select", {className: "add", tabIndex: -1, "aria-label": "Add a field", title: "Fields that are absent"},
         element("option", {value: ""}, `+ ${absent.length} absent`),
         ...absent.map(field => element("option", {value: field.number}, `${field.name} (${field.kind})`)));
   }
