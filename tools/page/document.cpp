@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "address.hpp"
 #include "annotate.hpp"
 #include "failure.hpp"
 #include "json_parse.hpp"
@@ -144,10 +145,14 @@ json_form document::form() const {
   return {.stopped = walked_.failure ? path_view(walked_.failure->path) : path_view{}};
 }
 
-nlohmann::ordered_json document::to_json() const { return content_.write(form()); }
+nlohmann::ordered_json document::to_json() const {
+  json_form shown = form();
+  shown.octets = octets_form::address;
+  return content_.to_json(shown);
+}
 
 void document::place_in_json() {
-  json_ = to_text(to_json());
+  json_ = content_.to_text(form());
   if (json_.size() > INT32_MAX) throw input_error("the JSON has more than 2147483647 bytes");
   json_places places(json_);
   // The last occurrence of a field is the one that counts.
@@ -232,66 +237,74 @@ std::size_t document::elements_of(const tree_node &list) const {
 
 nlohmann::ordered_json document::describe(std::size_t first, std::size_t count) const {
   json described = json::array();
-  first = std::min(first, nodes_.size());
-  const std::size_t last = first + std::min(count, nodes_.size() - first);
-  if (first == last) return described;
-
-  // The rows of these nodes, after those of the messages that they are in; what was not read follows the last field.
-  walk part;
-  const auto row_of = [&](const tree_node &node) { return static_cast<std::size_t>(node.row); };
-  std::vector<walked_field> outer;
-  std::size_t begin = row_of(nodes_[first]);
-  if (begin == walked_.fields.size() && begin != 0) --begin;
-  for (const walked_field *each = begin < walked_.fields.size() ? &walked_.fields[begin] : nullptr; each != nullptr;) {
-    const walked_field *container = nullptr;
-    if (each->depth != 0) {
-      for (container = each; container->depth >= each->depth; --container) {
-      }
-      outer.insert(outer.begin(), *container);
-    }
-    each = container;
-  }
-  part.fields = outer;
-  const bool has_rest = nodes_[last - 1].kind == node_kind::rest;
-  const std::size_t end = has_rest ? walked_.fields.size() : row_of(nodes_[last - 1]) + 1;
-  for (std::size_t row = begin; row < end; ++row) part.fields.push_back(walked_.fields[row]);
-  if (has_rest) part.failure = walked_.failure;
-  const std::vector<annotation> rows = annotate(bytes_, part);
-
-  for (std::size_t node = first; node < last; ++node) {
-    const tree_node &here = nodes_[node];
-    const std::size_t row =
-        here.kind == node_kind::rest ? rows.size() - (nodes_.size() - node) : outer.size() + row_of(here) - begin;
-    described.push_back(description_of(here, rows[row]));
+  for (std::size_t node = first; node < nodes_.size() && node - first < count; ++node) {
+    described.push_back(description_of(node));
   }
   return described;
 }
 
-nlohmann::ordered_json document::description_of(const tree_node &node, const annotation &row) const {
-  json text{{"state", state_name(row.state)}, {"name", row.name}, {"kind", row.kind}, {"meaning", row.meaning}};
-  if (node.kind == node_kind::list) {
-    const field_info &field = *field_at(node).field;
-    const std::size_t count = elements_of(node);
+// By itself, after the messages that it is in: several nodes may be one row of `hex`.
+annotation document::row_of(std::size_t node) const {
+  const tree_node &here = nodes_[node];
+  walk part;
+  if (here.kind == node_kind::rest) {
+    if (!walked_.fields.empty()) {
+      // What was read before, as if it were not inside anything.
+      part.fields.push_back(walked_.fields.back());
+      part.fields.back().depth = 0;
+    }
+    part.failure = walked_.failure;
+    return annotate(bytes_, part)[part.fields.size() + node - first_rest()];
+  }
+  for (std::int32_t outer = here.parent; outer >= 0; outer = nodes_[static_cast<std::size_t>(outer)].parent) {
+    const tree_node &container = nodes_[static_cast<std::size_t>(outer)];
+    if (container.kind == node_kind::field) part.fields.insert(part.fields.begin(), field_at(container));
+  }
+  part.fields.push_back(field_at(here));
+  return annotate(bytes_, part).back();
+}
+
+std::size_t document::first_rest() const {
+  return nodes_.size() - (nodes_.size() > 1 && nodes_[nodes_.size() - 2].kind == node_kind::rest ? 2 : 1);
+}
+
+nlohmann::ordered_json document::description_of(std::size_t node) const {
+  const tree_node &here = nodes_[node];
+  const annotation words = row_of(node);
+  json text{{"state", state_name(words.state)}, {"name", words.name}, {"kind", words.kind}, {"meaning", words.meaning}};
+  if (here.kind == node_kind::list) {
+    const field_info &field = *field_at(here).field;
+    const std::size_t count = elements_of(here);
     text["state"] = state_name(row_state::plain);
     text["name"] = field.name;
     text["kind"] = inspect::describe(field);
     text["meaning"] = fmt::format(": {} element{}", count, count == 1 ? "" : "s");
   } else {
-    text["key"] = row.key;
-    text["remarks"] = row.remarks;
-    text["roles"] = letters_of(row.roles);
+    text["key"] = words.key;
+    text["remarks"] = words.remarks;
+    text["roles"] = letters_of(words.roles);
   }
-  text["parent"] = row.parent;
-  if (node.kind == node_kind::rest) return text;
-  if (const field_info *const field = field_at(node).field; field != nullptr) {
-    constexpr std::int32_t most_text = 4096;  // longer values are edited in the JSON
-    text["number"] = field->number;
-    if (field->nested != nullptr && node.kind == node_kind::field) text["message"] = field->nested->name;
-    if (field->nested == nullptr && node.json_end - node.json_start <= most_text) {
-      text["value"] = json_.substr(static_cast<std::size_t>(node.json_start),
-                                   static_cast<std::size_t>(node.json_end - node.json_start));
+  text["parent"] = words.parent;
+  if (here.kind == node_kind::rest) return text;
+  const field_info *const field = field_at(here).field;
+  if (field == nullptr) return text;
+  constexpr std::int32_t most_text = 4096;  // longer values are edited in the JSON
+  text["number"] = field->number;
+  text["removable"] = here.json_end != 0;
+  if (field->nested != nullptr && here.kind == node_kind::field) text["message"] = field->nested->name;
+  if (field->nested == nullptr && here.json_end != 0 && here.json_end - here.json_start <= most_text) {
+    text["value"] = json_.substr(static_cast<std::size_t>(here.json_start),
+                                 static_cast<std::size_t>(here.json_end - here.json_start));
+  }
+  if (here.kind == node_kind::list && field->width == 1 && is_address_size(elements_of(here))) {
+    byte_string bytes;
+    for (std::size_t row = 0; row < elements_of(here); ++row) {
+      bytes.push_back(static_cast<unsigned char>(walked_.fields[static_cast<std::size_t>(here.row) + row].number));
     }
-    text["removable"] = node.json_end != 0;
+    text["value"] = fmt::format("\"{}\"", address_text(bytes));
+  }
+  if (field->kind == kind::integer && field->width == 4 && is_address_name(field->name)) {
+    text["address"] = address_text(static_cast<std::uint32_t>(field_at(here).number));
   }
   return text;
 }

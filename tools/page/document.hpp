@@ -54,6 +54,7 @@ class document {
   // What has been read; after a failure, what had been read before it.
   const std::string &json_text() const { return json_; }
 
+  // The same with addresses as addresses, to compare.
   nlohmann::ordered_json to_json() const;
 
   // What the page says about the whole, and about some of the nodes.
@@ -79,7 +80,9 @@ class document {
   }
   const tree_node &placed(std::size_t node) const;
   std::size_t elements_of(const tree_node &list) const;
-  nlohmann::ordered_json description_of(const tree_node &node, const annotation &row) const;
+  annotation row_of(std::size_t node) const;
+  std::size_t first_rest() const;
+  nlohmann::ordered_json description_of(std::size_t node) const;
   std::string replaced(std::int32_t start, std::int32_t end, std::string_view by) const;
 
   const message_type &type_;

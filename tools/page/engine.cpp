@@ -73,7 +73,8 @@ const char *words_of(fit fit) {
 
 text_place place_of(const text_error &error) {
   if (being_read.empty()) return {fmt::format("{}{}{}", error.path, error.path.empty() ? "" : ": ", error.what()), -1};
-  return {with_position(error, being_read).what(), static_cast<std::int32_t>(std::min(error.at, being_read.size()))};
+  return {with_position(error, being_read, "").what(),
+          static_cast<std::int32_t>(std::min(error.at, being_read.size()))};
 }
 
 // --- Memory ---
