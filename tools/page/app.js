@@ -6,7 +6,7 @@ import {byId, element} from "./elements.js";
 import {JsonView} from "./json_view.js";
 import {Message} from "./message.js";
 import {Outputs, messageIn} from "./outputs.js";
-import {DifferencesPanel, FailurePanel, SegmentsPanel} from "./panels.js";
+import {DifferencesPanel, FailurePanel, MessagesPanel, SegmentsPanel} from "./panels.js";
 import {bytesOf} from "./text.js";
 import {TreeView} from "./tree_view.js";
 
@@ -25,6 +25,7 @@ class Page {
     this.descriptions = new Descriptions(this.client, () => this.redraw());
     this.views = [new BytesView(this), new TreeView(this), new JsonView(this)];
     this.failure = new FailurePanel(this);
+    this.messages = new MessagesPanel(this);
     this.segments = new SegmentsPanel(this);
     this.differences = new DifferencesPanel(this);
     new Outputs(this);
@@ -115,17 +116,24 @@ class Page {
       if (form === "auto") form = await this.client.call("formOf", input);
       const isText = form === "json" || form === "text";
       if (isText) type ||= await this.typeOfText(input, form === "json");
-      const bytes = isText ? await this.client.call("encode", type, input, form === "json")
-                           : await this.client.call("bytesOf", input, form === "bytes" ? "auto" : form);
-      const guessed = await this.client.call("guess", bytes);
-      this.showTypes(guessed);
-      type ||= guessed[0].name;
-      if (byId("second").checked && this.message) await this.compareWith(type, bytes);
-      else await this.open(type, bytes);
+      const found = isText
+          ? {messages: [{bytes: await this.client.call("encode", type, input, form === "json"), isSingle: true}], notes: ""}
+          : await this.client.call("messagesIn", input, form === "bytes" ? "auto" : form, byId("stream").value,
+              Number(byId("port").value));
+      this.messages.show(found, type);
       this.say("");
+      if (found.messages.length > 0) await this.openMessage(found.messages[0].bytes, type);
     } catch (error) {
       this.say(error.message);
     }
+  }
+
+  async openMessage(bytes, type) {
+    const guessed = await this.client.call("guess", bytes);
+    this.showTypes(guessed);
+    type ||= guessed[0].name;
+    if (byId("second").checked && this.message) await this.compareWith(type, bytes);
+    else await this.open(type, bytes);
   }
 
   // The outermost of those that it can be: a message comes after those that it contains.

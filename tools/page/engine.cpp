@@ -19,6 +19,7 @@
 #include "json_lines.hpp"
 #include "json_parse.hpp"
 #include "message_form.hpp"
+#include "messages.hpp"
 #include "rest.hpp"
 #include "segment_table.hpp"
 #include "text_format.hpp"
@@ -30,7 +31,10 @@ namespace {
 
 std::unique_ptr<document> held[2];
 byte_string result;
-byte_view being_read;  // the text in which an error has its place
+std::unique_ptr<message_source> source;  // of the messages in an input
+byte_string last_message;                // of them
+std::string notes;                       // about them
+byte_view being_read;                    // the text in which an error has its place
 
 const document &held_at(std::uint32_t place) {
   if (place > 1 || !held[place]) throw input_error("no message is open");
@@ -77,6 +81,8 @@ text_place place_of(const text_error &error) {
           static_cast<std::int32_t>(std::min(error.at, being_read.size()))};
 }
 
+void note(std::string_view text) { notes += text; }
+
 // --- Memory ---
 
 EXPORTED(allocate) void *allocate(std::size_t size) { return std::malloc(size); }
@@ -119,6 +125,33 @@ EXPORTED(bytes_of) void bytes_of(const unsigned char *data, std::size_t size, st
   give_bytes(parse_bytes(byte_string(data, data + size), static_cast<byte_form>(form)));
 }
 
+// An input that may be one message or many. `stream` is a prefix_form; a port of 0 is any.
+EXPORTED(open_input)
+void open_input(const unsigned char *data, std::size_t size, std::uint32_t form, std::uint32_t stream,
+                std::uint32_t port) {
+  notes.clear();
+  input_options options;
+  options.input = static_cast<byte_form>(form);
+  options.stream = static_cast<prefix_form>(stream);
+  if (port != 0) options.port = port;
+  source = open_messages(std::make_unique<input_file>("the input", byte_string(data, data + size)), options);
+}
+
+// What is known about the next message of the input; null at the end. Its bytes are those of `input_bytes`.
+EXPORTED(next_input) void next_input() {
+  input_message next;
+  if (!source || !source->next(next)) return give_json(nullptr);
+  last_message.assign(next.bytes.begin(), next.bytes.end());
+  const packet_origin origin = next.packet.value_or(packet_origin{});
+  give_json({{"number", next.number},
+             {"isSingle", next.is_single},
+             {"time", origin.time},
+             {"from", origin.from},
+             {"to", origin.to}});
+}
+EXPORTED(input_bytes) void input_bytes() { give_bytes(last_message); }
+EXPORTED(input_notes) void input_notes() { give_text(notes); }
+
 // The bytes of a message that is given as JSON or in the text form.
 EXPORTED(encode)
 void encode(const char *name, std::size_t name_size, const unsigned char *data, std::size_t size, bool is_json) {
@@ -144,8 +177,9 @@ EXPORTED(guess_types) void guess_types(const unsigned char *data, std::size_t si
 
 // --- A message ---
 
-EXPORTED(open)
-void open(std::uint32_t place, const char *name, std::size_t name_size, const unsigned char *data, std::size_t size) {
+EXPORTED(open_message)
+void open_message(std::uint32_t place, const char *name, std::size_t name_size, const unsigned char *data,
+                  std::size_t size) {
   held[place & 1] = std::make_unique<document>(type_named(characters(name, name_size)), byte_string(data, data + size));
   give_json(held_at(place & 1).summary());
 }
@@ -196,12 +230,12 @@ EXPORTED(differences_of_both) void differences_of_both() {
   give_json(json{{"order", a.content().compare(b.content())}, {"differences", list}});
 }
 
-// In a form of bytes, or 5 the text form, 6 source in C, 7 the annotated bytes.
+// In a form of bytes, or 16 the text form, 17 source in C, 18 the annotated bytes.
 EXPORTED(written) void written(std::uint32_t place, std::uint32_t form) {
   const document &from = held_at(place);
-  if (form == 5) return give_text(to_text_format(from.type(), from.bytes()));
-  if (form == 6) return give_text(c_source(from.type(), from.content()));
-  if (form == 7) return give_text(hex_text(from.bytes(), annotate(from.bytes(), from.walked()), painter(false)));
+  if (form == 16) return give_text(to_text_format(from.type(), from.bytes()));
+  if (form == 17) return give_text(c_source(from.type(), from.content()));
+  if (form == 18) return give_text(hex_text(from.bytes(), annotate(from.bytes(), from.walked()), painter(false)));
   give_text(format_bytes(from.bytes(), static_cast<byte_form>(form)));
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "node.hpp"
 
@@ -14,5 +15,8 @@ struct text_place {
   std::int32_t at;
 };
 text_place place_of(const text_error &error);
+
+// What is printed on the standard error, which the page shows.
+void note(std::string_view text);
 
 }  // namespace inspect

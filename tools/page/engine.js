@@ -3,7 +3,10 @@
 import {bytesOf, textOf} from "./text.js";
 
 // Forms of bytes and text, as the module numbers them.
-export const forms = {auto: 0, raw: 1, hex: 2, dump: 3, base64: 4, text: 5, c: 6, annotated: 7};
+export const forms = {auto: 0, raw: 1, hex: 2, dump: 3, base64: 4, pcap: 5, text: 16, c: 17, annotated: 18};
+
+// How a stream is cut into messages.
+export const streams = ["none", "varint", "be32", "le32", "lines"];
 
 // The numbers of one node of the tree, in their order.
 export const nodeFields =
@@ -75,7 +78,7 @@ export class Engine {
     this.instance = new Instance(this.module);
     this.opened.forEach((message, place) => {
       try {
-        if (message) this.instance.call("open", place, message.type, message.bytes);
+        if (message) this.instance.call("open_message", place, message.type, message.bytes);
       } catch {
         this.opened[place] = null;
         this.instance = new Instance(this.module);
@@ -89,10 +92,25 @@ export class Engine {
   bytesOf(bytes, form = "auto") { return this.call("bytes_of", bytes, forms[form]); }
   encode(type, text, isJson = true) { return this.call("encode", type, text, isJson); }
 
+  // The messages in an input, and what there is to say about what was left out.
+  messagesIn(bytes, form = "auto", stream = "none", port = 0) {
+    const messages = [];
+    try {
+      this.call("open_input", bytes, forms[form], streams.indexOf(stream), port);
+      for (let known; (known = jsonOf(this.call("next_input"))) !== null;) {
+        messages.push({...known, bytes: this.call("input_bytes")});
+      }
+      return {messages, notes: textOf(this.call("input_notes")).trim()};
+    } catch (error) {
+      if (messages.length === 0) throw error;
+      return {messages, notes: error.message};
+    }
+  }
+
   // A message for one of the two places: what the page says about it, its nodes and its JSON.
   open(place, type, bytes) {
     this.opened[place] = null;
-    const summary = jsonOf(this.call("open", place, type, bytes));
+    const summary = jsonOf(this.call("open_message", place, type, bytes));
     this.opened[place] = {type, bytes};
     return {
       summary,

@@ -30,6 +30,56 @@ export class FailurePanel {
   }
 }
 
+// The messages of a stream or a capture, to choose one from.
+export class MessagesPanel {
+  constructor(page) {
+    this.page = page;
+    this.messages = [];
+    this.list = new RowList(byId("messages"), (index, row) => this.drawMessage(index, row));
+    byId("messages").addEventListener("click", event => {
+      const row = event.target.closest("[data-index]");
+      if (row) this.choose(Number(row.dataset.index));
+    });
+    byId("messages").addEventListener("keydown", event => {
+      const step = {ArrowDown: 1, ArrowUp: -1}[event.key];
+      const next = this.chosen + step;
+      if (step === undefined || !(next in this.messages)) return;
+      event.preventDefault();
+      this.choose(next);
+    });
+  }
+
+  // What an input holds, read as a type, or each as what it seems to be.
+  show({messages, notes}, type) {
+    this.messages = messages;
+    this.type = type;
+    this.chosen = 0;
+    const isSingle = messages.length === 1 && messages[0].isSingle;
+    byId("messages-panel").hidden = isSingle || messages.length + notes.length === 0;
+    byId("messages-summary").textContent =
+        `${messages.length} message${messages.length === 1 ? "" : "s"}${notes ? `; ${notes}` : ""}`;
+    this.list.setCount(messages.length);
+  }
+
+  async choose(index) {
+    this.chosen = index;
+    this.list.reveal(index);
+    this.list.redraw();
+    await this.page.openMessage(this.messages[index].bytes, this.type);
+  }
+
+  drawMessage(index, row) {
+    const {number, time, from, to, bytes} = this.messages[index];
+    row.dataset.index = index;
+    if (index === this.chosen) row.classList.add("selected");
+    row.append(element("button", {className: "link number"}, String(number)));
+    if (time) row.append(span("faint", time));
+    if (from) row.append(span("name", `${from} > ${to}`));
+    row.append(span("", `${bytes.length} byte${bytes.length === 1 ? "" : "s"}`));
+    row.setAttribute("role", "listitem");
+  }
+}
+
 export class SegmentsPanel {
   constructor(page) {
     this.page = page;

@@ -44,14 +44,27 @@ void __cxa_throw(void *thrown, std::type_info *type, void *(*)(void *)) {
   page_fail(text.data(), text.size(), -1);
 }
 
-// There are no files, no environment and no process: what the C library would import, because it could print, fails.
+// There are no files, no environment and no process: what the C library would import for them fails. What is printed
+// becomes a note.
 constexpr std::int32_t not_there = __WASI_ERRNO_NOSYS;
 #define IMPORTED(name) __imported_wasi_snapshot_preview1_##name
 std::int32_t IMPORTED(environ_get)(std::int32_t, std::int32_t) { return not_there; }
 std::int32_t IMPORTED(environ_sizes_get)(std::int32_t, std::int32_t) { return not_there; }
 std::int32_t IMPORTED(fd_close)(std::int32_t) { return not_there; }
+std::int32_t IMPORTED(fd_fdstat_get)(std::int32_t, std::int32_t) { return not_there; }
+std::int32_t IMPORTED(fd_read)(std::int32_t, std::int32_t, std::int32_t, std::int32_t) { return not_there; }
 std::int32_t IMPORTED(fd_seek)(std::int32_t, std::int64_t, std::int32_t, std::int32_t) { return not_there; }
-std::int32_t IMPORTED(fd_write)(std::int32_t, std::int32_t, std::int32_t, std::int32_t) { return not_there; }
+std::int32_t IMPORTED(clock_time_get)(std::int32_t, std::int64_t, std::int32_t) { return not_there; }
 void IMPORTED(proc_exit)(std::int32_t) { __builtin_trap(); }
+
+std::int32_t IMPORTED(fd_write)(std::int32_t, const __wasi_ciovec_t *pieces, std::int32_t count,
+                                __wasi_size_t *written) {
+  *written = 0;
+  for (std::int32_t index = 0; index < count; ++index) {
+    inspect::note({reinterpret_cast<const char *>(pieces[index].buf), pieces[index].buf_len});
+    *written += pieces[index].buf_len;
+  }
+  return __WASI_ERRNO_SUCCESS;
+}
 
 }  // extern "C"
