@@ -184,6 +184,9 @@ class command_line {
   // Options that the command does not have, and operands beyond those that it takes.
   void refuse_what_is_left() const {
     for (const std::string &each : selected_->remaining()) {
+      if (!each.starts_with('-')) {
+        throw usage_error(fmt::format("{}: unexpected argument; {} takes none", each, selected_->get_name()));
+      }
       const std::string given = each.substr(0, each.find('='));
       const std::vector<std::string> options = long_options(*selected_);
       const std::vector<std::string_view> names(options.begin(), options.end());
@@ -403,7 +406,10 @@ class command_line {
     add_bytes(converting, "How bytes are given in JSON", bytes_form::length);
     add_octets(converting, "How lists of 8-bit numbers are written in JSON");
 
-    add_output(command("page", "Open the page that does all this in a browser, or write it to a file", page));
+    CLI::App *const opening =
+        command("page", "Open the page that does all this in a browser, or write it to a file", page);
+    add_output(opening);
+    most_operands_[opening] = 0;
   }
 
   void add_completion() {
