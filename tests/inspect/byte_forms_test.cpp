@@ -177,6 +177,7 @@ stream_content content_of(byte_string stream, prefix_form form, input_options op
 
 TEST(a_stream, is_split_at_its_prefixes) {
   EXPECT_EQ(content_of(test::hex("02 08 31 00 01 08"), prefix_form::varint), (stream_content{{2, 0, 1}, ""}));
+  EXPECT_EQ(content_of(test::hex("0002 0831 0000"), prefix_form::be16), (stream_content{{2, 0}, ""}));
   EXPECT_EQ(content_of(test::hex("00000002 0831 00000000"), prefix_form::be32), (stream_content{{2, 0}, ""}));
   EXPECT_EQ(content_of(test::hex("02000000 0831 00000000"), prefix_form::le32), (stream_content{{2, 0}, ""}));
   EXPECT_EQ(content_of({}, prefix_form::varint), (stream_content{{}, ""}));
@@ -197,6 +198,9 @@ TEST(a_stream, that_is_cut_off_gives_the_messages_before) {
             "input: message 0 of the stream, at offset 0: length 4294967295 exceeds the 0 bytes left");
   EXPECT_EQ(content_of(test::hex("ff ff ff ff ff ff ff ff ff ff 01 00"), prefix_form::varint).failure,
             "input: message 0 of the stream, at offset 0: the length prefix is cut off or invalid");
+  EXPECT_EQ(content_of(test::hex("80 80 80 80 80 80 80 80 80 02"), prefix_form::varint).failure,
+            "input: message 0 of the stream, at offset 0: the length prefix is cut off or invalid")
+      << "more than 64 bits";
 }
 
 TEST(a_stream, may_begin_and_end_within_the_input) {
@@ -239,9 +243,13 @@ TEST(lines, are_messages_unless_they_are_empty_or_comments) {
 }
 
 TEST(a_prefix, is_written_as_it_is_read) {
-  for (const prefix_form form : {prefix_form::varint, prefix_form::be32, prefix_form::le32}) {
+  for (const prefix_form form : {prefix_form::varint, prefix_form::be16, prefix_form::be32, prefix_form::le32}) {
     for (const std::size_t length : {0u, 1u, 127u, 128u, 300u, 70000u}) {
       byte_string stream;
+      if (form == prefix_form::be16 && length == 70000) {
+        EXPECT_THROW(append_prefix(stream, length, form), input_error);
+        continue;
+      }
       append_prefix(stream, length, form);
       const std::size_t size = stream.size();
       stream.resize(size + length);
@@ -250,9 +258,10 @@ TEST(a_prefix, is_written_as_it_is_read) {
   }
   byte_string stream;
   append_prefix(stream, 300, prefix_form::varint);
+  append_prefix(stream, 300, prefix_form::be16);
   append_prefix(stream, 300, prefix_form::be32);
   append_prefix(stream, 300, prefix_form::le32);
-  EXPECT_EQ(stream, test::hex("ac 02 00 00 01 2c 2c 01 00 00"));
+  EXPECT_EQ(stream, test::hex("ac 02 01 2c 00 00 01 2c 2c 01 00 00"));
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ const choices<message_form> message_forms{{"auto", message_form::automatic}, {"r
                                           {"base64", message_form::base64},  {"json", message_form::as_json},
                                           {"text", message_form::as_text}};
 const choices<prefix_form> prefix_forms{{"varint", prefix_form::varint},
+                                        {"be16", prefix_form::be16},
                                         {"be32", prefix_form::be32},
                                         {"le32", prefix_form::le32},
                                         {"lines", prefix_form::lines}};

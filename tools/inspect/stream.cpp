@@ -2,50 +2,45 @@
 #include "stream.hpp"
 
 #include "failure.hpp"
+#include "pavo_zorv_framing.h"
 
 namespace inspect {
 namespace {
 
-first_message with_length(byte_view stream, std::size_t start, std::uint64_t length) {
-  const bool is_complete = length <= stream.size() - start;
-  return {is_complete ? first_message::complete : first_message::incomplete, start, length};
-}
-
-first_message after_varint(byte_view stream) {
-  std::uint64_t length = 0;
-  for (std::size_t index = 0; index < stream.size(); ++index) {
-    if (index == 10) return {first_message::invalid};
-    length |= std::uint64_t{stream[index] & 0x7fu} << 7 * index;
-    if (stream[index] < 0x80) return with_length(stream, index + 1, length);
+pavo_zorv_prefix library_form(prefix_form form) {
+  switch (form) {
+    case prefix_form::be16:
+      return PAVO_ZORV_PREFIX_BE16;
+    case prefix_form::be32:
+      return PAVO_ZORV_PREFIX_BE32;
+    case prefix_form::le32:
+      return PAVO_ZORV_PREFIX_LE32;
+    default:
+      return PAVO_ZORV_PREFIX_VARINT;
   }
-  return {first_message::cut_prefix};
-}
-
-first_message after_32_bits(byte_view stream, bool is_big_endian) {
-  if (stream.size() < 4) return {first_message::cut_prefix};
-  std::uint64_t length = 0;
-  for (std::size_t index = 0; index < 4; ++index) length = length << 8 | stream[is_big_endian ? index : 3 - index];
-  return with_length(stream, 4, length);
 }
 
 }  // namespace
 
 first_message first_message_of(byte_view stream, prefix_form form) {
-  return form == prefix_form::varint ? after_varint(stream) : after_32_bits(stream, form == prefix_form::be32);
+  pavo_zorv_frame frame;
+  const int result = pavo_zorv_frame_read(&frame, library_form(form), stream.data(), stream.size(), UINT64_MAX);
+  if (result < 0) return {first_message::invalid};
+  if (frame.prefix == 0) return {first_message::cut_prefix};
+  const bool is_complete = result == PAVO_ZORV_FRAME_COMPLETE;
+  return {is_complete ? first_message::complete : first_message::incomplete, frame.prefix, frame.length};
 }
 
 void append_prefix(byte_string &stream, std::size_t length, prefix_form form) {
   if (form == prefix_form::none || form == prefix_form::lines) return;
-  if (form == prefix_form::varint) {
-    for (; length >= 0x80; length >>= 7) stream.push_back(static_cast<unsigned char>(length | 0x80));
-    stream.push_back(static_cast<unsigned char>(length));
-    return;
+  unsigned char prefix[PAVO_ZORV_PREFIX_SIZE];
+  const std::size_t size = pavo_zorv_prefix_write(prefix, library_form(form), length);
+  if (size == 0) {
+    throw input_error(form == prefix_form::be16
+                          ? "a message of more than 65535 bytes cannot have a 16-bit length prefix"
+                          : "a message of more than 4294967295 bytes cannot have a 32-bit length prefix");
   }
-  if (length > 0xffffffff)
-    throw input_error("a message of more than 4294967295 bytes cannot have a 32-bit length prefix");
-  for (unsigned index = 0; index < 4; ++index) {
-    stream.push_back(static_cast<unsigned char>(length >> 8 * (form == prefix_form::be32 ? 3 - index : index)));
-  }
+  stream.insert(stream.end(), prefix, prefix + size);
 }
 
 }  // namespace inspect

@@ -11,6 +11,7 @@ namespace inspect {
 enum class prefix_form {
   none,
   varint,  // as Protocol Buffers libraries write "delimited" messages
+  be16,    // 16 bits, big-endian
   be32,    // 32 bits, big-endian
   le32,    // 32 bits, little-endian
   lines,   // no prefixes: a message is a line of text
