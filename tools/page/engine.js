@@ -6,7 +6,7 @@ import {bytesOf, textOf} from "./text.js";
 export const forms = {auto: 0, raw: 1, hex: 2, dump: 3, base64: 4, pcap: 5, text: 16, c: 17, annotated: 18};
 
 // How a stream is cut into messages.
-export const streams = ["none", "varint", "be32", "le32", "lines"];
+export const streams = ["none", "varint", "be16", "be32", "le32", "lines"];
 
 // The numbers of one node of the tree, in their order.
 export const nodeFields =
