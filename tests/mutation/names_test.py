@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The names of mutants in equivalent.txt: they outlive what does not change the code, and nothing else."""
+"""The names of mutants in equivalent.txt, which outlive what does not change the code, and nothing else; and which
+mutants are wrong where many are compiled at a time."""
 import importlib.machinery
 import importlib.util
 import pathlib
@@ -115,6 +116,23 @@ class EquivalentsFile(unittest.TestCase):
             "  Value read", "  bool two(std::size_t size) const { return size <= left; }\n\n  Value read")
         stale, text = self.tidied(self.TEXT, code)
         self.assertEqual((stale, text), (1, self.TEXT.replace("  fits: return _ [-<=-]{+<+} _;\n", "")))
+
+
+class WrongOwners(unittest.TestCase):
+    OWNERS = {9: 1, 10: 2, 19: 3}  # by index, so lines 10, 11 and 20
+    IN_PLACE = "source/core/file.hpp:10:3: error: expected statement\n"
+    ELSEWHERE = ("source/core/other.hpp:20:3: error: undefined template 'numbers_of<17>'\n"
+                 "source/core/file.hpp:11:5: note: in instantiation of template class requested here\n"
+                 "source/core/file.hpp:30:5: note: in instantiation of function template requested here\n")
+
+    def test_are_those_at_errors(self):
+        self.assertEqual(mutate.wrong_owners(self.IN_PLACE + self.ELSEWHERE, "src/core/file.hpp", self.OWNERS), {1})
+
+    def test_are_those_that_instantiate_a_template_of_another_file(self):
+        self.assertEqual(mutate.wrong_owners(self.ELSEWHERE, "src/core/file.hpp", self.OWNERS), {2})
+
+    def test_are_none_where_nothing_was_changed(self):
+        self.assertEqual(mutate.wrong_owners(self.ELSEWHERE, "src/core/third.hpp", self.OWNERS), set())
 
 
 if __name__ == "__main__":
