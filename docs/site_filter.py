@@ -2,9 +2,11 @@
 """What Doxygen reads of a guide, for the site: with a list of contents, headings that links can lead to, as they do where
 Markdown is shown, and links to files of the project that are beside the pages.
 
-site_filter.py PAGE, from the root folder
+site_filter.py PAGE, from the root folder. If the environment has ZORV_INSPECT_PAGE, zorv-inspect.html is put beside
+the pages, and its guide leads to it.
 """
 
+import os
 import pathlib
 import posixpath
 import re
@@ -42,5 +44,8 @@ for line in text.splitlines():
             contents = False
             line += "\n\n[TOC]"
         elif line.startswith("##"):
+            browser = line == "## In a browser" and "ZORV_INSPECT_PAGE" in os.environ
             line += f" {{#{identifier(page, line.lstrip('#'))}}}"
+            if browser:
+                line += "\n\n[Open the page here](zorv-inspect.html), with the samples to play with."
     print(line)

@@ -37,7 +37,7 @@ pages = {path.name: Page(path) for path in folder.glob("*.html")}
 links = 0
 for name, page in pages.items():
     for target in set(page.targets):
-        if re.match(r"https?:|mailto:|javascript:", target):
+        if re.match(r"https?:|mailto:|javascript:|data:", target):
             continue
         # Doxygen announces a list of nested classes even if all of them are private, and then leaves it out.
         if target == "#nested-classes" and name.startswith("class"):
