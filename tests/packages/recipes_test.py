@@ -192,9 +192,9 @@ for name, members in (("conan", {"ConanFile": ConanFile}), ("conan.tools", {}),
 
 def recipe_of(path):
     sys.dont_write_bytecode = True
-    specification = importlib.util.spec_from_file_location("recipe", path)
-    module = importlib.util.module_from_spec(specification)
-    specification.loader.exec_module(module)
+    module_spec = importlib.util.spec_from_file_location("recipe", path)
+    module = importlib.util.module_from_spec(module_spec)
+    module_spec.loader.exec_module(module)
     return next(value for value in vars(module).values() if isinstance(value, type) and issubclass(value, ConanFile)
                 and value is not ConanFile)
 

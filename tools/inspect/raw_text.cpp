@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/wire.hpp"
+#include "text_format.hpp"
 
 namespace inspect {
 namespace {
@@ -119,34 +120,8 @@ class raw_reader {
         return;
       }
     }
-    line(depth, number, fmt::format(": \"{}\"", escaped(content)));
+    line(depth, number, ": " + quoted(content));
     at_ = end;
-  }
-
-  static std::string escaped(byte_view content) {
-    std::string text;
-    for (const unsigned char each : content) {
-      switch (each) {
-        case '\n':
-          text += "\\n";
-          break;
-        case '\r':
-          text += "\\r";
-          break;
-        case '\t':
-          text += "\\t";
-          break;
-        case '"':
-        case '\'':
-        case '\\':
-          text += '\\';
-          text += static_cast<char>(each);
-          break;
-        default:
-          text += each < ' ' || each > '~' ? fmt::format("\\{:03o}", each) : std::string(1, static_cast<char>(each));
-      }
-    }
-    return text;
   }
 
   byte_view input_;

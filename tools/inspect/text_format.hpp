@@ -11,6 +11,9 @@ namespace inspect {
 // The fields that can be read, without unknown ones.
 std::string to_text_format(const message_type &type, byte_view message);
 
+// Bytes as a string of this form.
+std::string quoted(byte_view content);
+
 // Throws `text_error`.
 node parse_text_format(const message_type &type, byte_view text);
 

@@ -5,9 +5,8 @@
 #include "walk.hpp"
 
 namespace inspect {
-namespace {
 
-std::string escaped(byte_view content) {
+std::string quoted(byte_view content) {
   std::string text = "\"";
   for (const unsigned char each : content) {
     switch (each) {
@@ -33,9 +32,11 @@ std::string escaped(byte_view content) {
   return text + '"';
 }
 
+namespace {
+
 std::string value_text(const walked_field &here, byte_view message) {
   const field_info &field = *here.field;
-  if (field.wire == wire_type::delimited) return escaped(message.subspan(here.content, here.end - here.content));
+  if (field.wire == wire_type::delimited) return quoted(message.subspan(here.content, here.end - here.content));
   if (field.kind == kind::flag) return here.number != 0 ? "true" : "false";
   if (!field.is_signed) return fmt::format("{}", field.width == 1 ? here.number & 0xff : here.number);
   return field.width == 8 ? fmt::format("{}", static_cast<std::int64_t>(here.number))
