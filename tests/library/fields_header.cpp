@@ -9,6 +9,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "member_name.hpp"
 #include "messages/all.hpp"
 
 namespace {
@@ -82,16 +83,6 @@ std::string upper(std::string_view text) {
   return result;
 }
 
-// The name of a member: a schema has none for the members that count elements, but the compiler does.
-template <auto Member>
-constexpr std::string_view name_of() {
-  constexpr std::string_view function = __PRETTY_FUNCTION__;
-  constexpr std::size_t first = function.find('&');
-  constexpr std::size_t begin = function.find("::", first) + 2;
-  return function.substr(begin, function.find_first_of(";]", begin) - begin);
-}
-static_assert(name_of<&api_lbl_stack::label_count>() == "label_count");
-
 std::uint64_t varint_size(std::uint64_t value) {
   std::uint64_t size = 1;
   for (; value >= 0x80; value >>= 7) ++size;
@@ -133,7 +124,7 @@ void write_field() {
               row.number, row.name);
   constexpr auto members = row.members();
   if constexpr (std::tuple_size_v<decltype(members)> == 2) {
-    constexpr std::string_view count = name_of<std::get<1>(members)>();
+    constexpr std::string_view count = pavo_zorv::member_name<std::get<1>(members)>();
     std::printf(", %.*s", static_cast<int>(count.size()), count.data());
   }
   if constexpr (row_type::type == kind::message_list || row_type::type == kind::nested) {
