@@ -11,27 +11,39 @@
 
 namespace pavo_zorv {
 
-// Bits that no varint of three bytes has; a smaller number has the highest when 0x4000 is taken away.
-inline constexpr std::uint32_t beyond_labels = 0xffe00000;
+// The bits that a varint of three bytes has. A number that takes fewer bytes has others when 0x4000 is taken away.
+inline constexpr unsigned label_bits = 21;
 
 #if defined(__SSSE3__)
 // For four words, each a key of one byte and a varint of up to three: where their bytes go when they are moved together
-// to the end. The index has a bit for each varint of two bytes or more and, above them, one for each of three.
+// to the end. The index has a bit for each varint of one byte and, above them, one for each of one or two.
 inline constexpr auto label_shuffles = [] {
   std::array<std::array<byte, 16>, 256> result{};
   for (unsigned sizes = 0; sizes < 256; ++sizes) {
     unsigned at = 16;
     for (unsigned word = 4; word-- != 0;) {
-      const unsigned more = (sizes >> word & 1) + (sizes >> (word + 4) & 1);
-      for (unsigned place = more + 2; place-- != 0;) result[sizes][--at] = static_cast<byte>(4 * word + place);
+      const unsigned fewer = (sizes >> word & 1) + (sizes >> (word + 4) & 1);
+      for (unsigned place = 4 - fewer; place-- != 0;) result[sizes][--at] = static_cast<byte>(4 * word + place);
     }
   }
   return result;
 }();
+
+// For each four of a vector, an index of these, sixteen bits apart: made of lanes of ones where a value takes one byte,
+// and where it takes one or two.
+inline unsigned label_sizes(const number_vector &one, const number_vector &two) {
+#if defined(__AVX2__)
+  const __m256i both = _mm256_packs_epi32(reinterpret_cast<__m256i>(one), reinterpret_cast<__m256i>(two));
+  return static_cast<unsigned>(_mm256_movemask_epi8(_mm256_packs_epi16(both, both)));
+#else
+  const __m128i both = _mm_packs_epi32(reinterpret_cast<__m128i>(one), reinterpret_cast<__m128i>(two));
+  return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(both, both)));
+#endif
+}
 #endif
 
-// As many elements as a vector holds where each takes three bytes and, with the key after or before it, a 32-bit
-// word: most labels do. A quarter of the work that windows take.
+// As many elements as a vector holds where each takes three bytes and, with the key after it, a 32-bit word: most
+// labels do. A quarter of the work that windows take.
 class label_block {
  public:
   static constexpr std::size_t size = vector_size;
@@ -40,7 +52,7 @@ class label_block {
 
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
-  // On the wire: whether each word is a value of three bytes and a key of one after it.
+  // Whether each word is a value of three bytes and a key of one after it.
   inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
 
   // How many of them do before the first that does not.
@@ -54,46 +66,7 @@ class label_block {
     std::memcpy(values, &labels, size);
   }
 
-  // In memory: whether each value takes three bytes.
-  static bool all_labels(const number_vector &values) { return none((values | (values - 0x4000)) & beyond_labels); }
-
-  // Each value with the key before it.
-  static void write(byte *at, std::uint32_t key, const number_vector &labels) {
-    const number_vector bytes = with_keys(key, labels) | 0x808000;
-    std::memcpy(at, &bytes, size);
-  }
-
-  // Whether each value takes three bytes or less.
-  static bool all_short(const number_vector &values) { return none(values & beyond_labels); }
-
-#if defined(__SSSE3__)
-  // Such values with their keys before them, whatever their sizes, so that they end at a place; where they begin. Up
-  // to 16 bytes before that are overwritten.
-  static byte *prepend(byte *at, std::uint32_t key, const number_vector &labels) {
-    const auto two = reinterpret_cast<number_vector>(reinterpret_cast<signed_vector>(labels) > 0x7f);
-    const auto three = reinterpret_cast<number_vector>(reinterpret_cast<signed_vector>(labels) > 0x3fff);
-    const number_vector bytes = with_keys(key, labels) | (two & 0x8000) | (three & 0x800000);
-    const unsigned twos = marked(two), threes = marked(three);
-    __m128i fours[elements / 4];
-    std::memcpy(fours, &bytes, size);
-    for (std::size_t index = elements / 4; index-- != 0;) {
-      const unsigned sizes = (twos >> 4 * index & 15) | (threes >> 4 * index & 15) << 4;
-      __m128i places;
-      std::memcpy(&places, label_shuffles[sizes].data(), sizeof places);
-      places = _mm_shuffle_epi8(fours[index], places);
-      std::memcpy(at - sizeof places, &places, sizeof places);
-      at -= 8 + count_bits(sizes);
-    }
-    return at;
-  }
-#endif
-
  private:
-  // Groups of seven bits, one in each byte after the key.
-  static number_vector with_keys(std::uint32_t key, const number_vector &labels) {
-    return (labels & 0x7f) << 8 | (labels & 0x3f80) << 9 | (labels & 0x1fc000) << 10 | key;
-  }
-
   number_vector words_;
 };
 
@@ -131,5 +104,72 @@ class short_label_block {
   number_vector words_;
 };
 #endif
+
+// Writes them, each with its key before it.
+class label_writer {
+ public:
+  explicit label_writer(std::uint32_t key) : keys_(constant(key | 0x808000)) {}
+
+  // Whether each value takes three bytes.
+  static bool are_long(const number_vector &values) { return none((values | (values - 0x4000)) >> label_bits); }
+
+  // Such values.
+  void write(byte *at, const number_vector &labels) const {
+    const number_vector bytes = (spread(labels).all << 8) + keys_;
+    std::memcpy(at, &bytes, sizeof bytes);
+  }
+
+  // Whether each value takes three bytes or less.
+  static bool are_labels(const number_vector &values) { return none(values >> label_bits); }
+
+  // Such values, whatever their sizes, so that they end at a place; where they begin. Up to 16 bytes before that are
+  // overwritten.
+  byte *prepend(byte *at, const number_vector &labels) const {
+    const groups seven = spread(labels);
+    const auto one = reinterpret_cast<number_vector>(seven.above_first == 0);
+    const auto two = reinterpret_cast<number_vector>(seven.above_second == 0);
+    // A lane of ones takes away, where it is moved to, the bit by which the varint would go on.
+    const number_vector bytes = ((seven.all + (one << 7) + (two << 15)) << 8) + keys_;
+#if defined(__SSSE3__)
+    const unsigned sizes_of_all = label_sizes(one, two);
+    __m128i fours[vector_numbers / 4];
+    std::memcpy(fours, &bytes, sizeof fours);
+    for (std::size_t index = vector_numbers / 4; index-- != 0;) {
+      const unsigned sizes = sizes_of_all >> 16 * index & 0xff;
+      __m128i places;
+      std::memcpy(&places, label_shuffles[sizes].data(), sizeof places);
+      places = _mm_shuffle_epi8(fours[index], places);
+      std::memcpy(at - sizeof places, &places, sizeof places);
+      at -= 16 - count_bits(sizes);
+    }
+#else
+    const number_vector fewer = 0 - one - two;
+    for (std::size_t lane = vector_numbers; lane-- != 0;) {
+      store_word(at - 4, static_cast<std::uint32_t>(bytes[lane] << 8 * fewer[lane]));
+      at -= 4 - fewer[lane];
+    }
+#endif
+    return at;
+  }
+
+ private:
+  // Groups of seven bits, one in each byte.
+  struct groups {
+    number_vector all;
+    number_vector above_first;   // 0 where there is no second group
+    number_vector above_second;  // 0 where there is no third
+  };
+
+  // What is above a group moves up by a bit when it is added to itself.
+  groups spread(const number_vector &labels) const {
+    const number_vector above_first = labels & above_first_, some = labels + above_first;
+    const number_vector above_second = some & above_second_;
+    return {some + above_second, above_first, above_second};
+  }
+
+  number_vector keys_;  // with the bits by which a varint of three bytes goes on
+  number_vector above_first_ = constant(~std::uint32_t{0x7f});
+  number_vector above_second_ = constant(~std::uint32_t{0x7fff});
+};
 
 }  // namespace pavo_zorv

@@ -30,34 +30,42 @@ inline std::uint32_t sum_of_lanes(const signed_vector &lanes) {
   return sum;
 }
 
-// What integers of any size take beyond a byte each, as far as they fill vectors.
-inline std::uint32_t measure_beyond_labels(const std::uint32_t *elements, std::size_t count) {
+inline constexpr std::size_t longest_stretch = 32 * vector_numbers;
+
+// Integers of any size.
+PAVO_ZORV_NOINLINE inline std::uint64_t measure_beyond_labels(const std::uint32_t *elements, std::size_t count) {
   signed_vector more{};
-  for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
+  const std::size_t whole = for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
     more -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
   });
-  return sum_of_lanes(more);
+  return whole + sum_of_lanes(more) + plain::measure_integers(elements + whole, count - whole);
 }
 
-// A vector at a time, of which the last may have lanes of 0. Nearly all numbers are labels, or as small: what they take
-// beyond a byte each is known from two comparisons. A stretch that has others is measured again.
-inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
-  constexpr std::size_t longest = 32 * vector_numbers;
-  if (count < 4) return plain::measure_integers(elements, count);
-  const std::size_t whole = has_masked_loads ? count : count / vector_numbers * vector_numbers;
-  std::uint64_t bytes = whole;
-  for (std::size_t done = 0, some; done != whole; done += some) {
-    some = std::min(whole - done, longest);
-    number_vector all{};
-    signed_vector more{};
-    for_each_vector(elements + done, some, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
-      const auto labels = reinterpret_cast<signed_vector>(values);
-      all |= values;
-      more -= (labels > 0x7f) + (labels > 0x3fff);
-    });
-    bytes += none(all & beyond_labels) ? sum_of_lanes(more) : measure_beyond_labels(elements + done, some);
-  }
-  return bytes + plain::measure_integers(elements + whole, count - whole);
+std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count);
+
+// Nearly all numbers are labels, or as small: what they take beyond a byte each is known from two comparisons. Where
+// there are others, all are measured again.
+PAVO_ZORV_NOINLINE inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
+  if (count > longest_stretch) [[unlikely]]
+    return measure_long_list(elements, count);
+  number_vector all{};
+  signed_vector more{};
+  const std::size_t whole = for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
+    const auto labels = reinterpret_cast<signed_vector>(values);
+    all |= values;
+    more -= (labels > 0x7f) + (labels > 0x3fff);
+  });
+  if (!none(all >> label_bits)) [[unlikely]]
+    return measure_beyond_labels(elements, count);
+  return whole + sum_of_lanes(more) + plain::measure_integers(elements + whole, count - whole);
+}
+
+// A stretch at a time, so that one number that is no label does not have all measured again.
+PAVO_ZORV_NOINLINE inline std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count) {
+  std::uint64_t bytes = 0;
+  for (; count > longest_stretch; elements += longest_stretch, count -= longest_stretch)
+    bytes += measure_integers(elements, longest_stretch);
+  return bytes + measure_integers(elements, count);
 }
 
 }  // namespace pavo_zorv

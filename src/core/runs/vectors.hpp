@@ -38,10 +38,18 @@ inline number_vector load_numbers(const std::uint32_t *from) {
   return numbers;
 }
 
+// A constant that is used in several places, in a register. GCC would make it anew in each of them, which takes three
+// instructions.
+inline number_vector constant(std::uint32_t number) {
+  number_vector numbers = number - number_vector{};
+#if defined(__SSE2__)
+  asm("" : "+x"(numbers));
+#endif
+  return numbers;
+}
+
 // Where the processor can load some lanes of a vector, and read no byte of the others, which are 0.
 #if defined(__AVX2__)
-inline constexpr bool has_masked_loads = true;
-
 inline number_vector load_lanes(std::uintptr_t address, const signed_vector &taken) {
   const auto *const from = reinterpret_cast<const int *>(address);
   return reinterpret_cast<number_vector>(_mm256_maskload_epi32(from, reinterpret_cast<__m256i>(taken)));
@@ -58,16 +66,21 @@ inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
   constexpr signed_vector lanes = {8, 7, 6, 5, 4, 3, 2, 1};
   return load_lanes(reinterpret_cast<std::uintptr_t>(end) - vector_size, lanes <= static_cast<std::int32_t>(count));
 }
-#else
-inline constexpr bool has_masked_loads = false;
 #endif
 
-// Numbers as vectors; those that do not fill the last one, if any, only where some lanes can be loaded.
+// Visits numbers as vectors: all, where some lanes can be loaded, the other lanes of that vector being 0; otherwise
+// those that fill vectors. Returns how many they are.
 template <class Visit>
-PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
-  for (; count >= vector_numbers; numbers += vector_numbers, count -= vector_numbers) visit(load_numbers(numbers));
+PAVO_ZORV_INLINE std::size_t for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
+  const std::uint32_t *const end = numbers + count / vector_numbers * vector_numbers;
 #if defined(__AVX2__)
-  visit(load_first(numbers, count));
+  visit(load_first(end, count % vector_numbers));
+#endif
+  for (; numbers != end; numbers += vector_numbers) visit(load_numbers(numbers));
+#if defined(__AVX2__)
+  return count;
+#else
+  return count / vector_numbers * vector_numbers;
 #endif
 }
 

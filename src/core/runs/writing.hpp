@@ -12,19 +12,31 @@
 
 namespace pavo_zorv {
 
-// Reserves the bytes of a list. What it takes is measured only where the most that it could take does not fit.
+template <unsigned KeySize>
+byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements, std::size_t count);
+template <unsigned KeySize>
+byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint8_t *elements, std::size_t count);
+
+// Whether the most that a list could take fits.
 template <unsigned KeySize, class Element>
-bool reserve_run(writer &to, const byte *at, const Element *elements, std::size_t count) {
+PAVO_ZORV_INLINE bool has_room_for_any(const writer &to, const byte *at, const Element *, std::size_t count) {
   constexpr std::size_t longest = KeySize + (sizeof(Element) == 1 ? 2 : 5);
-  return to.has_room(at, std::uint64_t{count} * longest) ||
-         to.reserve(at, std::uint64_t{count} * KeySize + measure_integers(elements, count));
+  return to.has_room(at, std::uint64_t{count} * longest);
+}
+
+// Otherwise what it takes is measured, and reserved.
+template <unsigned KeySize, class Element>
+PAVO_ZORV_NOINLINE byte *write_measured_run(writer &to, byte *at, std::uint32_t key, const Element *elements,
+                                            std::size_t count) {
+  if (!to.reserve(at, std::uint64_t{count} * KeySize + measure_integers(elements, count))) return at;
+  auto reserved = writer::exact(to.first(), nullptr, false);
+  return write_run<KeySize>(reserved, at, key, elements, count);
 }
 
 // --- Lists of 32-bit integers ---
 
 // The varints of a vector of numbers: the first four bytes of each in one number, and the fifth, or 0, in another.
-inline void varint_bytes(const std::uint32_t *numbers, std::uint32_t *four, std::uint32_t *fifth) {
-  const number_vector values = load_numbers(numbers);
+inline void varint_bytes(const number_vector &values, std::uint32_t *four, std::uint32_t *fifth) {
   const number_vector more = values >> 28;
   // Groups of seven bits, one in each byte.
   number_vector word = (values & 0x3fff) | (values & 0xfffc000) << 2;
@@ -38,95 +50,77 @@ inline void varint_bytes(const std::uint32_t *numbers, std::uint32_t *four, std:
   std::memcpy(fifth, &more, sizeof more);
 }
 
-// How far a run has been written from its start on.
-struct appended {
+// Where a run has been written down to, and how many elements there are before that.
+struct unwritten {
   byte *at;
   std::size_t count;
 };
 
-// Writes a run forwards, from its start to less than a word before its end: each element with its key as a word, of
-// which the bytes after the element are overwritten next.
-template <unsigned KeySize>
-PAVO_ZORV_NOINLINE appended append_words(byte *at, const byte *end, std::uint32_t key, const std::uint32_t *elements,
-                                         std::size_t count) {
-  const key_bytes<KeySize> bytes(key);
-  const auto append = [&](std::uint64_t varint) {
-    store_word(at, bytes.word() | varint << 8 * KeySize);
-    at += KeySize + 1 + static_cast<unsigned>(__builtin_ctzll(~varint & highest_bits)) / 8;
-  };
-  // After the elements that are taken by vectors there are four others, of two bytes at least with their keys: so no
-  // word reaches past the end of the run.
-  constexpr std::size_t rest = 4, most = 32;
-  std::size_t done = 0;
-  while (count - done >= vector_numbers + rest) {
-    if constexpr (KeySize == 1 && label_block::usable) {
-      const number_vector next = load_numbers(elements + done);
-      if (label_block::all_labels(next)) {
-        label_block::write(at, key, next);
-        done += label_block::elements;
-        at += label_block::size;
-        continue;
-      }
-    }
-    const std::size_t some = std::min(count - done - rest, most) / vector_numbers * vector_numbers;
-    std::uint32_t four[most], fifth[most];
-    for (std::size_t index = 0; index < some; index += vector_numbers)
-      varint_bytes(elements + done + index, four + index, fifth + index);
-    for (std::size_t index = 0; index < some; ++index) append(four[index] | std::uint64_t{fifth[index]} << 32);
-    done += some;
-  }
-  // The last element, at the latest, begins less than a word before the end.
-  while (end - at >= 8) {
-    const std::uint32_t value = elements[done++];
-    append(varint_word(value, static_cast<unsigned>(varint_size(value))));
-  }
-  return {at, done};
-}
-
-// Labels from the end on, as many as there are in a row; returns where they begin, and how many elements there are
-// before them. Without shuffles, only labels of three bytes.
-PAVO_ZORV_INLINE appended prepend_labels([[maybe_unused]] const writer &to, byte *at, std::uint32_t key,
-                                         const std::uint32_t *elements, std::size_t count) {
-  using block = label_block;
-  for (; count >= block::elements; count -= block::elements) {
-    const number_vector last = load_numbers(elements + count - block::elements);
-    if (block::all_labels(last)) {
-      at -= block::size;
-      block::write(at, key, last);
-      continue;
-    }
-    if constexpr (!has_shuffles) break;
-#if defined(__SSSE3__)
-    if (at - to.first() < static_cast<std::ptrdiff_t>(block::size) || !block::all_short(last)) break;
-    at = block::prepend(at, key, last);
-#endif
-  }
+// Labels from the end on, as many vectors of them as there are in a row; not where one might be stored before the
+// buffer.
+PAVO_ZORV_INLINE unwritten prepend_labels(const byte *first, byte *at, std::uint32_t key, const std::uint32_t *elements,
+                                          std::size_t count) {
+  constexpr auto space = static_cast<std::ptrdiff_t>(vector_size);
+  const label_writer labels(key);
 #if defined(__AVX2__)
-  // What is left at the start of the list, in the last lanes: the others are written before it, two bytes each, and
-  // overwritten.
-  if (count != 0 && count < block::elements && at - to.first() >= static_cast<std::ptrdiff_t>(block::size)) {
-    const number_vector first = load_last(elements + count, count);
-    if (block::all_short(first)) return {block::prepend(at, key, first) + 2 * (block::elements - count), 0};
+  // The last ones, which do not fill a vector, in its last lanes: the others are written before them, two bytes each,
+  // and overwritten.
+  if (const std::size_t some = count % vector_numbers; some != 0 && at - first >= space) {
+    const number_vector last = load_last(elements + count, some);
+    if (!labels.are_labels(last)) return {at, count};
+    at = labels.prepend(at, last) + 2 * (vector_numbers - some);
+    count -= some;
   }
 #endif
+  for (; count >= vector_numbers; count -= vector_numbers) {
+    const number_vector last = load_numbers(elements + count - vector_numbers);
+    if (labels.are_long(last)) {
+      at -= vector_size;
+      labels.write(at, last);
+    } else {
+      if (at - first < space || !labels.are_labels(last)) break;
+      at = labels.prepend(at, last);
+    }
+  }
   return {at, count};
 }
 
-// Labels from the end on; then the rest from its start on, if it is worth measuring.
+// Integers of any size, each as a word that ends where the next begins. The first ones, where they do not fill a vector
+// or a word might be stored before the buffer, are written one by one.
 template <unsigned KeySize>
-inline byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements, std::size_t count) {
-  if (!reserve_run<KeySize>(to, at, elements, count)) return at;
-  if constexpr (KeySize == 1 && label_block::usable) {
-    const appended labels = prepend_labels(to, at, key, elements, count);
-    at = labels.at;
-    count = labels.count;
+PAVO_ZORV_NOINLINE byte *prepend_words(const writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements,
+                                       std::size_t count) {
+  constexpr std::size_t most = 32;
+  const key_bytes<KeySize> bytes(key);
+  for (;;) {
+    const std::size_t words = static_cast<std::size_t>(at - to.first()) / 8;
+    const std::size_t some = std::min({count, words, most}) / vector_numbers * vector_numbers;
+    if (some == 0) return plain::write_integers(to, at, number_of(key), elements, count);
+    std::uint32_t four[most], fifth[most];
+    count -= some;
+    for (std::size_t index = 0; index < some; index += vector_numbers)
+      varint_bytes(load_numbers(elements + count + index), four + index, fifth + index);
+    for (std::size_t index = some; index-- != 0;) {
+      const std::uint64_t varint = four[index] | std::uint64_t{fifth[index]} << 32;
+      const unsigned bits = static_cast<unsigned>(__builtin_ctzll(~varint & highest_bits)) + 1 + 8 * KeySize;
+      store_word(at - 8, (bytes.word() | varint << 8 * KeySize) << (64 - bits));
+      at -= bits / 8;
+    }
   }
-  if (count < 4) return plain::write_integers(to, at, number_of(key), elements, count);
-  byte *const start = at - static_cast<std::size_t>(count * KeySize + measure_integers(elements, count));
-  const appended begun = append_words<KeySize>(start, at, key, elements, count);
-  const auto rest = writer::exact(begun.at, nullptr, false);
-  plain::write_integers(rest, at, number_of(key), elements + begun.count, count - begun.count);
-  return start;
+}
+
+template <unsigned KeySize>
+PAVO_ZORV_NOINLINE byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements,
+                                   std::size_t count) {
+  if (!has_room_for_any<KeySize>(to, at, elements, count))
+    return write_measured_run<KeySize>(to, at, key, elements, count);
+  if constexpr (KeySize == 1 && label_block::usable) {
+    const unwritten rest = prepend_labels(to.first(), at, key, elements, count);
+    at = rest.at;
+    count = rest.count;
+    if (count == 0) return at;
+  }
+  return prepend_words<KeySize>(to, at, key, elements, count);
 }
 
 // --- Lists of 8-bit integers ---
@@ -207,7 +201,8 @@ inline void append_bytes(byte *at, std::uint32_t key, const std::uint8_t *elemen
 template <unsigned KeySize>
 PAVO_ZORV_NOINLINE byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint8_t *elements,
                                    std::size_t count) {
-  if (!reserve_run<KeySize>(to, at, elements, count)) return at;
+  if (!has_room_for_any<KeySize>(to, at, elements, count))
+    return write_measured_run<KeySize>(to, at, key, elements, count);
   if constexpr (four_elements<KeySize>::usable) {
     const four_elements<KeySize> four{key_bytes<KeySize>(key)};
     for (; count >= 4 && at - to.first() >= static_cast<std::ptrdiff_t>(four.size); count -= 4)
