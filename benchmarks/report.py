@@ -21,11 +21,11 @@ OURS = "pavo_zorv"
 OURS_WITH_MALLOC = "pavo_zorv_malloc"
 OUR_BASELINE = "pavo_zorv_baseline"  # the baseline build, timed in the same process as that for x86-64-v3
 FLOOR = "floor"
-# The peers, in two classes that are never mixed. Nothing is taken to encode, to measure or to compare, so that all who
-# do it belong to the first.
+# The peers, in two classes that are never mixed. Who takes nothing to encode, to measure or to compare belongs to the
+# first, unless it keeps what it took before.
 WITH_MALLOC = ["protobuf_heap", "protobuf_c_malloc"]
 TAKING_MEMORY = [*WITH_MALLOC, "protobuf_arena", "protobuf_c_pool", "nanopb", "protozero"]
-USED_AGAIN = ["protobuf_reused"]
+USED_AGAIN = ["protobuf_reused", "protozero_reused"]
 TABULATED = ["decode", "encode", "encode_once", "copy", "measure"]
 OPERATIONS = [*TABULATED, "compare"]
 PLOTTED = ["decode", "encode", "copy"]
@@ -231,8 +231,8 @@ def write_markdown(path, builds):
     parts = [
         ["To the fastest peer that takes memory for each message:"],
         table_to(TAKING_MEMORY, builds, TABULATED),
-        ["To one object that is used again and takes none:"],
-        table_to(USED_AGAIN, builds, ["decode", "copy"]),
+        ["To one object or string that is used again, and takes none:"],
+        table_to(USED_AGAIN, builds, ["decode", "encode", "copy"]),
         sentence_on_builds(builds[0]),
         sentence_on_malloc(builds[0]),
         sentence_on_comparing(builds[0]),
