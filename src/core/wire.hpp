@@ -200,7 +200,7 @@ inline byte *prepend_varint(byte *at, Value value) {
 // The same for a value of three bytes or more where up to eight can be stored at once: those before the varint, down
 // to `first`, are not yet written.
 template <class Value>
-PAVO_ZORV_NOINLINE byte *prepend_word(byte *first, byte *at, Value value) {
+PAVO_ZORV_NOINLINE byte *prepend_word(const byte *first, byte *at, Value value) {
   if (value < 0x200000) {
     at[-1] = static_cast<byte>(value >> 14);
     at[-2] = static_cast<byte>(value >> 7 | 0x80);

@@ -44,7 +44,7 @@ struct integer : row {
     const auto travels = static_cast<on_wire>(record.*value);
     if constexpr (sizeof(Value) == 1) {
       if (travels >= 0x80) [[unlikely]]
-        total.bytes += present;
+        total.bytes += std::size_t{present};
     } else if (travels >= 0x80 && present) {
       total.bytes += long_varint_size(travels) - 1;
     }

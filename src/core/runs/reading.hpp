@@ -254,7 +254,7 @@ struct element_reader {
       const unsigned leading = words.leading(key);
       if (leading == 0) return at;
       next += leading;
-      at += 4 * leading;
+      at += std::size_t{4} * leading;
       const std::uint64_t word = load_word(at), ends = ~word & highest_bits;
       const auto size = static_cast<unsigned>(std::countr_zero(ends)) / 8 + 1;
       if (ends == 0 || at[size] != key) return at;
@@ -295,7 +295,7 @@ struct element_reader {
     for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
       const byte *const end = seen.at + std::countr_zero(ends);
       const bool more = begin != end;
-      *next++ = static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & unsigned{more}) << 7);
+      *next++ = static_cast<std::uint8_t>((*begin & 0x7f) | (begin[more] & static_cast<unsigned>(more)) << 7);
       begin = end + 1 + KeySize;
     }
   }
