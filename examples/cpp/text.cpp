@@ -44,5 +44,16 @@ int main() {
   message->clear<&api_msg::p2p_auto_policy_request>();
   message->clear<&api_msg::p2p_auto_policy_request, &request::policy>();
   std::printf("%s\n", zorv::to_json(**message, compact).c_str());
+
+  //! [json_writer]
+  zorv::json_writer to([](std::string_view piece) { std::fwrite(piece.data(), 1, piece.size(), stdout); }, compact);
+  to.begin_object();
+  to.name("peer");
+  to.string("192.0.2.1");
+  to.name("message");
+  to.record(**message);
+  to.end_object();
+  //! [json_writer]
+  std::printf("\n");
   return 0;
 }

@@ -35,16 +35,16 @@ class every_message : public test::law {
     });
   }
 
-  byte_string from_node(const node &read, bytes_form bytes = bytes_form::base64) const {
+  byte_string from_node(const node &read, json_bytes bytes = json_bytes::base64) const {
     record content(type());
     content.read(read, bytes);
     return content.encode();
   }
 
-  byte_string through_json(byte_view input, bytes_form bytes, octets_form octets = octets_form::numbers) const {
+  byte_string through_json(byte_view input, json_bytes bytes, json_byte_lists octets = json_byte_lists::numbers) const {
     record content(type());
     EXPECT_EQ(content.decode(input), CODEC_OK);
-    const std::string text = content.to_text({bytes, octets, {}});
+    const std::string text = content.to_text({.bytes = bytes, .byte_lists = octets});
     return from_node(parse_json(view_of(text)), bytes);
   }
 
@@ -56,17 +56,17 @@ class every_message : public test::law {
 };
 
 TEST_P(every_message, survives_a_round_trip_through_json) {
-  for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::base64), owned(input)); });
+  for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, json_bytes::base64), owned(input)); });
 }
 
 TEST_P(every_message, survives_a_round_trip_through_json_with_hexadecimal_bytes) {
-  for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, bytes_form::hex), owned(input)); });
+  for_canonical([&](byte_view input) { ASSERT_EQ(through_json(input, json_bytes::hex), owned(input)); });
 }
 
 TEST_P(every_message, survives_a_round_trip_through_json_with_lists_of_bytes_as_strings) {
   for_canonical([&](byte_view input) {
-    ASSERT_EQ(through_json(input, bytes_form::base64, octets_form::hex), owned(input));
-    ASSERT_EQ(through_json(input, bytes_form::base64, octets_form::address), owned(input));
+    ASSERT_EQ(through_json(input, json_bytes::base64, json_byte_lists::hex), owned(input));
+    ASSERT_EQ(through_json(input, json_bytes::base64, json_byte_lists::address), owned(input));
   });
 }
 

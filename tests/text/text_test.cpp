@@ -1,6 +1,8 @@
 // Records in words: JSON and one line, in buffers of every size.
 #include "pavo_zorv_text.hpp"
 
+#include <arpa/inet.h>
+
 #include <string>
 
 #include "laws.hpp"
@@ -167,6 +169,183 @@ TEST(json, is_cut_to_buffers_of_every_size_and_reports_its_length) {
     }
   }
   EXPECT_EQ(zorv::write_json(*envelope(), nullptr, 1000), whole.size());
+}
+
+TEST(json, has_lists_of_8_bit_numbers_in_three_forms) {
+  unsigned char octets[] = {192, 0, 2, 1, 0};
+  api_prefix prefix{};
+  prefix.octets = octets;
+  prefix.presence = API_PREFIX_HAS_OCTETS;
+  const auto json = [&](std::uint32_t count, zorv::json_byte_lists form) {
+    prefix.octets_count = count;
+    return zorv::to_json(prefix, {zorv::json_layout::one_line, zorv::json_bytes::base64, form});
+  };
+  EXPECT_EQ(json(4, zorv::json_byte_lists::numbers), "{\"octets\": [192, 0, 2, 1]}");
+  EXPECT_EQ(json(4, zorv::json_byte_lists::hex), "{\"octets\": \"c0000201\"}");
+  EXPECT_EQ(json(4, zorv::json_byte_lists::address), "{\"octets\": \"192.0.2.1\"}");
+  EXPECT_EQ(json(5, zorv::json_byte_lists::hex), "{\"octets\": \"c000020100\"}");
+  EXPECT_EQ(json(5, zorv::json_byte_lists::address), "{\"octets\": [192, 0, 2, 1, 0]}");
+  EXPECT_EQ(json(0, zorv::json_byte_lists::hex), "{\"octets\": \"\"}");
+  EXPECT_EQ(json(0, zorv::json_byte_lists::address), "{\"octets\": []}");
+  EXPECT_EQ(zorv::to_json(envelope()->p2p_auto_policy_request.policy.label_stack,
+                          {zorv::json_layout::one_line, zorv::json_bytes::base64, zorv::json_byte_lists::hex}),
+            "{\"labels\": [16, 24001]}")
+      << "of 32 bits each";
+}
+
+std::string address_in_json(const unsigned char *octets, std::uint32_t count) {
+  std::vector<unsigned char> copy(octets, octets + count);
+  api_prefix prefix{};
+  prefix.octets = copy.data();
+  prefix.octets_count = count;
+  prefix.presence = API_PREFIX_HAS_OCTETS;
+  const std::string text =
+      zorv::to_json(prefix, {zorv::json_layout::one_line, zorv::json_bytes::base64, zorv::json_byte_lists::address});
+  constexpr std::string_view before = "{\"octets\": \"", after = "\"}";
+  EXPECT_TRUE(text.starts_with(before) && text.ends_with(after)) << text;
+  return text.substr(before.size(), text.size() - before.size() - after.size());
+}
+
+TEST(json, has_addresses_with_the_longest_run_of_zeros_left_out) {
+  const struct {
+    const char *digits, *address;
+  } cases[] = {{"00000000 00000000 00000000 00000000", "::"},
+               {"00000000 00000000 00000000 00000001", "::1"},
+               {"00010000 00000000 00000000 00000000", "1::"},
+               {"20010db8 00050000 00000000 00000051", "2001:db8:5::51"},
+               {"20010db8 00000000 00010000 00000001", "2001:db8::1:0:0:1"},
+               {"20010000 00000001 00000000 00000001", "2001:0:0:1::1"},
+               {"20010db8 00000001 00010001 00010001", "2001:db8:0:1:1:1:1:1"},
+               {"00000001 00020003 00040005 00060000", "0:1:2:3:4:5:6:0"},
+               {"ffffffff ffffffff ffffffff ffffffff", "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff"},
+               {"00000000 00000000 0000ffff c0000201", "::ffff:192.0.2.1"},
+               {"00000000 00000000 0000fffe c0000201", "::fffe:c000:201"},
+               {"00000000 00000000 00000000 c0000201", "::192.0.2.1"}};
+  for (const auto &[digits, address] : cases) {
+    EXPECT_EQ(address_in_json(hex(digits).data(), 16), address);
+  }
+}
+
+TEST(json, has_addresses_as_the_c_library_writes_them) {
+  for_seeds(20000, [](random_numbers &random) {
+    unsigned char octets[16];
+    for (unsigned char &each : octets) each = static_cast<unsigned char>(random.below(256));
+    for (std::size_t group = 0; group < 16; group += 2) {
+      if (random.percent(60)) octets[group] = octets[group + 1] = 0;
+    }
+    if (random.percent(20)) octets[10] = octets[11] = 0xff;
+    char text[INET6_ADDRSTRLEN];
+    ASSERT_EQ(address_in_json(octets, 16), inet_ntop(AF_INET6, octets, text, sizeof text));
+    ASSERT_EQ(address_in_json(octets, 4), inet_ntop(AF_INET, octets, text, sizeof text));
+  });
+}
+
+TEST(json_writer, writes_records_among_other_values) {
+  std::string text;
+  zorv::json_writer to([&](std::string_view piece) { text += piece; });
+  to.begin_object();
+  to.name("peer \"a\"");
+  to.string("192.0.2.1\n");
+  to.name("number");
+  to.number(std::int64_t{INT64_MIN});
+  to.name("is_new");
+  to.flag(true);
+  to.name("labels");
+  to.begin_short_list();
+  to.number(16u);
+  to.number(24001u);
+  to.end_list();
+  to.name("none");
+  to.begin_list();
+  to.end_list();
+  to.name("messages");
+  to.begin_list();
+  to.record(envelope()->p2p_auto_policy_request.policy.label_stack);
+  to.record(api_addr{});
+  to.begin_list();
+  to.flag(false);
+  to.end_list();
+  to.end_list();
+  to.end_object();
+  EXPECT_EQ(text, R"({
+  "peer \"a\"": "192.0.2.1\n",
+  "number": -9223372036854775808,
+  "is_new": true,
+  "labels": [16, 24001],
+  "none": [],
+  "messages": [
+    {
+      "labels": [16, 24001]
+    },
+    {},
+    [
+      false
+    ]
+  ]
+})");
+}
+
+TEST(json_writer, writes_one_value_after_the_other) {
+  std::string text;
+  zorv::json_writer to([&](std::string_view piece) { text += piece; }, {zorv::json_layout::one_line});
+  to.record(envelope()->to_zorv);
+  to.record(envelope()->to_igp);
+  to.begin_list();
+  to.string("a");
+  to.begin_object();
+  to.end_object();
+  to.end_list();
+  EXPECT_EQ(text, R"({"intf": {"field1": 4294967295, "field2": {"base64": "ZXRo/w=="}}})"
+                  R"({"aa_list": {"policies": [{"field1": "a'\"\\\n\u0001)"
+                  "\x7f"
+                  R"(", "field9": -1}, {}]}}["a", {}])");
+}
+
+TEST(json_writer, indents_at_every_depth) {
+  std::string text, expected;
+  zorv::json_writer to([&](std::string_view piece) { text += piece; });
+  for (std::size_t depth = 0; depth < 100; ++depth) {
+    to.begin_list();
+    expected += "[\n" + std::string(2 * depth + 2, ' ');
+  }
+  to.flag(true);
+  expected += "true";
+  for (std::size_t depth = 100; depth-- != 0;) {
+    to.end_list();
+    expected += '\n' + std::string(2 * depth, ' ') + ']';
+  }
+  EXPECT_EQ(text, expected);
+}
+
+// Without field1 in any message, and with two elements of a list of integers and one of a list of messages.
+struct members_of_a_log {
+  template <class Field, class Record>
+  bool has(Field field, const Record &record) const {
+    return field.is_in(record) && Field::number != 1;
+  }
+  template <class Field>
+  std::size_t count(Field, std::size_t size) const {
+    return std::min<std::size_t>(size, Field::kind == zorv::kind::message_list ? 1 : 2);
+  }
+  template <class Field>
+  members_of_a_log inside(Field, std::size_t) const {
+    return {};
+  }
+};
+
+TEST(json_writer, leaves_out_what_a_program_does_not_choose) {
+  std::string text;
+  zorv::json_writer to([&](std::string_view piece) { text += piece; }, {zorv::json_layout::one_line});
+  to.record(envelope()->to_igp, members_of_a_log());
+  EXPECT_EQ(text, R"({"aa_list": {"policies": [{"field9": -1}]}})");
+  text.clear();
+  unsigned char octets[] = {192, 0, 2, 1};
+  api_exp_hop hop{};
+  hop.field5 = octets;
+  hop.field5_count = 4;
+  hop.presence = API_EXP_HOP_HAS_FIELD1 | API_EXP_HOP_HAS_FIELD5;
+  to.record(hop, members_of_a_log());
+  EXPECT_EQ(text, R"({"field5": [192, 0]})");
 }
 
 constexpr std::string_view whole_line =

@@ -7,8 +7,9 @@
 namespace inspect {
 
 std::string address_text(byte_view bytes) {
-  char text[INET6_ADDRSTRLEN] = "";
-  inet_ntop(bytes.size() == 4 ? AF_INET : AF_INET6, bytes.data(), text, sizeof text);
+  std::string text;
+  const auto append = [&](std::string_view piece) { text += piece; };
+  zorv::detail::put_address(append, bytes);
   return text;
 }
 

@@ -7,13 +7,14 @@
 #include <string_view>
 
 #include "bytes.hpp"
+#include "pavo_zorv_text.hpp"
 
 namespace inspect {
 
 // Lists of 8-bit numbers are addresses if there are 4 or 16 of them.
-constexpr bool is_address_size(std::size_t count) { return count == 4 || count == 16; }
+using zorv::detail::is_address_size;
 
-// Of 4 or 16 bytes.
+// Of 4 or 16 bytes, as JSON has them.
 std::string address_text(byte_view bytes);
 std::string address_text(std::uint32_t address);
 

@@ -109,7 +109,7 @@ class json_report : public check_report {
 
   void message(const check_result &result) override {
     std::string text;
-    json_writer to(text, json_layout::one_line);
+    json_writer to(text, {json_layout::one_line});
     to.begin_object();
     add(to, "name", result.name);
     add(to, "type", result.type->name);
@@ -135,7 +135,7 @@ class json_report : public check_report {
 
   void error(const std::string &name, const std::string &why) override {
     std::string text;
-    json_writer to(text, json_layout::one_line);
+    json_writer to(text, {json_layout::one_line});
     to.begin_object();
     add(to, "name", name);
     add(to, "error", why);
@@ -145,7 +145,7 @@ class json_report : public check_report {
 
   void end(const check_totals &totals) override {
     std::string text;
-    json_writer to(text, json_layout::one_line);
+    json_writer to(text, {json_layout::one_line});
     to.begin_object();
     add(to, "messages", totals.messages);
     add(to, "bytes", totals.bytes);

@@ -39,12 +39,12 @@ const choices<prefix_form> prefix_forms{{"varint", prefix_form::varint},
                                         {"be32", prefix_form::be32},
                                         {"le32", prefix_form::le32},
                                         {"lines", prefix_form::lines}};
-const choices<bytes_form> bytes_forms{
-    {"base64", bytes_form::base64}, {"hex", bytes_form::hex}, {"length", bytes_form::length}};
+const choices<json_bytes> bytes_forms{
+    {"base64", json_bytes::base64}, {"hex", json_bytes::hex}, {"length", json_bytes::length}};
 const choices<schema_form> schema_forms{
     {"proto", schema_form::proto}, {"descriptor", schema_form::descriptor}, {"json", schema_form::as_json_schema}};
-const choices<octets_form> octets_forms{
-    {"numbers", octets_form::numbers}, {"hex", octets_form::hex}, {"address", octets_form::address}};
+const choices<json_byte_lists> octets_forms{
+    {"numbers", json_byte_lists::numbers}, {"hex", json_byte_lists::hex}, {"address", json_byte_lists::address}};
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
 
@@ -299,9 +299,9 @@ class command_line {
     add_choice(command, "-s,--stream", options_.stream, prefixes, purpose);
   }
 
-  void add_bytes(CLI::App *command, const char *purpose, bytes_form last) {
-    choices<bytes_form> values = bytes_forms;
-    if (last != bytes_form::length) values.erase("length");
+  void add_bytes(CLI::App *command, const char *purpose, json_bytes last) {
+    choices<json_bytes> values = bytes_forms;
+    if (last != json_bytes::length) values.erase("length");
     add_choice(command, "-b,--bytes", options_.bytes, values, purpose);
   }
 
@@ -337,7 +337,7 @@ class command_line {
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
-    add_bytes(decoding, "How to show bytes", bytes_form::length);
+    add_bytes(decoding, "How to show bytes", json_bytes::length);
     decoding->add_flag("--raw", options_.raw, "Show the fields of an unknown message by their numbers");
     add_colours(decoding);
     add_octets(decoding, "How to show lists of 8-bit numbers");
@@ -393,7 +393,7 @@ class command_line {
     add_operands(encoding, "TYPE [FILE]", "Message type, and file to read");
     add_output(encoding);
     add_stream(encoding, "Write a stream of length-prefixed messages, one for each JSON value in the input");
-    add_bytes(encoding, "How bytes are given in the JSON", bytes_form::hex);
+    add_bytes(encoding, "How bytes are given in the JSON", json_bytes::hex);
     add_octets(encoding, "How lists of 8-bit numbers are given in the JSON; all forms are read in any case");
 
     CLI::App *const converting = command("convert", "Convert a message to another form", convert);
@@ -404,7 +404,7 @@ class command_line {
                "Form of the input; text is the text form of protoc");
     add_choice(converting, "-t,--to", options_.to, targets, "Form of the output");
     add_output(converting);
-    add_bytes(converting, "How bytes are given in JSON", bytes_form::length);
+    add_bytes(converting, "How bytes are given in JSON", json_bytes::length);
     add_octets(converting, "How lists of 8-bit numbers are written in JSON");
 
     CLI::App *const opening =

@@ -7,7 +7,7 @@
 #include "check_report.hpp"
 #include "colour.hpp"
 #include "failure.hpp"
-#include "json_form.hpp"
+#include "json_text.hpp"
 #include "message_form.hpp"
 #include "messages.hpp"
 
@@ -18,8 +18,8 @@ enum class schema_form { proto, descriptor, as_json_schema };
 struct command_options : input_options {
   std::vector<std::string> operands;  // a message's name, if given, then files
   std::string output;                 // a file; the standard output when empty
-  bytes_form bytes = bytes_form::base64;
-  octets_form octets = octets_form::numbers;
+  json_bytes bytes = json_bytes::base64;
+  json_byte_lists octets = json_byte_lists::numbers;
   colour_choice colours = colour_choice::when_terminal;
   message_form from = message_form::automatic;
   message_form to = message_form::as_json;
@@ -32,6 +32,8 @@ struct command_options : input_options {
   bool timing = false;
   schema_form schema = schema_form::proto;
   report_form report = report_form::as_text;
+
+  json_options json() const { return {lines ? json_layout::one_line : json_layout::lines, bytes, octets}; }
 };
 
 exit_status types(const command_options &options);

@@ -1,76 +1,38 @@
-// Writes JSON as text.
+// Writes trees as JSON.
 #include "json_text.hpp"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 
 namespace inspect {
 
 void json_writer::value(const nlohmann::ordered_json &tree) {
-  if (tree.is_object()) {
-    begin_object();
-    for (const auto &[key, each] : tree.items()) {
-      name(key);
-      value(each);
-    }
-    end_object();
-  } else if (tree.is_array()) {
-    begin_list(std::ranges::any_of(tree, [](const auto &each) { return each.is_structured(); }));
-    for (const auto &each : tree) value(each);
-    end_list();
-  } else {
-    separate();
-    text_ += tree.dump();
+  using shape = nlohmann::ordered_json::value_t;
+  switch (tree.type()) {
+    case shape::object:
+      begin_object();
+      for (const auto &[key, each] : tree.items()) {
+        name(key);
+        value(each);
+      }
+      return end_object();
+    case shape::array:
+      if (std::ranges::any_of(tree, [](const auto &each) { return each.is_structured(); })) {
+        begin_list();
+      } else {
+        begin_short_list();
+      }
+      for (const auto &each : tree) value(each);
+      return end_list();
+    case shape::string:
+      return string(tree.get_ref<const std::string &>());
+    case shape::boolean:
+      return flag(tree.get<bool>());
+    case shape::number_unsigned:
+      return number(tree.get<std::uint64_t>());
+    default:  // no record has anything else
+      return number(tree.get<std::int64_t>());
   }
-}
-
-void json_writer::begin(char bracket, bool has_lines) {
-  separate();
-  if (depth_ == max_levels) throw std::length_error("JSON nested too deeply");
-  levels_[depth_++] = {has_lines && is_readable_, true};
-  text_ += bracket;
-}
-
-void json_writer::end(char bracket) {
-  const level ended = levels_[--depth_];
-  if (ended.has_lines && !ended.is_empty) break_line();
-  text_ += bracket;
-}
-
-void json_writer::separate_element() {
-  level &here = levels_[depth_ - 1];
-  if (!here.is_empty) text_ += ',';
-  if (here.has_lines) {
-    break_line();
-  } else if (!here.is_empty) {
-    text_ += ' ';
-  }
-  here.is_empty = false;
-  if (drain_ != nullptr && text_.size() > long_text) drain_(text_);
-}
-
-void json_writer::break_line() {
-  text_ += '\n';
-  text_.append(2 * depth_, ' ');
-}
-
-void json_writer::quote(std::string_view value) {
-  text_ += '"';
-  for (const char character : value) {
-    if (character == '"' || character == '\\') {
-      text_ += '\\';
-      text_ += character;
-    } else if (static_cast<unsigned char>(character) >= ' ') {
-      text_ += character;
-    } else if (const std::size_t letter = std::string_view("\b\f\n\r\t").find(character); letter != value.npos) {
-      text_ += '\\';
-      text_ += "bfnrt"[letter];
-    } else {
-      text_ += fmt::format("\\u{:04x}", character);
-    }
-  }
-  text_ += '"';
 }
 
 }  // namespace inspect

@@ -21,7 +21,7 @@ namespace inspect {
 
 class record_reader {
  public:
-  record_reader(arena &memory, bytes_form bytes) : memory_(memory), bytes_(bytes) {}
+  record_reader(arena &memory, json_bytes bytes) : memory_(memory), bytes_(bytes) {}
 
   template <class Record>
   void read(const node &from, Record &record) {
@@ -124,7 +124,7 @@ class record_reader {
 
   byte_string raw(const node &from) const {
     if (const auto *const content = std::get_if<node::raw>(&from.value)) return content->content;
-    const bool is_hex = bytes_ == bytes_form::hex;
+    const bool is_hex = bytes_ == json_bytes::hex;
     const char *const expected = is_hex ? "a string of hexadecimal digits" : "a string in base64";
     const std::string &written = expect<std::string>(from, expected);
     auto content = is_hex ? from_hex(written) : from_base64(written);
@@ -157,7 +157,7 @@ class record_reader {
   // A string that is not UTF-8 is an object with a single member, its bytes.
   const node &unwrapped(const node &from) const {
     if (std::holds_alternative<node::raw>(from.value)) return from;
-    const char *const name = bytes_ == bytes_form::hex ? "hex" : "base64";
+    const char *const name = bytes_ == json_bytes::hex ? "hex" : "base64";
     const auto *const object = std::get_if<node::object>(&from.value);
     if (object == nullptr || object->size() != 1 || object->front().name != name) {
       refuse(from.at, fmt::format("expected a string, or an object with the single member \"{}\"", name));
@@ -188,7 +188,7 @@ class record_reader {
   }
 
   arena &memory_;
-  bytes_form bytes_;
+  json_bytes bytes_;
   std::vector<path_step> path_;
 };
 

@@ -132,7 +132,7 @@ descriptor message_descriptor(const message_info &type) {
 
 class json_schema_writer {
  public:
-  explicit json_schema_writer(std::string &text) : to_(text, json_layout::readable) {}
+  explicit json_schema_writer(std::string &text) : to_(text, {}) {}
 
   void write(const std::vector<const message_info *> &messages) {
     to_.begin_object();
@@ -176,7 +176,7 @@ class json_schema_writer {
     to_.begin_object();
     if (field.width == 1) {
       to_.name("type");
-      to_.begin_list(false);
+      to_.begin_short_list();
       to_.string("array");
       to_.string("string");
       to_.end_list();
@@ -218,7 +218,7 @@ class json_schema_writer {
   void string() {
     to_.begin_object();
     to_.name("anyOf");
-    to_.begin_list(true);
+    to_.begin_list();
     typed("string");
     to_.begin_object();
     to_.member("type", "object");

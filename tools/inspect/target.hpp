@@ -54,10 +54,8 @@ struct decoded {
         result(content.decode(input)),
         walked(outcome_of(message, input)) {}
 
-  // The form for writing its content: without what decoding did not reach.
-  json_form form(bytes_form bytes = bytes_form::base64, octets_form octets = octets_form::numbers) const {
-    return {bytes, octets, walked.failure ? path_view(walked.failure->path) : path_view{}};
-  }
+  // The path to where decoding stopped; empty if it did not.
+  path_view stopped() const { return walked.failure ? path_view(walked.failure->path) : path_view{}; }
 
   // Prints what went wrong, if anything did; in a stream with the name of the message.
   exit_status report(std::string_view name = {}) const;

@@ -16,8 +16,6 @@ std::string to_base64(byte_view input);
 // bits are not zero.
 std::optional<byte_string> from_base64(std::string_view text);
 
-std::string to_hex(byte_view input);
-
 // The value of a hexadecimal digit; -1 for anything else.
 int digit_value(unsigned char character);
 

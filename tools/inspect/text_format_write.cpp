@@ -1,4 +1,5 @@
-// Writes the text form from a walk.
+// Writes the text form from a walk: what is in the bytes, in their order, also of a message that cannot be decoded, one
+// field to a line, as protoc does. The line for a log that pavo_zorv_text.hpp writes shows a record.
 #include <fmt/format.h>
 
 #include "text_format.hpp"

@@ -9,9 +9,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "decoded_members.hpp"
 #include "messages/all.hpp"
 #include "record_read.hpp"
-#include "record_write.hpp"
 #include "suggest.hpp"
 
 namespace inspect {
@@ -49,12 +49,12 @@ int compare_records(const void *a, const void *b) {
 }
 
 template <class Record>
-void write_record(const void *record, const json_form &form, json_writer &to) {
-  write_json(*static_cast<const Record *>(record), {to, form});
+void write_record(const void *record, path_view stopped, json_writer &to) {
+  to.record(*static_cast<const Record *>(record), decoded_members(stopped));
 }
 
 template <class Record>
-void read_record(const node &from, void *record, arena &memory, bytes_form bytes) {
+void read_record(const node &from, void *record, arena &memory, json_bytes bytes) {
   record_reader(memory, bytes).read(from, *static_cast<Record *>(record));
 }
 
@@ -166,15 +166,18 @@ byte_string record::encode() const {
   return result;
 }
 
-std::string record::to_text(const json_form &form, json_layout layout) const {
+std::string record::to_text(const json_options &options, path_view stopped) const {
   std::string text;
-  json_writer to(text, layout);
-  write(to, form);
+  json_writer to(text, options);
+  write(to, stopped);
   return text += '\n';
 }
 
-json record::to_json(const json_form &form) const { return json::parse(to_text(form, json_layout::one_line)); }
+json record::to_json(json_options options, path_view stopped) const {
+  options.layout = json_layout::one_line;
+  return json::parse(to_text(options, stopped));
+}
 
-void record::read(const node &from, bytes_form bytes) { type_.read(from, content_, memory_, bytes); }
+void record::read(const node &from, json_bytes bytes) { type_.read(from, content_, memory_, bytes); }
 
 }  // namespace inspect

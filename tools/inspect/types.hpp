@@ -10,7 +10,6 @@
 
 #include "arena.hpp"
 #include "bytes.hpp"
-#include "json_form.hpp"
 #include "json_text.hpp"
 #include "message_table.hpp"
 #include "path.hpp"
@@ -36,8 +35,8 @@ struct message_type : message_info {
   void (*release)(void *record, pavo_zorv_release release, void *context, std::uint32_t options);
   int (*compare)(const void *a, const void *b);
 
-  void (*write)(const void *record, const json_form &form, json_writer &to);
-  void (*read)(const node &from, void *record, arena &memory, bytes_form bytes);
+  void (*write)(const void *record, path_view stopped, json_writer &to);
+  void (*read)(const node &from, void *record, arena &memory, json_bytes bytes);
 };
 
 // Null if the message has no such field.
@@ -77,12 +76,13 @@ class record {
   byte_string encode() const;
   int compare(const record &other) const { return type_.compare(content_, other.content_); }
 
-  // As JSON: its text, the same as a tree, or as a part of something greater.
-  std::string to_text(const json_form &form = {}, json_layout layout = json_layout::readable) const;
-  json to_json(const json_form &form = {}) const;
-  void write(json_writer &to, const json_form &form = {}) const { type_.write(content_, form, to); }
+  // As JSON: its text, the same as a tree, or as a part of something greater. With the path to where decoding stopped,
+  // there is only what it has read before.
+  std::string to_text(const json_options &options = {}, path_view stopped = {}) const;
+  json to_json(json_options options = {}, path_view stopped = {}) const;
+  void write(json_writer &to, path_view stopped = {}) const { type_.write(content_, stopped, to); }
 
-  void read(const node &from, bytes_form bytes = bytes_form::base64);
+  void read(const node &from, json_bytes bytes = json_bytes::base64);
 
   const void *content() const { return content_; }
 

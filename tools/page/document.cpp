@@ -141,18 +141,14 @@ void document::add_rest() {
   close(0);
 }
 
-json_form document::form() const {
-  return {.stopped = walked_.failure ? path_view(walked_.failure->path) : path_view{}};
-}
+path_view document::stopped() const { return walked_.failure ? path_view(walked_.failure->path) : path_view{}; }
 
 nlohmann::ordered_json document::to_json() const {
-  json_form shown = form();
-  shown.octets = octets_form::address;
-  return content_.to_json(shown);
+  return content_.to_json({.byte_lists = json_byte_lists::address}, stopped());
 }
 
 void document::place_in_json() {
-  json_ = content_.to_text(form());
+  json_ = content_.to_text({}, stopped());
   if (json_.size() > INT32_MAX) throw input_error("the JSON has more than 2147483647 bytes");
   json_places places(json_);
   // The last occurrence of a field is the one that counts.

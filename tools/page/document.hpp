@@ -74,7 +74,7 @@ class document {
   std::int32_t add(tree_node node);
   void close(std::int32_t depth);
   void place_in_json();
-  json_form form() const;
+  path_view stopped() const;
   const walked_field &field_at(const tree_node &node) const {
     return walked_.fields[static_cast<std::size_t>(node.row)];
   }

@@ -15,13 +15,13 @@ byte_view view_of(const std::string &text) {
   return {reinterpret_cast<const unsigned char *>(text.data()), text.size()};
 }
 
-byte_string encoded(const message_type &type, const node &from, bytes_form bytes) {
+byte_string encoded(const message_type &type, const node &from, json_bytes bytes) {
   record content(type);
   content.read(from, bytes);
   return content.encode();
 }
 
-void try_text(const message_type &type, bool is_json, bytes_form bytes, byte_view text) {
+void try_text(const message_type &type, bool is_json, json_bytes bytes, byte_view text) {
   byte_string message;
   try {
     message = encoded(type, is_json ? parse_json(text) : parse_text_format(type, text), bytes);
@@ -33,7 +33,7 @@ void try_text(const message_type &type, bool is_json, bytes_form bytes, byte_vie
   }
   record content(type);
   require(content.decode(message) == CODEC_OK, "what was read is encoded to a valid message");
-  const std::string json_text = content.to_text({bytes, {}});
+  const std::string json_text = content.to_text({.bytes = bytes});
   require(encoded(type, parse_json(view_of(json_text)), bytes) == message,
           "a message survives a round trip through JSON");
   const std::string plain_text = to_text_format(type, message);
@@ -48,6 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t siz
   const unsigned choice = data[size - 1];
   const auto types = inspect::all_types();
   try_text(*types[choice / 4 % types.size()], choice % 2 == 0,
-           choice % 4 < 2 ? inspect::bytes_form::base64 : inspect::bytes_form::hex, {data, size - 1});
+           choice % 4 < 2 ? inspect::json_bytes::base64 : inspect::json_bytes::hex, {data, size - 1});
   return 0;
 }

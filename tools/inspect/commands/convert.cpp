@@ -58,9 +58,8 @@ exit_status convert(const command_options &options) {
   const decoded read(type_of(type, name_of(file), message), message);
   // Encoding shows what the library keeps of a message; after a failure that would be too little.
   const byte_string kept = read.walked.failure ? message : read.content.encode();
-  write_text(options, options.to == message_form::as_json
-                          ? read.content.to_text(read.form(options.bytes, options.octets))
-                          : to_text_format(read.type, kept));
+  write_text(options, options.to == message_form::as_json ? read.content.to_text(options.json(), read.stopped())
+                                                          : to_text_format(read.type, kept));
   return read.report();
 }
 

@@ -16,10 +16,7 @@ namespace {
 
 class decoding {
  public:
-  explicit decoding(const command_options &options)
-      : options_(options),
-        layout_(options.lines ? json_layout::one_line : json_layout::readable),
-        has_colours_(has_colours(options.colours)) {}
+  explicit decoding(const command_options &options) : options_(options), has_colours_(has_colours(options.colours)) {}
 
   exit_status run() {
     const auto [type, file] = single_target_of(options_);
@@ -36,17 +33,15 @@ class decoding {
  private:
   // False if the message does not have the member that was asked for.
   bool append(const input_message &message, const decoded &read, bool is_guessed) {
-    const json_form form = read.form(options_.bytes, options_.octets);
     std::optional<json> member;
     if (!options_.path.empty()) {
-      member = member_path(read.type, options_.path).of(read.content.to_json(form));
+      member = member_path(read.type, options_.path).of(read.content.to_json(options_.json(), read.stopped()));
       if (!member) return false;
     }
-    json_writer to(text_, layout_, [](std::string &text) {
-      print(text);
-      text.clear();
-    });
-    const auto append_content = [&] { member ? to.value(*member) : read.content.write(to, form); };
+    // Colours are found in the whole text. Without them, it is printed while it is written, so that it is never in
+    // memory.
+    json_writer to(text_, options_.json(), has_colours_ ? nullptr : print_and_clear);
+    const auto append_content = [&] { member ? to.value(*member) : read.content.write(to, read.stopped()); };
     if (message.is_single || options_.at) {
       append_content();
     } else {
@@ -60,6 +55,11 @@ class decoding {
     }
     text_ += '\n';
     return true;
+  }
+
+  static void print_and_clear(std::string &text) {
+    print(text);
+    text.clear();
   }
 
   static void report_unknown(const std::string &name, std::size_t count) {
@@ -92,7 +92,6 @@ class decoding {
   }
 
   const command_options &options_;
-  json_layout layout_;
   bool has_colours_;
   std::string text_;
   exit_status status_ = ok;

@@ -33,7 +33,7 @@ std::string list_text(const std::vector<difference> &found, bool all, const pain
 }
 
 json json_of(const decoded &message) {
-  return message.content.to_json(message.form(bytes_form::base64, octets_form::address));
+  return message.content.to_json({.byte_lists = json_byte_lists::address}, message.stopped());
 }
 
 }  // namespace
