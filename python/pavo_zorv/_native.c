@@ -4,6 +4,7 @@
 #define PY_SSIZE_T_CLEAN
 #define Py_LIMITED_API 0x030b0000
 #include <Python.h>
+#include <limits.h>
 #include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -103,11 +104,21 @@ struct codec {
   row *rows;
 };
 
-// A message: its dictionary holds the present fields.
+// A long list of integers that has been decoded and not been looked at: its elements as they are in the record.
+typedef struct unread_list {
+  struct unread_list *next;
+  PyObject *name;
+  size_t count, size;  // of the elements, and of each
+  uint64_t elements[];
+} unread_list;
+
+// A message: its dictionary holds the present fields, except those that are unread lists. Every way to the dictionary
+// leads through `fields_of`, which makes them lists first; only attributes that are found in it are read without it.
 typedef struct {
   PyObject_HEAD PyObject *fields;
   PyObject *weak_references;
   PyObject *implicit;
+  unread_list *unread;
 } message;
 
 static PyObject *empty_message(codec *type) {
@@ -119,15 +130,46 @@ static PyObject *empty_message(codec *type) {
   return NULL;
 }
 
+static bool set_integers(PyObject *list, const char *at, size_t count, size_t size);
+
+static void drop_first_unread(message *of) {
+  unread_list *const first = of->unread;
+  of->unread = first->next;
+  Py_DECREF(first->name);
+  PyMem_Free(first);
+}
+
+// Makes lists of what is unread. Only making an empty list can start the garbage collector, and so code in Python that
+// looks at this message.
+static bool read_lists(message *of) {
+  while (of->unread != NULL) {
+    unread_list *const first = of->unread;
+    PyObject *const list = PyList_New((Py_ssize_t)first->count);
+    if (list == NULL) return false;
+    bool is_done = true;
+    if (of->unread == first) {
+      is_done = set_integers(list, (const char *)first->elements, first->count, first->size) &&
+                PyDict_SetItem(of->fields, first->name, list) == 0;
+      if (is_done) drop_first_unread(of);
+    }
+    Py_DECREF(list);
+    if (!is_done) return false;
+  }
+  return true;
+}
+
+static bool is_of_class(codec *type, PyObject *value) {
+  if (Py_TYPE(value) == type->class) return true;
+  PyErr_SetString(PyExc_TypeError, "a message of another class");
+  return false;
+}
+
 // The dictionary of a message of this class, or null with an exception.
 static PyObject *fields_of(codec *type, PyObject *value) {
-  if (Py_TYPE(value) != type->class) {
-    PyErr_SetString(PyExc_TypeError, "a message of another class");
-    return NULL;
-  }
+  if (!is_of_class(type, value)) return NULL;
   message *const of = (message *)value;
   if (of->fields == NULL) of->fields = PyDict_New();
-  return of->fields;
+  return of->fields != NULL && read_lists(of) ? of->fields : NULL;
 }
 
 // The row of a name, searched from where the last one was found: names are mostly the same objects, in this order.
@@ -193,6 +235,9 @@ static void store_pointer(char *at, const void *pointer) { memcpy(at, &pointer, 
 
 // --- Records to messages ---
 
+// Lists of fewer integers are made at once: keeping them would take as long.
+enum { LONG_LIST = 64 };
+
 typedef struct {
   const char *start;  // of the input
   PyObject *view;     // of the input in reference mode, else null
@@ -201,17 +246,35 @@ typedef struct {
 
 static PyObject *read_message(codec *type, const char *record, const source *from);
 
-static PyObject *read_integers(const row *field, const char *at, size_t count) {
-  PyObject *const list = PyList_New((Py_ssize_t)count);
-  const size_t size = field->bits / 8;
-  for (size_t i = 0; list != NULL && i < count; ++i) {
-    PyObject *const element = PyLong_FromUnsignedLongLong(load(at + i * size, size));
-    if (element == NULL || PyList_SetItem(list, (Py_ssize_t)i, element) != 0) {
-      Py_DECREF(list);
-      return NULL;
-    }
+// Sets the elements of a new list: unsigned integers of 8 or 32 bits.
+static bool set_integers(PyObject *list, const char *at, size_t count, size_t size) {
+  for (size_t i = 0; i < count; ++i) {
+    const uint64_t number = load(at + i * size, size);
+    PyObject *const element =
+        number <= LONG_MAX ? PyLong_FromLong((long)number) : PyLong_FromUnsignedLong((unsigned long)number);
+    if (element == NULL || PyList_SetItem(list, (Py_ssize_t)i, element) != 0) return false;
   }
+  return true;
+}
+
+static PyObject *read_integers(const row *field, const char *at, size_t count) {
+  PyObject *list = PyList_New((Py_ssize_t)count);
+  if (list != NULL && !set_integers(list, at, count, field->bits / 8)) Py_CLEAR(list);
   return list;
+}
+
+// Keeps a list of integers as it is in the record.
+static bool keep_integers(const row *field, const char *record, message *made) {
+  const size_t count = load(record + field->count, 4), size = field->bits / 8;
+  unread_list *const kept = PyMem_Malloc(sizeof *kept + count * size);
+  if (kept == NULL) return PyErr_NoMemory() != NULL;
+  kept->next = made->unread;
+  kept->name = Py_NewRef(field->name);
+  kept->count = count;
+  kept->size = size;
+  memcpy(kept->elements, load_pointer(record + field->offset), count * size);
+  made->unread = kept;
+  return true;
 }
 
 static PyObject *read_messages(const row *field, const char *at, size_t count, const source *from) {
@@ -270,6 +333,10 @@ static PyObject *read_message(codec *type, const char *record, const source *fro
     const row *const field = &type->rows[i];
     const bool is_present = (present >> i & 1) != 0;
     if (!is_present && !(from->is_partial && field->kind == nested)) continue;
+    if (field->kind == integer_list && load(record + field->count, 4) >= LONG_LIST) {
+      if (!keep_integers(field, record, (message *)made)) goto failed;
+      continue;
+    }
     PyObject *const value = read_value(field, record, from);
     if (value == NULL) goto failed;
     const int failure = is_present || !is_empty(field->child, value) ? PyDict_SetItem(fields, field->name, value) : 0;
@@ -412,13 +479,28 @@ static bool write_value(codec *type, const row *field, PyObject *value, char *re
   return true;
 }
 
+static bool write_unread(codec *type, const message *value, char *record, arena *memory, uint32_t *present) {
+  Py_ssize_t last = 0;
+  for (const unread_list *each = value->unread; each != NULL; each = each->next) {
+    const row *const field = row_of(type, each->name, &last);
+    // A copy, because the list may be read, and released, before the record is.
+    char *const elements = field != NULL ? take(memory, each->count * each->size) : NULL;
+    if (elements == NULL) return PyErr_NoMemory() != NULL;
+    memcpy(elements, each->elements, each->count * each->size);
+    store_pointer(record + field->offset, elements);
+    store(record + field->count, each->count, 4);
+    *present |= bit_of(type, field);
+  }
+  return true;
+}
+
 static int64_t write_message(codec *type, PyObject *value, char *record, arena *memory) {
-  PyObject *const fields = fields_of(type, value);
-  if (fields == NULL) return -1;
   uint32_t present = 0;
+  if (!is_of_class(type, value) || !write_unread(type, (message *)value, record, memory, &present)) return -1;
+  PyObject *const fields = ((message *)value)->fields;
   Py_ssize_t position = 0, last = 0;
   PyObject *name, *each;
-  while (PyDict_Next(fields, &position, &name, &each)) {
+  while (fields != NULL && PyDict_Next(fields, &position, &name, &each)) {
     const row *const field = row_of(type, name, &last);
     if (field == NULL || !write_value(type, field, each, record, memory, &present)) return -1;
   }
@@ -767,6 +849,7 @@ static PyType_Spec codec_spec = {"pavo_zorv._native.Codec", sizeof(codec), 0, Py
 static void message_dealloc(PyObject *self) {
   PyTypeObject *const of = Py_TYPE(self);
   if (((message *)self)->weak_references != NULL) PyObject_ClearWeakRefs(self);
+  while (((message *)self)->unread != NULL) drop_first_unread((message *)self);
   Py_CLEAR(((message *)self)->fields);
   Py_CLEAR(((message *)self)->implicit);
   ((freefunc)PyType_GetSlot(of, Py_tp_free))(self);
@@ -780,8 +863,21 @@ static PyMemberDef message_members[] = {
     {NULL, 0, 0, 0, NULL},
 };
 
+static PyObject *message_dictionary(PyObject *self, void *context) {
+  return read_lists((message *)self) ? PyObject_GenericGetDict(self, context) : NULL;
+}
+
+static int message_set_dictionary(PyObject *self, PyObject *value, void *context) {
+  return read_lists((message *)self) ? PyObject_GenericSetDict(self, value, context) : -1;
+}
+
+// Also deletes an attribute.
+static int message_set_attribute(PyObject *self, PyObject *name, PyObject *value) {
+  return read_lists((message *)self) ? PyObject_GenericSetAttr(self, name, value) : -1;
+}
+
 static PyGetSetDef message_getters[] = {
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, NULL, NULL},
+    {"__dict__", message_dictionary, message_set_dictionary, NULL, NULL},
     {NULL, NULL, NULL, NULL, NULL},
 };
 
@@ -789,6 +885,7 @@ static PyType_Slot message_slots[] = {
     {Py_tp_dealloc, message_dealloc},
     {Py_tp_members, message_members},
     {Py_tp_getset, message_getters},
+    {Py_tp_setattro, message_set_attribute},
     {0, NULL},
 };
 

@@ -2,6 +2,7 @@
 
 import copy
 import doctest
+import gc
 import os
 import pathlib
 import pickle
@@ -325,6 +326,120 @@ def test_a_misspelt_field_is_refused():
     vars(message)["no_such_field"] = 1
     with pytest.raises(AttributeError, match="api_prefix has no field no_such_field"):
         message.to_bytes()
+
+
+# --- Long lists of integers, which are made when they are looked at ---
+
+LABELS = list(range(0, 2**32, 2**24)) + [2**30 - 1, 2**30, 2**31 - 1, 2**31, 2**32 - 1]
+
+
+def with_labels():
+    """A decoded message that nobody has looked at, and the encoding of an equal one that has lists."""
+    encoded = pavo_zorv.api_msg_p2p_auto_policy(field1="a", label_stack={"labels": LABELS}).to_bytes()
+    return pavo_zorv.api_msg_p2p_auto_policy.from_bytes(encoded), encoded
+
+
+@pytest.mark.parametrize("count", [0, 1, 63, 64, 65, 100000])
+def test_lists_of_every_length_are_lists(count):
+    labels = [each * 40503 % 2**32 for each in range(count)]
+    octets = [each * 7 % 256 for each in range(count)]
+    for cls, name, values in ((pavo_zorv.api_lbl_stack, "labels", labels), (pavo_zorv.api_nodeid, "octets", octets)):
+        encoded = cls(**{name: values}).to_bytes()
+        message = cls.from_bytes(encoded)
+        assert message.to_bytes() == encoded
+        read = getattr(message, name)
+        assert type(read) is list and read == values
+        assert getattr(message, name) is read
+        assert message.to_bytes() == encoded
+        assert message.has(name) == (count != 0)
+
+
+@pytest.mark.parametrize("look", [
+    lambda message: message.label_stack.to_dict() == {"labels": LABELS},
+    lambda message: message.to_dict() == {"field1": "a", "label_stack": {"labels": LABELS}},
+    lambda message: vars(message.label_stack) == {"labels": LABELS},
+    lambda message: message.label_stack.__dict__["labels"] == LABELS,
+    lambda message: message.label_stack.has("labels"),
+    lambda message: repr(message.label_stack) == f"api_lbl_stack(labels={LABELS})",
+    lambda message: eval(repr(message), vars(pavo_zorv)) == message,
+    lambda message: pavo_zorv.api_msg_p2p_auto_policy.from_json(message.to_json()) == message,
+    lambda message: message.copy().label_stack.labels == LABELS,
+    lambda message: copy.copy(message) == message == copy.deepcopy(message),
+    lambda message: pickle.loads(pickle.dumps(message)).label_stack.labels == LABELS,
+    lambda message: message.label_stack == pavo_zorv.api_lbl_stack(labels=LABELS),
+    lambda message: message.label_stack < pavo_zorv.api_lbl_stack(labels=LABELS + [0]),
+    lambda message: message.label_stack.labels[-2:] == LABELS[-2:] and sum(message.label_stack.labels) == sum(LABELS),
+])
+def test_a_list_that_nobody_has_looked_at_is_there_however_one_looks(look):
+    message, encoded = with_labels()
+    assert look(message)
+    assert message.to_bytes() == encoded
+
+
+def test_a_list_that_nobody_has_looked_at_can_be_changed():
+    message, _ = with_labels()
+    message.label_stack.labels.append(7)
+    assert message.to_bytes() == pavo_zorv.api_msg_p2p_auto_policy(
+        field1="a", label_stack={"labels": LABELS + [7]}).to_bytes()
+    for change in (lambda stack: setattr(stack, "labels", [7]),
+                   lambda stack: vars(stack).update(labels=[7])):
+        message, _ = with_labels()
+        change(message.label_stack)
+        assert message.label_stack.labels == [7]
+        assert message.label_stack.to_bytes() == b"\x08\x07"
+        assert vars(message.label_stack) == {"labels": [7]}
+    for removal in (lambda stack: delattr(stack, "labels"), lambda stack: setattr(stack, "labels", None),
+                    lambda stack: vars(stack).clear()):
+        message, _ = with_labels()
+        removal(message.label_stack)
+        assert message.label_stack.to_bytes() == b""
+        assert message.label_stack.labels == []
+
+
+def test_a_list_is_there_although_decoding_failed_after_it():
+    with pytest.raises(pavo_zorv.DecodeError) as caught:
+        pavo_zorv.api_msg_p2p_auto_policy.from_bytes(with_labels()[1] + b"\x0f")
+    assert caught.value.partial.label_stack.labels == LABELS
+
+
+def test_a_list_is_made_once_also_if_the_garbage_collector_looks_at_it_meanwhile():
+    """Making a list can start the collector, which runs code that looks at the same message."""
+    seen, stack = [], None
+
+    class Garbage:
+        def __init__(self):
+            self.itself = self
+
+        def __del__(self):
+            seen.append(stack.labels)
+
+    threshold = gc.get_threshold()
+    message, encoded = with_labels()
+    stack = message.label_stack
+    gc.disable()
+    gc.collect()
+    Garbage()
+    kept = [[] for _ in range(1000)]  # more than Python has at hand: the next list is a new object
+    gc.set_threshold(10)
+    gc.enable()
+    read = stack.labels
+    gc.set_threshold(*threshold)
+    assert len(seen) == 1 and len(kept) == 1000, "the collector has been at work meanwhile"
+    assert read == LABELS and stack.labels is read and seen[0] is read
+    assert message.to_bytes() == encoded
+
+
+def test_the_memory_of_a_list_that_nobody_looks_at_is_released():
+    encoded = pavo_zorv.api_lbl_stack(labels=range(1, 10**5)).to_bytes()
+    tracemalloc.start()
+    try:
+        before = tracemalloc.get_traced_memory()[0]
+        message = pavo_zorv.api_lbl_stack.from_bytes(encoded)
+        assert tracemalloc.get_traced_memory()[0] - before > 4 * 10**5
+        del message
+        assert tracemalloc.get_traced_memory()[0] - before < 10**4
+    finally:
+        tracemalloc.stop()
 
 
 # --- Copies and comparison ---
