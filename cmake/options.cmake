@@ -30,8 +30,17 @@ endif()
 option(PAVO_ZORV_X86_64_V3 "Build the shared library a second time, for x86-64-v3" ${pavo_zorv_x86_64_v3_default})
 
 if(PAVO_ZORV_PACKAGES)
-  # Debian's folder for libraries, under any prefix.
-  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE})
+  # The architecture as dpkg-buildpackage or dpkg-architecture say; that of this machine if they say nothing. It has a
+  # folder for libraries, under any prefix.
+  find_program(dpkg_architecture dpkg-architecture)
+  if(NOT dpkg_architecture)
+    message(FATAL_ERROR "the packages cannot be built: not found: dpkg-architecture")
+  endif()
+  execute_process(COMMAND ${dpkg_architecture} --query DEB_HOST_ARCH
+    OUTPUT_VARIABLE DEB_HOST_ARCH OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${dpkg_architecture} --host-arch ${DEB_HOST_ARCH} --query DEB_HOST_MULTIARCH
+    OUTPUT_VARIABLE DEB_HOST_MULTIARCH OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  set(CMAKE_INSTALL_LIBDIR lib/${DEB_HOST_MULTIARCH})
   # Debugging information, which becomes packages of its own, names no folder of the machine that builds.
   if(CMAKE_BUILD_TYPE MATCHES "Deb")
     add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=/usr/src/pavo-zorv-${PROJECT_VERSION})
