@@ -4,7 +4,7 @@
  *
  *  Optional and header-only. `write_json` and `write_line` take no memory and do not throw; they write into a buffer of
  *  the caller's, of any size, without a NUL at the end. zorv::json_writer takes no memory either: it hands its text on
- *  piece by piece. They only read the record, so any number of threads may do so at once. Records must be as for
+ *  piece by piece. All of them only read the record, so any number of threads may do so at once. Records must be as for
  *  `compare`: zeroed before they were filled, or the output of `decode_ext` or `duplicate`. A null pointer counts as an
  *  empty string, block or list.
  *
@@ -296,7 +296,7 @@ class json_writer {
 
   /** Begins a list. */
   void begin_list() { begin('[', true); }
-  /** Begins a list that is on one line also in zorv::json_layout::lines. No lists and objects may be in it. */
+  /** Begins a list that is on one line also in zorv::json_layout::lines. There must be no lists or objects in it. */
   void begin_short_list() { begin('[', false); }
   /** Ends a list. */
   void end_list() { end(']'); }
@@ -627,8 +627,8 @@ class line_writer {
  *  much of it fits.
  *
  *  There is one member for each field that is present, with the field's name. Flags are `true` or `false`; numbers of
- *  64 bits are strings, because many readers of JSON round them. Bytes are base64, unless the options say otherwise. A
- *  string that is not UTF-8 is an object like `{"base64": "/w=="}`. */
+ *  64 bits are strings, because many readers of JSON round them. Bytes are base64, and lists of 8-bit numbers are
+ *  lists, unless the options say otherwise. A string that is not UTF-8 is an object like `{"base64": "/w=="}`. */
 template <class Record>
 [[nodiscard]] std::size_t write_json(
     const Record &record, char *buffer, std::size_t size, const json_options &options = {}) noexcept {
