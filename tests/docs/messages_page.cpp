@@ -1,7 +1,9 @@
 // Writes docs/messages.md: every message with its fields, from the schema.
 #include <cstdio>
+#include <string_view>
 
 #include "describe.hpp"
+#include "pavo_zorv_messages.h"
 
 namespace {
 
@@ -28,22 +30,30 @@ std::string key_text(unsigned number, pavo_zorv::wire_type wire) {
   return text;
 }
 
-template <class Record>
-void write_message() {
-  std::printf("\n## %s\n\n", pavo_zorv::message_name<Record>);
-  if (zorv::takes_options<Record>) std::printf("Takes the options word.\n\n");
+bool takes_options(std::string_view message) {
+#define PLAIN(name)
+#define WITH_OPTIONS(name) \
+  if (message == #name) return true;
+  PAVO_ZORV_EVERY_MESSAGE(PLAIN, WITH_OPTIONS)
+#undef WITH_OPTIONS
+#undef PLAIN
+  return false;
+}
+
+void write_message(const pavo_zorv::message_info &message) {
+  std::printf("\n## %s\n\n", message.name);
+  if (takes_options(message.name)) std::printf("Takes the options word.\n\n");
   std::printf("| Field | Member | Kind | Key | Presence |\n|---|---|---|---|---|\n");
-  pavo_zorv::for_each_row<Record>([](auto index) {
-    constexpr auto &row = pavo_zorv::row_at<Record, index>;
-    std::printf("| %u | `%s` | %s | `%s` | `%s` |\n", row.number, row.name, docs::kind_text<Record, index>().c_str(),
-                key_text(row.number, row.wire).c_str(), docs::presence_text<Record, index>().c_str());
-  });
+  for (const pavo_zorv::field_info &field : message.fields) {
+    std::printf("| %u | `%s` | %s | `%s` | `%s` |\n", field.number, field.name, docs::kind_text(field).c_str(),
+                key_text(field.number, field.wire).c_str(), docs::presence_text(message, field).c_str());
+  }
 }
 
 }  // namespace
 
 int main() {
   std::printf("%s", introduction);
-  pavo_zorv::for_each_message([](auto message) { write_message<typename decltype(message)::type>(); });
+  for (const pavo_zorv::message_info *const message : pavo_zorv::message_table()) write_message(*message);
   return 0;
 }
