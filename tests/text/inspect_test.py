@@ -2,7 +2,7 @@
 """Records in words, as pavo_zorv_text.hpp writes them, against zorv-inspect: the same JSON byte for byte, and lines that
 it and protoc read as the text form.
 
-inspect_test.py RANDOM_TEXTS ZORV_INSPECT PROTOC FOLDER_OF_ZORV_PROTO
+inspect_test.py TEXT_TEST ZORV_INSPECT PROTOC FOLDER_OF_ZORV_PROTO
 """
 
 import json
@@ -12,7 +12,7 @@ import sys
 import tempfile
 import unittest
 
-RANDOM_TEXTS, INSPECT, PROTOC, PROTO = sys.argv[1:5]
+TEXT_TEST, INSPECT, PROTOC, PROTO = sys.argv[1:5]
 
 
 def inspect(*arguments, given=None):
@@ -39,7 +39,7 @@ class Words(unittest.TestCase):
     def setUpClass(cls):
         cls.work = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.work.cleanup)
-        subprocess.run([RANDOM_TEXTS, cls.work.name], check=True)
+        subprocess.run([TEXT_TEST, cls.work.name], check=True)
         cls.streams = sorted(pathlib.Path(cls.work.name).glob("*.stream"))
         if len(cls.streams) != 31:
             raise AssertionError(f"{len(cls.streams)} messages")

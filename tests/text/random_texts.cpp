@@ -1,6 +1,7 @@
 // Random records of every message, in files of a folder: MESSAGE.stream with their encodings, each after
 // its length as a varint, MESSAGE.json, MESSAGE.compact and MESSAGE.lines with what pavo_zorv_text.hpp makes of them.
-//   random_texts FOLDER
+//   text_test FOLDER
+// In the program of the tests, which is compiled for every message anyway.
 #include <fstream>
 
 #include "laws.hpp"
@@ -9,9 +10,7 @@
 #include "pavo_zorv_framing.h"
 #include "pavo_zorv_text.hpp"
 
-int main(int count, char **arguments) {
-  if (count != 2) return 2;
-  const std::string folder = arguments[1];
+bool write_random_texts(const std::string &folder) {
   bool is_written = true;
   pavo_zorv::for_each_message([&](auto message) {
     using record_type = typename decltype(message)::type;
@@ -39,5 +38,11 @@ int main(int count, char **arguments) {
     compact.flush();
     is_written = is_written && stream && json && lines && compact;
   });
-  return is_written ? 0 : 1;
+  return is_written;
+}
+
+int main(int count, char **arguments) {
+  testing::InitGoogleTest(&count, arguments);
+  if (count == 2) return write_random_texts(arguments[1]) ? 0 : 1;
+  return RUN_ALL_TESTS();
 }
