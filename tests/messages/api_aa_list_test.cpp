@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_aa_list_test {
 
 struct whole_list {
   std::uint8_t bytes[2] = {1, 200};
@@ -316,4 +316,4 @@ TEST(api_aa_list, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(read->policies[2].presence, 0x101);
 }
 
-}  // namespace
+}  // namespace api_aa_list_test

@@ -1,7 +1,7 @@
 // Addresses and label stacks.
 #include "support.hpp"
 
-namespace {
+namespace api_addr_lbl_stack_test {
 
 using namespace test;
 
@@ -227,4 +227,4 @@ TEST(api_lbl_stack, is_compared_by_presence_then_labels_then_count) {
   EXPECT_EQ(compared({one, 3, 0}, {other, 2, 0}), 0);
 }
 
-}  // namespace
+}  // namespace api_addr_lbl_stack_test

@@ -1,7 +1,7 @@
 // Explicit-path hops and paths.
 #include "support.hpp"
 
-namespace {
+namespace api_exp_hop_path_test {
 
 using namespace test;
 
@@ -242,4 +242,4 @@ TEST(api_exp_path, is_compared_by_its_hops_then_their_count_then_its_number) {
   EXPECT_EQ(compared({one, 2, 5, 2}, {other, 1, 5, 2}), 0);
 }
 
-}  // namespace
+}  // namespace api_exp_hop_path_test

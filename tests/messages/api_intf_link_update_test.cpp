@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_intf_link_update_test {
 
 struct whole_intf {
   char field2[5] = "eth0";
@@ -284,4 +284,4 @@ TEST(api_link_update, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(overwritten(0xff, api_link_update{1, nullptr, 3, 4, nullptr, 0, 0x0d}).presence, 0xed);
 }
 
-}  // namespace
+}  // namespace api_intf_link_update_test

@@ -5,7 +5,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_msg_p2p_auto_policy_exchange_test {
 
 using request_message = api_msg_p2p_auto_policy_request;
 using response_message = api_msg_p2p_auto_policy_response;
@@ -423,4 +423,4 @@ TEST(api_msg_p2p_auto_policy_sweep, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(overwritten(0xff, sweep_message{1, 2, 0x01}).field2, 2u);
 }
 
-}  // namespace
+}  // namespace api_msg_p2p_auto_policy_exchange_test

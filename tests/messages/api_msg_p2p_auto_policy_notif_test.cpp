@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_msg_p2p_auto_policy_notif_test {
 
 using notification = api_msg_p2p_auto_policy_notif;
 
@@ -448,4 +448,4 @@ TEST(api_msg_p2p_auto_policy_notif, copying_leaves_presence_bits_of_no_field_alo
   EXPECT_EQ(ones.label_stack.presence, 0xfe);
 }
 
-}  // namespace
+}  // namespace api_msg_p2p_auto_policy_notif_test

@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_msg_p2p_auto_policy_test {
 
 using policy = api_msg_p2p_auto_policy;
 
@@ -608,4 +608,4 @@ TEST(api_msg_p2p_auto_policy, copying_leaves_presence_bits_of_no_field_alone) {
   EXPECT_EQ(ones.prefix_sid.presence, 0xfd);
 }
 
-}  // namespace
+}  // namespace api_msg_p2p_auto_policy_test

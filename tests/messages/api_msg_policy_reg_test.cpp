@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_msg_policy_reg_test {
 
 struct whole_registration {
   std::uint8_t bytes[2] = {1, 2};
@@ -183,4 +183,4 @@ TEST(api_msg_policy_reg, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(overwritten(0xff, api_msg_policy_reg{1, nullptr, 0, 3, nullptr, 0x05}).presence, 0xf5);
 }
 
-}  // namespace
+}  // namespace api_msg_policy_reg_test

@@ -1,7 +1,7 @@
 // Messages about the service itself, and the on-demand colour.
 #include "support.hpp"
 
-namespace {
+namespace api_msg_service_internal_test {
 
 using namespace test;
 
@@ -259,4 +259,4 @@ TEST(api_msg_on_demand_color_notif, behaves_as_an_address) {
   EXPECT_EQ(copy.color, 0xffffffffu);
 }
 
-}  // namespace
+}  // namespace api_msg_service_internal_test

@@ -5,7 +5,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_msg_test {
 
 constexpr std::uint32_t by_reference = PAVO_ZORV_REFERENCE;
 // All sixteen members.
@@ -633,4 +633,4 @@ TEST(api_msg, copying_leaves_presence_bits_of_no_field_alone_at_every_depth) {
   }
 }
 
-}  // namespace
+}  // namespace api_msg_test

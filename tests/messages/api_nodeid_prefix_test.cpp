@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_nodeid_prefix_test {
 
 struct whole_nodeid {
   std::uint8_t bytes[3] = {10, 128, 255};
@@ -284,4 +284,4 @@ TEST(api_prefix, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(overwritten(0xff, api_prefix{nullptr, 0, 1, 0x01}).presence, 0xfd);
 }
 
-}  // namespace
+}  // namespace api_nodeid_prefix_test

@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_policy_test {
 
 struct whole_policy {
   char field1[3] = "ab";
@@ -389,4 +389,4 @@ TEST(api_policy, copying_leaves_presence_bits_10_to_15_alone) {
   EXPECT_EQ(overwritten(0xff, source).presence, 0xfc00 | API_POLICY_HAS_FIELD2);
 }
 
-}  // namespace
+}  // namespace api_policy_test

@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace api_to_zorv_igp_test {
 
 struct whole_to_zorv {
   std::uint8_t bytes[2] = {10, 128};
@@ -465,4 +465,4 @@ TEST(api_to_igp, presence_bits_of_no_field_are_left_alone_at_every_depth) {
   EXPECT_EQ(copy.aa_list.presence, 0xf8);
 }
 
-}  // namespace
+}  // namespace api_to_zorv_igp_test

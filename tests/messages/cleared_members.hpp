@@ -2,37 +2,33 @@
 #pragma once
 
 #include <string>
-#include <tuple>
-#include <type_traits>
 
-#include "messages/all.hpp"
-#include "support.hpp"
+#include "message_table.hpp"
+#include "naive/view.hpp"
 
 namespace test {
 
 // The members of a record that are not zero, and presence flags with a bit of a field; nothing where all is clear. The
 // presence bits of no field are not looked at, nor what lies between the members.
-template <class Record>
-std::string left_in(const Record &record, const std::string &name = "") {
+inline std::string left_in(naive::view record, const std::string &way = "") {
+  const naive::message &type = record.type();
   std::string result;
-  pavo_zorv::for_each_row<Record>([&](auto index) {
-    constexpr auto &row = pavo_zorv::row_at<Record, index>;
-    std::apply(
-        [&](auto... members) {
-          const auto look = [&](const auto &member) {
-            using Member = std::remove_cvref_t<decltype(member)>;
-            if constexpr (std::is_class_v<Member>) {
-              result += left_in(member, name + row.name + ".");
-            } else if (std::memcmp(&member, byte_string(sizeof member).data(), sizeof member) != 0) {
-              result += name + row.name + " ";
-            }
-          };
-          (look(record.*members), ...);
-        },
-        row.members());
-  });
-  if ((record.presence & pavo_zorv::presence_mask<Record>) != 0) result += name + "presence ";
+  for (const naive::member &member : type.members) {
+    const std::string name = way + pavo_zorv::find_message(type.name)->fields[member.number - 1].name;
+    if (member.kind == naive::kind::nested) {
+      result += left_in(record.nested(member), name + ".");
+    } else {
+      if (member.is_scalar() ? record.number(member) != 0 : record.pointer(member) != nullptr) result += name + " ";
+      if (member.has_count() && record.count(member) != 0) result += "count of " + name + " ";
+    }
+  }
+  if ((record.presence() & type.mask()) != 0) result += way + "presence ";
   return result;
+}
+
+template <class Record>
+std::string left_in(const Record &record) {
+  return left_in(naive::view_of(record));
 }
 
 }  // namespace test

@@ -14,11 +14,13 @@
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
+#include "message_table.hpp"
 #include "messages/all.hpp"
 
-namespace {
+namespace layout_test {
 
 template <class Record>
 void is_a_record_of_c() {
@@ -38,17 +40,23 @@ std::size_t place_of(Member Record::*member) {
                                   reinterpret_cast<const char *>(&record));
 }
 
+// Offsets, size and alignment.
+using figures = std::vector<std::size_t>;
+
 TEST(layout, of_every_record_is_the_one_that_is_computed) {
-  pavo_zorv::for_each_message([](auto message) {
+  std::vector<std::pair<std::string, figures>> computed, found;
+  pavo_zorv::for_each_message([&](auto message) {
     using record = typename decltype(message)::type;
-    constexpr auto computed = pavo_zorv::layout_of<record>(pavo_zorv::native);
-    std::vector<std::size_t> places;
+    constexpr auto layout = pavo_zorv::layout_of<record>(pavo_zorv::native);
+    figures places(layout.offsets.begin(), layout.offsets.end());
+    places.insert(places.end(), {layout.size, layout.alignment});
+    computed.emplace_back(pavo_zorv::message_name<record>, places);
+    places.clear();
     std::apply([&](auto... members) { (places.push_back(place_of(members)), ...); }, pavo_zorv::row_members<record>);
-    places.push_back(place_of(&record::presence));
-    EXPECT_EQ(std::vector(computed.offsets.begin(), computed.offsets.end()), places) << pavo_zorv::message_name<record>;
-    EXPECT_EQ(computed.size, sizeof(record)) << pavo_zorv::message_name<record>;
-    EXPECT_EQ(computed.alignment, alignof(record)) << pavo_zorv::message_name<record>;
+    places.insert(places.end(), {place_of(&record::presence), sizeof(record), alignof(record)});
+    found.emplace_back(pavo_zorv::message_name<record>, places);
   });
+  EXPECT_EQ(computed, found);
 }
 
 std::string upper(std::string text) {
@@ -73,25 +81,23 @@ TEST(messages, have_a_suite_of_tests_each) {
   const testing::UnitTest &tests = *testing::UnitTest::GetInstance();
   std::set<std::string> suites;
   for (int i = 0; i < tests.total_test_suite_count(); ++i) suites.insert(tests.GetTestSuite(i)->name());
-  pavo_zorv::for_each_message([&](auto message) {
-    const std::string name = pavo_zorv::message_name<typename decltype(message)::type>;
-    EXPECT_TRUE(suites.contains(name)) << "no file in tests/messages/ has tests of the suite " << name;
-  });
+  for (const pavo_zorv::message_info *const message : pavo_zorv::message_table()) {
+    EXPECT_TRUE(suites.contains(message->name))
+        << "no file in tests/messages/ has tests of the suite " << message->name;
+  }
 }
 
 TEST(layout, has_one_presence_constant_for_each_field_in_field_order) {
   std::ifstream file(PAVO_ZORV_HEADER);
   const std::string header{std::istreambuf_iterator<char>(file), {}};
-  pavo_zorv::for_each_message([&](auto message) {
-    using record = typename decltype(message)::type;
-    const std::string name = pavo_zorv::message_name<record>;
+  for (const pavo_zorv::message_info *const message : pavo_zorv::message_table()) {
+    const std::string name = message->name;
     std::vector<std::string> expected;
-    pavo_zorv::for_each_row<record>([&](auto index) {
-      expected.push_back(upper(name + "_HAS_" + pavo_zorv::row_at<record, index>.name) + " = 1 << " +
-                         std::to_string(index));
-    });
+    for (const pavo_zorv::field_info &field : message->fields) {
+      expected.push_back(upper(name + "_HAS_" + field.name) + " = 1 << " + std::to_string(expected.size()));
+    }
     EXPECT_EQ(presence_constants(header, name), expected) << "include/pavo_zorv.h, enum " << name << "_presence";
-  });
+  }
 }
 
-}  // namespace
+}  // namespace layout_test

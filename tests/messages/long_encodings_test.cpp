@@ -6,7 +6,7 @@
 
 #include "support.hpp"
 
-namespace {
+namespace long_encodings_test {
 
 using namespace test;
 
@@ -97,4 +97,4 @@ TEST_F(long_encodings_of_shared_strings, with_a_total_of_2_to_the_32_touch_nothi
   }
 }
 
-}  // namespace
+}  // namespace long_encodings_test

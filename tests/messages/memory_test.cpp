@@ -3,7 +3,7 @@
 
 #include "support.hpp"
 
-namespace {
+namespace memory_test {
 
 using namespace test;
 
@@ -453,4 +453,4 @@ TEST(memory, of_a_copied_list_holds_every_element_whatever_their_number) {
   }
 }
 
-}  // namespace
+}  // namespace memory_test

@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace oam_req_test {
 
 constexpr std::uint32_t by_reference = PAVO_ZORV_REFERENCE;
 struct whole_request {
@@ -346,4 +346,4 @@ TEST(oam_req, presence_bits_of_no_field_are_left_alone_in_the_segment_identifier
   EXPECT_EQ(overwritten(0xff, oam_req{}).presence, 0);
 }
 
-}  // namespace
+}  // namespace oam_req_test

@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace oam_res_test {
 
 constexpr std::uint32_t by_reference = PAVO_ZORV_REFERENCE;
 struct whole_result {
@@ -513,7 +513,7 @@ TEST(oam_res, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(read->usid_lists[0].usids[0].prefix.presence, 0x03);
 }
 
-}  // namespace
+}  // namespace oam_res_test
 
 // What is after such a place is stored some bytes at a time, and must not reach into it.
 TEST(oam_res, bytes_that_are_missing_leave_their_place_in_the_buffer_as_it_was) {

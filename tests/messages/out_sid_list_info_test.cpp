@@ -5,7 +5,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace out_sid_list_info_test {
 
 constexpr std::uint32_t by_reference = PAVO_ZORV_REFERENCE;
 
@@ -437,4 +437,4 @@ TEST(out_srv6_usid_list_info, presence_bits_of_no_field_are_left_alone) {
   EXPECT_EQ(overwritten(0xff, out_srv6_usid_list_info{nullptr, 0, 0x00}).presence, 0xfe);
 }
 
-}  // namespace
+}  // namespace out_sid_list_info_test

@@ -8,7 +8,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace powers_test {
 
 // Up to 2 MiB, from where on a length takes four bytes.
 constexpr unsigned greatest_power = 21;
@@ -399,4 +399,4 @@ TEST(powers, of_bytes_before_a_list) {
   }
 }
 
-}  // namespace
+}  // namespace powers_test

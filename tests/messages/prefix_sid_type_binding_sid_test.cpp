@@ -1,7 +1,7 @@
 // Segment-identifier descriptions.
 #include "support.hpp"
 
-namespace {
+namespace prefix_sid_type_binding_sid_test {
 
 using namespace test;
 
@@ -182,4 +182,4 @@ TEST(policy_binding_sid_t, is_compared_by_the_nested_record_then_its_number) {
   EXPECT_EQ(compared({sid(3), 5, 1}, {sid(3), 5, 3}), -1);
 }
 
-}  // namespace
+}  // namespace prefix_sid_type_binding_sid_test

@@ -5,7 +5,7 @@
 #include "cleared_members.hpp"
 #include "support.hpp"
 
-namespace {
+namespace records_test {
 
 using namespace test;
 
@@ -153,76 +153,68 @@ TEST(decode, no_bytes_give_a_cleared_record) {
   EXPECT_EQ(stack.presence & 1, 0);
 }
 
-template <class Record>
-class every_message : public testing::Test {};
+class every_message : public testing::TestWithParam<const naive::message *> {
+ protected:
+  const naive::message &type = *GetParam();
+  const calls &functions = *type.functions;
+  const record_block empty{type.size, 0};
 
-template <class Nothing, class... Records>
-using types_after = testing::Types<Records...>;
-#define PAVO_ZORV_LISTED(message) , message
-using messages = types_after<void PAVO_ZORV_MESSAGES(PAVO_ZORV_LISTED)>;
-#undef PAVO_ZORV_LISTED
-
-struct message_names {
-  template <class Record>
-  static std::string GetName(int) {
-    return operations<Record>::name;
+  record_block filled_with(int byte) const { return {type.size, static_cast<unsigned char>(byte)}; }
+  int decode(record_block &record, const byte_string &bytes) const {
+    const fenced_block input(bytes);
+    return functions.decode(record.data(), input.data(), input.size(), nullptr, nullptr, 0);
   }
+  void expect_clear(const record_block &record) const {
+    EXPECT_EQ(left_in(naive::view(type, record.data())), "");
+    EXPECT_EQ(functions.compare(record.data(), empty.data()), 0);
+    EXPECT_EQ(functions.encode(record.data(), nullptr, 0, nullptr, nullptr, 0), 0u);
+  }
+  std::uint32_t presence(const record_block &record) const { return naive::view(type, record.data()).presence(); }
 };
 
-TYPED_TEST_SUITE(every_message, messages, message_names);
+INSTANTIATE_TEST_SUITE_P(all, every_message, testing::ValuesIn(naive::pointers_to(naive::messages())),
+                         [](const auto &tested) { return std::string(tested.param->name); });
 
-TYPED_TEST(every_message, is_cleared_whatever_it_held) {
+TEST_P(every_message, is_cleared_whatever_it_held) {
   for (const int rubbish : {0x00, 0x01, 0x5a, 0xff}) {
-    TypeParam record, empty{};
-    std::memset(static_cast<void *>(&record), rubbish, sizeof record);
-    EXPECT_EQ(operations<TypeParam>::decode(&record, nullptr, 0, nullptr, nullptr), CODEC_OK);
-    EXPECT_EQ(left_in(record), "");
-    EXPECT_EQ(operations<TypeParam>::compare(&record, &empty), 0);
-    EXPECT_TRUE(encoded(record).empty());
-    operations<TypeParam>::free(
-        &record, [](void *, void *) { FAIL() << "nothing to release"; }, nullptr);
+    record_block record = filled_with(rubbish);
+    EXPECT_EQ(functions.decode(record.data(), nullptr, 0, nullptr, nullptr, 0), CODEC_OK);
+    expect_clear(record);
+    functions.free(
+        record.data(), [](void *, void *) { FAIL() << "nothing to release"; }, nullptr, 0);
   }
 }
 
-TYPED_TEST(every_message, is_cleared_before_a_failure) {
+TEST_P(every_message, is_cleared_before_a_failure) {
   for (const char *const bytes : {"80", "fb 01", "0f"}) {
-    TypeParam record, empty{};
-    std::memset(static_cast<void *>(&record), 0xff, sizeof record);
-    const fenced_block input(hex(bytes));
-    EXPECT_LT(operations<TypeParam>::decode(&record, input.data(), input.size(), nullptr, nullptr), 0);
-    EXPECT_EQ(left_in(record), "");
-    EXPECT_EQ(operations<TypeParam>::compare(&record, &empty), 0);
-    EXPECT_TRUE(encoded(record).empty());
+    record_block record = filled_with(0xff);
+    EXPECT_LT(decode(record, hex(bytes)), 0);
+    expect_clear(record);
   }
 }
 
-TYPED_TEST(every_message, that_is_empty_is_copied_compared_and_released_without_callbacks) {
-  TypeParam source{}, copy;
-  std::memset(static_cast<void *>(&copy), 0xff, sizeof copy);
-  EXPECT_EQ(operations<TypeParam>::duplicate(&copy, &source, nullptr, nullptr), CODEC_OK);
-  EXPECT_EQ(operations<TypeParam>::compare(&copy, &source), 0);
-  operations<TypeParam>::free(&copy, nullptr, nullptr);
-  EXPECT_TRUE(encoded(copy).empty());
+TEST_P(every_message, that_is_empty_is_copied_compared_and_released_without_callbacks) {
+  record_block copy = filled_with(0xff);
+  EXPECT_EQ(functions.duplicate(copy.data(), empty.data(), nullptr, nullptr), CODEC_OK);
+  EXPECT_EQ(functions.compare(copy.data(), empty.data()), 0);
+  functions.free(copy.data(), nullptr, nullptr, 0);
+  EXPECT_EQ(functions.encode(copy.data(), nullptr, 0, nullptr, nullptr, 0), 0u);
 }
 
-TYPED_TEST(every_message, keeps_the_presence_bits_of_no_field) {
-  using presence = decltype(TypeParam::presence);
-  TypeParam all_clear, all_set;
-  std::memset(static_cast<void *>(&all_clear), 0x00, sizeof all_clear);
-  std::memset(static_cast<void *>(&all_set), 0xff, sizeof all_set);
-  EXPECT_EQ(operations<TypeParam>::decode(&all_clear, nullptr, 0, nullptr, nullptr), CODEC_OK);
-  EXPECT_EQ(operations<TypeParam>::decode(&all_set, nullptr, 0, nullptr, nullptr), CODEC_OK);
-  EXPECT_EQ(all_clear.presence, 0u);
+TEST_P(every_message, keeps_the_presence_bits_of_no_field) {
+  record_block all_clear = filled_with(0x00), all_set = filled_with(0xff);
+  EXPECT_EQ(decode(all_clear, {}), CODEC_OK);
+  EXPECT_EQ(decode(all_set, {}), CODEC_OK);
+  EXPECT_EQ(presence(all_clear), 0u);
   // What is left set belongs to no field: it stands above all bits that do, and copying leaves it as well.
-  const presence unowned = all_set.presence;
-  const auto owned = static_cast<presence>(~unowned);
+  const std::uint32_t unowned = presence(all_set), owned = type.all_bits() & ~unowned;
   EXPECT_NE(owned, 0u);
   EXPECT_EQ(owned & (owned + 1u), 0u);
-  TypeParam source{};
-  EXPECT_EQ(operations<TypeParam>::duplicate(&all_set, &source, nullptr, nullptr), CODEC_OK);
-  EXPECT_EQ(all_set.presence, unowned);
-  EXPECT_EQ(operations<TypeParam>::duplicate(&source, &all_set, nullptr, nullptr), CODEC_OK);
-  EXPECT_EQ(source.presence, 0u);
+  record_block source = filled_with(0x00);
+  EXPECT_EQ(functions.duplicate(all_set.data(), source.data(), nullptr, nullptr), CODEC_OK);
+  EXPECT_EQ(presence(all_set), unowned);
+  EXPECT_EQ(functions.duplicate(source.data(), all_set.data(), nullptr, nullptr), CODEC_OK);
+  EXPECT_EQ(presence(source), 0u);
 }
 
 TEST(decode, presence_bits_of_no_field_stay_also_in_nested_records) {
@@ -1592,4 +1584,4 @@ TEST(compare, nested_messages_are_compared_only_where_both_outer_bits_are_set) {
   EXPECT_EQ(compared(a, b), 0);
 }
 
-}  // namespace
+}  // namespace records_test

@@ -5,7 +5,7 @@
 
 #include "support.hpp"
 
-namespace {
+namespace segment_table_test {
 
 using namespace test;
 
@@ -895,4 +895,4 @@ TEST(options, have_no_effect_on_automatic_policies_and_their_requests) {
   EXPECT_EQ(request.memory.live(), 0u);
 }
 
-}  // namespace
+}  // namespace segment_table_test

@@ -6,7 +6,7 @@
 
 using namespace test;
 
-namespace {
+namespace short_buffers_test {
 
 constexpr byte_string::value_type rubbish = 0xc7;
 
@@ -269,4 +269,4 @@ TEST(short_buffers, get_payloads_of_an_envelope) {
   }
 }
 
-}  // namespace
+}  // namespace short_buffers_test

@@ -4,7 +4,7 @@
 using namespace test;
 using namespace test::checks;
 
-namespace {
+namespace srv6_prefix_sid_struct_usid_test {
 
 constexpr std::uint32_t by_reference = PAVO_ZORV_REFERENCE;
 
@@ -562,4 +562,4 @@ TEST(srv6_usid, presence_bits_of_no_field_are_left_alone_at_every_depth) {
   EXPECT_EQ(copy.sid_struct.presence, 0);
 }
 
-}  // namespace
+}  // namespace srv6_prefix_sid_struct_usid_test

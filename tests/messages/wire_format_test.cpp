@@ -4,7 +4,7 @@
 
 #include "support.hpp"
 
-namespace {
+namespace wire_format_test {
 
 using namespace test;
 
@@ -969,4 +969,4 @@ TEST(bounded_writing, an_empty_encoding_writes_nothing) {
   EXPECT_EQ(show(buffer.content()), "c7 c7 c7");
 }
 
-}  // namespace
+}  // namespace wire_format_test
