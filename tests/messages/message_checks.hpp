@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "message_table.hpp"
 #include "naive/encoder.hpp"
+#include "naive/view.hpp"
 #include "support.hpp"
 
 namespace test::checks {
@@ -63,13 +63,12 @@ inline int (*volatile byte_order)(const void *, const void *, std::size_t) = std
 // --- Calls ---
 
 // One encoding call with a buffer of a size and a table of a capacity.
-template <class Record>
-struct encoding {
-  encoding(const Record &record, std::size_t size, std::uint32_t capacity, std::uint32_t options = 0)
+struct encoding_call {
+  encoding_call(naive::view record, std::size_t size, std::uint32_t capacity, std::uint32_t options = 0)
       : buffer(size),
         segments(capacity),
-        length(operations<Record>::encode(&record, buffer.data(), size, segments.entries(), &segments.count, options)) {
-  }
+        length(record.type().functions->encode(record.data(), buffer.data(), size, segments.entries(), &segments.count,
+                                               options)) {}
 
   const unsigned char *at(std::size_t position) const { return buffer.data() + position; }
 
@@ -78,34 +77,98 @@ struct encoding {
   std::size_t length;
 };
 
+template <class Record>
+struct encoding : encoding_call {
+  encoding(const Record &record, std::size_t size, std::uint32_t capacity, std::uint32_t options = 0)
+      : encoding_call(naive::view_of(record), size, capacity, options) {}
+};
+
 // Notes what is released, without releasing it: for records that a test made by hand.
 struct notebook {
   std::vector<void *> released;
   static void note(void *block, void *context) { static_cast<notebook *>(context)->released.push_back(block); }
 };
 
+// --- Records of any message, known by the naive statement of it: what follows is compiled once, not for each ---
+
+inline std::uint32_t bits(naive::view record) { return record.presence() & record.type().mask(); }
+
+inline const calls &functions_of(naive::view record) { return *record.type().functions; }
+
+inline int compare(naive::view a, naive::view b) { return functions_of(a).compare(a.data(), b.data()); }
+
+inline byte_string encoded(naive::view record, std::uint32_t options = 0) {
+  const auto encode = functions_of(record).encode;
+  const std::size_t length = encode(record.data(), nullptr, 0, nullptr, nullptr, options);
+  const fenced_block buffer(length);
+  EXPECT_EQ(encode(record.data(), buffer.data(), length, nullptr, nullptr, options), length);
+  return buffer.content();
+}
+
+// A record that is decoded or copied, as a view.
+struct filled_record : owned_record {
+  filled_record(const naive::message &type, const byte_string &bytes, std::uint32_t options = 0)
+      : owned_record(*type.functions, options), view(type, data()) {
+    decode(bytes);
+  }
+  explicit filled_record(naive::view source, const failing_requests &failing = {})
+      : owned_record(functions_of(source)), view(source.type(), data()) {
+    memory.fail(failing);
+    copy(source.data());
+  }
+  naive::view view;
+};
+
+// A record that is only bytes, and owns nothing.
+struct plain_record : record_block {
+  explicit plain_record(const naive::message &type, unsigned char fill = 0x5a)
+      : record_block(type.size, fill), view(type, data()) {}
+  explicit plain_record(naive::view source) : plain_record(source.type()) {
+    std::memcpy(data(), source.data(), size());
+  }
+  naive::view view;
+};
+
+inline int result_of(const naive::message &type, const byte_string &bytes) { return filled_record(type, bytes).result; }
+
+inline int result_without_memory(const naive::message &type, const byte_string &bytes) {
+  const fenced_block input(bytes);
+  plain_record record(type);
+  return type.functions->decode(record.data(), input.data(), input.size(), nullptr, nullptr, 0);
+}
+
 // --- Fields ---
 
-// A field of a message under test: how its members are taken from another record, and its bytes in a record of which
-// every field is known.
-template <class Record>
+// Where a member is in the record.
+struct place {
+  std::size_t offset, size;
+};
+
+// A field of a message under test: the places of its members, and its bytes in a record of which every field is known.
 struct field {
-  std::function<void(Record &, const Record &)> take;
+  std::vector<place> places;
   byte_string bytes;
+
+  void take(naive::view to, naive::view from) const {
+    for (const place &each : places) std::memcpy(to.data() + each.offset, from.data() + each.offset, each.size);
+  }
 };
 
 template <class Record>
-using fields = std::vector<field<Record>>;
+using fields = std::vector<field>;
 
 template <class Record, class... Members>
-auto take(Members Record::*...members) {
-  return [=](Record &to, const Record &from) { ((to.*members = from.*members), ...); };
+std::vector<place> take(Members Record::*...members) {
+  static const Record record{};
+  const auto offset_of = [](const void *member) {
+    return static_cast<std::size_t>(static_cast<const char *>(member) - reinterpret_cast<const char *>(&record));
+  };
+  return {{offset_of(&(record.*members)), sizeof(Members)}...};
 }
 
-template <class Record>
-byte_string together(const fields<Record> &all) {
+inline byte_string together(const std::vector<field> &all) {
   byte_string result;
-  for (const field<Record> &each : all) result = result + each.bytes;
+  for (const field &each : all) result = result + each.bytes;
   return result;
 }
 
@@ -123,103 +186,99 @@ inline std::uint64_t kept_by(const naive::member &member) {
   return member.width == 1 ? 0x2c : member.width == 4 ? 0xffffff2c : too_wide;
 }
 
-template <class Record>
-int result_of(const byte_string &bytes, std::uint32_t options = 0) {
-  decoded<Record> record(bytes, options);
-  return record.result;
-}
-
 // The wire types of the fields, of their second occurrences and of unknown fields, with and without memory. What each
 // field is, the statement of the messages says that is kept by hand.
-template <class Record>
-void fields_are_of_kinds() {
-  const std::vector<naive::member> &members = naive::message_of<Record>().members;
-  ASSERT_EQ(members.size(), field_count<Record>);
+inline void fields_are_of_kinds(const naive::message &type) {
   const byte_string unknown = varint_field(30, 0);
-  for (const naive::member &member : members) {
+  for (const naive::member &member : type.members) {
     const unsigned number = member.number;
     SCOPED_TRACE("field " + std::to_string(number));
-    for (unsigned type = 0; type < 8; ++type) {
-      if (type == member.wire_type()) continue;
-      SCOPED_TRACE("wire type " + std::to_string(type));
-      EXPECT_EQ(result_of<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
-      EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_WRONG_WIRE_TYPE);
+    for (unsigned wire_type = 0; wire_type < 8; ++wire_type) {
+      if (wire_type == member.wire_type()) continue;
+      SCOPED_TRACE("wire type " + std::to_string(wire_type));
+      EXPECT_EQ(result_of(type, key(number, wire_type)), CODEC_ERR_WRONG_WIRE_TYPE);
+      EXPECT_EQ(result_without_memory(type, key(number, wire_type)), CODEC_ERR_WRONG_WIRE_TYPE);
     }
     const byte_string own = key(number, member.wire_type());
-    EXPECT_EQ(result_of<Record>(own), CODEC_ERR_TRUNCATED);
-    EXPECT_EQ(decode_without_memory<Record>(own), needs_memory(member) ? CODEC_ERR_NO_MEMORY : CODEC_ERR_TRUNCATED);
-    EXPECT_EQ(result_of<Record>(own + hex("80")), CODEC_ERR_TRUNCATED);
-    EXPECT_EQ(result_of<Record>(own + hex("00")), CODEC_OK);
+    EXPECT_EQ(result_of(type, own), CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(result_without_memory(type, own), needs_memory(member) ? CODEC_ERR_NO_MEMORY : CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(result_of(type, own + hex("80")), CODEC_ERR_TRUNCATED);
+    EXPECT_EQ(result_of(type, own + hex("00")), CODEC_OK);
     if (member.is_varint()) {
-      decoded<Record> record(own + varint(too_wide));
+      const filled_record record(type, own + varint(too_wide));
       EXPECT_EQ(record.result, CODEC_OK);
-      EXPECT_EQ(show(encoded(record.record)), show(own + varint(kept_by(member))));
+      EXPECT_EQ(show(encoded(record.view)), show(own + varint(kept_by(member))));
     } else {
-      EXPECT_EQ(result_of<Record>(own + hex("01")), CODEC_ERR_TRUNCATED);
-      EXPECT_EQ(result_of<Record>(own + hex("ff ff ff ff 0f 00")), CODEC_ERR_TRUNCATED);
+      EXPECT_EQ(result_of(type, own + hex("01")), CODEC_ERR_TRUNCATED);
+      EXPECT_EQ(result_of(type, own + hex("ff ff ff ff 0f 00")), CODEC_ERR_TRUNCATED);
     }
     const byte_string twice = own + hex("00") + unknown + own + hex("00");
-    EXPECT_EQ(result_of<Record>(twice), needs_memory(member) ? CODEC_ERR_TRUNCATED : CODEC_OK);
+    EXPECT_EQ(result_of(type, twice), needs_memory(member) ? CODEC_ERR_TRUNCATED : CODEC_OK);
     const byte_string next = own + hex("00") + own + hex("00");
-    EXPECT_EQ(result_of<Record>(next), needs_memory(member) && !member.is_list() ? CODEC_ERR_TRUNCATED : CODEC_OK);
-    EXPECT_EQ(result_of<Record>(own + hex("00") + unknown + key(number, 5)), CODEC_ERR_WRONG_WIRE_TYPE);
+    EXPECT_EQ(result_of(type, next), needs_memory(member) && !member.is_list() ? CODEC_ERR_TRUNCATED : CODEC_OK);
+    EXPECT_EQ(result_of(type, own + hex("00") + unknown + key(number, 5)), CODEC_ERR_WRONG_WIRE_TYPE);
   }
-  for (const unsigned number : {0u, field_count<Record> + 1, 100u}) {
+  for (const unsigned number : {0u, static_cast<unsigned>(type.members.size()) + 1, 100u}) {
     SCOPED_TRACE("unknown field " + std::to_string(number));
-    for (const unsigned type : {3u, 4u, 6u, 7u}) {
-      EXPECT_EQ(decode_without_memory<Record>(key(number, type)), CODEC_ERR_BAD_WIRE_TYPE);
+    for (const unsigned wire_type : {3u, 4u, 6u, 7u}) {
+      EXPECT_EQ(result_without_memory(type, key(number, wire_type)), CODEC_ERR_BAD_WIRE_TYPE);
     }
     for (const byte_string &skipped : {key(number, 0) + hex("80 01"), key(number, 1) + 8 * hex("ff"),
                                        key(number, 2) + hex("02 ff ff"), key(number, 5) + 4 * hex("ff")}) {
-      EXPECT_EQ(decode_without_memory<Record>(skipped), CODEC_OK);
-      decoded<Record> record(skipped);
-      EXPECT_EQ(bits(record.record), 0u);
-      EXPECT_EQ(show(encoded(record.record)), "");
+      EXPECT_EQ(result_without_memory(type, skipped), CODEC_OK);
+      const filled_record record(type, skipped);
+      EXPECT_EQ(bits(record.view), 0u);
+      EXPECT_EQ(show(encoded(record.view)), "");
       EXPECT_EQ(record.memory.requests(), 0u);
     }
   }
 }
 
-// A record with one field of another, marked present.
 template <class Record>
-Record only(const Record &whole, const fields<Record> &all, std::size_t index) {
-  Record result{};
-  all[index].take(result, whole);
-  set_bits(result, std::uint32_t{1} << index);
-  return result;
+void fields_are_of_kinds() {
+  ASSERT_EQ(naive::message_of<Record>().members.size(), field_count<Record>);
+  fields_are_of_kinds(naive::message_of<Record>());
 }
 
 // Each field alone, all together and in reverse, written and read; without its bit only a nested message is written.
-template <class Record>
-void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all) {
-  ASSERT_EQ(all.size(), field_count<Record>);
+inline void goes_to_the_wire_and_back(naive::view whole, const std::vector<field> &all) {
+  const naive::message &type = whole.type();
+  ASSERT_EQ(all.size(), type.members.size());
   byte_string reversed, nested;
   for (std::size_t index = 0; index < all.size(); ++index) {
     SCOPED_TRACE("field " + std::to_string(index + 1));
-    Record alone = only(whole, all, index);
-    EXPECT_EQ(show(encoded(alone)), show(all[index].bytes));
-    decoded<Record> read(all[index].bytes);
+    const std::uint32_t bit = std::uint32_t{1} << index;
+    const plain_record alone(type, 0);
+    all[index].take(alone.view, whole);
+    alone.view.set_presence(bit);
+    EXPECT_EQ(show(encoded(alone.view)), show(all[index].bytes));
+    const filled_record read(type, all[index].bytes);
     EXPECT_EQ(read.result, CODEC_OK);
-    EXPECT_EQ(bits(read.record), std::uint32_t{1} << index);
-    EXPECT_EQ(show(encoded(read.record)), show(all[index].bytes));
-    set_bits(alone, 0);
-    const bool is_nested = naive::message_of<Record>().members[index].kind == naive::kind::nested;
-    EXPECT_EQ(show(encoded(alone)), is_nested ? show(all[index].bytes) : "");
+    EXPECT_EQ(bits(read.view), bit);
+    EXPECT_EQ(show(encoded(read.view)), show(all[index].bytes));
+    alone.view.set_presence(0);
+    const bool is_nested = type.members[index].kind == naive::kind::nested;
+    EXPECT_EQ(show(encoded(alone.view)), is_nested ? show(all[index].bytes) : "");
     if (is_nested) nested = nested + all[index].bytes;
     reversed = all[index].bytes + reversed;
   }
-  EXPECT_EQ(bits(whole), all_bits<Record>());
+  EXPECT_EQ(bits(whole), type.mask());
   EXPECT_EQ(show(encoded(whole)), show(together(all)));
   for (const byte_string &bytes : {together(all), reversed}) {
-    decoded<Record> read(bytes);
+    const filled_record read(type, bytes);
     EXPECT_EQ(read.result, CODEC_OK);
-    EXPECT_EQ(bits(read.record), all_bits<Record>());
-    EXPECT_EQ(operations<Record>::compare(&read.record, &whole), 0);
-    EXPECT_EQ(show(encoded(read.record)), show(together(all)));
+    EXPECT_EQ(bits(read.view), type.mask());
+    EXPECT_EQ(compare(read.view, whole), 0);
+    EXPECT_EQ(show(encoded(read.view)), show(together(all)));
   }
-  Record unmarked = whole;
-  set_bits(unmarked, 0);
-  EXPECT_EQ(show(encoded(unmarked)), show(nested));
+  const plain_record unmarked(whole);
+  unmarked.view.set_presence(0);
+  EXPECT_EQ(show(encoded(unmarked.view)), show(nested));
+}
+
+template <class Record>
+void goes_to_the_wire_and_back(const Record &whole, const fields<Record> &all) {
+  goes_to_the_wire_and_back(naive::view_of(whole), all);
 }
 
 // --- Memory ---
@@ -240,21 +299,22 @@ inline std::vector<std::size_t> sizes_of(const std::vector<request> &requests) {
 }
 
 // Which memory decoding and copying ask for, in which order, and what is left when one request, or every one, fails.
-template <class Record>
-void asks_for_memory(const Record &whole, const fields<Record> &all, const std::vector<request> &requests,
-                     const byte_string &copied_without_memory) {
+inline void asks_for_memory(naive::view whole, const std::vector<field> &all, const std::vector<request> &requests,
+                            const byte_string &copied_without_memory) {
+  const naive::message &type = whole.type();
+  const calls &functions = *type.functions;
   const byte_string bytes = together(all);
   {
-    decoded<Record> read(bytes);
+    const filled_record read(type, bytes);
     EXPECT_EQ(read.memory.sizes, sizes_of(requests));
     EXPECT_EQ(read.memory.live(), requests.size());
-    copied<Record> copy(whole);
+    const filled_record copy(whole);
     EXPECT_EQ(copy.result, CODEC_OK);
     EXPECT_EQ(copy.memory.sizes, sizes_of(requests));
     EXPECT_EQ(copy.memory.live(), requests.size());
-    EXPECT_EQ(bits(copy.record), bits(whole));
-    EXPECT_EQ(show(encoded(copy.record)), show(bytes));
-    EXPECT_EQ(operations<Record>::compare(&copy.record, &whole), 0);
+    EXPECT_EQ(bits(copy.view), bits(whole));
+    EXPECT_EQ(show(encoded(copy.view)), show(bytes));
+    EXPECT_EQ(compare(copy.view, whole), 0);
   }
   for (std::size_t index = 0; index < requests.size(); ++index) {
     SCOPED_TRACE("request " + std::to_string(index));
@@ -268,34 +328,38 @@ void asks_for_memory(const Record &whole, const fields<Record> &all, const std::
     accountant memory;
     memory.fail_at = index;
     const fenced_block input(bytes);
-    Record record;
-    std::memset(static_cast<void *>(&record), 0x5a, sizeof record);
-    EXPECT_EQ(operations<Record>::decode(&record, input.data(), input.size(), accountant::allocate, &memory),
+    plain_record record(type);
+    EXPECT_EQ(functions.decode(record.data(), input.data(), input.size(), accountant::allocate, &memory, 0),
               CODEC_ERR_NO_MEMORY);
     EXPECT_EQ(memory.requests(), index + 1);
-    EXPECT_EQ(bits(record), (std::uint32_t{1} << (failing.field - 1)) - 1);
-    EXPECT_EQ(show(encoded(record)), show(before + failing.read_without));
-    operations<Record>::free(&record, accountant::release, &memory);
+    EXPECT_EQ(bits(record.view), (std::uint32_t{1} << (failing.field - 1)) - 1);
+    EXPECT_EQ(show(encoded(record.view)), show(before + failing.read_without));
+    functions.free(record.data(), accountant::release, &memory, 0);
     EXPECT_EQ(memory.live(), 0u);
 
-    copied<Record> copy(whole, {.fail_at = index});
+    const filled_record copy(whole, {.fail_at = index});
     EXPECT_EQ(copy.result, CODEC_ERR_NO_MEMORY);
     std::vector<std::size_t> sizes = sizes_of(requests);
     const auto after = sizes.begin() + static_cast<std::ptrdiff_t>(index) + 1;
     sizes.erase(after, after + static_cast<std::ptrdiff_t>(failing.inner));
     EXPECT_EQ(copy.memory.sizes, sizes);
-    EXPECT_EQ(show(encoded(copy.record)), show(copied_bytes));
+    EXPECT_EQ(show(encoded(copy.view)), show(copied_bytes));
   }
   {
-    copied<Record> copy(whole, {.fail_from = 0});
+    const filled_record copy(whole, {.fail_from = 0});
     EXPECT_EQ(copy.result, requests.empty() ? CODEC_OK : CODEC_ERR_NO_MEMORY);
-    EXPECT_EQ(show(encoded(copy.record)), show(copied_without_memory));
-    Record without;
-    std::memset(static_cast<void *>(&without), 0x5a, sizeof without);
-    EXPECT_EQ(operations<Record>::duplicate(&without, &whole, nullptr, nullptr), copy.result);
-    EXPECT_EQ(show(encoded(without)), show(copied_without_memory));
-    EXPECT_EQ(bits(without), bits(copy.record));
+    EXPECT_EQ(show(encoded(copy.view)), show(copied_without_memory));
+    plain_record without(type);
+    EXPECT_EQ(functions.duplicate(without.data(), whole.data(), nullptr, nullptr), copy.result);
+    EXPECT_EQ(show(encoded(without.view)), show(copied_without_memory));
+    EXPECT_EQ(bits(without.view), bits(copy.view));
   }
+}
+
+template <class Record>
+void asks_for_memory(const Record &whole, const fields<Record> &all, const std::vector<request> &requests,
+                     const byte_string &copied_without_memory) {
+  asks_for_memory(naive::view_of(whole), all, requests, copied_without_memory);
 }
 
 // --- Buffers and tables ---
@@ -329,16 +393,15 @@ inline std::vector<std::string> block_names(naive::view record, bool is_referenc
 }
 
 // Into a short buffer goes what fits; a string or bytes value that does not fit whole is left out.
-template <class Record>
-void fills_short_buffers(const Record &record, const byte_string &bytes, const std::vector<block> &blocks,
-                         std::uint32_t options = 0) {
+inline void fills_short_buffers(naive::view record, const byte_string &bytes, const std::vector<block> &blocks,
+                                std::uint32_t options) {
   std::vector<std::string> names;
   for (const block &each : blocks) names.push_back(each.name);
-  EXPECT_EQ(names, block_names(naive::view_of(record), options != 0));
+  EXPECT_EQ(names, block_names(record, options != 0));
   for (std::size_t size = 0; size <= bytes.size() + 1; ++size) {
     SCOPED_TRACE("buffer of " + std::to_string(size));
     const fenced_block buffer(size);
-    EXPECT_EQ(operations<Record>::encode(&record, buffer.data(), size, nullptr, nullptr, options), bytes.size());
+    EXPECT_EQ(functions_of(record).encode(record.data(), buffer.data(), size, nullptr, nullptr, options), bytes.size());
     byte_string expected = bytes;
     expected.resize(size, 0xc7);
     for (const block &each : blocks) {
@@ -350,6 +413,12 @@ void fills_short_buffers(const Record &record, const byte_string &bytes, const s
     }
     EXPECT_EQ(show(buffer.content()), show(expected));
   }
+}
+
+template <class Record>
+void fills_short_buffers(const Record &record, const byte_string &bytes, const std::vector<block> &blocks,
+                         std::uint32_t options = 0) {
+  fills_short_buffers(naive::view_of(record), bytes, blocks, options);
 }
 
 // An entry of the table: which message it is of, its position in the encoding, or a block outside of it, and a length.
@@ -405,17 +474,16 @@ inline piece expected_piece(const entry &each, const unsigned char *buffer, std:
 }
 
 // The entries of an encoding, whatever the capacity of the table and the size of the buffer.
-template <class Record>
-void takes_entries(const Record &record, const std::vector<entry> &entries, std::uint32_t options = 0) {
+inline void takes_entries(naive::view record, const std::vector<entry> &entries, std::uint32_t options) {
   std::vector<std::string> names;
   for (const entry &each : entries) names.push_back(each.name);
-  EXPECT_EQ(names, entry_names(naive::view_of(record), options != 0));
-  const auto encode = operations<Record>::encode;
+  EXPECT_EQ(names, entry_names(record, options != 0));
+  const auto encode = functions_of(record).encode;
   const auto needed = static_cast<std::uint32_t>(entries.size());
   const byte_string bytes = encoded(record, options);
   for (std::uint32_t capacity = 0; capacity <= needed + 1; ++capacity) {
     SCOPED_TRACE("capacity " + std::to_string(capacity));
-    const encoding<Record> call(record, bytes.size(), capacity, options);
+    const encoding_call call(record, bytes.size(), capacity, options);
     EXPECT_EQ(call.length, bytes.size());
     EXPECT_EQ(show(call.buffer.content()), show(bytes));
     EXPECT_EQ(call.segments.count, needed);
@@ -429,14 +497,14 @@ void takes_entries(const Record &record, const std::vector<entry> &entries, std:
   }
   for (std::size_t size = 0; size < bytes.size(); ++size) {
     SCOPED_TRACE("buffer of " + std::to_string(size));
-    const encoding<Record> call(record, size, needed, options);
+    const encoding_call call(record, size, needed, options);
     std::vector<piece> pieces;
     for (const entry &each : entries) pieces.push_back(expected_piece(each, call.buffer.data(), size));
     EXPECT_EQ(call.segments.pieces(), pieces);
   }
 
   table measured(needed);
-  EXPECT_EQ(encode(&record, nullptr, 0, measured.entries(), &measured.count, options), bytes.size());
+  EXPECT_EQ(encode(record.data(), nullptr, 0, measured.entries(), &measured.count, options), bytes.size());
   EXPECT_EQ(measured.count, needed);
   std::vector<piece> pieces;
   for (const entry &each : entries) pieces.push_back(expected_piece(each, nullptr, 0));
@@ -444,43 +512,51 @@ void takes_entries(const Record &record, const std::vector<entry> &entries, std:
 
   const fenced_block buffer(bytes.size());
   std::uint32_t count = 99;
-  EXPECT_EQ(encode(&record, buffer.data(), bytes.size(), nullptr, &count, options), bytes.size());
+  EXPECT_EQ(encode(record.data(), buffer.data(), bytes.size(), nullptr, &count, options), bytes.size());
   EXPECT_EQ(count, needed);
   const table unused(needed + 1);
-  EXPECT_EQ(encode(&record, buffer.data(), bytes.size(), unused.entries(), nullptr, options), bytes.size());
+  EXPECT_EQ(encode(record.data(), buffer.data(), bytes.size(), unused.entries(), nullptr, options), bytes.size());
   EXPECT_TRUE(unused.untouched_from(0));
   EXPECT_EQ(show(buffer.content()), show(bytes));
+}
+
+template <class Record>
+void takes_entries(const Record &record, const std::vector<entry> &entries, std::uint32_t options = 0) {
+  takes_entries(naive::view_of(record), entries, options);
 }
 
 // --- Order ---
 
 // Every field of `higher` is greater than that of `lower`; the first that differs decides, presence before values, and
 // fields absent on both sides are not looked at.
-template <class Record>
-void orders_field_by_field(const Record &lower, const Record &higher, const fields<Record> &all) {
-  const auto compare = operations<Record>::compare;
-  EXPECT_EQ(compare(&lower, &lower), 0);
-  EXPECT_LT(compare(&lower, &higher), 0);
+inline void orders_field_by_field(naive::view lower, naive::view higher, const std::vector<field> &all) {
+  EXPECT_EQ(compare(lower, lower), 0);
+  EXPECT_LT(compare(lower, higher), 0);
   for (std::size_t index = 0; index < all.size(); ++index) {
     SCOPED_TRACE("field " + std::to_string(index + 1));
-    Record greater = lower, later_greater = lower;
-    all[index].take(greater, higher);
-    for (std::size_t later = index + 1; later < all.size(); ++later) all[later].take(later_greater, higher);
-    EXPECT_GT(compare(&greater, &later_greater), 0);
-    EXPECT_LT(compare(&later_greater, &greater), 0);
+    const plain_record greater(lower), later_greater(lower);
+    all[index].take(greater.view, higher);
+    for (std::size_t later = index + 1; later < all.size(); ++later) all[later].take(later_greater.view, higher);
+    EXPECT_GT(compare(greater.view, later_greater.view), 0);
+    EXPECT_LT(compare(later_greater.view, greater.view), 0);
 
-    const std::uint32_t without = all_bits<Record>() & ~(std::uint32_t{1} << index);
-    Record absent = later_greater;
-    all[index].take(absent, higher);
-    set_bits(absent, without);
-    EXPECT_EQ(compare(&lower, &absent), 1);
-    EXPECT_EQ(compare(&absent, &lower), -1);
+    const std::uint32_t without = lower.type().mask() & ~(std::uint32_t{1} << index);
+    const plain_record absent(later_greater.view);
+    all[index].take(absent.view, higher);
+    absent.view.set_presence(without);
+    EXPECT_EQ(compare(lower, absent.view), 1);
+    EXPECT_EQ(compare(absent.view, lower), -1);
 
-    Record absent_too = lower;
-    set_bits(absent_too, without);
-    set_bits(greater, without);
-    EXPECT_EQ(compare(&absent_too, &greater), 0);
+    const plain_record absent_too(lower);
+    absent_too.view.set_presence(without);
+    greater.view.set_presence(without);
+    EXPECT_EQ(compare(absent_too.view, greater.view), 0);
   }
+}
+
+template <class Record>
+void orders_field_by_field(const Record &lower, const Record &higher, const fields<Record> &all) {
+  orders_field_by_field(naive::view_of(lower), naive::view_of(higher), all);
 }
 
 // --- Presence bits of no field ---
