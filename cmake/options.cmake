@@ -48,7 +48,8 @@ if(PAVO_ZORV_PACKAGES)
 endif()
 include(GNUInstallDirs)
 
-set(pavo_zorv_warnings -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow)
+# Without the note that 32-bit processors may pass vectors in another way: here no other object is handed one.
+set(pavo_zorv_warnings -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wno-psabi)
 if(PAVO_ZORV_WERROR)
   list(APPEND pavo_zorv_warnings -Werror)
 endif()
