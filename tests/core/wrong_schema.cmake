@@ -1,21 +1,14 @@
 # Compiles one schema and checks what its first line says of it: "// compiles", or "// error: <regular expression>" for
 # one that must be refused with such a message.
-#   cmake -DCOMPILER=<c++> -DFLAGS=<flags> -DSTANDARD=<17 or 20> -DINCLUDES=<list> [-DCOMPILED=<header>.gch]
+#   cmake -DCOMPILER=<c++> -DFLAGS=<flags> -DSTANDARD=<17 or 20> -DINCLUDES=<list> [-DHEADER=<options>]
 #     -DSOURCE=<file> -P wrong_schema.cmake
-# COMPILED is the header that it begins with, compiled with the same flags.
+# HEADER includes the header that it begins with, compiled before.
 file(STRINGS ${SOURCE} first_line LIMIT_COUNT 1)
 set(ENV{LC_ALL} C)
 separate_arguments(flags UNIX_COMMAND "${FLAGS}")
 list(TRANSFORM INCLUDES PREPEND -I OUTPUT_VARIABLE includes)
-if(COMPILED AND COMPILER MATCHES clang)
-  list(PREPEND includes -include-pch ${COMPILED})
-elseif(COMPILED)
-  cmake_path(GET COMPILED PARENT_PATH folder)
-  cmake_path(GET COMPILED STEM LAST_ONLY header)
-  list(PREPEND includes -include ${folder}/${header})
-endif()
 
-execute_process(COMMAND ${COMPILER} ${flags} -std=c++${STANDARD} ${includes} -fsyntax-only ${SOURCE}
+execute_process(COMMAND ${COMPILER} ${flags} -std=c++${STANDARD} ${HEADER} ${includes} -fsyntax-only ${SOURCE}
   RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
 
 if(first_line STREQUAL "// compiles")
