@@ -52,8 +52,11 @@ PAVO_ZORV_NOINLINE std::uint64_t measure_apart(const Record &record, measurement
 
 template <class Record>
 PAVO_ZORV_INLINE std::uint64_t measure_message(const Record &record, measurement &found) {
-  if (is_small<Record>) return measure_fields(record, found);
-  return measure_apart(record, found);
+  if constexpr (is_small<Record>) {
+    return measure_fields(record, found);
+  } else {
+    return measure_apart(record, found);
+  }
 }
 
 // Exact, or SIZE_MAX and `overflowed` where size_t cannot hold the bytes: with 64 bits only bytes members make so
