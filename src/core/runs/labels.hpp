@@ -105,7 +105,7 @@ class short_label_block {
 };
 #endif
 
-// Writes them, each with its key before it.
+// Writes labels, each with its key before it.
 class label_writer {
  public:
   explicit label_writer(std::uint32_t key) : keys_(constant(key | 0x808000)) {}

@@ -1,7 +1,6 @@
 // Runs of integers, measured: the bytes that the values take, without their keys.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
