@@ -57,6 +57,12 @@ endif()
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
+# The seconds that a test may take: under an emulator, many more.
+set(pavo_zorv_timeout 300)
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  set(pavo_zorv_timeout 3000)
+endif()
+
 # Sources of tools and tests are compiled several at once, which halves the time. In a debug build, where single sources
 # change, each is compiled by itself, which also detects missing includes.
 set(pavo_zorv_several_at_once ON)

@@ -2,7 +2,7 @@
 """The example server on TCP, over the loopback: with the example client, and with peers that cut, merge and delay what
 they send, send what is no message, or do not read. Every step waits for what the server does, never for time to pass.
 
-tcp_test.py SERVER CLIENT
+tcp_test.py [EMULATOR...] SERVER CLIENT
 """
 
 import socket
@@ -10,7 +10,7 @@ import subprocess
 import sys
 import unittest
 
-SERVER, CLIENT = sys.argv[1:3]
+*EMULATOR, SERVER, CLIENT = sys.argv[1:]
 TIMEOUT = 30
 
 
@@ -77,7 +77,7 @@ class Peer:
 
 class Tcp(unittest.TestCase):
     def setUp(self):
-        self.server = subprocess.Popen([SERVER], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.server = subprocess.Popen([*EMULATOR, SERVER], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         self.addCleanup(self.end)
         word, port = self.server.stdout.readline().split()
         self.assertEqual(word, "port")
@@ -124,8 +124,8 @@ class Tcp(unittest.TestCase):
 
     def test_the_example_client_is_served_on_many_connections(self):
         for connections in (1, 60):
-            done = subprocess.run([CLIENT, str(self.port), str(connections)], capture_output=True, text=True,
-                                  timeout=TIMEOUT, check=False)
+            done = subprocess.run([*EMULATOR, CLIENT, str(self.port), str(connections)], capture_output=True,
+                                  text=True, timeout=TIMEOUT, check=False)
             self.assertEqual((done.returncode, done.stderr), (0, ""))
             self.assertEqual(done.stdout, f"{connections} connections, {3 * connections} answers\n")
             for _ in range(connections):
