@@ -52,14 +52,12 @@ class label_block {
 
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
-  // Whether each word is a value of three bytes and a key of one after it.
-  inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff808080) ^ (key << 24 | 0x8080)); }
-
-  // How many of them do before the first that does not.
-  inline unsigned leading(std::uint32_t key) const {
+  // Which words are a value of three bytes and a key of one after it, the first the lowest bit.
+  inline unsigned labels(std::uint32_t key) const {
     const auto same = reinterpret_cast<number_vector>((words_ & 0xff808080) == (key << 24 | 0x8080));
-    return static_cast<unsigned>(std::countr_one(marked(same)));
+    return marked(same);
   }
+  static constexpr unsigned all = (1U << elements) - 1;
 
   inline void read(std::uint32_t *values) const {
     const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);

@@ -233,33 +233,51 @@ struct element_reader {
   // the elements, because there are more.
   PAVO_ZORV_INLINE const byte *labels(std::uint32_t key, const byte *at, const byte *end) {
     using block = label_block;
-    while (left() > block::elements && end - at > static_cast<std::ptrdiff_t>(block::size + 8)) {
+    constexpr std::ptrdiff_t looked_at = block::size + 8;
+    if (left() <= block::elements || end - at <= looked_at) return at;
+    const Element *const last_next = last - block::elements;
+    const byte *const last_at = end - looked_at;
+    const auto fits = [&]() PAVO_ZORV_INLINE_LAMBDA { return next < last_next && at < last_at; };
+    const auto step = [&](std::size_t elements, std::size_t bytes) PAVO_ZORV_INLINE_LAMBDA {
+      next += elements;
+      at += bytes;
+    };
+    while (fits()) {
       const block words(at);
       // Those that are no labels are overwritten.
       words.read(next);
-      if (words.are_labels(key)) {
-        next += block::elements;
-        at += block::size;
+      const unsigned which = words.labels(key);
+      if (which == block::all) [[likely]] {
+        step(block::elements, block::size);
         continue;
       }
+      if ((which & 1) == 0) {
+        const byte *const first = at;
 #if defined(__SSSE3__)
-      const short_label_block others(at);
-      if (others.are_labels(key)) {
-        others.read(next);
-        next += block::elements;
-        at += short_label_block::size;
+        while (fits()) {
+          const short_label_block others(at);
+          if (!others.are_labels(key)) break;
+          others.read(next);
+          step(block::elements, short_label_block::size);
+        }
+#endif
+        if (at == first) return at;
         continue;
       }
-#endif
-      const unsigned leading = words.leading(key);
-      if (leading == 0) return at;
-      next += leading;
-      at += std::size_t{4} * leading;
-      const std::uint64_t word = load_word(at), ends = ~word & highest_bits;
+      const auto leading = static_cast<unsigned>(std::countr_one(which));
+      step(leading, std::size_t{4} * leading);
+      // One of two bytes is foreseen: then the next vector is loaded without waiting for this word.
+      const std::uint64_t word = load_word(at);
+      if ((word & 0xff8080) == (key << 16 | 0x80)) {
+        *next = static_cast<Element>((word & 0x7f) | (word >> 1 & 0x3f80));
+        step(1, 3);
+        continue;
+      }
+      const std::uint64_t ends = ~word & highest_bits;
       const auto size = static_cast<unsigned>(std::countr_zero(ends)) / 8 + 1;
       if (ends == 0 || at[size] != key) return at;
-      *next++ = varint_value(word);
-      at += size + 1;
+      *next = varint_value(word);
+      step(1, size + 1);
     }
     return at;
   }
