@@ -64,6 +64,12 @@ class label_block {
     std::memcpy(values, &labels, size);
   }
 
+  // The same where the key of each value is the byte before it.
+  inline void read_after_keys(std::uint32_t *values) const {
+    const number_vector labels = (words_ >> 8 & 0x7f) | (words_ >> 9 & 0x3f80) | (words_ >> 10 & 0x1fc000);
+    std::memcpy(values, &labels, size);
+  }
+
  private:
   number_vector words_;
 };

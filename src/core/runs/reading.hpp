@@ -363,14 +363,22 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
   }
   element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
   if constexpr (element_reader<KeySize, Element>::takes_labels) {
+    using block = label_block;
     // Labels, each with the next key after it; another value follows the last key, so the buffer holds the block.
-    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - label_block::size);
-    constexpr std::uint64_t labels = 0x4444444444444444 & every;
-    while ((values & every) == labels && values > every) {
-      label_block(at).read(reader.next);
-      reader.next += label_block::elements;
-      at += label_block::size;
-      values >>= label_block::size;
+    constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - block::size), labels = 0x4444444444444444;
+    if ((values & every) == (labels & every) && values > every) {
+      do {
+        block(at).read(reader.next);
+        reader.next += block::elements;
+        at += block::size;
+        values >>= block::size;
+      } while ((values & every) == (labels & every) && values > every);
+      // If the others are labels as well: a block that ends with the last one, each with its key before it.
+      const auto unused = static_cast<unsigned>(std::countl_zero(values));
+      if (values == labels << unused >> unused) {
+        block(at + 64 - unused - block::size).read_after_keys(reader.last - block::elements);
+        return;
+      }
     }
   }
   reader.last_elements({at, values});
