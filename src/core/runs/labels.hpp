@@ -126,9 +126,9 @@ class label_writer {
   // Whether each value takes three bytes or less.
   static bool are_labels(const number_vector &values) { return none(values >> label_bits); }
 
-  // Such values, whatever their sizes, so that they end at a place; where they begin. Up to 16 bytes before that are
-  // overwritten.
-  byte *prepend(byte *at, const number_vector &labels) const {
+  // Such values, whatever their sizes, so that they end at a place; where they begin. Up to a vector before that is
+  // overwritten. If only the last lanes are to be written, the others must be 0.
+  byte *prepend(byte *at, const number_vector &labels, std::size_t count = vector_numbers) const {
     const groups seven = spread(labels);
     const auto one = reinterpret_cast<number_vector>(seven.above_first == 0);
     const auto two = reinterpret_cast<number_vector>(seven.above_second == 0);
@@ -146,14 +146,15 @@ class label_writer {
       std::memcpy(at - sizeof places, &places, sizeof places);
       at -= 16 - count_bits(sizes);
     }
+    return at + 2 * (vector_numbers - count);
 #else
     const number_vector fewer = 0 - one - two;
-    for (std::size_t lane = vector_numbers; lane-- != 0;) {
+    for (std::size_t lane = vector_numbers; lane-- != vector_numbers - count;) {
       store_word(at - 4, static_cast<std::uint32_t>(bytes[lane] << 8 * fewer[lane]));
       at -= 4 - fewer[lane];
     }
-#endif
     return at;
+#endif
   }
 
  private:

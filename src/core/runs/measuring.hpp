@@ -34,10 +34,10 @@ inline constexpr std::size_t longest_stretch = 32 * vector_numbers;
 // Integers of any size.
 PAVO_ZORV_NOINLINE inline std::uint64_t measure_beyond_labels(const std::uint32_t *elements, std::size_t count) {
   signed_vector more{};
-  const std::size_t whole = for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
+  for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
     more -= (values >= 0x80) + (values >= 0x4000) + (values >= 0x200000) + (values >= 0x10000000);
   });
-  return whole + sum_of_lanes(more) + plain::measure_integers(elements + whole, count - whole);
+  return count + sum_of_lanes(more);
 }
 
 std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count);
@@ -47,16 +47,17 @@ std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count
 PAVO_ZORV_NOINLINE inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
   if (count > longest_stretch) [[unlikely]]
     return measure_long_list(elements, count);
+  if (!has_vectors(count)) return plain::measure_integers(elements, count);
   number_vector all{};
   signed_vector more{};
-  const std::size_t whole = for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
+  for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {
     const auto labels = reinterpret_cast<signed_vector>(values);
     all |= values;
     more -= (labels > 0x7f) + (labels > 0x3fff);
   });
   if (!none(all >> label_bits)) [[unlikely]]
     return measure_beyond_labels(elements, count);
-  return whole + sum_of_lanes(more) + plain::measure_integers(elements + whole, count - whole);
+  return count + sum_of_lanes(more);
 }
 
 // A stretch at a time, so that one number that is no label does not have all measured again.

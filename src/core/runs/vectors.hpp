@@ -48,40 +48,37 @@ inline number_vector constant(std::uint32_t number) {
   return numbers;
 }
 
-// Where the processor can load some lanes of a vector, and read no byte of the others, which are 0.
+// Some numbers before `end`, fewer than a vector holds, in its last lanes; the other lanes are 0. Where the processor
+// cannot load single lanes, those before them are read as well.
 #if defined(__AVX2__)
-inline number_vector load_lanes(std::uintptr_t address, const signed_vector &taken) {
-  const auto *const from = reinterpret_cast<const int *>(address);
-  return reinterpret_cast<number_vector>(_mm256_maskload_epi32(from, reinterpret_cast<__m256i>(taken)));
-}
+inline constexpr bool loads_lanes = true;
 
-// The numbers in the first lanes.
-inline number_vector load_first(const std::uint32_t *from, std::size_t count) {
-  constexpr signed_vector lanes = {0, 1, 2, 3, 4, 5, 6, 7};
-  return load_lanes(reinterpret_cast<std::uintptr_t>(from), lanes < static_cast<std::int32_t>(count));
-}
-
-// The numbers before `end` in the last lanes.
 inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
   constexpr signed_vector lanes = {8, 7, 6, 5, 4, 3, 2, 1};
-  return load_lanes(reinterpret_cast<std::uintptr_t>(end) - vector_size, lanes <= static_cast<std::int32_t>(count));
+  const signed_vector taken = lanes <= static_cast<std::int32_t>(count);
+  const auto *const from = reinterpret_cast<const int *>(reinterpret_cast<std::uintptr_t>(end) - vector_size);
+  return reinterpret_cast<number_vector>(_mm256_maskload_epi32(from, reinterpret_cast<__m256i>(taken)));
+}
+#else
+inline constexpr bool loads_lanes = false;
+
+inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
+  constexpr signed_vector lanes = {4, 3, 2, 1};
+  const signed_vector taken = lanes <= static_cast<std::int32_t>(count);
+  return load_numbers(end - vector_numbers) & reinterpret_cast<number_vector>(taken);
 }
 #endif
 
-// Visits numbers as vectors: all, where some lanes can be loaded, the other lanes of that vector being 0; otherwise
-// those that fill vectors. Returns how many they are.
+// Whether there are enough numbers for that.
+inline bool has_vectors(std::size_t count) { return loads_lanes || count >= vector_numbers; }
+
+// Visits all numbers as vectors: first those that do not fill one.
 template <class Visit>
-PAVO_ZORV_INLINE std::size_t for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
-  const std::uint32_t *const end = numbers + count / vector_numbers * vector_numbers;
-#if defined(__AVX2__)
-  visit(load_first(end, count % vector_numbers));
-#endif
-  for (; numbers != end; numbers += vector_numbers) visit(load_numbers(numbers));
-#if defined(__AVX2__)
-  return count;
-#else
-  return count / vector_numbers * vector_numbers;
-#endif
+PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
+  const std::size_t rest = count % vector_numbers;
+  const std::uint32_t *const end = numbers + count;
+  visit(load_last(end, rest));
+  for (; numbers != end - rest; numbers += vector_numbers) visit(load_numbers(numbers));
 }
 
 // A canonical key, as it is on the wire: one byte, or two for numbers from 16 on.

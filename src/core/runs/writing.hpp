@@ -62,16 +62,14 @@ PAVO_ZORV_INLINE unwritten prepend_labels(const byte *first, byte *at, std::uint
                                           std::size_t count) {
   constexpr auto space = static_cast<std::ptrdiff_t>(vector_size);
   const label_writer labels(key);
-#if defined(__AVX2__)
-  // The last ones, which do not fill a vector, in its last lanes: the others are written before them, two bytes each,
-  // and overwritten.
-  if (const std::size_t some = count % vector_numbers; some != 0 && at - first >= space) {
+  // The last ones, which do not fill a vector.
+  const std::size_t some = count % vector_numbers;
+  if (some != 0 && has_vectors(count) && at - first >= space) {
     const number_vector last = load_last(elements + count, some);
     if (!labels.are_labels(last)) return {at, count};
-    at = labels.prepend(at, last) + 2 * (vector_numbers - some);
+    at = labels.prepend(at, last, some);
     count -= some;
   }
-#endif
   for (; count >= vector_numbers; count -= vector_numbers) {
     const number_vector last = load_numbers(elements + count - vector_numbers);
     if (labels.are_long(last)) {
