@@ -1,10 +1,10 @@
 /** @file
  *  The binary interface in numbers: the size of every record and the place of each member, for 64-bit pointers (LP64)
- *  and for 32-bit pointers where 64-bit numbers stand at a multiple of 4 (ILP32, as on i386). `pavo_zorv.h` includes
- *  this file, so that a compiler or an option that lays records out otherwise does not compile a program that would not
- *  run with the library. On other machines nothing is said.
+ *  and for 32-bit pointers where 64-bit numbers are aligned to 4 bytes (ILP32, as on i386). `pavo_zorv.h` includes
+ *  this file, so that no program compiles with a compiler or an option that lays out records differently: it would not
+ *  run with the library. On other machines nothing is checked.
  *
- *  Written by `tests/library/layout_header.cpp` from the schemas, anew with
+ *  Written by `tests/library/layout_header.cpp` from the schemas, by
  *  `cmake --build --preset release --target update-layout`.
  */
 #ifndef PAVO_ZORV_LAYOUT_H
@@ -35,7 +35,7 @@
       "place of " #member " in " #record)
 
 #ifdef __i386__
-PAVO_ZORV_ASSERT_(offsetof(pavo_zorv_segment, length) == 4, "64-bit numbers stand at a multiple of 4 on i386");
+PAVO_ZORV_ASSERT_(offsetof(pavo_zorv_segment, length) == 4, "64-bit numbers are aligned to 4 bytes on i386");
 #endif
 
 PAVO_ZORV_SIZE_(pavo_zorv_segment, 16, 12);
