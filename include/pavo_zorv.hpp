@@ -91,12 +91,13 @@ struct memory {
       : memory(pavo_zorv_counter_allocate, pavo_zorv_counter_release, &counter) {}
   /** A memory resource. It must be told the size of what it takes back, so each block has 8 more bytes, which hold that
    *  size. Any exception from it becomes `CODEC_ERR_NO_MEMORY`. */
-  memory(std::pmr::memory_resource &resource) noexcept : memory(take, give_back, &resource) {}
+  memory(std::pmr::memory_resource &resource) noexcept
+      : memory(allocate_from_resource, release_to_resource, &resource) {}
   /** The same by pointer, as memory resources are usually passed. Not null. */
   memory(std::pmr::memory_resource *resource) noexcept : memory(*resource) {}
 
  private:
-  static void *take(std::size_t size, void *context) noexcept {
+  static void *allocate_from_resource(std::size_t size, void *context) noexcept {
     if (size > SIZE_MAX - sizeof(pavo_zorv_alignment)) return nullptr;
     const std::size_t whole = size + sizeof(pavo_zorv_alignment);
 #if defined(__cpp_exceptions)
@@ -112,7 +113,7 @@ struct memory {
     }
 #endif
   }
-  static void give_back(void *block, void *context) noexcept {
+  static void release_to_resource(void *block, void *context) noexcept {
     auto *const head = static_cast<pavo_zorv_alignment *>(block) - 1;
     static_cast<std::pmr::memory_resource *>(context)->deallocate(
         head, static_cast<std::size_t>(head->number), PAVO_ZORV_ALIGNMENT);
