@@ -21,7 +21,7 @@ struct elements_seen {
 };
 
 // A window on a run, from the first byte of a value on. What it says holds up to the first place where a key should
-// begin and none in its shortest form does.
+// begin and no canonical one does.
 template <unsigned KeySize>
 struct run_window {
   std::size_t left;      // bytes of the message from here on
@@ -53,8 +53,8 @@ struct stretch {
   Visit visit;
 };
 
-// Takes elements one by one, from a value on, until some keys in a row have been in their shortest form: a window for
-// each of the others takes fifteen times as long. What visits is returned, so that it stays in registers elsewhere.
+// Takes elements one by one, from a value on, until some keys in a row have been canonical: a window for each of the
+// others takes fifteen times as long. What visits is returned, so that it stays in registers elsewhere.
 template <unsigned KeySize, class Visit>
 PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte *at, const byte *end, Visit visit) {
   for (unsigned canonical = 0; canonical < 16;) {
@@ -328,7 +328,7 @@ struct counted_run {
   std::size_t count() const { return next != nullptr ? count_bits(values) : static_cast<std::size_t>(values); }
 };
 
-// Runs with the key in its shortest form, in a buffer that is long enough for one load.
+// Runs with canonical keys, in a buffer that is long enough for one load.
 template <class Element, unsigned KeySize>
 PAVO_ZORV_INLINE counted_run count_by_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   const run_window<KeySize> seen(key, at, end, limit);
@@ -346,8 +346,8 @@ PAVO_ZORV_INLINE counted_run count_by_windows(std::uint32_t key, const byte *at,
 template <class Element, unsigned KeySize>
 PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64_t values, const byte *limit) {
   if constexpr (sizeof(Element) == 1) {
-    // An element that takes two bytes has its own value in the first, if the second is 1, as it is in the shortest
-    // form: then all elements are the first bytes of values.
+    // An element of two bytes has its own value in the first, if the second is 1, as it is in a canonical varint. If
+    // all are so, the elements are the first bytes of the values.
     const std::uint64_t starts = (values << (1 + KeySize) | 1) & (~std::uint64_t{0} >> std::countl_zero(values));
     if (((starts & ~values) << 1 & ~(values & look_for(at, limit, 1))) == 0) {
       if (has_shuffles && limit - at >= static_cast<std::ptrdiff_t>(window_size)) {
