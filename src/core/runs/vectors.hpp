@@ -1,5 +1,6 @@
-// What the fast loops over runs share: vectors, and keys as they are on the wire. With windows.hpp and writing.hpp,
-// the only code for particular processors; it does what portable code does, which is beside it or in plain.hpp.
+// What the fast loops over runs share: vectors, and keys as they are on the wire. With labels.hpp, windows.hpp and
+// writing.hpp, the only code for particular processors; it does what portable code does, which is beside it or in
+// plain.hpp.
 #pragma once
 
 #include <cstddef>
