@@ -57,9 +57,9 @@ class alteration {
         record.set_pointer(member, random_.percent(30) ? nullptr : text_of(random_.below(200)));
       }
       if (member.kind == kind::bytes) {
-        const bool gap = random_.percent(60);
-        const std::uint64_t length = gap ? length_of_gap() : random_.below(200);
-        record.set_pointer(member, gap ? nullptr : text_of(static_cast<std::size_t>(length)));
+        const bool is_null = random_.percent(60);
+        const std::uint64_t length = is_null ? length_of_null_bytes() : random_.below(200);
+        record.set_pointer(member, is_null ? nullptr : text_of(static_cast<std::size_t>(length)));
         record.set_count(member, length);
       }
       // The pointer of a list without its presence bit is not read.
@@ -101,7 +101,7 @@ class alteration {
 
  private:
   // Near the sizes at which a length varint becomes longer, near 2^32 and 2^64, and in between.
-  std::uint64_t length_of_gap() {
+  std::uint64_t length_of_null_bytes() {
     if (random_.percent(60)) return random_.below(20000);
     const std::uint64_t power = std::uint64_t{2} << random_.below(64);
     return random_.percent(50) ? power - random_.below(12) : random_.any() >> random_.below(64);

@@ -115,7 +115,7 @@ class decoded : public test::owned_record {
     trial_.type->functions->free(data(), test::accountant::release, &memory, options());
     FUZZ_CHECK(trial_, naive::blocks_owned(record, referenced_) == 0);
   }
-  // Blocks that nested messages owned before they came again: they alone are out beside what the record owns.
+  // Blocks that nested messages owned before they were repeated: only these are not released with the record.
   void expect_dropped(std::size_t expected) {
     dropped = expected;
     FUZZ_CHECK(trial_, memory.live() == naive::blocks_owned(record, referenced_) + expected);

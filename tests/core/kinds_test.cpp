@@ -294,7 +294,7 @@ TEST(nested_message, is_written_for_its_bit_or_for_its_content) {
   EXPECT_EQ(encoded(record), hex("ca 01 02 08 05"));
 }
 
-TEST(nested_message, that_comes_again_replaces_the_first) {
+TEST(nested_message, that_is_repeated_replaces_the_first) {
   decoded<everything> record(hex("ca 01 03 12 01 61 ca 01 02 08 07"));
   ASSERT_EQ(record.result, CODEC_OK);
   record.dropped = 1;
@@ -413,7 +413,7 @@ TEST(bytes_member, with_a_length_and_no_bytes_inside_a_message_is_not_copied_wit
 
 // A message with bytes between nested messages and lists, which have bytes themselves: the bytes in the buffer, and
 // the entries from the innermost outwards.
-TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_after_it) {
+TEST(bytes_member, has_its_entries_between_those_of_what_is_before_and_after_it) {
   unsigned char outer[] = {1, 2, 3, 4};
   unsigned char inner[] = {5, 6};
   leaf leaves[1];
@@ -457,7 +457,7 @@ TEST(bytes_member, stands_between_the_entries_of_what_is_before_and_after_it) {
 }
 
 // One message with every field, in the order of the fields.
-TEST(all_kinds, stand_together_in_field_order) {
+TEST(all_kinds, are_together_in_field_order) {
   const byte_string bytes = hex(
       "08 01  10 02  18 03  20 04  28 05  30 06  3a 01 37  40 08 40 09  48 09  52 02 08 0a  5a 03 12 01 62  62 01 0c"
       "6a 0c 08 01 12 02 08 01 1a 00 20 02 28 03  72 02 08 01  78 0f"

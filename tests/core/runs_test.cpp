@@ -324,22 +324,22 @@ TEST_P(both_readers, agree_on_random_bytes) {
   }
 }
 
-// Runs in which values of one size, or of all, and keys in another form than the shortest are rare or frequent.
+// Runs in which values of one size, or of all, and over-long keys are rare or frequent.
 byte_string any_run(unsigned number, std::size_t length, std::mt19937 &random) {
   const std::size_t sizes[] = {1, 2, 3, 5, 9, 40}, size = random() % 9;
-  const unsigned odd_keys[] = {1, 2, 5, 30, 1000}, odd = odd_keys[random() % 5];
+  const unsigned distances[] = {1, 2, 5, 30, 1000}, distance = distances[random() % 5];  // between over-long keys
   byte_string run;
   while (run.size() < length) {
     const std::size_t value = sizes[size < 5 ? size : random() % (size < 8 ? 4 : 6)];
     for (std::size_t i = 1; i < value; ++i) run.push_back(static_cast<unsigned char>(random() | 0x80));
     run.push_back(static_cast<unsigned char>(random() & 0x7f));
-    const unsigned key = number << 3, is_odd = random() % odd == 0;
-    run.push_back(static_cast<unsigned char>(key | (is_odd || number >= 16 ? 0x80 : 0)));
-    if (is_odd || number >= 16) run.push_back(static_cast<unsigned char>(key >> 7 | (is_odd ? 0x80 : 0)));
-    if (is_odd) run.push_back(0x00);
+    const unsigned key = number << 3, is_long = random() % distance == 0;
+    run.push_back(static_cast<unsigned char>(key | (is_long || number >= 16 ? 0x80 : 0)));
+    if (is_long || number >= 16) run.push_back(static_cast<unsigned char>(key >> 7 | (is_long ? 0x80 : 0)));
+    if (is_long) run.push_back(0x00);
   }
   run.resize(length);
-  // Mostly not cut off.
+  // In most cases not cut off.
   if (length != 0 && random() % 5 != 0) run.back() &= 0x7f;
   return run;
 }
@@ -375,8 +375,8 @@ TEST_P(both_readers, take_of_a_run_that_changes_no_more_than_was_counted) {
 
 INSTANTIATE_TEST_SUITE_P(fields, both_readers, ::testing::Values(1u, 2u, 15u, 16u, 22u, 27u));
 
-// After an odd key, elements are taken one by one until sixteen keys in a row have been in their shortest form. The
-// run begins with a value; the place is that of the next one.
+// After a non-canonical key, elements are taken one by one until sixteen keys in a row have been canonical. The run
+// begins with a value; the place is that of the next one.
 template <unsigned KeySize>
 void are_taken_one_by_one(const byte_string &run, std::size_t elements, std::size_t place) {
   const fenced_block input(run);
@@ -554,7 +554,7 @@ TYPED_TEST(both_writers, agree_on_every_length_and_distance_to_the_start) {
       std::vector<TypeParam> some(length);
       for (auto &element : some) element = static_cast<TypeParam>(random() >> random() % 32);
       for (const unsigned number : {1u, 15u, 16u, 27u}) this->agree(some, number, before);
-      // Mostly labels of twenty bits, which go eight at a time.
+      // Most are labels of twenty bits, which go eight at a time.
       for (auto &element : some)
         element = static_cast<TypeParam>(random() % 40 == 0 ? random() : 0x4000 + random() % 0x1fc000);
       this->agree(some, 3, before);
@@ -634,7 +634,7 @@ TEST(comparing_integers, reads_nothing_after_them) {
   }
 }
 
-// Before each list stands what the other one has in the second half.
+// Before each list is what the other one has in the second half.
 TEST(comparing_integers, takes_nothing_before_them_for_what_is_in_them) {
   const std::vector<std::uint32_t> a = {9, 9, 9, 9, 9, 9, 9, 9, 5, 5, 5, 5, 5, 5, 5, 5, 6, 6, 6, 6, 6, 6, 6, 6};
   const std::vector<std::uint32_t> b = {6, 6, 6, 6, 6, 6, 6, 6, 5, 5, 5, 5, 5, 5, 5, 5, 9, 9, 9, 9, 9, 9, 9, 9};

@@ -47,7 +47,7 @@ struct crate {
   std::uint8_t presence;
 };
 
-// Every kind, twice: 29 fields, 32 presence bits. The bytes stand between nested messages and lists.
+// Every kind, twice: 29 fields, 32 presence bits. The bytes come between nested messages and lists.
 struct everything {
   std::uint8_t flag;
   std::uint8_t byte;

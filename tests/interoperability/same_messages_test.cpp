@@ -74,7 +74,7 @@ TEST_P(same_messages, are_read_from_what_the_peer_writes) {
   });
 }
 
-// The fields of an encoding one by one, the elements of a list together: what may stand in any order.
+// The fields of an encoding one by one, the elements of a list together: these may come in any order.
 std::vector<std::pair<const member *, byte_string>> fields_of(const naive::message &type,
                                                               const naive::encoding &encoding) {
   std::vector<std::pair<const member *, byte_string>> result;

@@ -127,7 +127,7 @@ TEST_F(thousand_policies, are_written_as_far_as_they_fit) {
   }
 }
 
-TEST_F(thousand_policies, are_copied_and_given_back_in_order) {
+TEST_F(thousand_policies, are_copied_and_released_in_order) {
   random_numbers random(1);
   std::size_t requests = 0;
   check_copying(view_of(list), random, {}, requests);

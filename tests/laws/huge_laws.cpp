@@ -1,4 +1,4 @@
-// Laws of encodings longer than memory: records with random bytes members of any 64-bit length, held against the
+// Laws of encodings longer than memory: records with random bytes members of any 64-bit length, compared with the
 // naive encoder, which keeps only where blocks lie.
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // That work grows with the encoding and not with its depth: counted, not timed. Rows that count how often they are
-// asked stand at the bottom of messages of the test, and a sink that counts writes the messages of the library.
+// asked are innermost in messages of the test, and a writer that counts writes the messages of the library.
 #include <utility>
 
 #include "core/operations.hpp"

@@ -1,4 +1,4 @@
-// Random inputs for decoding: messages put together from keys and values, mostly such as the schema wants them, in any
+// Random inputs for decoding: messages put together from keys and values, most of them as the schema has them, in any
 // order and of any length; and damage done to bytes.
 #pragma once
 

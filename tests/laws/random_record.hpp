@@ -19,7 +19,7 @@ using naive::member;
 using naive::view;
 using naive::view_of;
 
-// Memory for what records point to, all of it given back at once. Blocks are of exactly the size asked for: the
+// Memory for what records point to, all of it released at once. Blocks are of exactly the size asked for: the
 // sanitizer sees one byte more.
 class arena {
  public:

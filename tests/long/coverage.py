@@ -3,12 +3,12 @@
 
   coverage.py [--but FILE] BUILD_FOLDER...
 
-In each build all must be taken, but for what the file lists: a line "path: text as it stands in the source", and after
-it, indented, the reason. What stands there and is taken in every build is wrong as well.
+In each build all must be taken, but for what the file lists: a line "path: text as it is in the source", and after it,
+indented, the reason. What it lists though every build takes it is wrong as well.
 
 A line is taken when it is in any instantiation of a template.
 
-A branch is a way out of a condition as it stands in the source. The compiler counts it once for each instantiation,
+A branch is a way out of a condition in the source. The compiler counts it once for each instantiation,
 which is how other tools show it as well; here it is taken when it is in any of them. Ways out are told from each other
 by their order, in which all instantiations have the same. Where a condition is constant in some, these have fewer:
 those with as many ways out are held together, and each such group must take all of them. The instantiations of a lambda

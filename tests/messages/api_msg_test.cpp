@@ -285,7 +285,7 @@ TEST(api_msg, a_second_payload_that_fails_leaves_the_bit_of_the_first) {
   read.dropped = 1;
 }
 
-TEST(api_msg, every_payload_that_comes_again_replaces_the_first) {
+TEST(api_msg, every_repeated_payload_replaces_the_first) {
   for (std::size_t i = 1; i < 16; ++i) {
     if (i == 14) continue;
     SCOPED_TRACE("field " + std::to_string(i + 1));

@@ -159,7 +159,7 @@ TEST(api_to_zorv, what_a_nested_message_fails_with_is_handed_on_and_its_content_
   EXPECT_EQ(decode_without_memory<api_to_zorv>(hex("0a 02 08 05 12 02 08 05")), CODEC_OK);
 }
 
-TEST(api_to_zorv, nested_messages_that_come_again_replace_the_first_and_drop_its_memory) {
+TEST(api_to_zorv, repeated_nested_messages_replace_the_first_and_drop_its_memory) {
   decoded<api_to_zorv> read(hex("0a 04 08 01 10 05 12 03 12 01 61 0a 02 08 02 12 03 12 01 62"));
   EXPECT_EQ(read.result, CODEC_OK);
   EXPECT_EQ(read->nodeid.field1, 2u);

@@ -1,6 +1,6 @@
-// What holds for every record, and the values of the presence constants. Where the members stand says
-// pavo_zorv_layout.h, which the compiler checks wherever the header is used; their types are held against
-// tests/naive/messages.hpp. And that every message has tests.
+// What holds for every record, and the values of the presence constants; and that every message has tests. Where the
+// members are, pavo_zorv_layout.h says, which the compiler checks wherever the header is used; their types are checked
+// against tests/naive/messages.hpp.
 #include "core/layout.hpp"
 
 #include <gtest/gtest.h>

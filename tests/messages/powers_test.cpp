@@ -324,7 +324,7 @@ TEST(powers, of_bytes_before_a_message_and_before_a_piece) {
   unsigned char data[] = {1, 2, 3};
   for (const std::size_t place : powers()) {
     SCOPED_TRACE("place " + std::to_string(place));
-    // A string, the key and the length of the nested message stand before it; with a number where that is needed.
+    // A string, the key and the length of the nested message come before it; with a number where that is needed.
     std::size_t length = 0, number = 0;
     for (number = 0; number <= 2; number += 2) {
       if (place < 4 + number) continue;

@@ -61,7 +61,7 @@ TEST(layout, callbacks_take_the_context_last) {
   EXPECT_TRUE((std::is_same_v<pavo_zorv_release, void (*)(void *, void *)>));
 }
 
-TEST(layout, the_presence_flags_stand_last_and_are_as_narrow_as_the_fields_allow) {
+TEST(layout, the_presence_flags_are_last_and_as_narrow_as_the_fields_allow) {
   EXPECT_TRUE((std::is_same_v<decltype(api_addr::presence), std::uint8_t>));
   EXPECT_TRUE((std::is_same_v<decltype(srv6_sid_struct::presence), std::uint8_t>)) << "8 fields";
   EXPECT_TRUE((std::is_same_v<decltype(api_policy::presence), std::uint16_t>)) << "10 fields";
@@ -74,7 +74,7 @@ TEST(layout, the_presence_flags_stand_last_and_are_as_narrow_as_the_fields_allow
   EXPECT_EQ(offsetof(api_msg_p2p_auto_policy, presence), offsetof(api_msg_p2p_auto_policy, field22) + 4);
 }
 
-TEST(layout, members_stand_in_field_order_with_natural_alignment) {
+TEST(layout, members_are_in_field_order_with_natural_alignment) {
   if (sizeof(void *) != 8) GTEST_SKIP() << "these are the figures of 64 bits; pavo_zorv_layout.h has the others";
   EXPECT_EQ(offsetof(api_msg_internal, field1), 0u);
   EXPECT_EQ(offsetof(api_msg_internal, field2), 8u);
@@ -206,7 +206,7 @@ TEST_P(every_message, keeps_the_presence_bits_of_no_field) {
   EXPECT_EQ(decode(all_clear, {}), CODEC_OK);
   EXPECT_EQ(decode(all_set, {}), CODEC_OK);
   EXPECT_EQ(presence(all_clear), 0u);
-  // What is left set belongs to no field: it stands above all bits that do, and copying leaves it as well.
+  // What is left set belongs to no field: it is above all bits that do, and copying leaves it as well.
   const std::uint32_t unowned = presence(all_set), owned = type.all_bits() & ~unowned;
   EXPECT_NE(owned, 0u);
   EXPECT_EQ(owned & (owned + 1u), 0u);
@@ -235,7 +235,7 @@ TEST(decode, presence_bits_of_no_field_stay_also_in_nested_records) {
   operations<api_msg>::free(&message, accountant::release, &memory);
 }
 
-TEST(decode, presence_bits_of_no_field_stay_when_a_nested_message_comes_again) {
+TEST(decode, presence_bits_of_no_field_stay_when_a_nested_message_is_repeated) {
   policy_binding_sid_t binding;
   std::memset(&binding, 0xff, sizeof binding);
   const fenced_block input(hex("0a 02 08 01 0a 00"));
@@ -334,21 +334,21 @@ TEST(decode, list_elements_are_cut_to_their_width) {
   EXPECT_EQ(numbers_of(update->field5, 2), (std::vector<std::uint32_t>{5, 0xffffffff}));
 }
 
-TEST(decode, a_number_that_comes_again_replaces_the_earlier_one) {
+TEST(decode, a_repeated_number_replaces_the_earlier_one) {
   EXPECT_EQ(decoded<api_addr>(hex("08 07 08 09"))->address, 9u);
   EXPECT_EQ(decoded<api_msg_internal>(hex("18 07 20 01 18 09"))->field3, 9u);
   EXPECT_EQ(decoded<api_msg_service>(hex("08 01 08 00"))->field1, 0);
   EXPECT_EQ(decoded<api_prefix>(hex("10 07 10 09"))->field2, 9);
 }
 
-TEST(decode, a_number_that_comes_again_but_is_cut_off_leaves_the_earlier_one) {
+TEST(decode, a_repeated_number_that_is_cut_off_leaves_the_earlier_one) {
   decoded<api_addr> addr(hex("08 07 08 80"));
   EXPECT_EQ(addr.result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(addr->address, 7u);
   EXPECT_EQ(addr->presence & 1, 1);
 }
 
-TEST(decode, a_nested_message_that_comes_again_replaces_the_earlier_one) {
+TEST(decode, a_repeated_nested_message_replaces_the_earlier_one) {
   decoded<api_msg_internal> internal(hex("2a 04 08 01 10 01 2a 02 18 01"));
   EXPECT_EQ(internal.result, CODEC_OK);
   EXPECT_EQ(internal->service.field1, 0);
@@ -357,7 +357,7 @@ TEST(decode, a_nested_message_that_comes_again_replaces_the_earlier_one) {
   EXPECT_EQ(internal->service.presence & 7, API_MSG_SERVICE_HAS_FIELD3);
 }
 
-TEST(decode, a_nested_message_that_comes_again_drops_what_the_earlier_one_owned) {
+TEST(decode, a_repeated_nested_message_drops_what_the_earlier_one_owned) {
   decoded<policy_binding_sid_t> binding(hex("0a 04 10 05 10 06 0a 02 08 03"));
   EXPECT_EQ(binding.result, CODEC_OK);
   EXPECT_EQ(binding->sid.field1, 3u);
@@ -368,7 +368,7 @@ TEST(decode, a_nested_message_that_comes_again_drops_what_the_earlier_one_owned)
   binding.dropped = 1;
 }
 
-TEST(decode, a_list_in_a_nested_message_that_comes_again_is_a_first_run) {
+TEST(decode, a_list_in_a_repeated_nested_message_is_a_first_run) {
   decoded<policy_binding_sid_t> binding(hex("0a 02 10 05 0a 02 10 06"));
   EXPECT_EQ(binding.result, CODEC_OK);
   ASSERT_EQ(binding->sid.field2_count, 1u);
@@ -376,7 +376,7 @@ TEST(decode, a_list_in_a_nested_message_that_comes_again_is_a_first_run) {
   binding.dropped = 1;
 }
 
-TEST(decode, a_nested_message_that_comes_again_and_fails_leaves_the_outer_bit) {
+TEST(decode, a_repeated_nested_message_that_fails_leaves_the_outer_bit) {
   for (const char *const again : {"2a 01 0d", "2a 01 23", "2a 01 08", "2a 05 08 01", "2a"}) {
     decoded<api_msg_internal> internal(hex("2a 02 08 01") + hex(again));
     EXPECT_LT(internal.result, 0) << again;
@@ -389,7 +389,7 @@ TEST(decode, a_nested_message_that_comes_again_and_fails_leaves_the_outer_bit) {
   EXPECT_EQ(internal->service.field1, 0);
 }
 
-TEST(decode, a_nested_message_that_comes_again_past_the_end_keeps_the_earlier_one) {
+TEST(decode, a_repeated_nested_message_past_the_end_keeps_the_earlier_one) {
   decoded<api_msg_internal> internal(hex("2a 02 08 01 2a 03 10 01"));
   EXPECT_EQ(internal.result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(internal->service.field1, 1);
@@ -1253,7 +1253,7 @@ TEST(duplicate, a_null_array_counts_as_empty_in_automatic_policies_whatever_its_
 
 // --- Releasing ---
 
-TEST(release, a_string_is_given_back_and_set_to_null) {
+TEST(release, a_string_is_released_and_set_to_null) {
   decoded<api_intf> intf(hex("08 05 12 01 61"));
   void *const text = intf->field2;
   operations<api_intf>::free(&intf.record, accountant::release, &intf.memory);

@@ -87,7 +87,7 @@ TEST(short_buffers, get_bytes_whole_or_not_at_all) {
   }
 }
 
-TEST(short_buffers, keep_what_stands_where_bytes_that_are_not_there_belong) {
+TEST(short_buffers, keep_what_is_in_the_place_of_null_bytes) {
   oam_req record{};
   record.field1 = 1;
   record.field6_length = 3;
@@ -250,9 +250,9 @@ TEST(lengths_near_the_scratch_size, of_strings_and_bytes) {
   }
 }
 
-// After the list, in a payload of its own, stands a string: the two are written in the other order.
+// After the list comes a string, in a payload of its own: the two are written in the other order.
 TEST(short_buffers, get_payloads_of_an_envelope) {
-  char text[] = "behind";
+  char text[] = "second";
   for (const std::size_t count : {1000u, 2041u, 2042u, 2043u, 2044u, 2045u, 100000u}) {
     std::vector<std::uint32_t> labels(count, 24001);
     api_msg_p2p_auto_policy_notif notification{};
@@ -265,7 +265,7 @@ TEST(short_buffers, get_payloads_of_an_envelope) {
     record.oam_req.presence = OAM_REQ_HAS_FIELD3;
     const byte_string list = count * hex("08 c1 bb 01"), stack = hex("52") + varint_of(list.size()) + list;
     const byte_string front = hex("08 01 2a") + varint_of(stack.size()) + stack + hex("6a 08 1a 06");
-    is_written(record, front + hex("62 65 68 69 6e 64"), {front.size(), 6});
+    is_written(record, front + hex("73 65 63 6f 6e 64"), {front.size(), 6});
   }
 }
 

@@ -372,7 +372,7 @@ TEST(srv6_sid_struct, nothing_needs_memory) {
   EXPECT_EQ(std::memcmp(&record, &whole_struct, sizeof record), 0);
 }
 
-TEST(srv6_sid_struct, values_that_come_again_count) {
+TEST(srv6_sid_struct, repeated_values_replace_the_earlier_ones) {
   decoded<srv6_sid_struct> read(hex("18 05 08 01 18 06 08 00"));
   EXPECT_EQ(read.result, CODEC_OK);
   EXPECT_EQ(read->field1, 0);

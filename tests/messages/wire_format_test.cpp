@@ -8,7 +8,7 @@ namespace wire_format_test {
 
 using namespace test;
 
-// Reads a varint in all lengths up to 16 bytes, and cut off after each of its bytes. It stands after `before`, and
+// Reads a varint in all lengths up to 16 bytes, and cut off after each of its bytes. It comes after `before`, and
 // `check` is shown what came of it. A key may be missing altogether: then the input ends between two fields.
 template <class Record, class Check>
 void read_in_every_length(const byte_string &before, std::uint64_t value, const byte_string &after, Check check,
@@ -502,7 +502,7 @@ TEST(varints, cut_off_leave_the_member_absent_and_keep_what_was_read_before) {
   EXPECT_EQ(internal->presence & 0x7f, API_MSG_INTERNAL_HAS_FIELD4);
 }
 
-TEST(varints, behind_a_key_may_not_be_missing) {
+TEST(varints, after_a_key_may_not_be_missing) {
   EXPECT_EQ(decoded<api_addr>(hex("08")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<api_addr>(hex("10")).result, CODEC_ERR_TRUNCATED);
   EXPECT_EQ(decoded<api_addr>(hex("12")).result, CODEC_ERR_TRUNCATED);
@@ -579,7 +579,7 @@ TEST(varints, of_runs_of_labels_are_read_up_to_wherever_the_input_ends) {
 }
 
 // The bytes after a nested message look like more of its run.
-TEST(varints, of_runs_end_with_the_nested_message_they_stand_in) {
+TEST(varints, of_runs_end_with_the_nested_message_they_are_in) {
   for (std::size_t count = 1; count <= 100; ++count) {
     for (const std::size_t cut : {std::size_t{0}, std::size_t{1}}) {
       const byte_string run = count * hex("10 05");

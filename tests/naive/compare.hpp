@@ -10,7 +10,7 @@ inline int compare(view a, view b);
 inline int sign_of(std::uint64_t a, std::uint64_t b) { return a < b ? -1 : a > b ? 1 : 0; }
 
 inline int compare_numbers(const member &member, std::uint64_t a, std::uint64_t b) {
-  // Signed numbers stand in the order of the others once the sign is turned over.
+  // Signed numbers have the order of unsigned ones once their sign is flipped.
   const std::uint64_t sign = member.is_signed ? std::uint64_t{1} << (8 * member.width - 1) : 0;
   return sign_of(a ^ sign, b ^ sign);
 }

@@ -40,7 +40,7 @@ class decoder {
   test::failing_requests failing;
 
   std::vector<std::size_t> sizes;     // what was asked for, in order
-  std::size_t dropped = 0;            // blocks that nested messages owned before they came again
+  std::size_t dropped = 0;            // blocks that nested messages owned before they were repeated
   bool run_of_other_types = false;    // a run went on over a key of another wire type
   bool unknown_past_the_end = false;  // the input ended inside an unknown field of known size
 

@@ -133,7 +133,7 @@ class layout {
       char before;
       std::uint64_t wide;
     };
-    // On some machines a number of 64 bits stands at a multiple of four.
+    // On some machines a number of 64 bits is aligned to four bytes.
     return place(width, width == 8 ? offsetof(probe, wide) : width);
   }
   std::size_t pointer() { return place(sizeof(void *), sizeof(void *)); }

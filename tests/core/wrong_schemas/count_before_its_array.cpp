@@ -1,5 +1,5 @@
 // error: .*members are in row order, the presence flags last
-// An array stands before its count.
+// An array comes before its count.
 #include "core/operations.hpp"
 
 struct parcel {

@@ -1,5 +1,5 @@
 // error: .*every member of the record but the presence flags has a row
-// Nothing stands after the presence flags.
+// Nothing comes after the presence flags.
 #include "core/operations.hpp"
 
 struct parcel {

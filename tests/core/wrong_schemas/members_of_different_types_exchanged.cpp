@@ -1,5 +1,5 @@
 // error: .*members are in row order, the presence flags last
-// Members stand in the order of their fields, whatever their types.
+// Members are in the order of their fields, whatever their types.
 #include "core/operations.hpp"
 
 struct parcel {

@@ -1,5 +1,5 @@
 // error: .*members are in row order, the presence flags last
-// Members stand in the order of their fields, also those that are messages of one type.
+// Members are in the order of their fields, also those that are messages of one type.
 #include "core/operations.hpp"
 
 struct parcel {

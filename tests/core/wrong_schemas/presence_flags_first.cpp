@@ -1,5 +1,5 @@
 // error: .*members are in row order, the presence flags last
-// The presence flags stand last.
+// The presence flags come last.
 #include "core/operations.hpp"
 
 struct parcel {
