@@ -25,6 +25,12 @@ def printed(*expressions, before=()):
     return shown
 
 
+def listed_messages():
+    """The messages of include/pavo_zorv_messages.h, in its order."""
+    header = (pathlib.Path(SOURCE) / "include" / "pavo_zorv_messages.h").read_text(encoding="utf-8")
+    return re.findall(r"^  (?:plain|with_options)\((\w+)\)", header, re.M)
+
+
 class Printers(unittest.TestCase):
     maxDiff = None
 
@@ -61,6 +67,11 @@ class Printers(unittest.TestCase):
         stored = r"^\{field1 = 0x.*, field1_length = 4, field2 = 64, presence = 3 .*\}$"
         self.assertRegex(printed("/r prefix")[0], stored)
 
+    def test_know_every_message(self):
+        known = re.search(r'RECORDS = """(.*?)"""', pathlib.Path(PRINTERS).read_text(encoding="utf-8"), re.S)[1].split()
+        self.assertTrue(known)
+        self.assertEqual(known, listed_messages(), f"RECORDS in {PRINTERS} are not the messages of pavo_zorv_messages.h")
+
     def test_show_the_fields_of_every_message(self):
         header = (pathlib.Path(SOURCE) / "include" / "pavo_zorv_fields.h").read_text(encoding="utf-8")
         expected = {}
@@ -68,7 +79,7 @@ class Printers(unittest.TestCase):
                 "message_list": "nothing"}
         for kind, record, member, rest in re.findall(r"^  (\w+)\((\w+), \d+, (\w+)(?:, (\w+))?.*?\)", header, re.M):
             expected.setdefault(record, []).append(f"{member} = {rest if kind == 'nested' else zero[kind]}")
-        self.assertEqual(len(expected), 31)
+        self.assertEqual(list(expected), listed_messages())
         shown = printed(*(f"all_{record}" for record in expected), before=["set print elements 0"])
         for (record, fields), each in zip(expected.items(), shown):
             self.assertEqual(each, f"{record} = {{{', '.join(fields)}}}")
