@@ -54,7 +54,9 @@ class _Reader:
             about = f"field {field.number} of {cls.__name__}"
             expected = 0 if field.kind in ("flag", "integer", "integer_list") else 2
             if key & 7 != expected:
-                _refuse(start, here, f"{about}: wire type {_WIRE_TYPES[key & 7]} instead of {_WIRE_TYPES[expected]}")
+                packed = "a packed list: " if field.kind == "integer_list" and key & 7 == 2 else ""
+                _refuse(start, here,
+                        f"{about}: {packed}wire type {_WIRE_TYPES[key & 7]} instead of {_WIRE_TYPES[expected]}")
             if field.number in first and field.is_list:
                 _refuse(start, here, f"{about}: second run of a list; the first starts at offset {first[field.number]}")
             if field.number in first and field.kind in ("string", "bytes"):

@@ -22,6 +22,8 @@ def refused(cls, data):
     ("api_addr", "08", -1, 1, "address", "field 1 of api_addr: the value is cut off by the end of the input"),
     ("api_addr", "08 05 88", -1, 2, "", "api_addr: the key is cut off by the end of the input"),
     ("api_addr", "0d", -3, 0, "address", "field 1 of api_addr: wire type fixed32 instead of varint"),
+    ("api_prefix", "0a 02 01 02", -3, 0, "octets",
+     "field 1 of api_prefix: a packed list: wire type delimited instead of varint"),
     ("api_addr", "08 01 13", -2, 2, "", "unknown field 2 of api_addr: group start cannot be skipped"),
     ("api_addr", "10 ff", -1, 1, "", "api_addr: the varint of unknown field 2 is cut off by the end of the input"),
     ("api_addr", "12 ff", -1, 1, "", "api_addr: the length of unknown field 2 is cut off by the end of the input"),
