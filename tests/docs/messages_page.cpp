@@ -16,7 +16,7 @@ constexpr const char *introduction =
     "[wire_format.md](wire_format.md). Messages that are marked so take the options word: see\n"
     "[reference_mode.md](reference_mode.md).\n"
     "\n"
-    "This page is written by `tests/docs/messages_page.cpp`; a test holds it against the schema.\n";
+    "This page is written by `tests/docs/messages_page.cpp`; a test checks it against the schema.\n";
 
 std::string key_text(unsigned number, pavo_zorv::wire_type wire) {
   std::string text;
