@@ -848,9 +848,7 @@ TEST(encode, runs_of_every_length_up_to_200) {
   byte_string bytes;
   for (std::uint32_t i = 0; i < 200; ++i) {
     labels.push_back(100000 + i);
-    bytes = bytes + byte_string{0x08, static_cast<unsigned char>(0x80 | ((100000 + i) & 0x7f)),
-                                static_cast<unsigned char>(0x80 | (((100000 + i) >> 7) & 0x7f)),
-                                static_cast<unsigned char>((100000 + i) >> 14)};
+    bytes = bytes + varint_field(1, 100000 + i);
     EXPECT_EQ(encoded(api_lbl_stack{labels.data(), i + 1, API_LBL_STACK_HAS_LABELS}), bytes);
   }
 }

@@ -67,8 +67,7 @@ TEST(short_buffers, get_a_string_whole_or_not_at_all) {
     api_msg_internal record{};
     record.field2 = text.data();
     record.presence = API_MSG_INTERNAL_HAS_FIELD2;
-    const byte_string prefix = {0x12, static_cast<unsigned char>(length | 0x80),
-                                static_cast<unsigned char>(length >> 7)};
+    const byte_string prefix = hex("12") + varint(length);
     is_written(record, prefix + length * byte_string{'x'}, {3, length});
   }
 }
@@ -80,8 +79,7 @@ TEST(short_buffers, get_bytes_whole_or_not_at_all) {
     record.field6 = data.data();
     record.field6_length = length;
     record.presence = OAM_REQ_HAS_FIELD6;
-    const byte_string prefix = {0x32, static_cast<unsigned char>(length | 0x80),
-                                static_cast<unsigned char>(length >> 7)};
+    const byte_string prefix = hex("32") + varint(length);
     is_written(record, prefix + data, {3, length});
     is_written(record, prefix, {}, PAVO_ZORV_REFERENCE);
   }
@@ -166,13 +164,6 @@ void is_written_near(const Record &record, const byte_string &encoding, const bl
   }
 }
 
-byte_string varint_of(std::size_t value) {
-  byte_string result;
-  for (; value >= 0x80; value >>= 7) result.push_back(static_cast<unsigned char>(value | 0x80));
-  result.push_back(static_cast<unsigned char>(value));
-  return result;
-}
-
 // Labels of three bytes, and one of another size, first or last: so that every length comes up.
 TEST(lengths_near_the_scratch_size, of_labels) {
   static constexpr std::uint32_t others[] = {0x0fffffff, 0xffffffff, 300, 24002};
@@ -195,7 +186,7 @@ TEST(lengths_near_the_scratch_size, of_labels) {
 
 TEST(lengths_near_the_scratch_size, of_a_list_of_bytes) {
   for (std::size_t length = first_length; length <= last_length; ++length) {
-    // One of three bytes where the length is odd.
+    // One of three bytes where the length is an odd number.
     std::vector<std::uint8_t> elements(length / 2, 5);
     byte_string expected = (length / 2) * hex("10 05");
     if (length % 2 != 0) {
@@ -239,14 +230,13 @@ TEST(lengths_near_the_scratch_size, of_strings_and_bytes) {
     api_msg_internal record{};
     record.field2 = text.data();
     record.presence = API_MSG_INTERNAL_HAS_FIELD2;
-    ASSERT_NO_FATAL_FAILURE(
-        is_written_near(record, hex("12") + varint_of(inner) + inner * byte_string{'x'}, {3, inner}));
+    ASSERT_NO_FATAL_FAILURE(is_written_near(record, hex("12") + varint(inner) + inner * byte_string{'x'}, {3, inner}));
     byte_string data(inner, 0xdd);
     oam_req request{};
     request.field6 = data.data();
     request.field6_length = inner;
     request.presence = OAM_REQ_HAS_FIELD6;
-    ASSERT_NO_FATAL_FAILURE(is_written_near(request, hex("32") + varint_of(inner) + data, {3, inner}));
+    ASSERT_NO_FATAL_FAILURE(is_written_near(request, hex("32") + varint(inner) + data, {3, inner}));
   }
 }
 
@@ -263,8 +253,8 @@ TEST(short_buffers, get_payloads_of_an_envelope) {
     record.p2p_auto_policy_notif = notification;
     record.oam_req.field3 = text;
     record.oam_req.presence = OAM_REQ_HAS_FIELD3;
-    const byte_string list = count * hex("08 c1 bb 01"), stack = hex("52") + varint_of(list.size()) + list;
-    const byte_string front = hex("08 01 2a") + varint_of(stack.size()) + stack + hex("6a 08 1a 06");
+    const byte_string list = count * hex("08 c1 bb 01"), stack = hex("52") + varint(list.size()) + list;
+    const byte_string front = hex("08 01 2a") + varint(stack.size()) + stack + hex("6a 08 1a 06");
     is_written(record, front + hex("73 65 63 6f 6e 64"), {front.size(), 6});
   }
 }
