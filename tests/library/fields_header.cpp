@@ -74,7 +74,28 @@ constexpr const char *end = R"(
 #endif /* PAVO_ZORV_FIELDS_H */
 )";
 
-constexpr const char *kinds = "flag, integer, string, bytes, integer_list, message_list, nested";
+// The parameters of every list: a macro for each kind.
+constexpr const char *macros = "flag, integer, string, bytes, integer_list, message_list, nested";
+
+constexpr const char *macro_of(kind type) {
+  switch (type) {
+    case kind::flag:
+      return "flag";
+    case kind::integer:
+      return "integer";
+    case kind::string:
+      return "string";
+    case kind::bytes:
+      return "bytes";
+    case kind::integer_list:
+      return "integer_list";
+    case kind::message_list:
+      return "message_list";
+    case kind::nested:
+      return "nested";
+  }
+  return nullptr;
+}
 
 std::string upper(std::string_view text) {
   std::string result(text);
@@ -104,6 +125,10 @@ std::optional<std::uint64_t> longest() {
     } else if constexpr (row_type::type == kind::nested) {
       value = longest<typename row_type::message>();
       if (value) *value += varint_size(*value);
+    } else {
+      static_assert(row_type::type == kind::string || row_type::type == kind::bytes ||
+                        row_type::type == kind::integer_list || row_type::type == kind::message_list,
+                    "the longest value of this kind");
     }
     if (total && value) {
       *total += varint_size(row.number * 8) + *value;
@@ -118,10 +143,7 @@ template <class Record, std::size_t Index>
 void write_field() {
   constexpr auto &row = pavo_zorv::row_at<Record, Index>;
   using row_type = std::remove_cvref_t<decltype(row)>;
-  static constexpr const char *names[] = {"flag",         "integer",      "string", "bytes",
-                                          "integer_list", "message_list", "nested"};
-  std::printf(" \\\n  %s(%s, %u, %s", names[static_cast<int>(row_type::type)], pavo_zorv::message_name<Record>,
-              row.number, row.name);
+  std::printf(" \\\n  %s(%s, %u, %s", macro_of(row_type::type), pavo_zorv::message_name<Record>, row.number, row.name);
   constexpr auto members = row.members();
   if constexpr (std::tuple_size_v<decltype(members)> == 2) {
     constexpr std::string_view count = pavo_zorv::member_name<std::get<1>(members)>();
@@ -147,7 +169,8 @@ void write_message(const char *name) {
     std::printf("\n/** Bytes of the longest encoding of `%s`. */\n#define %s_MAX_ENCODED_SIZE %ju\n", name,
                 prefix.c_str(), static_cast<std::uintmax_t>(*size));
   }
-  std::printf("\n/** Calls a macro with each field of `%s`. */\n#define PAVO_ZORV_FIELDS_OF_%s(%s)", name, name, kinds);
+  std::printf("\n/** Calls a macro with each field of `%s`. */\n#define PAVO_ZORV_FIELDS_OF_%s(%s)", name, name,
+              macros);
   pavo_zorv::for_each_row<Record>([](auto index) { write_field<Record, index>(); });
   std::printf("\n\n/** @} */\n");
 }
