@@ -67,6 +67,7 @@ struct message_list : row {
                                                    bool present, Entries &) const {
     if (!present) return at;
     for (std::uint32_t index = record.*count; index-- != 0;) {
+      // Below the limit no element is begun: the slop has no place for it.
       if (!writer.reserve(at, 0)) return at;
       const auto end = at;
       at = write_message((record.*elements)[index], writer, end);

@@ -46,6 +46,7 @@ struct nested : row {
   PAVO_ZORV_INLINE typename Writer::position write(Writer &writer, typename Writer::position at, const Record &record,
                                                    bool present, Entries &) const {
     if (!present && is_empty(record.*value)) return at;
+    // A message that is not small is not begun below the limit: the slop has no place for it.
     if (!is_small<Message> && !writer.reserve(at, 0)) return at;
     const auto end = at;
     at = write_message(record.*value, writer, end);
