@@ -119,12 +119,12 @@ constexpr std::uint64_t parity_up_to(std::uint64_t bits) {
   return bits;
 }
 
-// Of the ends in a window that begins with a value, those of values: varints end at a value and at a key by turns.
+// Of the ends in a window that begins with a value, those of values: varints end alternately at a value and at a key.
 template <unsigned KeySize>
 constexpr std::uint64_t ends_of_values(std::uint64_t ends) {
   if constexpr (KeySize == 2) return ends & parity_up_to(ends);
-  // A key is the byte after its value's last one, so the turns begin anew with each row of ends. A row that begins at
-  // an even place is cleared when its first bit is added: half the work that parities take.
+  // A key is the byte after its value's last one, so the alternation restarts with each row of ends. A row that begins
+  // at an even place is cleared when its first bit is added: half the work that parities take.
   constexpr std::uint64_t even = 0x5555555555555555;
   const std::uint64_t first = ends & ~(ends << 1);
   const std::uint64_t from_even = ends & ~(ends + (first & even));
