@@ -376,7 +376,7 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
       // If the others are labels as well: a block that ends with the last one, each with its key before it.
       const auto unused = static_cast<unsigned>(std::countl_zero(values));
       if (values == labels << unused >> unused) {
-        block(at + 64 - unused - block::size).read_after_keys(reader.last - block::elements);
+        block(at + (64 - unused) - block::size).read_after_keys(reader.last - block::elements);
         return;
       }
     }
