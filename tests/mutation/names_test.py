@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The names of mutants in equivalent.txt, which outlive what does not change the code, and nothing else; and which
-mutants are wrong where many are compiled at a time."""
+mutants can be compiled together, and which are wrong where many are."""
 import importlib.machinery
 import importlib.util
 import pathlib
@@ -116,6 +116,32 @@ class EquivalentsFile(unittest.TestCase):
             "  Value read", "  bool two(std::size_t size) const { return size <= left; }\n\n  Value read")
         stale, text = self.tidied(self.TEXT, code)
         self.assertEqual((stale, text), (1, self.TEXT.replace("  fits: return _ [-<=-]{+<+} _;\n", "")))
+
+
+class Choices(unittest.TestCase):
+    """What can be chosen from when the program runs."""
+
+    def choices(self, text):
+        return [text[begin:end] for begin, end, _, _ in mutate.switchable(text)]
+
+    def is_evaluated(self, text):
+        lines = text.split("\n")
+        return mutate.belongs_to(lines, len(lines) - 1, mutate.EVALUATED)
+
+    def test_are_values_of_variables(self):
+        self.assertEqual(self.choices("    const unsigned bits = 8;"), ["8"])
+
+    def test_are_no_constants(self):
+        self.assertEqual(self.choices("    static constexpr unsigned bits = 8;"), [])
+
+    def test_are_for_the_compiler_as_well_in_functions_that_it_may_evaluate(self):
+        self.assertTrue(self.is_evaluated("constexpr bool fits(int a) {\n  return a < 8;"))
+        self.assertTrue(self.is_evaluated("constexpr bool operator==(box a, box b) {\n  return a.size < b.size;"))
+        self.assertTrue(self.is_evaluated("  static constexpr auto table = [] {\n    return make(8);"))
+
+    def test_are_not_for_the_compiler_in_others(self):
+        self.assertFalse(self.is_evaluated("bool fits(int a) {\n  constexpr int most = longest(8);\n  return a < most;"))
+        self.assertFalse(self.is_evaluated("bool fits(int a) {\n  if constexpr (narrow) return true;\n  return a < 8;"))
 
 
 class WrongOwners(unittest.TestCase):
