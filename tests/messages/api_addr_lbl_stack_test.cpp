@@ -1,4 +1,6 @@
 // Addresses and label stacks.
+#include <algorithm>
+
 #include "support.hpp"
 
 namespace api_addr_lbl_stack_test {
@@ -134,6 +136,23 @@ TEST(api_lbl_stack, a_key_of_wire_type_2_inside_the_run_counts_as_one_of_a_label
   decoded<api_lbl_stack> stack(hex("08 10 0a 05"));
   EXPECT_EQ(stack.result, CODEC_OK);
   EXPECT_EQ(labels_of(stack.record), (std::vector<std::uint32_t>{16, 5}));
+}
+
+// The last byte of 1029 is that of the key. After some such labels there are keys that are too long: one of two bytes,
+// or others before the label 8, which is a byte like the key as well.
+TEST(api_lbl_stack, labels_may_end_like_their_key_where_keys_are_too_long) {
+  for (std::size_t before = 1; before <= 17; ++before) {
+    const byte_string some = before * hex("08 85 08"), rest = 20 * hex("08 85 08");
+    decoded<api_lbl_stack> one(some + hex("88 00 85 08") + rest);
+    EXPECT_EQ(one.result, CODEC_OK) << before;
+    EXPECT_EQ(labels_of(one.record), std::vector<std::uint32_t>(before + 21, 1029)) << before;
+
+    decoded<api_lbl_stack> several(some + hex("88 80 00 08 88 00 08 88 00 08 88 00 08") + rest);
+    std::vector<std::uint32_t> labels(before + 24, 1029);
+    std::fill_n(labels.begin() + static_cast<std::ptrdiff_t>(before), 4, 8);
+    EXPECT_EQ(several.result, CODEC_OK) << before;
+    EXPECT_EQ(labels_of(several.record), labels) << before;
+  }
 }
 
 TEST(api_lbl_stack, without_labels_is_written_as_nothing_and_a_longer_stack_is_greater) {
