@@ -254,6 +254,7 @@ struct element_reader {
       if ((which & 1) == 0) {
         const byte *const first = at;
 #if defined(__SSSE3__)
+        static_assert(short_label_block::read_size <= looked_at);
         while (fits()) {
           const short_label_block others(at);
           if (!others.are_labels(key)) break;
