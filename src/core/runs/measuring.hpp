@@ -47,7 +47,7 @@ std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count
 PAVO_ZORV_NOINLINE inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
   if (count > longest_stretch) [[unlikely]]
     return measure_long_list(elements, count);
-  if (!has_vectors(count)) return plain::measure_integers(elements, count);
+  if (!loads_lanes && count < vector_numbers) return plain::measure_integers(elements, count);
   number_vector all{};
   signed_vector more{};
   for_each_vector(elements, count, [&](const number_vector &values) PAVO_ZORV_INLINE_LAMBDA {

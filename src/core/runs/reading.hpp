@@ -252,18 +252,18 @@ struct element_reader {
         continue;
       }
       if ((which & 1) == 0) {
-        const byte *const first = at;
 #if defined(__SSSE3__)
         static_assert(short_label_block::read_size <= looked_at);
+        const byte *const first = at;
         while (fits()) {
           const short_label_block others(at);
           if (!others.are_labels(key)) break;
           others.read(next);
           step(block::elements, short_label_block::size);
         }
+        if (at != first) continue;
 #endif
-        if (at == first) return at;
-        continue;
+        return at;
       }
       const auto leading = static_cast<unsigned>(std::countr_one(which));
       step(leading, std::size_t{4} * leading);
@@ -367,22 +367,20 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
     using block = label_block;
     // Labels, each with the next key after it; another value follows the last key, so the buffer holds the block.
     constexpr std::uint64_t every = ~std::uint64_t{0} >> (64 - block::size), labels = 0x4444444444444444;
-    if ((values & every) == (labels & every) && values > every) {
-      do {
-        block(at).read(reader.next);
-        reader.next += block::elements;
-        at += block::size;
-        values >>= block::size;
-      } while ((values & every) == (labels & every) && values > every);
-      // If the others are labels as well: a block that ends with the last one, each with its key before it.
-      const auto unused = static_cast<unsigned>(std::countl_zero(values));
-      if (values == labels << unused >> unused) {
-        block(at + (64 - unused) - block::size).read_after_keys(reader.last - block::elements);
-        return;
-      }
+    while ((values & every) == (labels & every) && values > every) {
+      block(at).read(reader.next);
+      reader.next += block::elements;
+      at += block::size;
+      values >>= block::size;
+    }
+    // If the others are labels as well: a block that ends with the last one, each with its key before it.
+    const auto unused = static_cast<unsigned>(std::countl_zero(values));
+    if (reader.next != elements && values == labels << unused >> unused) {
+      block(at + (64 - unused) - block::size).read_after_keys(reader.last - block::elements);
+      values = 0;
     }
   }
-  reader.last_elements({at, values});
+  if (values != 0) reader.last_elements({at, values});
 }
 
 // Reads a run that has been counted, from its first value on. Returns the place after the last one; null where there

@@ -50,7 +50,7 @@ inline number_vector constant(std::uint32_t number) {
 }
 
 // Some numbers before `end`, fewer than a vector holds, in its last lanes; the other lanes are 0. Where the processor
-// cannot load single lanes, those before them are read as well.
+// cannot load single lanes, a whole vector of numbers must be there.
 #if defined(__AVX2__)
 inline constexpr bool loads_lanes = true;
 
@@ -69,9 +69,6 @@ inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
   return load_numbers(end - vector_numbers) & reinterpret_cast<number_vector>(taken);
 }
 #endif
-
-// Whether there are enough numbers for that.
-inline bool has_vectors(std::size_t count) { return loads_lanes || count >= vector_numbers; }
 
 // Visits all numbers as vectors: first those that do not fill one.
 template <class Visit>

@@ -64,7 +64,7 @@ PAVO_ZORV_INLINE unwritten prepend_labels(const byte *first, byte *at, std::uint
   const label_writer labels(key);
   // The last ones, which do not fill a vector.
   const std::size_t some = count % vector_numbers;
-  if (some != 0 && has_vectors(count) && at - first >= space) {
+  if (some != 0 && (loads_lanes || count >= vector_numbers) && at - first >= space) {
     const number_vector last = load_last(elements + count, some);
     if (!labels.are_labels(last)) return {at, count};
     at = labels.prepend(at, last, some);
