@@ -89,11 +89,11 @@ class decoder {
   // Where the value of a field begins if its canonical key is here, else null.
   template <std::size_t Index>
   PAVO_ZORV_INLINE const byte *step_over_key(const byte *at, const byte *end) {
+    constexpr key_bytes<varint_size(key_at(Index))> key(key_at(Index));
     if constexpr (key_at(Index) < 0x80) {
-      return at != end && *at == key_at(Index) ? at + 1 : nullptr;
+      return at != end && *at == key.first ? at + 1 : nullptr;
     } else {
-      constexpr byte first = (key_at(Index) & 0x7f) | 0x80, second = key_at(Index) >> 7;
-      return end - at >= 2 && at[0] == first && at[1] == second ? at + 2 : nullptr;
+      return end - at >= 2 && at[0] == key.first && at[1] == key.second ? at + 2 : nullptr;
     }
   }
 

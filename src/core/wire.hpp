@@ -20,6 +20,19 @@ constexpr std::uint32_t key_of(unsigned number, wire_type type) { return number 
 // Of keys, only the number is compared: an over-long key names the same field, and so does one with another wire type.
 constexpr std::uint32_t number_of(std::uint32_t key) { return key >> 3; }
 
+// A canonical key, as it is on the wire: one byte, or two for numbers from 16 on.
+template <unsigned Size>
+struct key_bytes {
+  byte first;
+  byte second;
+
+  constexpr explicit key_bytes(std::uint32_t key)
+      : first(static_cast<byte>(Size == 1 ? key : key | 0x80)), second(static_cast<byte>(key >> 7)) {}
+
+  // At the low end of a word.
+  constexpr std::uint32_t word() const { return Size == 1 ? first : first | std::uint32_t{second} << 8; }
+};
+
 // The caller's whole buffer. A load may pass the end of a message, but never that of the buffer that it lies in.
 struct buffer {
   const byte *first;

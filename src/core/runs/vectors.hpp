@@ -1,13 +1,12 @@
-// What the fast loops over runs share: vectors, and keys as they are on the wire. With labels.hpp, windows.hpp and
-// writing.hpp, the only code for particular processors; it does what portable code does, which is beside it or in
-// plain.hpp.
+// Vectors, which the fast loops over runs share. With labels.hpp, windows.hpp and writing.hpp, the only code for
+// particular processors; it does what portable code does, which is beside it or in plain.hpp.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include "core/wire.hpp"
+#include "core/bits.hpp"
 
 #if defined(__AVX__)
 #include <immintrin.h>
@@ -78,19 +77,6 @@ PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t 
   visit(load_last(end, rest));
   for (; numbers != end - rest; numbers += vector_numbers) visit(load_numbers(numbers));
 }
-
-// A canonical key, as it is on the wire: one byte, or two for numbers from 16 on.
-template <unsigned Size>
-struct key_bytes {
-  byte first;
-  byte second;
-
-  explicit key_bytes(std::uint32_t key)
-      : first(static_cast<byte>(Size == 1 ? key : key | 0x80)), second(static_cast<byte>(key >> 7)) {}
-
-  // At the low end of a word.
-  constexpr std::uint32_t word() const { return Size == 1 ? first : first | std::uint32_t{second} << 8; }
-};
 
 // Whether no bit of a vector is set.
 template <class Vector>

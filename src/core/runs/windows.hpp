@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/wire.hpp"
 #include "vectors.hpp"
 
 namespace pavo_zorv {
