@@ -1,59 +1,19 @@
-// Encoding: the loop over the fields, and the choice of a writer. A long message is measured first, for its end must
-// be known. One for a short buffer is not: it is written to the end of a scratch block on the stack, and copied from
-// there.
+// Encoding: the choice of a writer. A long message is measured first, for its end must be known. One for a short buffer
+// is not: it is written to the end of a scratch block on the stack, and copied from there.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 #include "measure.hpp"
-#include "message.hpp"
 #include "scratch.hpp"
 #include "segments.hpp"
+#include "write.hpp"
 #include "writer.hpp"
 
 namespace pavo_zorv {
-
-// From the last field to the first.
-template <class Record, class Writer>
-PAVO_ZORV_INLINE typename Writer::position write_fields(const Record &record, Writer &writer,
-                                                        typename Writer::position end) {
-  message_entries<Writer> entries(writer, end);
-  const auto presence = record.presence;
-  auto at = end;
-  for_each_row_backwards<Record>([&](auto index) PAVO_ZORV_INLINE_LAMBDA {
-    const bool present = (presence & presence_bit<Record, index>) != 0;
-    at = row_at<Record, index>.write(writer, at, record, present, entries);
-  });
-  entries.finish(at);
-  return at;
-}
-
-template <class Record, class Writer>
-PAVO_ZORV_NOINLINE typename Writer::position write_apart(const Record &record, Writer &writer,
-                                                         typename Writer::position end) {
-  return write_fields(record, writer, end);
-}
-
-// Compiled to be small, and apart from what is fast.
-template <class Record>
-[[gnu::cold]] PAVO_ZORV_NOINLINE std::size_t write_apart(const Record &record, clipped_writer &writer,
-                                                         std::size_t end) {
-  return write_fields(record, writer, end);
-}
-
-template <class Record, class Writer>
-PAVO_ZORV_INLINE typename Writer::position write_message(const Record &record, Writer &writer,
-                                                         typename Writer::position end) {
-  if constexpr (is_small<Record> && !std::is_same_v<Writer, clipped_writer>) {
-    return write_fields(record, writer, end);
-  } else {
-    return write_apart(record, writer, end);
-  }
-}
 
 // What encoding in two passes needs of a message. It is the same code for all messages, because each is long, or has a
 // table, or does not fit: then these calls do not count.
