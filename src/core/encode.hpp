@@ -88,7 +88,7 @@ PAVO_ZORV_NOINLINE std::size_t encode_small(const Record &record, byte *buffer, 
   const std::size_t size = measure(record, found);
   if (size > length || found.overflowed || found.has_null_bytes) [[unlikely]]
     return encode_measured(record, buffer, length, nullptr, nullptr, options);
-  exact_writer to(buffer, found.referenced);
+  unchecked_writer to(buffer, found.referenced);
   write_fields(record, to, buffer + size);
   return size;
 }

@@ -15,11 +15,11 @@ namespace pavo_zorv {
 // Writes a small message of which the size is known, without a table of segments. Nothing in it is a call or a look at
 // the writer's state, so that a string that was measured just before need not be measured again: up to a sixth less
 // work.
-class exact_writer {
+class unchecked_writer {
  public:
   using position = byte *;
 
-  exact_writer(byte *first, bool referenced) : first_(first), referenced_(referenced) {}
+  unchecked_writer(byte *first, bool referenced) : first_(first), referenced_(referenced) {}
 
   byte *first() const { return first_; }
   bool referenced() const { return referenced_; }  // bytes members are left where they are
@@ -60,7 +60,7 @@ class exact_writer {
 //             the limit first; all else that a message may write fits into the slop below the limit.
 //
 // A store may reach before the bytes it is about, down to `first`: those are not yet written.
-class writer : public exact_writer {
+class writer : public unchecked_writer {
  public:
   static writer exact(byte *buffer, segment_table *table, bool referenced) { return {buffer, 0, table, referenced}; }
   static writer scratch(byte *space, std::size_t slop, bool referenced) {
@@ -94,12 +94,12 @@ class writer : public exact_writer {
       overflowed_ = true;
       return at;
     }
-    return exact_writer::prepend_block(at, block, length);
+    return unchecked_writer::prepend_block(at, block, length);
   }
 
  private:
   writer(byte *first, std::uintptr_t limit, segment_table *table, bool referenced)
-      : exact_writer(first, referenced), limit_(limit), table_(table) {}
+      : unchecked_writer(first, referenced), limit_(limit), table_(table) {}
 
   std::uintptr_t limit_;  // an address; 0 where the size is known, so that nothing lies below it
   segment_table *table_;
