@@ -90,10 +90,10 @@ inline constexpr bool owns_memory = any_row<Record>([](const auto &row) { return
 template <class Record>
 inline constexpr bool holds_bytes = any_row<Record>([](const auto &row) { return row.holds_bytes(); });
 
-// A message of few fields, none of which is a list or a message: worth copying into the code of what contains it.
+// A message without lists and messages in it: those have few fields, and are worth copying into the code of what
+// contains them.
 template <class Record>
-inline constexpr bool is_small =
-    field_count<Record> <= 8 && !any_row<Record>([](const auto &row) { return row.repeats_or_nests(); });
+inline constexpr bool is_small = !any_row<Record>([](const auto &row) { return row.repeats_or_nests(); });
 
 // The members that the rows name, in row order. The presence flags, which no row names, come after them.
 template <class Record, std::size_t... Index>
