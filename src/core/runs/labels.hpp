@@ -59,18 +59,19 @@ class label_block {
   }
   static constexpr unsigned all = (1U << elements) - 1;
 
-  inline void read(std::uint32_t *values) const {
-    const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80) | (words_ >> 2 & 0x1fc000);
-    std::memcpy(values, &labels, size);
-  }
+  inline void read(std::uint32_t *values) const { read_from<0>(values); }
 
   // The same where the key of each value is the byte before it.
-  inline void read_after_keys(std::uint32_t *values) const {
-    const number_vector labels = (words_ >> 8 & 0x7f) | (words_ >> 9 & 0x3f80) | (words_ >> 10 & 0x1fc000);
+  inline void read_after_keys(std::uint32_t *values) const { read_from<8>(values); }
+
+ private:
+  template <unsigned Bit>
+  inline void read_from(std::uint32_t *values) const {
+    const number_vector labels =
+        (words_ >> Bit & 0x7f) | (words_ >> (Bit + 1) & 0x3f80) | (words_ >> (Bit + 2) & 0x1fc000);
     std::memcpy(values, &labels, size);
   }
 
- private:
   number_vector words_;
 };
 
