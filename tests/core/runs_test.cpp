@@ -78,7 +78,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     const buffer whole{at - before, limit};
     const std::size_t expected = pavo_zorv::plain::count_integers(number, at, end);
     const pavo_zorv::counted_run run = count_fast<Element>(number, at, end, whole);
-    const std::size_t count = run.count();
+    const std::size_t count = run.count;
     ASSERT_EQ(count, expected) << describe(message, before, after);
     if (count == 0) return;
     std::vector<Element> plain(count), fast(count);
@@ -102,7 +102,7 @@ class both_readers : public ::testing::TestWithParam<unsigned> {
     const buffer whole{at - before, end + after};
     std::memcpy(at, counted.data(), counted.size());
     const pavo_zorv::counted_run run = count_fast<Element>(number, at, end, whole);
-    const std::size_t count = run.count();
+    const std::size_t count = run.count;
     if (count == 0) return;
     std::memcpy(at, changed.data(), changed.size());
     byte *const first = elements_.data() + elements_.size() - count * sizeof(Element);

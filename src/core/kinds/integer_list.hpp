@@ -37,7 +37,7 @@ template <integer_element Element, unsigned KeySize>
 PAVO_ZORV_NOINLINE step decode_run(Element *&elements, std::uint32_t &count, std::uint32_t key, const byte *at,
                                    const byte *end, const decode_context &input) {
   const counted_run run = count_integers<Element, KeySize>(key, at, end, input.whole);
-  const std::size_t length = run.count();
+  const std::size_t length = run.count;
   if (length == 0) return failed(CODEC_ERR_TRUNCATED);
   auto *const block = input.memory.array<Element>(length);
   if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);

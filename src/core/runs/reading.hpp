@@ -95,7 +95,7 @@ class long_values {
       std::memcpy(&after, at + offset + 1, vector_size);
       // A varint goes on here, or this is the end of a value that has begun before, and a key comes after it, or this
       // is the key and the next value goes on.
-      in_order &= here | (before & (after == keys)) | (after & ~before);
+      in_order &= here | (((after == keys) & before) | (after & ~before));
       ends += here >> 7 ^ 1;
     }
     std::uint64_t words[vector_size / 8], all = 0;
@@ -114,53 +114,60 @@ class long_values {
   bool in_order_;
 };
 
+// Where the count of a run is.
+struct run_count {
+  const byte *at;
+  std::size_t ends = 0;           // varints that have ended since the start of a value: odd after a value
+  std::uint64_t after_value = 0;  // whether the byte before `at` is a value's last
+
+  // Takes long values as long as they are in order and not the last of the run; returns whether they are.
+  PAVO_ZORV_INLINE bool take_long_values(byte key, const byte *end) {
+    while (end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
+      const long_values values(key, at);
+      // The first byte is a key after a value, and goes on after a key.
+      const bool begins = after_value != 0 ? *at == key : (at[-1] | *at) >= 0x80;
+      if (!begins || !values.are_in_order()) return false;
+      ends += values.ends();
+      at += long_values::size;
+      after_value = at[-1] < 0x80 && ends % 2 != 0;
+    }
+    return true;
+  }
+};
+
 // Counts a run that does not end in its first window, from its first value on: the byte before is its key's last.
 // Windows follow each other at a fixed distance, whatever is in them, so that the processor need not have counted one
 // before it looks at the next. They overlap by as much as lets each see a whole key.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
+PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *first, const byte *end, const byte *limit) {
   constexpr std::size_t distance = window_size - (KeySize - 1);
   element_counter counter;
   for (;;) {
-    // Varints that have ended since the walk was last known to be at the start of a value: odd after a value.
-    std::size_t ends = 0;
-    std::uint64_t after_value = 0;  // whether the byte before the window is a value's last
-    std::uint64_t seen_ends, breaks;
+    run_count run{first};
+    std::uint64_t ends, breaks;
     std::size_t windows = 0;  // to be taken before long values are tried again
-    for (;; at += distance) {
+    for (;; run.at += distance) {
       if constexpr (KeySize == 1 && sizeof(Element) == 4) {
-        while (windows == 0 && end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
-          const long_values values(static_cast<byte>(key), at);
-          // The first byte is a key after a value, and goes on after a key.
-          const bool begins = after_value != 0 ? *at == key : (at[-1] | *at) >= 0x80;
-          if (!begins || !values.are_in_order()) {
-            windows = long_values::size / window_size;
-            break;
-          }
-          ends += values.ends();
-          at += long_values::size;
-          after_value = at[-1] < 0x80 && ends % 2 != 0;
-        }
+        if (windows == 0 && !run.take_long_values(static_cast<byte>(key), end))
+          windows = long_values::size / window_size;
         windows -= windows != 0;
       }
-      const auto left = static_cast<std::size_t>(end - at);
-      const window seen = look(at, limit, key_bytes<KeySize>(key));
+      const auto left = static_cast<std::size_t>(end - run.at);
+      const window seen = look(run.at, limit, key_bytes<KeySize>(key));
       if (left == 0) return 0;
       const std::uint64_t inside = ~std::uint64_t{0} >> (window_size - std::min(left, distance));
-      seen_ends = seen.ends & inside;
-      const std::uint64_t values = KeySize == 1 ? ends_of_values<1>(seen_ends & ~after_value)
-                                                : seen_ends & (parity_up_to(seen_ends) ^ (0 - std::uint64_t{ends & 1}));
-      breaks = (values << 1 | after_value) & ~seen.keys & inside;
+      ends = seen.ends & inside;
+      const std::uint64_t values = KeySize == 1 ? ends_of_values<1>(ends & ~run.after_value)
+                                                : ends & (parity_up_to(ends) ^ (0 - std::uint64_t{run.ends & 1}));
+      breaks = (values << 1 | run.after_value) & ~seen.keys & inside;
       if (breaks != 0) break;
-      ends += count_bits(seen_ends);
-      if (left <= distance) {
-        return (values >> (left - 1) & 1) != 0 ? counter.count + (ends + 1) / 2 : 0;
-      }
-      after_value = values >> (distance - 1) & 1;
+      run.ends += count_bits(ends);
+      if (left <= distance) return (values >> (left - 1) & 1) != 0 ? counter.count + (run.ends + 1) / 2 : 0;
+      run.after_value = values >> (distance - 1) & 1;
     }
     const auto place = static_cast<unsigned>(std::countr_zero(breaks));
-    counter.count += (ends + count_bits(seen_ends & ((std::uint64_t{1} << place) - 1)) + 1) / 2;
-    at += place;
+    counter.count += (run.ends + count_bits(ends & ((std::uint64_t{1} << place) - 1)) + 1) / 2;
+    const byte *const at = run.at + place;
     const auto [next, other] = read_varint<std::uint32_t>(at, end);
     if (next == nullptr) return 0;
     if (number_of(other) != number_of(key)) return counter.count;
@@ -168,7 +175,7 @@ PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *at, 
     if (taken.at == nullptr) return 0;
     counter = taken.visit;
     if (taken.ended) return counter.count;
-    at = taken.at;
+    first = taken.at;
   }
 }
 
@@ -320,13 +327,14 @@ struct element_reader {
   }
 };
 
-// A run that has been counted. Most are seen whole in one window: then its values' last bytes and the place after it
-// are known, and it need not be walked again. Otherwise `next` is null, and there is only the count.
+// A run that has been counted. Most are seen whole in one window: then the place after it and its values' last bytes
+// are known as well, and it need not be walked again. Otherwise `next` is null.
 struct counted_run {
-  const byte *next;
-  std::uint64_t values;
+  std::size_t count = 0;
+  const byte *next = nullptr;
+  std::uint64_t values = 0;
 
-  std::size_t count() const { return next != nullptr ? count_bits(values) : static_cast<std::size_t>(values); }
+  static counted_run in_window(const byte *next, std::uint64_t values) { return {count_bits(values), next, values}; }
 };
 
 // Runs with canonical keys, in a buffer that is long enough for one load.
@@ -334,18 +342,19 @@ template <class Element, unsigned KeySize>
 PAVO_ZORV_INLINE counted_run count_by_windows(std::uint32_t key, const byte *at, const byte *end, const byte *limit) {
   const run_window<KeySize> seen(key, at, end, limit);
   if (seen.breaks == 0 && seen.left <= window_size)
-    return seen.ends_with_value() ? counted_run{end, seen.values} : counted_run{};
+    return seen.ends_with_value() ? counted_run::in_window(end, seen.values) : counted_run{};
   if (seen.breaks != 0) {
     const auto place = static_cast<unsigned>(std::countr_zero(seen.breaks));
     const auto [next, other] = read_varint<std::uint32_t>(at + place, end);
     if (next == nullptr) return {};
-    if (number_of(other) != number_of(key)) return {at + place, seen.values_below(place)};
+    if (number_of(other) != number_of(key)) return counted_run::in_window(at + place, seen.values_below(place));
   }
-  return {nullptr, count_windows<Element, KeySize>(key, at, end, limit)};
+  return {count_windows<Element, KeySize>(key, at, end, limit)};
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64_t values, const byte *limit) {
+PAVO_ZORV_INLINE void read_window(Element *elements, counted_run run, const byte *at, const byte *limit) {
+  std::uint64_t values = run.values;
   if constexpr (sizeof(Element) == 1) {
     // An element of two bytes has its own value in the first, if the second is 1, as it is in a canonical varint. If
     // all are so, the elements are the first bytes of the values.
@@ -362,7 +371,7 @@ PAVO_ZORV_INLINE void read_window(Element *elements, const byte *at, std::uint64
       return;
     }
   }
-  element_reader<KeySize, Element> reader{elements, elements + count_bits(values), limit};
+  element_reader<KeySize, Element> reader{elements, elements + run.count, limit};
   if constexpr (element_reader<KeySize, Element>::takes_labels) {
     using block = label_block;
     // Labels, each with the next key after it; another value follows the last key, so the buffer holds the block.
@@ -426,7 +435,7 @@ PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t co
 // Counts the integers of a run from its first value on: none when a value, or the key after one, is cut off.
 template <class Element, unsigned KeySize>
 PAVO_ZORV_INLINE counted_run count_integers(std::uint32_t key, const byte *at, const byte *end, const buffer &whole) {
-  if (whole.size() < short_piece::size) return {nullptr, plain::count_integers(number_of(key), at, end)};
+  if (whole.size() < short_piece::size) return {plain::count_integers(number_of(key), at, end)};
   return count_by_windows<Element, KeySize>(key, at, end, whole.limit);
 }
 
@@ -436,11 +445,11 @@ template <class Element, unsigned KeySize>
 PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, std::uint32_t key, const byte *at,
                                            const byte *end, const buffer &whole) {
   if (run.next != nullptr) {
-    read_window<Element, KeySize>(elements, at, run.values, whole.limit);
+    read_window<Element, KeySize>(elements, run, at, whole.limit);
     return run.next;
   }
-  if (whole.size() < short_piece::size) return plain::read_integers(elements, run.count(), at, end);
-  return read_by_windows<Element, KeySize>(elements, run.count(), key, at, end, whole.limit);
+  if (whole.size() < short_piece::size) return plain::read_integers(elements, run.count, at, end);
+  return read_by_windows<Element, KeySize>(elements, run.count, key, at, end, whole.limit);
 }
 
 }  // namespace pavo_zorv
