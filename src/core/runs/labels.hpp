@@ -149,12 +149,9 @@ class label_writer {
     }
     return at + 2 * (vector_numbers - count);
 #else
-    const number_vector fewer = 0 - one - two;
-    for (std::size_t lane = vector_numbers; lane-- != vector_numbers - count;) {
-      store_word(at - 4, static_cast<std::uint32_t>(bytes[lane] << 8 * fewer[lane]));
-      at -= 4 - fewer[lane];
-    }
-    return at;
+    number_vector words = (bytes & ~two) | (bytes << 8 & two);
+    words = (words & ~one) | (words << 8 & one);
+    return prepend_lanes(at, words, one + two + 4, count);
 #endif
   }
 

@@ -129,7 +129,6 @@ PAVO_ZORV_NOINLINE byte *write_run(writer &to, byte *at, std::uint32_t key, cons
 template <unsigned KeySize>
 class four_elements {
  public:
-  static constexpr bool usable = true;
   static constexpr std::size_t size = 16;  // bytes that a store covers, of which the last are the elements
 
   explicit four_elements(key_bytes<KeySize> key)
@@ -171,9 +170,35 @@ class four_elements {
   __m128i others_;
 };
 #else
+// The same where bytes cannot be shuffled: each element, with its key before it, as the last bytes of a word.
 template <unsigned KeySize>
-struct four_elements {
-  static constexpr bool usable = false;
+class four_elements {
+ public:
+  static constexpr std::size_t size = 16;  // bytes that the stores cover, of which the last are the elements
+
+  explicit four_elements(key_bytes<KeySize> key) : others_(constant(key.word() << 8 * (2 - KeySize) | 1 << 24)) {}
+
+  inline byte *prepend(byte *at, const byte *elements) const {
+    const number_vector values = load(elements);
+    const number_vector more = values >> 23, longer = others_ | values;
+    const number_vector words = more == 0 ? longer << 8 : longer;
+    return prepend_lanes(at, words, more + (KeySize + 1));
+  }
+
+ private:
+  static number_vector load(const byte *elements) {
+#if defined(__SSE2__)
+    int four;
+    std::memcpy(&four, elements, sizeof four);
+    const __m128i zero = _mm_setzero_si128(), pairs = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), zero);
+    return reinterpret_cast<number_vector>(_mm_unpacklo_epi16(zero, pairs));
+#else
+    const number_vector values = {elements[0], elements[1], elements[2], elements[3]};
+    return values << 16;
+#endif
+  }
+
+  number_vector others_;
 };
 #endif
 
@@ -194,18 +219,15 @@ inline void append_bytes(byte *at, std::uint32_t key, const std::uint8_t *elemen
   if (elements[index] >= 0x80) *at = 1;
 }
 
-// Four elements at a time from the end on, where the processor has the shuffle and the store does not reach
-// before the buffer.
+// Four elements at a time from the end on, where no store reaches before the buffer.
 template <unsigned KeySize>
 PAVO_ZORV_NOINLINE byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint8_t *elements,
                                    std::size_t count) {
   if (!has_room_for_any<KeySize>(to, at, elements, count))
     return write_measured_run<KeySize>(to, at, key, elements, count);
-  if constexpr (four_elements<KeySize>::usable) {
-    const four_elements<KeySize> four{key_bytes<KeySize>(key)};
-    for (; count >= 4 && at - to.first() >= static_cast<std::ptrdiff_t>(four.size); count -= 4)
-      at = four.prepend(at, elements + count - 4);
-  }
+  const four_elements<KeySize> four{key_bytes<KeySize>(key)};
+  for (; count >= 4 && at - to.first() >= static_cast<std::ptrdiff_t>(four.size); count -= 4)
+    at = four.prepend(at, elements + count - 4);
   if (count == 0) return at;
   at -= static_cast<std::size_t>(count * KeySize + measure_integers(elements, count));
   append_bytes<KeySize>(at, key, elements, count);
