@@ -81,6 +81,8 @@ template <class Piece, class Add>
 PAVO_ZORV_INLINE void for_each_piece(const byte *at, const byte *limit, Add add) {
   const auto left = static_cast<std::size_t>(limit - at);
   if (left >= window_size) [[likely]] {
+    // GCC would loop over four loads, and shift by a register: lists take up to 5 % longer to decode.
+#pragma GCC unroll 4
     for (std::size_t offset = 0; offset < window_size; offset += Piece::size) add(Piece(at + offset), offset, 0);
   } else if (left >= Piece::size) {
     for (std::size_t offset = 0; offset + Piece::size < left; offset += Piece::size) add(Piece(at + offset), offset, 0);
