@@ -205,7 +205,7 @@ TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   for (std::size_t labels = 1; labels <= 36; ++labels) {
     for (std::size_t other = 0; other <= labels; ++other) {
       for (const byte_string &value : {hex("05"), hex("85 03"), hex("ff ff ff 01"), hex("ff ff ff ff 7f"),
-                                       hex("80 80 80 80 80 00"), hex("81 82 00")}) {
+                                       hex("80 80 80 80 80 00"), hex("81 82 00"), 9 * hex("80") + key}) {
         byte_string run;
         for (std::size_t i = 0; i < labels; ++i) {
           if (i != 0) run = run + key;
@@ -243,6 +243,16 @@ TEST_P(both_readers, agree_on_long_runs_of_labels_with_one_other_element) {
       }
     }
   }
+}
+
+// What looks like keys and long values in turn, but has a value of one byte first, or another key after a value.
+TEST_P(both_readers, agree_on_long_runs_that_only_look_like_long_values) {
+  const byte_string key = key_of_run();
+  byte_string longer_key = key + hex("00");
+  longer_key[key.size() - 1] |= 0x80;
+  agree(hex("7f") + longer_key + key + 100 * (hex("96 01") + key) + hex("96 01"), 1, 0);
+  const byte_string element = hex("ff 00") + key;
+  agree(30 * element + hex("ff 7f ff 00") + key + 100 * element + hex("ff 00"), 1, 0);
 }
 
 // Elements of one byte or two before labels and after them: as many bytes as a label takes, or nearly.
