@@ -129,7 +129,7 @@ struct run_count {
       if (!begins || !values.are_in_order()) return false;
       ends += values.ends();
       at += long_values::size;
-      after_value = at[-1] < 0x80 && ends % 2 != 0;
+      after_value = ends % 2;  // no key is cut off here: in order, they have one byte
     }
     return true;
   }
