@@ -253,6 +253,10 @@ TEST_P(both_readers, agree_on_long_runs_that_only_look_like_long_values) {
   agree(hex("7f") + longer_key + key + 100 * (hex("96 01") + key) + hex("96 01"), 1, 0);
   const byte_string element = hex("ff 00") + key;
   agree(30 * element + hex("ff 7f ff 00") + key + 100 * element + hex("ff 00"), 1, 0);
+  // All begin with the same byte.
+  const auto first = static_cast<unsigned char>(key.front() | 0x80);
+  const byte_string value = {first, 0x05}, other_key = {first, 0x03};
+  agree(30 * (value + key) + value + other_key + 100 * (value + key) + value, 1, 0);
 }
 
 // Elements of one byte or two before labels and after them: as many bytes as a label takes, or nearly.
