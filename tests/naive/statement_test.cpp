@@ -47,6 +47,8 @@ TEST_P(naive_statement, says_the_same_as_the_schema) {
     EXPECT_EQ(member.count_offset, field.count_offset) << field.name;
     EXPECT_EQ(member.width, field.width) << field.name;
     EXPECT_EQ(member.is_signed, field.is_signed) << field.name;
+    EXPECT_EQ(member.is_list(), field.is_list()) << field.name;
+    EXPECT_EQ(member.presence_bit(), field.presence_bit()) << field.name;
     ASSERT_EQ(member.nested != nullptr, field.nested != nullptr) << field.name;
     if (field.nested == nullptr) continue;
     EXPECT_STREQ(member.nested->name, field.nested->name) << field.name;
