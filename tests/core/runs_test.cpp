@@ -634,49 +634,4 @@ TEST(writing_by_scratch, a_list_of_integers_is_reserved) {
   }
 }
 
-// --- Comparing ---
-
-TEST(comparing_integers, reads_nothing_after_them) {
-  for (std::size_t length = 0; length <= 40; ++length) {
-    const fenced_block left(4 * length), right(4 * length);
-    const auto compare = [&](auto element) {
-      using element_type = decltype(element);
-      const auto *const a = reinterpret_cast<const element_type *>(left.data() + left.size()) - length;
-      const auto *const b = reinterpret_cast<const element_type *>(right.data() + right.size()) - length;
-      return pavo_zorv::compare_integers(a, b, length);
-    };
-    EXPECT_EQ(compare(std::uint32_t{}), 0) << length;
-    EXPECT_EQ(compare(std::uint8_t{}), 0) << length;
-  }
-}
-
-// Before each list is what the other one has in the second half.
-TEST(comparing_integers, takes_nothing_before_them_for_what_is_in_them) {
-  const std::vector<std::uint32_t> a = {9, 9, 9, 9, 9, 9, 9, 9, 5, 5, 5, 5, 5, 5, 5, 5, 6, 6, 6, 6, 6, 6, 6, 6};
-  const std::vector<std::uint32_t> b = {6, 6, 6, 6, 6, 6, 6, 6, 5, 5, 5, 5, 5, 5, 5, 5, 9, 9, 9, 9, 9, 9, 9, 9};
-  EXPECT_EQ(pavo_zorv::compare_integers(a.data() + 8, b.data() + 8, 16), -1);
-  EXPECT_EQ(pavo_zorv::compare_integers(b.data() + 8, a.data() + 8, 16), 1);
-}
-
-TEST(comparing_integers, finds_the_first_difference_at_every_place) {
-  for (std::size_t length = 0; length <= 40; ++length) {
-    std::vector<std::uint32_t> a(length, 0x80000001), b = a;
-    std::vector<std::uint8_t> c(length, 200), d = c;
-    EXPECT_EQ(pavo_zorv::compare_integers(a.data(), b.data(), length), 0);
-    EXPECT_EQ(pavo_zorv::compare_integers(c.data(), d.data(), length), 0);
-    for (std::size_t place = 0; place < length; ++place) {
-      b = a;
-      b[place] = 2;
-      if (place + 1 < length) b[place + 1] = 0xffffffff;
-      EXPECT_EQ(pavo_zorv::compare_integers(a.data(), b.data(), length), 1) << length << " " << place;
-      EXPECT_EQ(pavo_zorv::compare_integers(b.data(), a.data(), length), -1) << length << " " << place;
-      d = c;
-      d[place] = 3;
-      if (place + 1 < length) d[place + 1] = 255;
-      EXPECT_EQ(pavo_zorv::compare_integers(c.data(), d.data(), length), 1) << length << " " << place;
-      EXPECT_EQ(pavo_zorv::compare_integers(d.data(), c.data(), length), -1) << length << " " << place;
-    }
-  }
-}
-
 }  // namespace
