@@ -1,5 +1,6 @@
-// Sizes that cannot be asked for: more elements than a count holds, and blocks that no address space holds. The inputs
-// that lead to them are of gigabytes, so these tests ask the caller's memory directly.
+// Sizes that cannot be asked for: more elements than a count holds, blocks that no address space holds, and encodings
+// that are longer. The messages that lead to them are of gigabytes, so these tests call what decides it directly.
+#include "core/measure.hpp"
 #include "core/memory.hpp"
 #include "support.hpp"
 
@@ -48,6 +49,22 @@ TEST(callers_memory, a_text_whose_nul_has_no_place_is_refused_without_asking) {
   EXPECT_TRUE(asked.empty());
   EXPECT_EQ(memory.text(SIZE_MAX - 1), nullptr);
   EXPECT_EQ(asked, (sizes{SIZE_MAX}));
+}
+
+TEST(measured_sizes, that_memory_cannot_have_are_the_largest_number_and_overflowed) {
+  constexpr std::uint64_t more = std::uint64_t{UINT32_MAX} + 6;
+  pavo_zorv::measurement found{false};
+  EXPECT_EQ(pavo_zorv::size_in_memory(5, found), 5u);
+  EXPECT_FALSE(found.overflowed);
+  const std::size_t size = pavo_zorv::size_in_memory(more, found);
+  if (sizeof(std::size_t) == 8) {
+    EXPECT_EQ(size, more);
+    EXPECT_FALSE(found.overflowed);
+  } else {
+    EXPECT_EQ(size, SIZE_MAX);
+    EXPECT_TRUE(found.overflowed);
+    EXPECT_EQ(pavo_zorv::size_in_memory(5, found), SIZE_MAX) << "a part has overflowed before";
+  }
 }
 
 }  // namespace
