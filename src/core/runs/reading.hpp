@@ -94,7 +94,7 @@ class long_values {
       std::memcpy(&here, at + offset, vector_size);
       std::memcpy(&after, at + offset + 1, vector_size);
       // A varint goes on here, or this is the end of a value that has begun before, and a key comes after it, or this
-      // is the key and the next value goes on.
+      // is the key and the next value goes on. The last two are joined first: GCC then selects one, with fewer loads.
       in_order &= here | (((after == keys) & before) | (after & ~before));
       ends += here >> 7 ^ 1;
     }
