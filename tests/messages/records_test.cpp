@@ -1510,6 +1510,16 @@ TEST(compare, long_lists_differ_at_any_place) {
   }
 }
 
+TEST(compare, what_lies_before_a_long_list_is_not_compared) {
+  // Eight labels before the list, as the second eight of the other list would have to be if the two were equal.
+  std::vector<std::uint32_t> after_nines(8, 9), sevens(16, 7), nines_after_sevens(8, 7);
+  after_nines.insert(after_nines.end(), 16, 7);
+  nines_after_sevens.insert(nines_after_sevens.end(), 8, 9);
+  const api_lbl_stack all_sevens{after_nines.data() + 8, 16, 1}, ends_with_nines{nines_after_sevens.data(), 16, 1};
+  EXPECT_EQ(compared(all_sevens, ends_with_nines), -1);
+  EXPECT_EQ(compared(ends_with_nines, all_sevens), 1);
+}
+
 TEST(compare, elements_are_compared_as_messages_then_the_count) {
   api_exp_hop one[2]{}, other[2]{};
   one[0].field1 = other[0].field1 = 1;
