@@ -50,7 +50,7 @@ class record_overwriter {
   using vector [[gnu::vector_size(vector_size)]] = unsigned char;
   using half_vector [[gnu::vector_size(16)]] = unsigned char;
   template <std::size_t Size>
-  using word = std::conditional_t<Size == 4, std::uint32_t, std::conditional_t<Size == 2, std::uint16_t, std::uint8_t>>;
+  using word = std::conditional_t<Size == 4, std::uint32_t, std::uint16_t>;  // a record has at least two bytes
 
   // The last piece overlaps the one before it; only a record shorter than a vector is taken in smaller pieces.
   template <class Piece, std::size_t Offset>

@@ -118,7 +118,6 @@ class clipped_writer {
 
   segment_table *table() const { return table_; }
   bool referenced() const { return referenced_; }
-  static constexpr bool has_room(position, std::uint64_t) { return true; }
   static constexpr bool reserve(position, std::uint64_t) { return true; }
 
   // Null for a message past the end of the buffer; but the outermost one, at 0, is where the buffer is.
