@@ -411,6 +411,27 @@ TEST(bytes_member, with_a_length_and_no_bytes_inside_a_message_is_not_copied_wit
   }
 }
 
+// What comes after the bytes has an entry, also if it is one scalar, with a key of one byte or of two.
+TEST(bytes_member, has_the_entry_of_a_scalar_after_it) {
+  unsigned char block[] = {1, 2, 3};
+  for (const unsigned field : {15u, 16u}) {
+    everything record = with_fields({12, field});
+    record.content = block;
+    record.content_length = 3;
+    record.word_15 = record.word_16 = 5;
+    const byte_string in_buffer = field == 15 ? hex("62 03  78 05") : hex("62 03  80 01 05");
+    table entries(3);
+    const fenced_block buffer(in_buffer.size());
+    const unsigned char *const start = buffer.data();
+    EXPECT_EQ(
+        pavo_zorv::encode(record, buffer.data(), buffer.size(), entries.entries(), &entries.count, PAVO_ZORV_REFERENCE),
+        in_buffer.size());
+    EXPECT_EQ(buffer.content(), in_buffer);
+    EXPECT_EQ(entries.count, 3u) << "field " << field;
+    EXPECT_EQ(entries.pieces(), (std::vector<piece>{{start, 2}, {block, 3}, {start + 2, in_buffer.size() - 2}}));
+  }
+}
+
 // A message with bytes between nested messages and lists, which have bytes themselves: the bytes in the buffer, and
 // the entries from the innermost outwards.
 TEST(bytes_member, has_its_entries_between_those_of_what_is_before_and_after_it) {

@@ -1,5 +1,5 @@
 # Compiles one schema and checks what its first line says of it: "// compiles", or "// error: <regular expression>" for
-# one that must be refused with such a message.
+# one that must be refused with such a message, by no more than one check.
 #   cmake -DCOMPILER=<c++> -DFLAGS=<flags> -DSTANDARD=<17 or 20> -DINCLUDES=<list> [-DHEADER=<options>]
 #     -DSOURCE=<file> -P wrong_schema.cmake
 # HEADER includes the header that it begins with, compiled before.
@@ -22,6 +22,11 @@ elseif(first_line MATCHES "^// error: (.+)$")
   endif()
   if(NOT output MATCHES "${expected}")
     message(FATAL_ERROR "${SOURCE} is refused with another message than: ${expected}\n${output}")
+  endif()
+  string(REGEX MATCHALL "static(_assert| assertion) failed" checks_failed "${output}")
+  list(LENGTH checks_failed count)
+  if(count GREATER 1)
+    message(FATAL_ERROR "${SOURCE} is refused by ${count} checks:\n${output}")
   endif()
 else()
   message(FATAL_ERROR "${SOURCE} does not say what is expected of it: ${first_line}")
