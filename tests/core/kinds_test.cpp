@@ -27,13 +27,6 @@ void expect_the_same_again(const byte_string &bytes) {
   EXPECT_EQ(encoded(back.record), bytes);
 }
 
-TEST(presence_flags, are_8_16_or_32_bits_wide) {
-  EXPECT_EQ(sizeof(leaf::presence), 1u);
-  EXPECT_EQ(sizeof(branch::presence), 2u);
-  EXPECT_EQ(sizeof(everything::presence), 4u);
-  EXPECT_EQ(sizeof(widest::presence), 4u);
-}
-
 TEST(presence_flags, of_no_field_stay_in_a_record_and_in_those_inside) {
   const byte_string bytes = hex("52 00 6a 00 ca 01 00 da 01 00");  // fields 10, 13, 25 and 27, all empty
   const fenced_block input(bytes);

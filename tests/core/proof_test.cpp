@@ -15,7 +15,7 @@ namespace {
 namespace core = pavo_zorv;
 using test::fenced_block;
 
-// Every primitive that reads, on one input. Pointers become distances, null a negative one.
+// Every primitive that reads, on one input.
 class readers {
  public:
   void agree_on(const unsigned char *at, const unsigned char *end) {

@@ -59,12 +59,7 @@ const byte *read_fast(Element *elements, pavo_zorv::counted_run run, unsigned nu
 class both_readers : public ::testing::TestWithParam<unsigned> {
  protected:
   // The key in its shortest form.
-  static byte_string key_of_run() {
-    const auto low = static_cast<unsigned char>(GetParam() << 3);
-    return GetParam() < 16
-               ? byte_string{low}
-               : byte_string{static_cast<unsigned char>(low | 0x80), static_cast<unsigned char>(GetParam() >> 4)};
-  }
+  static byte_string key_of_run() { return test::key(GetParam(), 0); }
 
   // A message so many bytes after the start of the buffer, but at least after the last byte of a key, and before its
   // end; the buffer ends at an inaccessible page, or begins at one.
@@ -198,7 +193,7 @@ TEST_P(both_readers, agree_on_values_that_are_longer_than_a_window) {
   }
 }
 
-// Labels of twenty bits go eight at a time: every number of them, with something else at every place.
+// Labels of twenty bits go a vector at a time: every number of them, with something else at every place.
 TEST_P(both_readers, agree_on_blocks_of_labels_with_one_other_element) {
   const byte_string key = key_of_run();
   std::mt19937 random(5);
@@ -474,7 +469,7 @@ TEST(windows, are_the_same_with_every_size_of_load) {
   }
 }
 
-TEST(windows, parity_counts_the_bits_below) {
+TEST(windows, parity_is_that_of_the_bits_up_to_each) {
   EXPECT_EQ(pavo_zorv::parity_up_to(0), 0u);
   EXPECT_EQ(pavo_zorv::parity_up_to(0b1001), 0b0111u);
   EXPECT_EQ(pavo_zorv::parity_up_to(std::uint64_t{1} << 63), std::uint64_t{1} << 63);
@@ -570,7 +565,7 @@ TYPED_TEST(both_writers, agree_on_every_length_and_distance_to_the_start) {
       std::vector<TypeParam> some(length);
       for (auto &element : some) element = static_cast<TypeParam>(random() >> random() % 32);
       for (const unsigned number : {1u, 15u, 16u, 32u}) this->agree(some, number, before);
-      // Most are labels of twenty bits, which go eight at a time.
+      // Most are labels of twenty bits, which go a vector at a time.
       for (auto &element : some)
         element = static_cast<TypeParam>(random() % 40 == 0 ? random() : 0x4000 + random() % 0x1fc000);
       this->agree(some, 3, before);

@@ -84,8 +84,7 @@ void stays_in_its_slop(const Record &record, const std::string &name) {
     auto to = core::writer::scratch(first, slop, false);
     const auto *const start = core::write_apart(record, to, end);
     ASSERT_GE(start, first) << name << ", " << above << " bytes above the limit";
-    // It is known to be worth nothing where it is not all: it has overflowed, or is longer than what is above the
-    // limit.
+    // If a part of it is missing, that is known: it has overflowed, or is longer than what is above the limit.
     const auto written = static_cast<std::size_t>(end - start);
     ASSERT_TRUE(to.overflowed() || written > above || written == size)
         << name << ", " << above << " bytes above the limit";

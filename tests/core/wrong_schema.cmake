@@ -1,5 +1,5 @@
 # Compiles one schema and checks what its first line says of it: "// compiles", or "// error: <regular expression>" for
-# one that must be refused with such a message, by no more than one check.
+# one that must be refused with such a message; in wrong_schemas by that check alone.
 #   cmake -DCOMPILER=<c++> -DFLAGS=<flags> -DSTANDARD=<17 or 20> -DINCLUDES=<list> [-DHEADER=<options>]
 #     -DSOURCE=<file> -P wrong_schema.cmake
 # HEADER includes the header that it begins with, compiled before.
@@ -25,7 +25,7 @@ elseif(first_line MATCHES "^// error: (.+)$")
   endif()
   string(REGEX MATCHALL "static(_assert| assertion) failed" checks_failed "${output}")
   list(LENGTH checks_failed count)
-  if(count GREATER 1)
+  if(SOURCE MATCHES "/wrong_schemas/" AND count GREATER 1)
     message(FATAL_ERROR "${SOURCE} is refused by ${count} checks:\n${output}")
   endif()
 else()

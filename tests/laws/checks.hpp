@@ -1,4 +1,4 @@
-// One trial of a law each: a call, and everything that can be seen of it compared with what the naive one says.
+// One trial of a law each: a call, and everything that can be seen of it compared with what the naive codec says.
 #pragma once
 
 #include <algorithm>

@@ -34,7 +34,7 @@ struct triple {
         c(variation(type, seed, random, shape)) {}
 };
 
-TEST_P(comparing_laws, the_sign_is_that_of_the_model_and_turns_with_the_arguments) {
+TEST_P(comparing_laws, the_sign_is_that_of_the_naive_comparison_and_turns_with_the_arguments) {
   std::size_t equal = 0;
   std::size_t different = 0;
   for_seeds(1000, [&](random_numbers &random) {

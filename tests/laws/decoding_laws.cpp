@@ -19,7 +19,7 @@ class decoding_laws : public law {
 };
 INSTANTIATE_TEST_SUITE_P(every, decoding_laws, testing::ValuesIn(subjects()), name_of_subject);
 
-TEST_P(decoding_laws, bytes_put_together_from_fields_are_read_as_the_model_says) {
+TEST_P(decoding_laws, bytes_put_together_from_fields_are_read_as_the_naive_decoder_says) {
   std::size_t good = 0;
   std::size_t all = 0;
   for_seeds(5000, [&](random_numbers &random) {
@@ -35,7 +35,7 @@ TEST_P(decoding_laws, bytes_put_together_from_fields_are_read_as_the_model_says)
   EXPECT_TRUE(good * 4 >= all || !is_tried_in_full()) << good << " of " << all;
 }
 
-TEST_P(decoding_laws, damaged_bytes_are_read_as_the_model_says) {
+TEST_P(decoding_laws, damaged_bytes_are_read_as_the_naive_decoder_says) {
   for_seeds(5000, [&](random_numbers &random) {
     byte_string bytes = readable_bytes(random);
     for (std::uint64_t times = random.from(1, 4); times-- != 0;) bytes_maker(random).damage(bytes);
@@ -46,7 +46,7 @@ TEST_P(decoding_laws, damaged_bytes_are_read_as_the_model_says) {
   });
 }
 
-TEST_P(decoding_laws, every_byte_and_many_pairs_are_read_as_the_model_says) {
+TEST_P(decoding_laws, every_byte_and_many_pairs_are_read_as_the_naive_decoder_says) {
   static constexpr unsigned char seconds[] = {0x00, 0x01, 0x02, 0x08, 0x0a, 0x0d, 0x7f, 0x80, 0x81, 0xff};
   random_numbers random(1);
   int result = 0;
@@ -84,7 +84,7 @@ TEST_P(decoding_laws, an_encoding_cut_off_anywhere_is_good_only_between_two_fiel
   });
 }
 
-TEST_P(decoding_laws, any_bytes_cut_off_anywhere_are_read_as_the_model_says) {
+TEST_P(decoding_laws, any_bytes_cut_off_anywhere_are_read_as_the_naive_decoder_says) {
   for_seeds(10, [&](random_numbers &random) {
     byte_string bytes = bytes_maker(random).message(*GetParam(), 4);
     if (bytes.size() > 300) bytes.resize(300);

@@ -1,5 +1,5 @@
 // What every test is written with: bytes spelled out, inputs and outputs in blocks of exactly their size, an allocator
-// that keeps account, records that are released at the end, and a segment table with guards.
+// that keeps account, records that are released at the end, and a segment table in a block of exactly its size.
 #pragma once
 
 #include <gtest/gtest.h>
