@@ -9,9 +9,9 @@
 
 namespace pavo_zorv {
 
-// From one to two pieces, which overlap.
+// A block of one to two pieces in size: its first and its last piece, which overlap each other.
 template <class Piece>
-inline void copy_overlapping(byte *to, const byte *from, std::size_t size) {
+inline void copy_two_pieces(byte *to, const byte *from, std::size_t size) {
   Piece first, last;
   std::memcpy(&first, from, sizeof first);
   std::memcpy(&last, from + size - sizeof last, sizeof last);
@@ -19,7 +19,7 @@ inline void copy_overlapping(byte *to, const byte *from, std::size_t size) {
   std::memcpy(to + size - sizeof last, &last, sizeof last);
 }
 
-// Blocks of up to `Short` bytes are copied in place.
+// Copies a block to one that does not overlap it. Up to `Short` bytes are copied in place.
 template <std::size_t Short = 32>
 inline void copy_bytes(void *to, const void *from, std::size_t size) {
   struct two_words {
@@ -28,18 +28,19 @@ inline void copy_bytes(void *to, const void *from, std::size_t size) {
   struct four_words {
     std::uint64_t words[4];
   };
+  static_assert(Short <= 2 * sizeof(four_words));
   auto *const target = static_cast<byte *>(to);
   auto *const source = static_cast<const byte *>(from);
   if (size > Short) {
     std::memcpy(to, from, size);
   } else if (Short > 32 && size > 32) {
-    copy_overlapping<four_words>(target, source, size);
+    copy_two_pieces<four_words>(target, source, size);
   } else if (size >= 16) {
-    copy_overlapping<two_words>(target, source, size);
+    copy_two_pieces<two_words>(target, source, size);
   } else if (size >= 8) {
-    copy_overlapping<std::uint64_t>(target, source, size);
+    copy_two_pieces<std::uint64_t>(target, source, size);
   } else if (size >= 4) {
-    copy_overlapping<std::uint32_t>(target, source, size);
+    copy_two_pieces<std::uint32_t>(target, source, size);
   } else if (size != 0) {
     target[0] = source[0];
     target[size / 2] = source[size / 2];

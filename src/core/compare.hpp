@@ -1,6 +1,7 @@
 // Comparing: field by field, presence before values; the first difference is the result, as it is.
 #pragma once
 
+#include <cstddef>
 #include <utility>
 
 #include "message.hpp"

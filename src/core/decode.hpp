@@ -12,7 +12,7 @@ namespace pavo_zorv {
 template <class Record>
 class decoder {
  public:
-  PAVO_ZORV_INLINE decoder(Record &record, const decode_context &input) : record_(record), input_(input) {}
+  PAVO_ZORV_INLINE decoder(Record &record, const decode_context &decoding) : record_(record), decoding_(decoding) {}
 
   // Reads fields until the end or the first failure.
   PAVO_ZORV_INLINE int read(const byte *at, const byte *end) {
@@ -81,7 +81,7 @@ class decoder {
   template <std::size_t Index>
   PAVO_ZORV_INLINE step read_value(const byte *at, const byte *end) {
     constexpr auto bit = presence_bit<Record, Index>;
-    const step done = row_at<Record, Index>.decode(record_, at, end, input_, (seen_ & bit) != 0);
+    const step done = row_at<Record, Index>.decode(record_, at, end, decoding_, (seen_ & bit) != 0);
     if (done.result == CODEC_OK) seen_ = static_cast<presence_of<Record>>(seen_ | bit);
     return done;
   }
@@ -98,14 +98,14 @@ class decoder {
   }
 
   Record &record_;
-  const decode_context &input_;
+  const decode_context &decoding_;
   presence_of<Record> seen_ = 0;
 };
 
 // What was read before a failure stays, with its presence bits.
 template <class Record>
-int decode_message(Record &record, const byte *at, const byte *end, const decode_context &input) {
-  decoder<Record> decoder(record, input);
+int decode_message(Record &record, const byte *at, const byte *end, const decode_context &decoding) {
+  decoder<Record> decoder(record, decoding);
   const int result = decoder.read(at, end);
   record.presence = static_cast<presence_of<Record>>(record.presence | decoder.seen());
   return result;

@@ -28,7 +28,7 @@ struct owned_memory {
 };
 
 template <class Record>
-PAVO_ZORV_INLINE constexpr void collect_owned(const Record &record, owned_memory &all) {
+PAVO_ZORV_INLINE void collect_owned(const Record &record, owned_memory &all) {
   for_each_row<Record>([&](auto index) PAVO_ZORV_INLINE_LAMBDA {
     constexpr auto &row = row_at<Record, index>;
     if constexpr (row.owns()) row.collect(record, all);
@@ -37,7 +37,7 @@ PAVO_ZORV_INLINE constexpr void collect_owned(const Record &record, owned_memory
 
 // Whether there is nothing in a message to release.
 template <class Record>
-PAVO_ZORV_INLINE constexpr bool owns_nothing(const Record &record) {
+PAVO_ZORV_INLINE bool owns_nothing(const Record &record) {
   owned_memory all;
   collect_owned(record, all);
   return all.pointers == 0;
@@ -45,7 +45,7 @@ PAVO_ZORV_INLINE constexpr bool owns_nothing(const Record &record) {
 
 // Whether a message counts nothing either: then there is nothing to copy besides the record.
 template <class Record>
-PAVO_ZORV_INLINE constexpr bool owns_and_counts_nothing(const Record &record) {
+PAVO_ZORV_INLINE bool owns_and_counts_nothing(const Record &record) {
   owned_memory all;
   collect_owned(record, all);
   return (all.pointers | all.counts | all.lengths) == 0;

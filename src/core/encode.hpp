@@ -1,5 +1,6 @@
-// Encoding: the choice of a writer. A long message is measured first, for its end must be known. One for a short buffer
-// is not: it is written to the end of a scratch block on the stack, and copied from there.
+// Encoding: the choice of a writer. A small message is measured, and written in place. Another one, for a buffer that
+// is no longer than the scratch block on the stack, is written to the end of that block, and copied from there. For a
+// longer buffer, and with a table of segments, it is measured first, for its end must be known.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +17,7 @@
 namespace pavo_zorv {
 
 // What encoding in two passes needs of a message. It is the same code for all messages, because each is long, or has a
-// table, or does not fit: then these calls do not count.
+// table, or does not fit: then the cost of these calls does not matter.
 struct two_passes {
   std::uint64_t (*measure)(const void *record, measurement &found);
   void (*write)(const void *record, writer &to, byte *end);
@@ -38,7 +39,7 @@ struct two_passes {
 PAVO_ZORV_NOINLINE inline std::size_t encode_in_two_passes(const void *record, two_passes message, byte *buffer,
                                                            std::size_t length, pavo_zorv_segment *segments,
                                                            std::uint32_t *segment_count, std::uint32_t options) {
-  measurement found{(options & PAVO_ZORV_REFERENCE) != 0};
+  measurement found{is_referenced(options)};
   const std::size_t size = size_in_memory(message.measure(record, found), found);
   segment_table entries{segments, segment_count != nullptr && segments != nullptr ? *segment_count : 0, found.segments};
   if (segment_count != nullptr)
@@ -71,7 +72,7 @@ PAVO_ZORV_NOINLINE std::size_t encode_by_scratch(const Record &record, byte *buf
 #if !defined(PAVO_ZORV_STACK_PROBES)
   static_assert(sizeof scratch <= 4096 - 256, "with what else is in the frame, it would not stay below a page");
 #endif
-  auto to = writer::scratch(scratch, slop, (options & PAVO_ZORV_REFERENCE) != 0);
+  auto to = writer::scratch(scratch, slop, is_referenced(options));
   byte *const end = scratch + sizeof scratch;
   const byte *const start = write_apart(record, to, end);
   const auto size = static_cast<std::size_t>(end - start);
@@ -84,7 +85,7 @@ PAVO_ZORV_NOINLINE std::size_t encode_by_scratch(const Record &record, byte *buf
 template <class Record>
 PAVO_ZORV_NOINLINE std::size_t encode_small(const Record &record, byte *buffer, std::size_t length,
                                             std::uint32_t options) {
-  measurement found{(options & PAVO_ZORV_REFERENCE) != 0};
+  measurement found{is_referenced(options)};
   const std::size_t size = measure(record, found);
   if (size > length || found.overflowed || found.has_null_bytes) [[unlikely]]
     return encode_measured(record, buffer, length, nullptr, nullptr, options);
@@ -98,7 +99,7 @@ std::size_t encode(const Record &record, byte *buffer, std::size_t length, pavo_
                    std::uint32_t *segment_count, std::uint32_t options = 0) {
   if (segment_count != nullptr) return encode_measured(record, buffer, length, segments, segment_count, options);
   if (buffer == nullptr) {
-    measurement found{(options & PAVO_ZORV_REFERENCE) != 0};
+    measurement found{is_referenced(options)};
     return measure(record, found);
   }
   if constexpr (is_small<Record>) return encode_small(record, buffer, length, options);

@@ -27,10 +27,9 @@ struct message_size {
   // from all else, which is added without a look.
   PAVO_ZORV_INLINE void add_block(std::uint64_t length) { blocks = saturating_sum(blocks, length); }
 
-  // A nested message after its key and length.
   template <class Nested>
   PAVO_ZORV_INLINE void add_message(unsigned number, std::uint64_t inner) {
-    bytes += varint_size(key_of(number, wire_type::delimited)) + length_size(inner);
+    bytes += prefix_size(number, inner);
     if constexpr (holds_bytes<Nested>) {
       add_block(inner);
     } else {

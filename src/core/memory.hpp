@@ -1,4 +1,4 @@
-// The caller's callbacks as values, and sizes that cannot wrap.
+// The caller's options and callbacks as values, and sizes that cannot wrap.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,9 @@
 #include "pavo_zorv.h"
 
 namespace pavo_zorv {
+
+// Whether bytes members are left where they are, instead of being copied.
+constexpr bool is_referenced(std::uint32_t options) { return (options & PAVO_ZORV_REFERENCE) != 0; }
 
 // The caller's allocator with its context.
 struct memory {
@@ -18,7 +21,7 @@ struct memory {
   // Null as well when there is no allocator.
   void *block(std::size_t size) const { return allocate == nullptr ? nullptr : allocate(size, context); }
 
-  // An array of `count` elements. One that no record or no address space can hold is refused without asking.
+  // An array of `count` elements. One that no count or no address space can hold is refused without asking.
   template <class Element>
   Element *array(std::size_t count) const {
     if (count != static_cast<std::uint32_t>(count) || count > SIZE_MAX / sizeof(Element)) return nullptr;

@@ -17,12 +17,12 @@ struct decode_context {
   std::uint32_t options;
   buffer whole;
 
-  bool referenced() const { return (options & PAVO_ZORV_REFERENCE) != 0; }
+  bool referenced() const { return is_referenced(options); }
 };
 
 // Reads fields into a clear record.
 template <class Record>
-int decode_message(Record &record, const byte *at, const byte *end, const decode_context &input);
+int decode_message(Record &record, const byte *at, const byte *end, const decode_context &decoding);
 
 // Every member zero; the presence bits of no field stay as they are.
 template <class Record>

@@ -1,6 +1,8 @@
 // Releasing: every block that a record owns, in field order.
 #pragma once
 
+#include <cstdint>
+
 #include "message.hpp"
 
 namespace pavo_zorv {
@@ -16,7 +18,7 @@ void release_message(Record &record, const releaser &releaser) {
 template <class Record>
 void release(Record &record, pavo_zorv_release release, void *context, std::uint32_t options = 0) {
   if constexpr (owns_memory<Record>) {
-    release_message(record, releaser{release, context, (options & PAVO_ZORV_REFERENCE) != 0});
+    release_message(record, releaser{release, context, is_referenced(options)});
   }
 }
 

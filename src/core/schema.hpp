@@ -59,7 +59,8 @@ inline constexpr auto presence_bit = static_cast<presence_of<Record>>(presence_o
 template <class Record>
 inline constexpr auto presence_mask = static_cast<presence_of<Record>>((std::uint64_t{1} << field_count<Record>)-1);
 
-// Calls `visit` with each row of a message, in field order: a constant, so that everything in it folds away.
+// Calls `visit` with the index of each row of a message, in field order: a std::integral_constant, so that everything
+// in it folds away.
 template <class Record, class Visit>
 PAVO_ZORV_INLINE constexpr void for_each_row(Visit &&visit) {
   [&]<std::size_t... Index>(std::index_sequence<Index...>) PAVO_ZORV_INLINE_LAMBDA {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <tuple>
 #include <type_traits>
 #include <utility>

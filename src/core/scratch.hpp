@@ -28,9 +28,9 @@ consteval std::size_t slop_of() {
   return own + inner;
 }
 
-// Encodings up to this length are written by scratch: nearly half of what encoding them takes would be measuring. A
-// frame larger than a page could step over the one that guards the end of a stack, unless the compiler touches each
-// page in order.
+// For buffers up to this length encodings are written by scratch: nearly half of what encoding them takes would be
+// measuring. A frame larger than a page could step over the one that guards the end of a stack, unless the compiler
+// touches each page in order.
 #if defined(PAVO_ZORV_STACK_PROBES)
 inline constexpr std::size_t scratch_size = 8192;
 #else

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <bit>
-#include <climits>
 #include <cstddef>
 #include <cstdint>
 
@@ -60,6 +59,11 @@ constexpr std::size_t length_size(std::uint64_t length) {
   return length < 0x80 ? 1 : varint_size(static_cast<std::uint32_t>(length));
 }
 
+// Of delimited content, the bytes before it: the key and the length.
+constexpr std::size_t prefix_size(unsigned number, std::uint64_t length) {
+  return varint_size(key_of(number, wire_type::delimited)) + length_size(length);
+}
+
 // --- A varint as a word ---
 
 // A varint of a size up to eight bytes, as the low ones of a word. The seven-bit groups are spread by halves.
@@ -67,11 +71,12 @@ constexpr std::uint64_t varint_word(std::uint64_t value, unsigned size) {
   value = (value & 0xfffffff) | (value & 0xfffffff0000000) << 4;
   value = (value & 0x3fff00003fff) | (value & 0xfffc0000fffc000) << 2;
   value = (value & 0x7f007f007f007f) | (value & 0x3f803f803f803f80) << 1;
-  return value | (0x8080808080808080 & ((std::uint64_t{1} << 8 * (size - 1)) - 1));
+  return value | (highest_bits & ((std::uint64_t{1} << 8 * (size - 1)) - 1));
 }
 
-// Seven bits of each of four bytes, joined.
-constexpr std::uint32_t seven_of_each(std::uint32_t word) {
+// Seven bits of each of four bytes, joined; of a vector, of each 32 bits.
+template <class Word>
+constexpr Word seven_of_each(Word word) {
   word = (word & 0x7f007f) | (word & 0x7f007f00) >> 1;
   return (word & 0x3fff) | (word & 0x3fff0000) >> 2;
 }
@@ -106,7 +111,7 @@ template <class Value>
 PAVO_ZORV_NOINLINE varint<Value> read_long_varint(const byte *at, const byte *end) {
   Value value = 0;
 #pragma GCC unroll 10
-  for (unsigned shift = 0; shift < sizeof(Value) * CHAR_BIT; shift += 7) {
+  for (unsigned shift = 0; shift < 8 * sizeof(Value); shift += 7) {
     if (at == end) return {nullptr, 0};
     const byte next = *at++;
     value = static_cast<Value>(value | static_cast<Value>(next & 0x7f) << shift);
@@ -130,7 +135,7 @@ inline varint<Value> read_number(const byte *at, const byte *end) {
   if (at != end && *at < 0x80) [[likely]]
     return {at + 1, *at};
   if (end - at >= 4) {
-    const std::uint32_t word = load_half_word(at), ends = ~word & 0x80808080;
+    const std::uint32_t word = load_word<std::uint32_t>(at), ends = ~word & 0x80808080;
     if (ends != 0) {
       const auto last = static_cast<unsigned>(std::countr_zero(ends)) / 8;
       return {at + last + 1, seven_of_each(word & (ends ^ (ends - 1)))};
@@ -155,7 +160,8 @@ inline delimited read_delimited(const byte *at, const byte *end) {
 // Steps over a length and the bytes after it; null when either runs past the end.
 inline const byte *skip_delimited(const byte *at, const byte *end) { return read_delimited(at, end).last; }
 
-// What reading a field came to: the place after it, or null and the failure.
+// What reading a field came to: a result and, if that is CODEC_OK, the place after the field. After a failure `next`
+// says nothing.
 struct step {
   const byte *next;
   int result;
@@ -163,7 +169,7 @@ struct step {
 
 constexpr step failed(int result) { return {nullptr, result}; }
 
-// Steps over the value of an unknown field. One of known size that runs past the end ends the message in good order.
+// Steps over the value of an unknown field. One of known size that runs past the end is no error: it ends the message.
 PAVO_ZORV_NOINLINE inline step skip_unknown(std::uint32_t key, const byte *at, const byte *end) {
   std::size_t size = 0;
   switch (static_cast<wire_type>(key & 7)) {

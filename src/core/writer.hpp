@@ -12,9 +12,9 @@
 
 namespace pavo_zorv {
 
-// Writes a small message of which the size is known, without a table of segments. Nothing in it is a call or a look at
-// the writer's state, so that a string that was measured just before need not be measured again: up to a sixth less
-// work.
+// Writes a small message of which the size is known, without a table of segments. Writing a string calls nothing of the
+// library and looks at no state of the writer, so that the compiler need not measure the string again: up to a sixth
+// less work.
 class unchecked_writer {
  public:
   using position = byte *;
@@ -33,6 +33,7 @@ class unchecked_writer {
     return at;
   }
 
+  // As a function of `first`, in wire.hpp, it would take 3 % more instructions for an OAM result.
   template <class Value>
   PAVO_ZORV_INLINE position prepend_varint(position at, Value value) const {
     if (value < 0x80) return prepend_byte(at, static_cast<byte>(value));
@@ -76,7 +77,7 @@ class writer : public unchecked_writer {
   }
 
   // The same for bytes that are to be written. Once it has failed, writing is overflowed for good: what is still
-  // written stays inside the slop, and is thrown away.
+  // written stays inside the block, and is thrown away.
   PAVO_ZORV_INLINE bool reserve(const byte *at, std::uint64_t size) {
     if (has_room(at, size)) [[likely]]
       return true;
@@ -130,7 +131,7 @@ class clipped_writer {
 
   template <class Value>
   PAVO_ZORV_NOINLINE position prepend_varint(position at, Value value) const {
-    byte bytes[10];
+    byte bytes[varint_size(UINT64_MAX)];
     const byte *const first = pavo_zorv::prepend_varint(bytes + sizeof bytes, value);
     for (const byte *next = bytes + sizeof bytes; next != first;) at = prepend_byte(at, *--next);
     return at;

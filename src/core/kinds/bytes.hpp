@@ -3,7 +3,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <tuple>
 
 #include "core/blocks.hpp"
 #include "core/emptiness.hpp"
@@ -29,16 +32,16 @@ struct bytes : row {
 
   // A second bytes field is refused, also after an empty one, and a missing allocator found, before the length is
   // read.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &decoding,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
-    if (!input.referenced() && input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
+    if (!decoding.referenced() && decoding.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
     const delimited content = read_delimited(at, end);
     if (content.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
-    if (input.referenced()) {
+    if (decoding.referenced()) {
       record.*value = const_cast<byte *>(content.first);
     } else {
-      auto *const copy = static_cast<byte *>(input.memory.block(content.length()));
+      auto *const copy = static_cast<byte *>(decoding.memory.block(content.length()));
       if (copy == nullptr) return failed(CODEC_ERR_NO_MEMORY);
       copy_bytes(copy, content.first, content.length());
       record.*value = copy;
@@ -49,7 +52,7 @@ struct bytes : row {
 
   PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {
     if (!present) return;
-    total.bytes += varint_size(key_of(number, wire)) + length_size(record.*length);
+    total.bytes += prefix_size(number, record.*length);
     if (!total.found.referenced) {
       total.add_block(record.*length);
       if (record.*value == nullptr && record.*length != 0) total.found.has_null_bytes = true;

@@ -2,6 +2,9 @@
 // varint; callers store only 0 or 1.
 #pragma once
 
+#include <cstdint>
+#include <tuple>
+
 #include "core/message.hpp"
 #include "core/writer.hpp"
 

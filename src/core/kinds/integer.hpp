@@ -3,6 +3,9 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <tuple>
 #include <type_traits>
 
 #include "core/message.hpp"

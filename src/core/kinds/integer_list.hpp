@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <concepts>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <tuple>
 
 #include "core/blocks.hpp"
 #include "core/emptiness.hpp"
@@ -35,15 +38,15 @@ concept integer_element = std::same_as<Element, std::uint8_t> || std::same_as<El
 // Counts a run, asks for memory, and reads the run. All messages share it.
 template <integer_element Element, unsigned KeySize>
 PAVO_ZORV_NOINLINE step decode_run(Element *&elements, std::uint32_t &count, std::uint32_t key, const byte *at,
-                                   const byte *end, const decode_context &input) {
-  const counted_run run = count_integers<Element, KeySize>(key, at, end, input.whole);
+                                   const byte *end, const decode_context &decoding) {
+  const counted_run run = count_integers<Element, KeySize>(key, at, end, decoding.whole);
   const std::size_t length = run.count;
   if (length == 0) return failed(CODEC_ERR_TRUNCATED);
-  auto *const block = input.memory.array<Element>(length);
+  auto *const block = decoding.memory.array<Element>(length);
   if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
   elements = block;
   count = static_cast<std::uint32_t>(length);
-  const byte *const next = read_integers<Element, KeySize>(block, run, key, at, end, input.whole);
+  const byte *const next = read_integers<Element, KeySize>(block, run, key, at, end, decoding.whole);
   if (next == nullptr) [[unlikely]] {
     // The input has changed since it was counted.
     std::memset(block, 0, length * sizeof(Element));
@@ -84,13 +87,13 @@ struct integer_list : row {
   constexpr auto members() const { return std::tuple{elements, count}; }
 
   // A second run is refused, and a missing allocator found, before the values are looked at.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &decoding,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
-    if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
+    if (decoding.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
     const std::uint32_t key = key_of(number, wire);
-    return key < 0x80 ? decode_run<Element, 1>(record.*elements, record.*count, key, at, end, input)
-                      : decode_run<Element, 2>(record.*elements, record.*count, key, at, end, input);
+    return key < 0x80 ? decode_run<Element, 1>(record.*elements, record.*count, key, at, end, decoding)
+                      : decode_run<Element, 2>(record.*elements, record.*count, key, at, end, decoding);
   }
 
   PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {

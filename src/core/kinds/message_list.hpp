@@ -2,7 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <tuple>
 #include <type_traits>
 
 #include "core/emptiness.hpp"
@@ -32,13 +35,13 @@ struct message_list : row {
 
   // A second run is refused, and a missing allocator found, before the elements are looked at. All elements are known
   // to lie inside the message before memory is asked for. When one fails, the array stays, with what it holds by then.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &decoding,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
-    if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
+    if (decoding.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
     const std::size_t length = count_run(number, at, end, skip_delimited);
     if (length == 0) return failed(CODEC_ERR_TRUNCATED);
-    auto *const block = input.memory.array<Message>(length);
+    auto *const block = decoding.memory.array<Message>(length);
     if (block == nullptr) return failed(CODEC_ERR_NO_MEMORY);
     std::memset(static_cast<void *>(block), 0, length * sizeof(Message));
     record.*elements = block;
@@ -46,10 +49,10 @@ struct message_list : row {
     for (std::size_t index = 0; index < length; ++index) {
       if (index != 0) at = skip_varint(at, end);
       const delimited content = at != nullptr ? read_delimited(at, end) : delimited{};
-      // Not where the input is as it was when it was counted.
+      // Only where the input has changed since it was counted.
       if (content.first == nullptr) [[unlikely]]
         return failed(CODEC_ERR_TRUNCATED);
-      const int result = decode_message(block[index], content.first, content.last, input);
+      const int result = decode_message(block[index], content.first, content.last, decoding);
       if (result != CODEC_OK) return failed(result);
       at = content.last;
     }

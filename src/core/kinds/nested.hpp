@@ -1,6 +1,8 @@
 // Nested messages: a whole record held inline, with presence bits of its own beside the containing record's bit.
 #pragma once
 
+#include <cstdint>
+#include <tuple>
 #include <type_traits>
 
 #include "core/emptiness.hpp"
@@ -26,12 +28,12 @@ struct nested : row {
   constexpr auto members() const { return std::tuple{value}; }
 
   // The last occurrence counts. What an earlier one owned is dropped, not released.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &decoding,
                                bool seen) const {
     const delimited content = read_delimited(at, end);
     if (content.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
     if (seen) clear_record(record.*value);
-    return {content.last, decode_message(record.*value, content.first, content.last, input)};
+    return {content.last, decode_message(record.*value, content.first, content.last, decoding)};
   }
 
   // Content is sent also where the containing record's bit is clear; an empty message only where it is set.

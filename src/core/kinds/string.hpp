@@ -1,7 +1,10 @@
 // Strings: owned, NUL-terminated. Bytes are copied as they come; a NUL among them shortens the string from then on.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <tuple>
 
 #include "core/blocks.hpp"
 #include "core/emptiness.hpp"
@@ -11,10 +14,11 @@
 namespace pavo_zorv {
 
 // All messages share what asks for memory.
-PAVO_ZORV_NOINLINE inline step decode_text(char *&value, const byte *at, const byte *end, const decode_context &input) {
+PAVO_ZORV_NOINLINE inline step decode_text(char *&value, const byte *at, const byte *end,
+                                           const decode_context &decoding) {
   const delimited characters = read_delimited(at, end);
   if (characters.first == nullptr) return failed(CODEC_ERR_TRUNCATED);
-  char *const copy = input.memory.text(characters.length());
+  char *const copy = decoding.memory.text(characters.length());
   if (copy == nullptr) return failed(CODEC_ERR_NO_MEMORY);
   copy_bytes(copy, characters.first, characters.length());
   copy[characters.length()] = '\0';
@@ -44,17 +48,17 @@ struct string : row {
   constexpr auto members() const { return std::tuple{value}; }
 
   // A second string is refused, and a missing allocator found, before the length is read.
-  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &input,
+  PAVO_ZORV_INLINE step decode(Record &record, const byte *at, const byte *end, const decode_context &decoding,
                                bool seen) const {
     if (seen) return failed(CODEC_ERR_TRUNCATED);
-    if (input.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
-    return decode_text(record.*value, at, end, input);
+    if (decoding.memory.missing()) return failed(CODEC_ERR_NO_MEMORY);
+    return decode_text(record.*value, at, end, decoding);
   }
 
   PAVO_ZORV_INLINE void measure(message_size &total, const Record &record, bool present) const {
     if (!present || record.*value == nullptr) return;
     const std::size_t length = std::strlen(record.*value);
-    total.bytes += varint_size(key_of(number, wire)) + length_size(length) + length;
+    total.bytes += prefix_size(number, length) + length;
   }
 
   template <class Writer, class Entries>

@@ -53,20 +53,20 @@ class label_block {
   explicit label_block(const void *from) { std::memcpy(&words_, from, size); }
 
   // Which words are a value of three bytes and a key of one after it, the first the lowest bit.
-  inline unsigned labels(std::uint32_t key) const {
+  unsigned labels(std::uint32_t key) const {
     const auto same = reinterpret_cast<number_vector>((words_ & 0xff808080) == (key << 24 | 0x8080));
     return marked(same);
   }
   static constexpr unsigned all = (1U << elements) - 1;
 
-  inline void read(std::uint32_t *values) const { read_from<0>(values); }
+  void read(std::uint32_t *values) const { read_from<0>(values); }
 
   // The same where the key of each value is the byte before it.
-  inline void read_after_keys(std::uint32_t *values) const { read_from<8>(values); }
+  void read_after_keys(std::uint32_t *values) const { read_from<8>(values); }
 
  private:
   template <unsigned Bit>
-  inline void read_from(std::uint32_t *values) const {
+  void read_from(std::uint32_t *values) const {
     const number_vector labels =
         (words_ >> Bit & 0x7f) | (words_ >> (Bit + 1) & 0x3f80) | (words_ >> (Bit + 2) & 0x1fc000);
     std::memcpy(values, &labels, size);
@@ -76,7 +76,7 @@ class label_block {
 };
 
 #if defined(__SSSE3__)
-// The same where each element takes two bytes, and three with the key: the first labels of the usual block do.
+// The same where each element takes two bytes, and three with the key: labels from 128 to 16,383 do.
 class short_label_block {
  public:
   static constexpr std::size_t size = vector_size / 4 * 3;
@@ -98,9 +98,9 @@ class short_label_block {
     std::memcpy(&words_, &words, sizeof words_);
   }
 
-  inline bool are_labels(std::uint32_t key) const { return none((words_ & 0xff8080) ^ (key << 16 | 0x80)); }
+  bool are_labels(std::uint32_t key) const { return none((words_ & 0xff8080) ^ (key << 16 | 0x80)); }
 
-  inline void read(std::uint32_t *values) const {
+  void read(std::uint32_t *values) const {
     const number_vector labels = (words_ & 0x7f) | (words_ >> 1 & 0x3f80);
     std::memcpy(values, &labels, sizeof labels);
   }

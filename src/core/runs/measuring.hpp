@@ -3,20 +3,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "labels.hpp"
 #include "plain.hpp"
 
 namespace pavo_zorv {
 
-// How many bytes of a word have the highest bit: the product adds them up in the highest byte.
+// How many bytes of a word have their highest bit set: the product adds them up in the highest byte.
 constexpr std::size_t count_high(std::uint64_t word) {
-  constexpr std::uint64_t ones = 0x0101010101010101;
-  return static_cast<std::size_t>((word >> 7 & ones) * ones >> 56);
+  return static_cast<std::size_t>((word >> 7 & lowest_bits) * lowest_bits >> 56);
 }
 
-// Two bytes from 128 on. With 32 bits, the bytes of a list may be more than those of memory.
+// Elements from 128 on take two bytes. Where size_t has 32 bits, a list may take more bytes than that can say.
 inline std::uint64_t measure_integers(const std::uint8_t *elements, std::size_t count) {
   std::uint64_t bytes = count;
   for (; count >= 8; elements += 8, count -= 8) bytes += count_high(load_word(elements));
@@ -29,7 +27,7 @@ inline std::uint32_t sum_of_lanes(const signed_vector &lanes) {
   return sum;
 }
 
-inline constexpr std::size_t longest_stretch = 32 * vector_numbers;
+inline constexpr std::size_t batch = 32 * vector_numbers;
 
 // Integers of any size.
 PAVO_ZORV_NOINLINE inline std::uint64_t measure_beyond_labels(const std::uint32_t *elements, std::size_t count) {
@@ -45,7 +43,7 @@ std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count
 // Nearly all numbers are labels, or as small: what they take beyond a byte each is known from two comparisons. Where
 // there are others, all are measured again.
 PAVO_ZORV_NOINLINE inline std::uint64_t measure_integers(const std::uint32_t *elements, std::size_t count) {
-  if (count > longest_stretch) [[unlikely]]
+  if (count > batch) [[unlikely]]
     return measure_long_list(elements, count);
   if (!loads_lanes && count < vector_numbers) return plain::measure_integers(elements, count);
   number_vector all{};
@@ -60,11 +58,10 @@ PAVO_ZORV_NOINLINE inline std::uint64_t measure_integers(const std::uint32_t *el
   return count + sum_of_lanes(more);
 }
 
-// A stretch at a time, so that one number that is no label does not have all measured again.
+// A batch at a time, so that one number that is no label does not have all measured again.
 PAVO_ZORV_NOINLINE inline std::uint64_t measure_long_list(const std::uint32_t *elements, std::size_t count) {
   std::uint64_t bytes = 0;
-  for (; count > longest_stretch; elements += longest_stretch, count -= longest_stretch)
-    bytes += measure_integers(elements, longest_stretch);
+  for (; count > batch; elements += batch, count -= batch) bytes += measure_integers(elements, batch);
   return bytes + measure_integers(elements, count);
 }
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "core/blocks.hpp"
 #include "labels.hpp"
@@ -60,7 +61,7 @@ PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte 
   for (unsigned canonical = 0; canonical < 16;) {
     const auto [next, value] = read_varint<std::uint32_t>(at, end);
     if (next == nullptr) return {nullptr, true, visit};
-    visit.element(value);
+    visit.take(value);
     if (next == end) return {end, true, visit};
     const auto [first, other] = read_varint<std::uint32_t>(next, end);
     if (first == nullptr) return {nullptr, true, visit};
@@ -74,7 +75,7 @@ PAVO_ZORV_NOINLINE stretch<Visit> take_one_by_one(std::uint32_t key, const byte 
 struct element_counter {
   std::size_t count = 0;
 
-  void element(std::uint32_t) { ++count; }
+  void take(std::uint32_t) { ++count; }
 };
 
 // Eight vectors of a run with a key of one byte, from any place in it on: whether each value in them takes two bytes or
@@ -101,7 +102,7 @@ class long_values {
     std::uint64_t words[vector_size / 8], all = 0;
     std::memcpy(words, &ends, sizeof words);
     for (const std::uint64_t word : words) all += word;
-    ends_ = static_cast<std::size_t>(all * 0x0101010101010101 >> 56);
+    ends_ = static_cast<std::size_t>(all * lowest_bits >> 56);
     in_order_ = none(~in_order & 0x80);
   }
 
@@ -120,11 +121,12 @@ struct run_count {
   std::size_t ends = 0;           // varints that have ended since the start of a value: odd after a value
   std::uint64_t after_value = 0;  // whether the byte before `at` is a value's last
 
-  // Takes long values as long as they are in order and not the last of the run; returns whether they are.
+  // Takes long values while there are more bytes than they have; returns false where they are not in order.
   PAVO_ZORV_INLINE bool take_long_values(byte key, const byte *end) {
     while (end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
       const long_values values(key, at);
-      // The first byte is a key after a value, and goes on after a key.
+      // After a value the first byte must be the key. Otherwise a varint goes on here, or a value of two bytes
+      // or more begins.
       const bool begins = after_value != 0 ? *at == key : (at[-1] | *at) >= 0x80;
       if (!begins || !values.are_in_order()) return false;
       ends += values.ends();
@@ -183,7 +185,7 @@ PAVO_ZORV_NOINLINE std::size_t count_windows(std::uint32_t key, const byte *firs
 using word_pair [[gnu::vector_size(16)]] = std::uint64_t;
 using four_numbers [[gnu::vector_size(16)]] = std::uint32_t;
 
-// The values of four varints of up to five bytes, each at the low end of a word.
+// varint_value of four words at once.
 PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &second, std::uint32_t *values) {
   constexpr int low = std::endian::native == std::endian::little ? 0 : 1, high = 1 - low;
   four_numbers halves, others;
@@ -192,10 +194,7 @@ PAVO_ZORV_INLINE void varint_values(const word_pair &first, const word_pair &sec
   const four_numbers four = __builtin_shufflevector(halves, others, low, low + 2, low + 4, low + 6);
   const four_numbers fifth = __builtin_shufflevector(halves, others, high, high + 2, high + 4, high + 6);
   const four_numbers ends = ~four & 0x80808080;
-  four_numbers value = four & (ends ^ (ends - 1));
-  value = (value & 0x7f007f) | (value & 0x7f007f00) >> 1;
-  value = (value & 0x3fff) | (value & 0x3fff0000) >> 2;
-  value |= fifth << 28 & (ends == 0);
+  const four_numbers value = seven_of_each(four & (ends ^ (ends - 1))) | (fifth << 28 & (ends == 0));
   std::memcpy(values, &value, sizeof value);
 }
 
@@ -209,26 +208,26 @@ struct element_reader {
 
   std::size_t left() const { return static_cast<std::size_t>(last - next); }
 
-  PAVO_ZORV_INLINE void element(std::uint32_t value) {
+  PAVO_ZORV_INLINE void take(std::uint32_t value) {
     if (next != last) *next++ = static_cast<Element>(value);
   }
 
-  PAVO_ZORV_INLINE void elements(elements_seen seen) {
+  PAVO_ZORV_INLINE void take_elements(elements_seen seen) {
     if constexpr (sizeof(Element) == 1) {
-      bytes(seen);
+      take_bytes(seen);
     } else if (limit - seen.at >= static_cast<std::ptrdiff_t>(window_size + 8)) {
-      words(seen, load_word);
+      take_words(seen, load_word<std::uint64_t>);
     } else {
-      next = moved_words(*this, seen);
+      next = take_moved_words(*this, seen);
     }
   }
 
   // The same for a window after which the buffer may end: words that would reach past it are moved back.
-  PAVO_ZORV_INLINE void last_elements(elements_seen seen) {
+  PAVO_ZORV_INLINE void take_last_elements(elements_seen seen) {
     if constexpr (sizeof(Element) == 1) {
-      bytes(seen);
+      take_bytes(seen);
     } else {
-      words(seen, [last_word = limit - 8](const byte *begin) PAVO_ZORV_INLINE_LAMBDA {
+      take_words(seen, [last_word = limit - 8](const byte *begin) PAVO_ZORV_INLINE_LAMBDA {
         const byte *const from = std::min(begin, last_word);
         return load_word(from) >> 8 * static_cast<unsigned>(begin - from);
       });
@@ -238,7 +237,7 @@ struct element_reader {
   // Labels of one size, a vector at a time. An element of another size among them is taken alone: only for it is a
   // branch mispredicted, not for those around it. Returns where something else begins. A key is known to follow each of
   // the elements, because there are more.
-  PAVO_ZORV_INLINE const byte *labels(std::uint32_t key, const byte *at, const byte *end) {
+  PAVO_ZORV_INLINE const byte *take_labels(std::uint32_t key, const byte *at, const byte *end) {
     using block = label_block;
     constexpr std::ptrdiff_t looked_at = block::size + 8;
     if (left() <= block::elements || end - at <= looked_at) return at;
@@ -293,12 +292,12 @@ struct element_reader {
  private:
   // Four varints at once, each as a word.
   template <class Load>
-  PAVO_ZORV_INLINE void words(elements_seen seen, Load load) {
+  PAVO_ZORV_INLINE void take_words(elements_seen seen, Load load) {
     std::uint64_t ends = seen.ends;
     const byte *begin = seen.at;
     const auto take = [&]() PAVO_ZORV_INLINE_LAMBDA {
       const std::uint64_t word = load(begin);
-      begin = seen.at + __builtin_ctzll(ends) + 1 + KeySize;
+      begin = seen.at + lowest_one(ends) + 1 + KeySize;
       ends &= ends - 1;
       return word;
     };
@@ -310,13 +309,13 @@ struct element_reader {
     for (; some != 0; --some) *next++ = varint_value(take());
   }
 
-  PAVO_ZORV_NOINLINE static Element *moved_words(element_reader reader, elements_seen seen) {
-    reader.last_elements(seen);
+  PAVO_ZORV_NOINLINE static Element *take_moved_words(element_reader reader, elements_seen seen) {
+    reader.take_last_elements(seen);
     return reader.next;
   }
 
   // Of each the first byte, and the lowest bit of the second if there is one.
-  PAVO_ZORV_INLINE void bytes(elements_seen seen) {
+  PAVO_ZORV_INLINE void take_bytes(elements_seen seen) {
     const byte *begin = seen.at;
     for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
       const byte *const end = seen.at + std::countr_zero(ends);
@@ -389,7 +388,7 @@ PAVO_ZORV_INLINE void read_window(Element *elements, counted_run run, const byte
       values = 0;
     }
   }
-  if (values != 0) reader.last_elements({at, values});
+  if (values != 0) reader.take_last_elements({at, values});
 }
 
 // Reads a run that has been counted, from its first value on. Returns the place after the last one; null where there
@@ -401,24 +400,24 @@ PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t co
   reader to{elements, elements + count, limit};
   const auto done = [&](const byte *place) { return to.left() == 0 ? place : nullptr; };
   for (;;) {
-    if constexpr (reader::takes_labels) at = to.labels(key, at, end);
+    if constexpr (reader::takes_labels) at = to.take_labels(key, at, end);
     const run_window<KeySize> seen(key, at, end, limit);
     if (seen.breaks == 0 && seen.left <= window_size) {
       if (!seen.ends_with_value()) return nullptr;
-      to.elements({at, seen.values});
+      to.take_elements({at, seen.values});
       return done(end);
     }
     if (seen.breaks == 0 && seen.keys != 0) {
       // The window may cut the last value, or the key after it: the next one begins after the last whole key.
       const auto whole = static_cast<unsigned>(64 - std::countl_zero(seen.keys));
-      to.elements({at, seen.values_below(whole - 1)});
+      to.take_elements({at, seen.values_below(whole - 1)});
       at += whole;
       continue;
     }
     // Another key, or one value that is as long as the window or longer.
     if (seen.breaks != 0) {
       const auto place = static_cast<unsigned>(std::countr_zero(seen.breaks));
-      to.elements({at, seen.values_below(place)});
+      to.take_elements({at, seen.values_below(place)});
       at += place;
       const auto [next, other] = read_varint<std::uint32_t>(at, end);
       if (next == nullptr) return nullptr;

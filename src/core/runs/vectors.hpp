@@ -1,5 +1,5 @@
-// Vectors, which the fast loops over runs share. With labels.hpp, windows.hpp and writing.hpp, the only code for
-// particular processors; it does what portable code does, which is beside it or in plain.hpp.
+// Vectors, which the fast loops over runs share. Only in this folder is code for particular processors; it does what
+// portable code does, which is beside it or in plain.hpp.
 #pragma once
 
 #include <cstddef>
@@ -25,8 +25,6 @@ inline constexpr bool has_shuffles = true;
 inline constexpr bool has_shuffles = false;
 #endif
 
-inline constexpr std::uint64_t highest_bits = 0x8080808080808080;
-
 // As many numbers as a vector holds.
 using number_vector [[gnu::vector_size(vector_size)]] = std::uint32_t;
 using signed_vector [[gnu::vector_size(vector_size)]] = std::int32_t;
@@ -48,14 +46,15 @@ inline number_vector constant(std::uint32_t number) {
   return numbers;
 }
 
-// Some numbers before `end`, fewer than a vector holds, in its last lanes; the other lanes are 0. Where the processor
-// cannot load single lanes, a whole vector of numbers must be there.
+// Some numbers before `end`, fewer than a vector holds, in its last lanes; the other lanes are 0, and are not loaded.
+// Where the processor cannot load single lanes, a whole vector of numbers must be there.
 #if defined(__AVX2__)
 inline constexpr bool loads_lanes = true;
 
 inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
   constexpr signed_vector lanes = {8, 7, 6, 5, 4, 3, 2, 1};
   const signed_vector taken = lanes <= static_cast<std::int32_t>(count);
+  // An address as a number: it may lie before the array.
   const auto *const from = reinterpret_cast<const int *>(reinterpret_cast<std::uintptr_t>(end) - vector_size);
   return reinterpret_cast<number_vector>(_mm256_maskload_epi32(from, reinterpret_cast<__m256i>(taken)));
 }
@@ -69,7 +68,8 @@ inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
 }
 #endif
 
-// Visits all numbers as vectors: first those that do not fill one.
+// Visits all numbers as vectors: first those that do not fill one, with 0 in the other lanes. Where the processor
+// cannot load single lanes, there must be a vector of numbers or more.
 template <class Visit>
 PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
   const std::size_t rest = count % vector_numbers;
@@ -78,6 +78,7 @@ PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t 
   for (; numbers != end - rest; numbers += vector_numbers) visit(load_numbers(numbers));
 }
 
+#if !defined(__SSSE3__)
 // Stores the last bytes of some last lanes, of each as many as `sizes` says, side by side so that they end at a place;
 // returns where they begin. A lane is stored whole, and the one before it over what is not to stay; of the first lane
 // that overwrites what comes before.
@@ -87,7 +88,8 @@ PAVO_ZORV_INLINE byte *prepend_lanes(byte *at, const number_vector &words, const
     store_word(at - 4, words[lane]);
     at -= sizes[lane];
   };
-  // No loop, for which GCC would store the vectors and load each lane: a fifth less time.
+  static_assert(vector_numbers == 4, "as many lanes are written");
+  // Unrolled by hand, which takes a fifth less time: in a loop GCC stores the vectors and loads each lane.
   constexpr std::size_t last = vector_numbers - 1;
   prepend(last);
   if (count > 1) prepend(last - 1);
@@ -95,6 +97,7 @@ PAVO_ZORV_INLINE byte *prepend_lanes(byte *at, const number_vector &words, const
   if (count > 3) prepend(last - 3);
   return at;
 }
+#endif
 
 // Whether no bit of a vector is set.
 template <class Vector>

@@ -26,18 +26,17 @@ class portable_piece {
   explicit portable_piece(const byte *at) : bytes_(load_word(at)) {}
   std::uint64_t ends() const { return gather(~bytes_); }
   std::uint64_t equal(byte value) const {
-    const std::uint64_t difference = bytes_ ^ lowest * value;
-    return gather(~(((difference & ~highest) + ~highest) | difference));
+    const std::uint64_t difference = bytes_ ^ lowest_bits * value;
+    return gather(~(((difference & ~highest_bits) + ~highest_bits) | difference));
   }
 
  private:
-  static constexpr std::uint64_t lowest = 0x0101010101010101, highest = lowest << 7;
   // The highest bit of each byte, side by side.
-  static std::uint64_t gather(std::uint64_t word) { return ((word & highest) >> 7) * 0x0102040810204080 >> 56; }
+  static std::uint64_t gather(std::uint64_t word) { return ((word & highest_bits) >> 7) * 0x0102040810204080 >> 56; }
   std::uint64_t bytes_;
 };
 
-// For the end of a buffer, if it is no longer than that.
+// The shortest load, for a buffer, or an end of one, that the native piece does not fit.
 #if defined(__SSE2__)
 class short_piece {
  public:
@@ -76,7 +75,7 @@ using native_piece = short_piece;
 
 // The bytes from `at` on, as many as a window has or the buffer still holds, a load at a time: calls `add` with the
 // bytes, the place of the first of them in the window, and how many before it are to be left out. The last load ends
-// where the buffer does: it may have bytes that another has had as well. The buffer is as long as a short piece.
+// where the buffer does, and may overlap the one before. The buffer must be as long as a short piece, at least.
 template <class Piece, class Add>
 PAVO_ZORV_INLINE void for_each_piece(const byte *at, const byte *limit, Add add) {
   const auto left = static_cast<std::size_t>(limit - at);
@@ -158,7 +157,7 @@ PAVO_ZORV_INLINE void pick_bytes(byte *to, const byte *at, std::uint64_t mask) {
   }
 }
 #else
-inline void pick_bytes(byte *, const byte *, std::uint64_t) {}
+inline void pick_bytes(byte *, const byte *, std::uint64_t) {}  // not called without shuffles
 #endif
 
 }  // namespace pavo_zorv

@@ -12,6 +12,8 @@
 
 namespace pavo_zorv {
 
+// Writes a run so that it ends at `at`; returns where it begins. When the writer overflows, nothing is written, and
+// `at` is returned. Up to a vector before the run may be overwritten, but nothing before `to.first()`.
 template <unsigned KeySize>
 byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint32_t *elements, std::size_t count);
 template <unsigned KeySize>
@@ -100,7 +102,7 @@ PAVO_ZORV_NOINLINE byte *prepend_words(const writer &to, byte *at, std::uint32_t
       varint_bytes(load_numbers(elements + count + index), four + index, fifth + index);
     for (std::size_t index = some; index-- != 0;) {
       const std::uint64_t varint = four[index] | std::uint64_t{fifth[index]} << 32;
-      const unsigned bits = static_cast<unsigned>(__builtin_ctzll(~varint & highest_bits)) + 1 + 8 * KeySize;
+      const unsigned bits = lowest_one(~varint & highest_bits) + 1 + 8 * KeySize;
       store_word(at - 8, (bytes.word() | varint << 8 * KeySize) << (64 - bits));
       at -= bits / 8;
     }
@@ -134,7 +136,7 @@ class four_elements {
   explicit four_elements(key_bytes<KeySize> key)
       : others_(_mm_set_epi32(0, 0, 1 << 16 | key.second << 8 | key.first, 0)) {}
 
-  inline byte *prepend(byte *at, const byte *elements) const {
+  byte *prepend(byte *at, const byte *elements) const {
     int four;
     std::memcpy(&four, elements, sizeof four);
     const __m128i values = _mm_cvtsi32_si128(four);
@@ -178,7 +180,7 @@ class four_elements {
 
   explicit four_elements(key_bytes<KeySize> key) : others_(constant(key.word() << 8 * (2 - KeySize) | 1 << 24)) {}
 
-  inline byte *prepend(byte *at, const byte *elements) const {
+  byte *prepend(byte *at, const byte *elements) const {
     const number_vector values = load(elements);
     const number_vector more = values >> 23, longer = others_ | values;
     const number_vector words = more == 0 ? longer << 8 : longer;
@@ -203,8 +205,9 @@ class four_elements {
 };
 #endif
 
-// Writes a run forwards, byte for byte up to its end: key, value, and the byte 1 that a value from 128 on takes as
-// well.
+// Writes a run forwards, from `at` exactly to its end: key, value, and the byte 1 that a value from 128 on takes as
+// well. There is at least one element. Each is stored as a word, and the next overwrites what is too much of it: two
+// elements take four bytes or more. So the last one is stored byte by byte.
 template <unsigned KeySize>
 inline void append_bytes(byte *at, std::uint32_t key, const std::uint8_t *elements, std::size_t count) {
   const key_bytes<KeySize> bytes(key);
