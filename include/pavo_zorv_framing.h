@@ -219,11 +219,17 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_stream_init(
 /** Returns where the next bytes of the stream are to be stored, and sets @p room to how many may be. That is never 0
  *  after `pavo_zorv_stream_next` has returned `PAVO_ZORV_FRAME_INCOMPLETE`; it may be 0 while there are messages to be
  *  taken, and is 0 after a failure. May move what is not used yet to the beginning of the buffer: messages that were
- *  returned before must not be used any more. Each byte is moved at most once. */
+ *  returned before must not be used any more. Each byte is moved at most once: not before all whole messages are taken.
+ */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION unsigned char *pavo_zorv_stream_space(
     pavo_zorv_stream *stream, size_t *room) {
-  if (stream->first != 0 && (stream->last == stream->size || stream->first == stream->last)) {
-    memmove(stream->buffer, stream->buffer + stream->first, stream->last - stream->first);
+  const unsigned char *const bytes = stream->buffer + stream->first;
+  const size_t unused = stream->last - stream->first;
+  pavo_zorv_frame frame;
+  if (stream->first != 0 && (unused == 0 || (stream->last == stream->size &&
+                                             pavo_zorv_frame_read(&frame, stream->form, bytes, unused, stream->limit) !=
+                                                 PAVO_ZORV_FRAME_COMPLETE))) {
+    memmove(stream->buffer, bytes, unused);
     stream->last -= stream->first;
     stream->first = 0;
   }

@@ -326,6 +326,31 @@ TEST(stream, moves_each_byte_at_most_once) {
   EXPECT_LE(moved, given);
 }
 
+TEST(stream, moves_each_byte_at_most_once_also_if_one_message_is_taken_at_a_time) {
+  // Messages of one byte with their prefixes, which fill the buffer each time there is room.
+  unsigned char buffer[100];
+  pavo_zorv_stream stream;
+  pavo_zorv_stream_init(&stream, PAVO_ZORV_PREFIX_VARINT, buffer, sizeof buffer, 10);
+  std::size_t moved = 0, given = 0, taken = 0;
+  for (unsigned round = 0; round < 1000; ++round) {
+    const std::size_t before = stream.first, unread = stream.last - stream.first;
+    std::size_t room = 0;
+    unsigned char *const space = pavo_zorv_stream_space(&stream, &room);
+    if (stream.first != before) moved += unread;
+    for (std::size_t index = 0; index < room; ++index) space[index] = (given + index) % 2 == 0 ? 0x01 : 0x08;
+    pavo_zorv_stream_filled(&stream, room);
+    given += room;
+    const unsigned char *message;
+    std::size_t length;
+    ASSERT_EQ(pavo_zorv_stream_next(&stream, &message, &length), PAVO_ZORV_FRAME_COMPLETE);
+    ASSERT_EQ(length, 1u);
+    ASSERT_EQ(*message, 0x08);
+    ++taken;
+  }
+  EXPECT_GE(given, 2 * taken);
+  EXPECT_LE(moved, given);
+}
+
 // The simplest way to read a stream that is there as a whole.
 received plainly(pavo_zorv_prefix form, const byte_string &stream, std::uint64_t limit) {
   received result;
