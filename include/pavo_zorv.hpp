@@ -73,8 +73,8 @@ auto call(Function function, std::uint32_t options, Arguments... arguments) noex
 /** Where a record's memory comes from and goes to: the callbacks and their context. The context (a pool, a budget, a
  *  memory resource) must outlive the records. */
 struct memory {
-  pavo_zorv_allocate allocate; /**< Returns blocks. */
-  pavo_zorv_release release; /**< Releases them. */
+  pavo_zorv_allocate allocate; /**< Returns blocks; null if there is no memory. */
+  pavo_zorv_release release; /**< Releases them; null if nothing needs to be released. */
   void *context; /**< The context of both. */
 
   /** The heap. */
@@ -685,9 +685,12 @@ class owned {
 
   bool references() const noexcept { return takes_options<Record> && (options_ & PAVO_ZORV_REFERENCE) != 0; }
 
+  void *request(std::size_t size) noexcept {
+    return memory_.allocate != nullptr ? memory_.allocate(size, memory_.context) : nullptr;
+  }
+
   void *array(std::size_t count, std::size_t size) noexcept {
-    if (count > SIZE_MAX / size) return nullptr;
-    return memory_.allocate(count * size, memory_.context);
+    return count <= SIZE_MAX / size ? request(count * size) : nullptr;
   }
 
   template <class Inner, class Value, auto Member, auto... Inside>
@@ -755,11 +758,11 @@ class owned {
     if constexpr (std::is_same_v<typename traits::type, char *>) {
       const std::string_view text(value);
       if (text.find('\0') != text.npos) return does_not_fit;
-      auto *const block = static_cast<char *>(memory_.allocate(text.size() + 1, memory_.context));
-      if (block == nullptr) return CODEC_ERR_NO_MEMORY;
-      if (!text.empty()) std::memcpy(block, text.data(), text.size());
-      block[text.size()] = '\0';
-      replace<Member>(inner, block, 0);
+      auto *const copy = static_cast<char *>(request(text.size() + 1));
+      if (copy == nullptr) return CODEC_ERR_NO_MEMORY;
+      if (!text.empty()) std::memcpy(copy, text.data(), text.size());
+      copy[text.size()] = '\0';
+      replace<Member>(inner, copy, 0);
       return CODEC_OK;
     } else {
       static_assert(traits::is_array, "a nested message has no value of its own: name one of its members");

@@ -203,7 +203,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_pool_reset(pavo_zorv_pool *pool) { pool
 
 /** A budget over other callbacks, initialised by `pavo_zorv_budget_init`. The limit may be changed at any time. */
 typedef struct pavo_zorv_budget {
-  pavo_zorv_allocate allocate; /**< Where memory comes from. */
+  pavo_zorv_allocate allocate; /**< Where memory comes from; null if there is none. */
   pavo_zorv_release release; /**< Where it goes back to; null if nothing needs to be released. */
   void *context; /**< The context of both. */
   size_t limit; /**< Bytes that may be in use. */
@@ -227,6 +227,7 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_budget_allocate(si
   pavo_zorv_budget *budget = PAVO_ZORV_CAST_(pavo_zorv_budget *, context);
   const size_t left = budget->spent < budget->limit ? budget->limit - budget->spent : 0;
   pavo_zorv_alignment *block;
+  if (budget->allocate == NULL) return NULL;
   if (left < sizeof(pavo_zorv_alignment) || size > left - sizeof(pavo_zorv_alignment)) return NULL;
   size += sizeof(pavo_zorv_alignment);
   block = PAVO_ZORV_CAST_(pavo_zorv_alignment *, budget->allocate(size, budget->context));
@@ -258,7 +259,7 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_budget_release(void *block, void *conte
 /** A counter over other callbacks, initialised by `pavo_zorv_counter_init`. All members may be read and set at any
  *  time. */
 typedef struct pavo_zorv_counter {
-  pavo_zorv_allocate allocate; /**< Where memory comes from. */
+  pavo_zorv_allocate allocate; /**< Where memory comes from; null if there is none. */
   pavo_zorv_release release; /**< Where it goes back to; null if nothing needs to be released. */
   void *context; /**< The context of both. */
   size_t requests; /**< Calls of the allocator, including refused ones. */
@@ -287,7 +288,7 @@ PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION void *pavo_zorv_counter_allocate(s
   pavo_zorv_counter *counter = PAVO_ZORV_CAST_(pavo_zorv_counter *, context);
   const size_t request = counter->requests++;
   void *block;
-  if (request == counter->fail_at || request >= counter->fail_from) return NULL;
+  if (counter->allocate == NULL || request == counter->fail_at || request >= counter->fail_from) return NULL;
   block = counter->allocate(size, counter->context);
   if (block == NULL) return NULL;
   counter->bytes += size;

@@ -217,6 +217,18 @@ TEST(duplicate, reports_that_there_was_no_memory) {
   EXPECT_FALSE(copy.has<&api_intf::field2>());
 }
 
+TEST(values, without_an_allocator_find_no_memory) {
+  const zorv::memory none(nullptr, nullptr, nullptr);
+  owned<api_intf> intf(none);
+  EXPECT_EQ(intf.set<&api_intf::field2>("eth0"), CODEC_ERR_NO_MEMORY);
+  EXPECT_EQ(intf->field2, nullptr);
+  owned<api_lbl_stack> stack(none);
+  EXPECT_EQ(stack.set<&api_lbl_stack::labels>(std::vector<std::uint32_t>{16}), CODEC_ERR_NO_MEMORY);
+  owned<api_exp_path> path(none);
+  EXPECT_EQ(path.resize<&api_exp_path::hops>(1), nullptr);
+  EXPECT_FALSE(intf.has<&api_intf::field2>() || stack.has<&api_lbl_stack::labels>() || path.has<&api_exp_path::hops>());
+}
+
 TEST(comparing, orders_owned_and_plain_records) {
   owned<api_addr> low, high;
   low.set<&api_addr::address>(1u);

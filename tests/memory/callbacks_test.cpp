@@ -208,6 +208,18 @@ TEST(counter, does_not_count_blocks_that_the_underlying_callback_refuses) {
   EXPECT_EQ(counter.live, 0u);
 }
 
+TEST(callbacks, over_a_null_allocator_return_no_memory) {
+  pavo_zorv_budget budget;
+  pavo_zorv_budget_init(&budget, 100, nullptr, nullptr, nullptr);
+  EXPECT_EQ(pavo_zorv_budget_allocate(1, &budget), nullptr);
+  EXPECT_EQ(budget.spent, 0u);
+  pavo_zorv_counter counter;
+  pavo_zorv_counter_init(&counter, nullptr, nullptr, nullptr);
+  EXPECT_EQ(pavo_zorv_counter_allocate(1, &counter), nullptr);
+  EXPECT_EQ(counter.requests, 1u);
+  EXPECT_EQ(counter.live, 0u);
+}
+
 TEST(heap, allocates_a_block_for_0_bytes) {
   void *const block = pavo_zorv_heap_allocate(0, nullptr);
   EXPECT_NE(block, nullptr);
