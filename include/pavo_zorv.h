@@ -71,9 +71,9 @@
  *  as are the high bits of a value that is wider than its member. Strings are copied with a NUL after them; a NUL
  *  inside a string shortens it for every later use.
  *
- *  Unknown fields are skipped. One of wire type 1, 2 or 5 that runs past the end of the input ends the decoding with
- *  `CODEC_OK`; a varint or a length that is cut off is `CODEC_ERR_TRUNCATED`; and wire types 3, 4, 6 and 7 are
- *  `CODEC_ERR_BAD_WIRE_TYPE`, because the end of such a field cannot be found.
+ *  Unknown fields are skipped. One of wire type 1, 2 or 5 that runs past the end of the message that it is in ends that
+ *  message, nested or not, without an error; a varint or a length that is cut off is `CODEC_ERR_TRUNCATED`; and wire
+ *  types 3, 4, 6 and 7 are `CODEC_ERR_BAD_WIRE_TYPE`, because the end of such a field cannot be found.
  *
  *  - **Null:** @p out must not be null. @p buffer may be null if @p length is 0. @p allocate may be null: the first
  *    field that needs memory then fails. @p context is only passed on.
@@ -86,7 +86,8 @@
  *  - **Errors:** `CODEC_OK` or the first failure, a `pavo_zorv_result`. In either case the record is defined, holds
  *    what was read so far, and must be passed to `free_ext`. After `CODEC_OK` an absent member is 0 or null. After a
  *    failure inside a nested message, or inside an element of a list, what was read of it is there, but its presence
- *    bit is not set: `encode_ext` would write that content of a nested message, and nothing of the list.
+ *    bit is not set, unless an earlier occurrence of the nested message has set it: `encode_ext` would write that
+ *    content of a nested message, and nothing of the list.
  *
  *  @section encoding Encoding
  *
@@ -148,7 +149,8 @@
  *
  *  `void free_ext(record, release, context[, options])` releases in field order what the record owns, whatever its
  *  presence bits, but not the record itself, and sets each released pointer to null. The counts of lists of messages
- *  become 0; other counts, lengths and the presence bits stay, so zero a record before you fill it again.
+ *  that are released become 0; other counts, lengths and the presence bits stay, so zero a record before you fill it
+ *  again.
  *
  *  - **Null:** @p record must not be null. A null @p release releases nothing but still clears the pointers, for
  *    allocators that free in bulk. @p release is never called with null.

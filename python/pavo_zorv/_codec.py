@@ -134,7 +134,7 @@ class Codec:
 
     def read(self, record, is_partial, source):
         """A message from the record at an address. If decoding failed in a nested message, the record holds what was
-        read of it, although its presence bit is not set."""
+        read of it, whether or not its presence bit is set."""
         present = _integer(record + self.presence, self.presence_size)
         message = self.cls.__new__(self.cls)
         content = vars(message)

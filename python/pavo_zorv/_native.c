@@ -319,7 +319,7 @@ static PyObject *read_value(const row *field, const char *record, const source *
   return NULL;
 }
 
-// If decoding failed in a nested message, the record holds what was read of it, although its presence bit is not set.
+// If decoding failed in a nested message, the record holds what was read of it, whether or not its presence bit is set.
 static bool is_empty(codec *type, PyObject *value) { return PyDict_Size(fields_of(type, value)) == 0; }
 
 static PyObject *read_message(codec *type, const char *record, const source *from) {
