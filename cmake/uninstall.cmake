@@ -19,7 +19,7 @@ foreach(list IN LISTS lists)
       endif()
     endif()
     cmake_path(GET file PARENT_PATH folder)
-    if(folder MATCHES "/(pavo_zorv|glibc-hwcaps/x86-64-v3|doc/(libpavo-zorv[^/]*|zorv-inspect))$")
+    if(folder MATCHES "/(pavo_zorv|zorv-inspect|glibc-hwcaps/x86-64-v3|doc/libpavo-zorv[^/]*)$")
       list(APPEND folders "${folder}")
     endif()
     # The data of gdb, below the path of the library.
