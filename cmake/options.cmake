@@ -1,5 +1,6 @@
 # Options, and the compiler flags that follow from them.
 option(PAVO_ZORV_TOOLS "Build zorv-inspect if its packages are found" ${PROJECT_IS_TOP_LEVEL})
+option(PAVO_ZORV_PAGE "Build zorv-inspect.html with zorv-inspect, in releases, if a compiler for WebAssembly is found" ON)
 # The tests are for those who work on the library: asked for by this option, or by CMake's own.
 set(pavo_zorv_tests_default OFF)
 if(PROJECT_IS_TOP_LEVEL AND BUILD_TESTING)

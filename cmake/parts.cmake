@@ -22,8 +22,9 @@ endfunction()
 if(PAVO_ZORV_TOOLS)
   pavo_zorv_part(tools/inspect CLI11 fmt nlohmann_json)
 endif()
-# Compiled by itself, for a machine of its own: once, with the build that is released.
-if(TARGET zorv-inspect AND CMAKE_BUILD_TYPE STREQUAL Release AND NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
+# Compiled by itself, for a machine of its own: only with builds that are released.
+if(TARGET zorv-inspect AND PAVO_ZORV_PAGE AND CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo)$" AND
+    NOT PAVO_ZORV_SANITIZE AND NOT PAVO_ZORV_COVERAGE)
   add_subdirectory(tools/page)
 endif()
 if(PAVO_ZORV_PACKAGES)

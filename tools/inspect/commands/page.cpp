@@ -21,7 +21,7 @@ std::filesystem::path page_file() {
     const std::filesystem::path file = std::filesystem::canonical(folder / place, error);
     if (!error) return file;
   }
-  throw usage_error("zorv-inspect.html is not installed with this program");
+  throw usage_error("this build has no zorv-inspect.html; CMake says what building it needs");
 }
 
 // Whether the program has opened the file.
