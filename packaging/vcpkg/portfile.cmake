@@ -9,7 +9,8 @@ endif()
 # One library for each triplet, which selects the processor.
 vcpkg_cmake_configure(
   SOURCE_PATH "${SOURCE_PATH}"
-  OPTIONS ${FEATURE_OPTIONS} -DBUILD_SHARED_LIBS=${SHARED} -DBUILD_TESTING=OFF -DPAVO_ZORV_X86_64_V3=OFF)
+  OPTIONS ${FEATURE_OPTIONS} -DBUILD_SHARED_LIBS=${SHARED} -DBUILD_TESTING=OFF -DPAVO_ZORV_X86_64_V3=OFF
+    -DPAVO_ZORV_PAGE=OFF)
 vcpkg_cmake_install()
 vcpkg_cmake_config_fixup(PACKAGE_NAME pavo_zorv CONFIG_PATH lib/cmake/pavo_zorv)
 vcpkg_fixup_pkgconfig()
