@@ -1,7 +1,8 @@
-"""What pip installs: from the source tree, without a network, with and without a C compiler."""
+"""What pip installs from the source tree: without a network and other packages, with and without a C compiler."""
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -22,15 +23,16 @@ print(pavo_zorv.__file__)
 
 
 def environment(**more):
-    kept = {name: value for name, value in os.environ.items() if not name.startswith(("PAVO_ZORV", "PYTHON"))}
-    return kept | {"PYTHONDONTWRITEBYTECODE": "1", **more}
+    """A user's, in which pip finds no index from which it could fetch a package."""
+    kept = {name: value for name, value in os.environ.items() if not name.startswith(("PAVO_ZORV", "PYTHON", "PIP_"))}
+    no_index = {"PIP_CONFIG_FILE": os.devnull, "PIP_INDEX_URL": "http://127.0.0.1:9/", "PIP_RETRIES": "0",
+                "PIP_DISABLE_PIP_VERSION_CHECK": "1"}
+    return kept | no_index | {"PYTHONDONTWRITEBYTECODE": "1", **more}
 
 
-def pip(command, tree, *options, **more):
-    done = subprocess.run(
-        [sys.executable, "-m", "pip", "--disable-pip-version-check", command, "--quiet", "--no-index",
-         "--no-build-isolation", "--no-deps", *options, tree],
-        env=environment(**more), capture_output=True, text=True, check=False)
+def pip(command, what, *options, **more):
+    done = subprocess.run([sys.executable, "-m", "pip", command, "--quiet", what, *options],
+                          env=environment(**more), capture_output=True, text=True, check=False)
     assert done.returncode == 0, done.stdout + done.stderr
 
 
@@ -41,13 +43,15 @@ def run(folder, program=PROGRAM, **more):
 
 @pytest.fixture(name="tree")
 def copied_tree(tmp_path):
-    """A copy of the folder, which pip writes to; the header is beside it as in the source tree."""
+    """A copy of the folder, in which nothing is written; the header is beside it as in the source tree."""
     tree = tmp_path / "source" / "python"
     shutil.copytree(SOURCE / "python", tree, symlinks=True,
                     ignore=shutil.ignore_patterns("*.so", "*.egg-info", "build", "__pycache__"))
     (tmp_path / "source" / "include").mkdir()
     shutil.copy(SOURCE / "include" / "pavo_zorv.h", tmp_path / "source" / "include")
-    return tree
+    before = sorted(tree.rglob("*"))
+    yield tree
+    assert not tree.exists() or sorted(tree.rglob("*")) == before
 
 
 @pytest.mark.parametrize("compiler, part", [("cc", "_native"), ("/nonexistent/cc", "_codec"), ("false", "_codec")])
@@ -63,6 +67,19 @@ def test_pip_installs_it(tree, tmp_path, compiler, part):
     compiled = {"_native.abi3.so"} if part == "_native" else set()
     assert installed - {"__pycache__"} == sources | compiled | {"pavo_zorv.h", "py.typed"}
     assert not (tmp_path / "installed" / "pavo_zorv" / "pavo_zorv.h").is_symlink()
+
+
+def test_the_commands_of_the_guide(tree, tmp_path):
+    commands = re.findall(r"`((?:\w+=\S+ )?pip [^`\n]+)`", (SOURCE / "docs" / "python.md").read_text(encoding="utf-8"))
+    assert len(commands) == 2
+    (tree.parent / "build").mkdir()
+    (tree.parent / "build" / "libpavo_zorv.so").symlink_to(LIBRARY)
+    for command in commands:
+        subprocess.run(command.replace("pip ", f"{sys.executable} -m pip "), shell=True, cwd=tree.parent, check=True,
+                       env=environment(PIP_TARGET=str(tmp_path / "installed")), capture_output=True)
+    assert (tmp_path / "installed" / "pavo_zorv" / "__init__.py").exists()
+    [wheel] = tree.parent.glob("*.whl")
+    assert "pavo_zorv/libpavo_zorv.so.1" in zipfile.ZipFile(wheel).namelist()
 
 
 def test_a_wheel_may_contain_the_library(tree, tmp_path):
@@ -81,6 +98,15 @@ def test_a_wheel_may_contain_the_library(tree, tmp_path):
 def test_a_wheel_without_library_and_compiled_part_is_for_any_machine(tree, tmp_path):
     pip("wheel", tree, "--wheel-dir", tmp_path, CC="/nonexistent/cc")
     assert [each.name for each in tmp_path.glob("*.whl")] == ["pavo_zorv-1.0.0-py3-none-any.whl"]
+
+
+def test_what_is_made_of_the_archive_of_the_sources_is_the_same(tree, tmp_path):
+    subprocess.run([sys.executable, "-c", f"import backend; backend.build_sdist({str(tmp_path)!r})"], env=environment(),
+                   cwd=tree, check=True)
+    for what, folder in ((tree, "tree"), (tmp_path / "pavo_zorv-1.0.0.tar.gz", "archive")):
+        pip("wheel", what, "--wheel-dir", tmp_path / folder, CC="/nonexistent/cc")
+    [name] = (each.name for each in (tmp_path / "tree").iterdir())
+    assert (tmp_path / "archive" / name).read_bytes() == (tmp_path / "tree" / name).read_bytes()
 
 
 def test_the_places_of_the_library():
