@@ -149,8 +149,8 @@ def report(folder, table, rounds):
         print(f"{path.stem:26}", "  ".join(
             f"{operation} {results[operation][1]:.0f} ns {medians[operation]:.2f} ({min(results[operation][0]):.2f}-"
             f"{max(results[operation][0]):.2f})" for operation in OPERATIONS), flush=True)
-    lines += ["", f"Python {sys.version.split()[0]}, Protocol Buffers for Python {version}. The package is slower in: "
-                  f"{', '.join(behind) or 'none'}."]
+    lines += ["", f"Python {sys.version.split()[0]}, Protocol Buffers for Python {version}. The package is slower in "
+                  f"{', '.join(behind) or 'none of these'}."]
     assert api_implementation.Type() == "cpp", "the page says so"
     pathlib.Path(table).write_text("\n".join(lines) + "\n", encoding="utf-8")
 

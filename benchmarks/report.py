@@ -13,6 +13,7 @@ import json
 import math
 import os
 import pathlib
+import re
 import shutil
 import statistics
 import sys
@@ -30,6 +31,7 @@ TABULATED = ["decode", "encode", "encode_once", "copy", "measure"]
 OPERATIONS = [*TABULATED, "compare"]
 PLOTTED = ["decode", "encode", "copy"]
 BASELINE_LIMIT = 1.5
+SLOWER = 1.02  # from here on, what is shown is no noise
 
 # Goals: the ratio to the fastest of all peers.
 GOALS = {
@@ -181,8 +183,14 @@ def write_csv(path, builds):
                 out.writerow([*row, len(build.runs[operation, workload, contestant])])
 
 
+def entry(ratios, floor):
+    """That of each build, in bold if one is slower, and that of the floor."""
+    builds = " / ".join(map(shown, ratios))
+    return f"{f'**{builds}**' if round(max(ratios), 2) > SLOWER else builds} ({shown(floor)})"
+
+
 def table_to(peers, builds, operations):
-    """A row for each workload; an entry has the ratio of each build to the fastest of the peers, and the floor's."""
+    """A row for each workload, with the ratios of the builds and of the floor to the fastest of the peers."""
     lines = [["workload", "messages", "bytes", *operations], ["---", "--:", "--:"] + [":-:"] * len(operations)]
     for workload, (messages, size) in builds[0].workloads.items():
         entries = []
@@ -191,9 +199,21 @@ def table_to(peers, builds, operations):
             ratios = [build.ratio(operation, workload, peer) for build, peer in zip(builds, fastest)]
             floor = builds[0].ratio(operation, workload, fastest[0], ours=FLOOR)
             complete = all(ratio is not None for ratio in [*ratios, floor])
-            entries.append(f"{' / '.join(map(shown, ratios))} ({shown(floor)})" if complete else "-")
+            entries.append(entry(ratios, floor) if complete else "-")
         lines.append([workload, f"{messages:,}", f"{size:,}", *entries])
     return ["| " + " | ".join(line) + " |" for line in lines]
+
+
+def sentence_on_slower(table):
+    """In how many rows of a table a build is slower, and how much at most."""
+    head, _, *rows = [line.strip("| ").split(" | ") for line in table]
+    parts = []
+    for operation, *entries in list(zip(head, *rows))[3:]:
+        ratios = [max(map(float, re.findall(r"[\d.]+", each.split("(")[0]))) for each in entries if each.startswith("**")]
+        if ratios:
+            rows_of_all = len(entries) - entries.count("-")
+            parts.append(f"{operation} in {len(ratios)} of {rows_of_all} rows (up to {max(ratios):.2f})")
+    return [f"Slower with one build or both: {', '.join(parts) or 'nothing'}."]
 
 
 def sentence_on_builds(build):
@@ -228,11 +248,15 @@ def sentence_on_comparing(build):
 
 def write_markdown(path, builds):
     """What docs/performance.md shows."""
+    first, second = (table_to(peers, builds, operations) for peers, operations in
+                     ((TAKING_MEMORY, TABULATED), (USED_AGAIN, ["decode", "encode", "copy"])))
     parts = [
         ["To the fastest peer that takes memory for each message:"],
-        table_to(TAKING_MEMORY, builds, TABULATED),
+        first,
+        sentence_on_slower(first),
         ["To one object or string that is used again, and takes none:"],
-        table_to(USED_AGAIN, builds, ["decode", "encode", "copy"]),
+        second,
+        sentence_on_slower(second),
         sentence_on_builds(builds[0]),
         sentence_on_malloc(builds[0]),
         sentence_on_comparing(builds[0]),

@@ -27,7 +27,7 @@ def table(page):
             re.search(r"(?:^\|.*\n)+", lines, re.MULTILINE)[0].splitlines()]
     head, rows = rows[0], {row[0]: row for row in rows[2:]}
     # Each entry is that of the two builds, and in brackets another.
-    return {(operation, workload): [float(ratio) for ratio in rows[workload][head.index(operation)].split(" (")[0].split("/")]
+    return {(operation, workload): [float(ratio) for ratio in re.findall(r"[\d.]+", rows[workload][head.index(operation)])[:2]]
             for operation in PLOTTED for workload in ROWS}
 
 

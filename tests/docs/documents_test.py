@@ -71,6 +71,29 @@ elif len(sys.argv) > 2:
     if shown.returncode != 0 or shown.stdout != view[1]:
         faults.append(f"README.md shows another view than zorv-inspect:\n{shown.stdout}{shown.stderr}")
 
+# Where the library is slower, in the table with which the README's plot is drawn: only where the README says so. Entries
+# of the two tables are bold if a build is slower.
+performance = (source / "docs" / "performance.md").read_text(encoding="utf-8")
+slower_to_encode = [{"colour", "stream_of_1000"}, {"colour", "stream_of_1000", "name", "ipv4_prefix", "labels_and_null"}]
+tables = [[line.strip("| \n").split(" | ") for line in table.splitlines()]
+          for table in re.findall(r"(?:^\|.*\n)+", performance.partition("<!-- End")[0], re.MULTILINE)]
+entries = 0
+for number, (head, _, *rows) in enumerate(tables):
+    for operation, workload, entry in ((head[i], row[0], row[i]) for row in rows for i in range(3, len(head))):
+        ratios = re.fullmatch(r"(\*\*)?([\d.]+) / ([\d.]+)(\*\*)? \([\d.]+\)", entry)
+        if ratios is None:
+            continue
+        entries += 1
+        slower = [float(ratio) > 1.02 for ratio in ratios.group(2, 3)]
+        if {ratios[1], ratios[4]} != ({"**"} if any(slower) else {None}):
+            faults.append(f"docs/performance.md: {operation} {workload} should be bold, or should not")
+        if number == 0 and operation in ("decode", "encode"):
+            for build, is_slower in enumerate(slower):
+                if is_slower and (operation == "decode" or workload not in slower_to_encode[build]):
+                    faults.append(f"README.md does not say that it is slower to {operation} {workload}: {entry}")
+if entries < 100:
+    faults.append(f"docs/performance.md has {entries} entries")
+
 # What the README's first command says of itself.
 for arguments, status, said_of_itself in ((["--help"], 0, "usage: ./demo\nInstalls"), (["now"], 2, "usage: ./demo [--help]\n")):
     ran = subprocess.run([(source / "demo").resolve(), *arguments], text=True, capture_output=True, check=False)
