@@ -94,11 +94,15 @@ for number, (head, _, *rows) in enumerate(tables):
 if entries < 100:
     faults.append(f"docs/performance.md has {entries} entries")
 
-# What the README's first command says of itself.
-for arguments, status, said_of_itself in ((["--help"], 0, "usage: ./demo\nInstalls"), (["now"], 2, "usage: ./demo [--help]\n")):
-    ran = subprocess.run([(source / "demo").resolve(), *arguments], text=True, capture_output=True, check=False)
-    if ran.returncode != status or not (ran.stdout + ran.stderr).startswith(said_of_itself):
-        faults.append(f"./demo {arguments[0]}: exit status {ran.returncode}: {ran.stdout}{ran.stderr}")
+# What the README's commands say of themselves.
+for command, usage in (("demo", "usage: ./demo\nInstalls"), ("bench", "usage: ./bench [OPTION...]\n  --quick"),
+                       ("test", "usage: ./test [--help | --long [TIER...]]\nInstalls")):
+    for argument, status in (("--help", 0), ("now", 2)):
+        ran = subprocess.run([(source / command).resolve(), argument], text=True, capture_output=True, check=False)
+        said_of_itself, nothing = (ran.stdout, ran.stderr) if status == 0 else (ran.stderr, ran.stdout)
+        expected = usage if status == 0 else usage[:len("usage: ./") + len(command)]
+        if ran.returncode != status or not said_of_itself.startswith(expected) or nothing:
+            faults.append(f"./{command} {argument}: exit status {ran.returncode}: {ran.stdout}{ran.stderr}")
 
 # Where records are explained it is said that they are to be zeroed.
 header = (source / "include" / "pavo_zorv.h").read_text(encoding="utf-8")
