@@ -13,7 +13,7 @@ namespace pavo_zorv {
 // the keys inside the run only the number is looked at, not the wire type. 0 when a value, or the key after one, is
 // cut off.
 template <class Skip>
-PAVO_ZORV_INLINE std::size_t count_run(unsigned number, const byte *at, const byte *end, Skip skip) {
+inline std::size_t count_run(unsigned number, const byte *at, const byte *end, Skip skip) {
   for (std::size_t count = 1;; ++count) {
     at = skip(at, end);
     if (at == nullptr) return 0;

@@ -86,7 +86,7 @@ class long_values {
   static constexpr std::size_t size = 8 * vector_size;
 
   // The byte before them and the one after are looked at, too.
-  PAVO_ZORV_INLINE long_values(byte key, const byte *at) {
+  long_values(byte key, const byte *at) {
     const bytes keys = key - bytes{};
     bytes ends = {}, in_order = ~ends;
     for (std::size_t offset = 0; offset < size; offset += vector_size) {
@@ -122,7 +122,7 @@ struct run_count {
   std::uint64_t after_value = 0;  // whether the byte before `at` is a value's last
 
   // Takes long values while there are more bytes than they have; returns false where they are not in order.
-  PAVO_ZORV_INLINE bool take_long_values(byte key, const byte *end) {
+  bool take_long_values(byte key, const byte *end) {
     while (end - at > static_cast<std::ptrdiff_t>(long_values::size)) {
       const long_values values(key, at);
       // After a value the first byte must be the key. Otherwise a varint goes on here, or a value of two bytes
@@ -208,7 +208,7 @@ struct element_reader {
 
   std::size_t left() const { return static_cast<std::size_t>(last - next); }
 
-  PAVO_ZORV_INLINE void take(std::uint32_t value) {
+  void take(std::uint32_t value) {
     if (next != last) *next++ = static_cast<Element>(value);
   }
 
@@ -315,7 +315,7 @@ struct element_reader {
   }
 
   // Of each the first byte, and the lowest bit of the second if there is one.
-  PAVO_ZORV_INLINE void take_bytes(elements_seen seen) {
+  void take_bytes(elements_seen seen) {
     const byte *begin = seen.at;
     for (std::uint64_t ends = seen.ends; ends != 0 && next != last; ends &= ends - 1) {
       const byte *const end = seen.at + std::countr_zero(ends);
@@ -352,7 +352,7 @@ PAVO_ZORV_INLINE counted_run count_by_windows(std::uint32_t key, const byte *at,
 }
 
 template <class Element, unsigned KeySize>
-PAVO_ZORV_INLINE void read_window(Element *elements, counted_run run, const byte *at, const byte *limit) {
+inline void read_window(Element *elements, counted_run run, const byte *at, const byte *limit) {
   std::uint64_t values = run.values;
   if constexpr (sizeof(Element) == 1) {
     // An element of two bytes has its own value in the first, if the second is 1, as it is in a canonical varint. If
@@ -433,7 +433,7 @@ PAVO_ZORV_NOINLINE const byte *read_by_windows(Element *elements, std::size_t co
 
 // Counts the integers of a run from its first value on: none when a value, or the key after one, is cut off.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_INLINE counted_run count_integers(std::uint32_t key, const byte *at, const byte *end, const buffer &whole) {
+inline counted_run count_integers(std::uint32_t key, const byte *at, const byte *end, const buffer &whole) {
   if (whole.size() < short_piece::size) return {plain::count_integers(number_of(key), at, end)};
   return count_by_windows<Element, KeySize>(key, at, end, whole.limit);
 }
@@ -441,8 +441,8 @@ PAVO_ZORV_INLINE counted_run count_integers(std::uint32_t key, const byte *at, c
 // Reads integers that have been counted; returns the place after the last. Null where the input has changed since
 // then, and fewer are there now; of more, only as many as were counted are read.
 template <class Element, unsigned KeySize>
-PAVO_ZORV_INLINE const byte *read_integers(Element *elements, counted_run run, std::uint32_t key, const byte *at,
-                                           const byte *end, const buffer &whole) {
+inline const byte *read_integers(Element *elements, counted_run run, std::uint32_t key, const byte *at, const byte *end,
+                                 const buffer &whole) {
   if (run.next != nullptr) {
     read_window<Element, KeySize>(elements, run, at, whole.limit);
     return run.next;

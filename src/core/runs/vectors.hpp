@@ -71,7 +71,7 @@ inline number_vector load_last(const std::uint32_t *end, std::size_t count) {
 // Visits all numbers as vectors: first those that do not fill one, with 0 in the other lanes. Where the processor
 // cannot load single lanes, there must be a vector of numbers or more.
 template <class Visit>
-PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
+inline void for_each_vector(const std::uint32_t *numbers, std::size_t count, Visit visit) {
   const std::size_t rest = count % vector_numbers;
   const std::uint32_t *const end = numbers + count;
   visit(load_last(end, rest));
@@ -82,8 +82,8 @@ PAVO_ZORV_INLINE void for_each_vector(const std::uint32_t *numbers, std::size_t 
 // Stores the last bytes of some last lanes, of each as many as `sizes` says, side by side so that they end at a place;
 // returns where they begin. A lane is stored whole, and the one before it over what is not to stay; of the first lane
 // that overwrites what comes before.
-PAVO_ZORV_INLINE byte *prepend_lanes(byte *at, const number_vector &words, const number_vector &sizes,
-                                     std::size_t count = vector_numbers) {
+inline byte *prepend_lanes(byte *at, const number_vector &words, const number_vector &sizes,
+                           std::size_t count = vector_numbers) {
   const auto prepend = [&](std::size_t lane) PAVO_ZORV_INLINE_LAMBDA {
     store_word(at - 4, words[lane]);
     at -= sizes[lane];

@@ -107,7 +107,7 @@ PAVO_ZORV_INLINE window look(const byte *at, const byte *limit, key_bytes<KeySiz
 
 // Where a window has bytes of a value.
 template <class Piece = native_piece>
-PAVO_ZORV_INLINE std::uint64_t look_for(const byte *at, const byte *limit, byte value) {
+inline std::uint64_t look_for(const byte *at, const byte *limit, byte value) {
   std::uint64_t found = 0;
   for_each_piece<Piece>(at, limit, [&](auto bytes, std::size_t offset, std::size_t before) PAVO_ZORV_INLINE_LAMBDA {
     found |= bytes.equal(value) >> before << offset;
@@ -148,7 +148,7 @@ inline constexpr auto places_of_ones = [] {
 
 // Puts the bytes of a window at which a mask has ones side by side, eight bytes at a time. Reads whole words up to the
 // last one of the mask, and stores whole words.
-PAVO_ZORV_INLINE void pick_bytes(byte *to, const byte *at, std::uint64_t mask) {
+inline void pick_bytes(byte *to, const byte *at, std::uint64_t mask) {
   for (; mask != 0; mask >>= 8, at += 8) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(at));
     const __m128i places = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(places_of_ones[mask & 0xff].data()));

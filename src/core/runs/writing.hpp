@@ -21,7 +21,7 @@ byte *write_run(writer &to, byte *at, std::uint32_t key, const std::uint8_t *ele
 
 // Whether the most that a list could take fits.
 template <unsigned KeySize, class Element>
-PAVO_ZORV_INLINE bool has_room_for_any(const writer &to, const byte *at, const Element *, std::size_t count) {
+inline bool has_room_for_any(const writer &to, const byte *at, const Element *, std::size_t count) {
   constexpr std::size_t longest = KeySize + (sizeof(Element) == 1 ? 2 : 5);
   return to.has_room(at, std::uint64_t{count} * longest);
 }
@@ -60,8 +60,8 @@ struct unwritten {
 
 // Labels from the end on, as many vectors of them as there are in a row; not where one might be stored before the
 // buffer.
-PAVO_ZORV_INLINE unwritten prepend_labels(const byte *first, byte *at, std::uint32_t key, const std::uint32_t *elements,
-                                          std::size_t count) {
+inline unwritten prepend_labels(const byte *first, byte *at, std::uint32_t key, const std::uint32_t *elements,
+                                std::size_t count) {
   constexpr auto space = static_cast<std::ptrdiff_t>(vector_size);
   const label_writer labels(key);
   // The last ones, which do not fill a vector.
