@@ -128,6 +128,7 @@ class command_line {
   int run(int count, char **arguments) {
     try {
       require_command(count, arguments);
+      require_values(count, arguments);
       app_.parse(count, arguments);
       refuse_what_is_left();
       const exit_status status = action_(options_);
@@ -182,6 +183,25 @@ class command_line {
                                   suggested.empty() ? "; `zorv-inspect --help` lists them" : suggested));
   }
 
+  // "--output=" would take the next argument as its value otherwise, and overwrite that file.
+  void require_values(int count, char **arguments) const {
+    const std::string name = arguments[1];
+    if (name.starts_with('-')) return;
+    const CLI::App *const command = app_.get_subcommand(name);
+    for (int index = 2; index < count; ++index) {
+      const std::string given = arguments[index];
+      if (!given.ends_with('=')) continue;
+      const CLI::Option *const option = command->get_option_no_throw(given.substr(0, given.size() - 1));
+      if (option != nullptr && option->nonpositional() && option->get_items_expected_max() != 0) {
+        require_value(option->get_name(), "");
+      }
+    }
+  }
+
+  static void require_value(std::string_view option, std::string_view given) {
+    if (given.empty()) throw usage_error(fmt::format("{}: a value is required", option));
+  }
+
   // Options that the command does not have, and operands beyond those that it takes.
   void refuse_what_is_left() const {
     for (const std::string &each : selected_->remaining()) {
@@ -230,6 +250,7 @@ class command_line {
     std::string names;
     for (const auto &[each, meaning] : values) names += (names.empty() ? "" : ", ") + each;
     const auto choose = [&value, values, names, option = long_name(name)](const std::string &given) {
+      require_value(option, given);
       const auto found = values.find(given);
       if (found == values.end()) throw usage_error(no_such_value(option, given, values, names));
       value = found->second;
@@ -254,6 +275,7 @@ class command_line {
   void add_number(CLI::App *command, const char *name, Value &value, const char *purpose,
                   std::size_t greatest = SIZE_MAX) {
     const auto read = [&value, greatest, option = long_name(name)](const std::string &given) {
+      require_value(option, given);
       std::size_t number = 0;
       const auto [rest, error] = std::from_chars(given.data(), given.data() + given.size(), number);
       if (error != std::errc{} || rest != given.data() + given.size() || number > greatest) {
@@ -264,14 +286,21 @@ class command_line {
     command->add_option_function<std::string>(name, read, purpose)->option_text("N");
   }
 
+  void add_text(CLI::App *command, const char *name, std::string &value, const char *purpose, const char *text) {
+    const auto take = [&value, option = long_name(name)](const std::string &given) {
+      require_value(option, given);
+      value = given;
+    };
+    command->add_option_function<std::string>(name, take, purpose)->option_text(text);
+  }
+
   void add_operands(CLI::App *command, const char *text, const char *purpose, std::size_t most = SIZE_MAX) {
     command->add_option("operands", options_.operands, purpose)->option_text(text);
     most_operands_[command] = most;
   }
 
   void add_output(CLI::App *command) {
-    command->add_option("-o,--output", options_.output, "Write to this file instead of the standard output")
-        ->option_text("FILE");
+    add_text(command, "-o,--output", options_.output, "Write to this file instead of the standard output", "FILE");
   }
 
   void add_input(CLI::App *command) {
@@ -284,8 +313,8 @@ class command_line {
         "--pcap", [this](std::int64_t) { options_.input = byte_form::pcap; },
         "The same as --input=pcap: a capture file, which is also recognised without");
     add_number(command, "--port", options_.port, "Of a capture, read only UDP and TCP from or to this port", 65535);
-    command->add_option("--filter", options_.filter, "Of a capture file, read only packets for which this is true")
-        ->option_text("EXPRESSION");
+    add_text(command, "--filter", options_.filter, "Of a capture file, read only packets for which this is true",
+             "EXPRESSION");
   }
 
   void add_single_input(CLI::App *command) {
@@ -342,8 +371,7 @@ class command_line {
     add_colours(decoding);
     add_octets(decoding, "How to show lists of 8-bit numbers");
     decoding->add_flag("--lines", options_.lines, "Write each message on one line (JSON Lines)");
-    decoding->add_option("--path", options_.path, "Show only this member, such as policies[0].field2")
-        ->option_text("PATH");
+    add_text(decoding, "--path", options_.path, "Show only this member, such as policies[0].field2", "PATH");
 
     CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
     add_operands(annotating, "[TYPE] [FILE]", "Message type, and file to read");

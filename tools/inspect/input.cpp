@@ -110,6 +110,16 @@ void input_file::show_progress(std::size_t taken) {
   if (is_at_end_) progress_->clear();
 }
 
+void refuse_to_replace(const std::string &input, const std::string &output) {
+  struct stat from {};
+  struct stat to {};
+  if (is_standard(output) || ::stat(output.c_str(), &to) != 0 || !S_ISREG(to.st_mode)) return;
+  if ((is_standard(input) ? ::fstat(STDIN_FILENO, &from) : ::stat(input.c_str(), &from)) != 0) return;
+  if (from.st_dev == to.st_dev && from.st_ino == to.st_ino) {
+    throw usage_error(fmt::format("--output={}: this is the input, which is not overwritten", output));
+  }
+}
+
 byte_string read_file(const std::string &name) {
   input_file file(name);
   file.read_all();

@@ -61,6 +61,9 @@ class input_file {
 // The content of a file, or of the standard input when the name is empty or "-".
 byte_string read_file(const std::string &name);
 
+// An output that is the same file as the input is a usage error.
+void refuse_to_replace(const std::string &input, const std::string &output);
+
 void write_file(const std::string &name, byte_view content);
 
 // Appends to the standard output, which is flushed before the program waits for input, and in the end.

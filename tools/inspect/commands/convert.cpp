@@ -47,6 +47,7 @@ void write_text(const command_options &options, std::string_view text) {
 
 exit_status convert(const command_options &options) {
   const auto [type, file] = single_target_of(options);
+  refuse_to_replace(file, options.output);
   const byte_string input = read_file(file);
   const message_form from = options.from == message_form::automatic ? detect(input) : options.from;
   const byte_string message =

@@ -37,6 +37,7 @@ void append_message(byte_string &stream, const message_type &type, const node &f
 exit_status encode(const command_options &options) {
   const auto [type, file] = single_target_of(options);
   if (type == nullptr) throw usage_error("TYPE is required: JSON does not say which message it is");
+  refuse_to_replace(file, options.output);
   const byte_string text = read_file(file);
   byte_string result;
   try {
