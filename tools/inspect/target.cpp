@@ -74,7 +74,7 @@ void for_each_message(const command_options &options, const std::string &file, c
 exit_status decoded::report(std::string_view name) const {
   const std::string text = explain(type, result, walked);
   if (text.empty()) return ok;
-  print_error(name.empty() ? text : fmt::format("{}: {}", name, text));
+  print_error(fmt::format("{}: {}", name, text));
   return agree(result, walked) ? bad_input : disagreement;
 }
 

@@ -57,8 +57,8 @@ struct decoded {
   // The path to where decoding stopped; empty if it did not.
   path_view stopped() const { return walked.failure ? path_view(walked.failure->path) : path_view{}; }
 
-  // Prints what went wrong, if anything did; in a stream with the name of the message.
-  exit_status report(std::string_view name = {}) const;
+  // Prints what went wrong, if anything did, after the name of the message.
+  exit_status report(std::string_view name) const;
 
   const message_type &type;
   byte_view input;

@@ -61,7 +61,7 @@ exit_status convert(const command_options &options) {
   const byte_string kept = read.walked.failure ? message : read.content.encode();
   write_text(options, options.to == message_form::as_json ? read.content.to_text(options.json(), read.stopped())
                                                           : to_text_format(read.type, kept));
-  return read.report();
+  return read.report(name_of(file));
 }
 
 }  // namespace inspect

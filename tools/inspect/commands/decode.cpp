@@ -24,7 +24,7 @@ class decoding {
       const decoded read(type_of(given, message.name, message.bytes), message.bytes);
       text_.clear();
       if (append(message, read, given == nullptr)) print(has_colours_ ? coloured_json(text_, painter(true)) : text_);
-      status_ = worse(status_, read.report(message.is_single ? "" : message.name));
+      status_ = worse(status_, read.report(message.name));
       report_unknown(message.name, read.walked.unknown_fields);
     });
     return status_;

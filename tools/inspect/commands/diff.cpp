@@ -10,14 +10,21 @@
 namespace inspect {
 namespace {
 
-byte_string message_in(const command_options &options, const std::string &file) {
-  byte_string result;
+struct named_message {
+  std::string name;
+  byte_string bytes;
+};
+
+named_message message_in(const command_options &options, const std::string &file) {
+  named_message result;
   std::size_t count = 0;
-  for_each_message(options, file, [&](const std::string &, byte_view message) {
-    result.assign(message.begin(), message.end());
+  for_each_message(options, file, [&](const std::string &name, byte_view message) {
+    result = {name, byte_string(message.begin(), message.end())};
     ++count;
   });
-  if (count != 1) throw usage_error(fmt::format("{}: {} messages in the stream; choose one with --at", file, count));
+  if (count != 1) {
+    throw usage_error(fmt::format("{}: {} messages in the stream; choose one with --at", name_of(file), count));
+  }
   return result;
 }
 
@@ -41,10 +48,10 @@ json json_of(const decoded &message) {
 exit_status diff(const command_options &options) {
   const target target = target_of(options, 2);
   if (target.files.size() != 2) throw usage_error("diff takes two files");
-  const byte_string a = message_in(options, target.files[0]), b = message_in(options, target.files[1]);
-  const message_type &type = type_of(target.type, target.files[0], a);
-  const decoded first(type, a), second(type, b);
-  const exit_status status = worse(first.report(), second.report());
+  const named_message a = message_in(options, target.files[0]), b = message_in(options, target.files[1]);
+  const message_type &type = type_of(target.type, a.name, a.bytes);
+  const decoded first(type, a.bytes), second(type, b.bytes);
+  const exit_status status = worse(first.report(a.name), second.report(b.name));
 
   const int order = first.content.compare(second.content);
   const std::vector<difference> found = differences(type, json_of(first), json_of(second));

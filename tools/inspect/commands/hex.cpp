@@ -43,7 +43,7 @@ exit_status hex(const command_options &options) {
       });
       print(text);
     }
-    status = worse(status, read.report(each.is_single ? "" : name));
+    status = worse(status, read.report(name));
   });
   if (options.html) print(html_page(page));
   return status;

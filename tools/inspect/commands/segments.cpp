@@ -43,7 +43,7 @@ exit_status segments(const command_options &options) {
   for_each_message(options, file, [&, type = type](const input_message &each) {
     const byte_view message = each.bytes;
     const message_type &known = type_of(type, each.name, message);
-    status = worse(status, decoded(known, message).report(each.is_single ? "" : each.name));
+    status = worse(status, decoded(known, message).report(each.name));
     const segment_table copied = segments_of(known, message, false);
     const segment_table referenced = segments_of(known, message, true);
     if (!each.is_single) print(each.name + '\n');
