@@ -124,17 +124,21 @@ TEST(other_input, is_taken_as_raw_bytes_unless_it_is_text) {
   EXPECT_EQ(parse_bytes(of("0831"), byte_form::raw), of("0831"));
   const auto refusal = [](std::string_view text) -> std::string {
     try {
-      detected(text);
+      parse_bytes(of(text), byte_form::automatic, {"a file", "--from=raw"});
     } catch (const input_error &error) {
       return error.what();
     }
     return "read";
   };
-  EXPECT_EQ(refusal("# nothing"), "this is text; --input=raw if it is meant as bytes");
-  EXPECT_EQ(refusal("0000000 0708\n0000002\n"), "this is text; --input=raw if it is meant as bytes");
-  EXPECT_EQ(refusal(" {\"address\": 49}\n"), "this is JSON, which `encode` reads; --input=raw if it is meant as bytes");
-  EXPECT_EQ(refusal("address: 49\n"),
-            "this is text, perhaps what `convert --from=text` reads; --input=raw if it is meant as bytes");
+  const std::string text = "a file is text, but neither digits, a dump nor base64; --from=raw reads it as bytes";
+  EXPECT_EQ(refusal("# nothing"), text);
+  EXPECT_EQ(refusal("0000000 0708\n0000002\n"), text);
+  EXPECT_EQ(refusal(" {\"address\": 49}\n"), "a file is JSON, which `encode` reads; --from=raw reads it as bytes");
+  const std::string text_form =
+      "a file is text, perhaps what `convert --from=text` reads; --from=raw reads it as bytes";
+  EXPECT_EQ(refusal("address: 49\n"), text_form);
+  EXPECT_EQ(refusal("\n# 10.0.0.1\n\t# the first\r\n\n hops {\n}\n"), text_form);
+  EXPECT_EQ(refusal("083"), "a file: an odd number of hexadecimal digits; --from=raw reads it as bytes");
 }
 
 TEST(every_form, is_read_as_it_is_written) {

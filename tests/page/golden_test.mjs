@@ -127,6 +127,10 @@ assert.equal(differences.differences.map(({path, a, b}) => `${path}: ${a} | ${b}
     expected("diff.all").output.replace(/^.*\n/, ""));
 assert.equal(differences.order > 0 ? "first" : "second", /the (\w+) is greater/.exec(expected("diff.all").output)[1]);
 
+// What is refused is named as in the page.
+assert.throws(() => engine.messagesIn(new TextEncoder().encode("08:31-")),
+    {message: 'the input is text, but neither digits, a dump nor base64; the form "bytes" reads it as bytes'});
+
 assert.ok(compared >= 90, `only ${compared} outputs compared`);
 assert.ok(files >= 90, `only ${files} files read`);
 console.log(`${compared} outputs and ${files} files are as expected`);

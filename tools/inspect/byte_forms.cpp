@@ -145,30 +145,29 @@ bool begins_with_name(std::string_view text) {
   return end != 0 && end != text.npos && (text[end] == ':' || text.substr(end).starts_with(" {"));
 }
 
-[[noreturn]] void refuse(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
-  const char *const hint = text.starts_with('{') || text.starts_with('[') ? "this is JSON, which `encode` reads"
-                           : begins_with_name(text) ? "this is text, perhaps what `convert --from=text` reads"
-                                                    : "this is text";
-  throw input_error(fmt::format("{}; --input=raw if it is meant as bytes", hint));
+std::optional<byte_string> digits_of(std::string_view text, const input_words &words) {
+  try {
+    return bytes_of_hex(text);
+  } catch (const input_error &error) {
+    throw input_error(fmt::format("{}: {}; {} reads it as bytes", words.name, error.what(), words.raw));
+  }
 }
 
-byte_string detect_and_parse(byte_string input) {
+[[noreturn]] void refuse(std::string_view text, const input_words &words) {
+  text = after_comments(text);
+  const char *const what = text.starts_with('{') || text.starts_with('[') ? "JSON, which `encode` reads"
+                           : begins_with_name(text) ? "text, perhaps what `convert --from=text` reads"
+                                                    : "text, but neither digits, a dump nor base64";
+  throw input_error(fmt::format("{} is {}; {} reads it as bytes", words.name, what, words.raw));
+}
+
+byte_string detect_and_parse(byte_string input, const input_words &words) {
   if (input.empty() || !is_text(input)) return input;
   const std::string_view text = text_of(input);
   if (auto dump = bytes_of_dump(text)) return *std::move(dump);
-  if (auto content = bytes_of_hex(text)) return *std::move(content);
+  if (auto content = digits_of(text, words)) return *std::move(content);
   if (auto content = bytes_of_base64(text)) return *std::move(content);
-  refuse(text);
-}
-
-// Nothing but whitespace and comments.
-bool is_empty_hex(std::string_view text) {
-  while (!text.empty()) {
-    const std::string_view line = trimmed(next_line(text));
-    if (!line.empty() && line.front() != '#') return false;
-  }
-  return true;
+  refuse(text, words);
 }
 
 }  // namespace
@@ -179,33 +178,41 @@ bool is_text(byte_view input) {
   });
 }
 
-byte_string parse_bytes(byte_string input, byte_form form) {
+std::string_view after_comments(std::string_view text) {
+  while (true) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    if (!text.starts_with('#')) return text;
+    text.remove_prefix(std::min(text.find('\n'), text.size()));
+  }
+}
+
+byte_string parse_bytes(byte_string input, byte_form form, const input_words &words) {
   std::optional<byte_string> found;
   switch (form) {
     case byte_form::automatic:
-      return detect_and_parse(std::move(input));
+      return detect_and_parse(std::move(input), words);
     case byte_form::raw:
     case byte_form::pcap:
       return input;
     case byte_form::hex:
-      if (is_empty_hex(text_of(input))) return {};
-      found = bytes_of_hex(text_of(input));
-      if (!found) throw input_error("the input is not hexadecimal text");
+      if (after_comments(text_of(input)).empty()) return {};
+      found = digits_of(text_of(input), words);
+      if (!found) throw input_error(words.name + " is not hexadecimal text");
       return *std::move(found);
     case byte_form::dump:
       found = bytes_of_dump(text_of(input));
-      if (!found) throw input_error("the input is not a hex dump: a line has no offset, or the wrong one");
+      if (!found) throw input_error(words.name + " is not a hex dump: a line has no offset, or the wrong one");
       return *std::move(found);
     case byte_form::base64:
       found = bytes_of_base64(text_of(input));
-      if (!found) throw input_error("the input is not base64");
+      if (!found) throw input_error(words.name + " is not base64");
       return *std::move(found);
   }
   return input;
 }
 
 std::optional<byte_string> parse_line(std::string_view line, byte_form form) {
-  if (is_empty_hex(line)) return std::nullopt;
+  if (after_comments(line).empty()) return std::nullopt;
   if (form == byte_form::automatic || form == byte_form::hex) {
     if (auto found = bytes_of_hex(line)) return found;
   }

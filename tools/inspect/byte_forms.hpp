@@ -21,9 +21,18 @@ enum class byte_form {
 // Only characters that occur in text: this alone rules out most messages.
 bool is_text(byte_view input);
 
+// The text from its first character that is neither whitespace nor in a comment, from # to the end of a line.
+std::string_view after_comments(std::string_view text);
+
+// What errors call an input, and the choice that reads it as raw bytes.
+struct input_words {
+  std::string name = "the input";
+  std::string_view raw = "--input=raw";
+};
+
 // The bytes that an input stands for. With `automatic`, input that is text must be in one of the forms from beginning
 // to end; any other input is taken as raw bytes. Input that is not in the given form is an error.
-byte_string parse_bytes(byte_string input, byte_form form);
+byte_string parse_bytes(byte_string input, byte_form form, const input_words &words = {});
 
 // The same for a line of text; empty if there is nothing in the line, or only a comment.
 std::optional<byte_string> parse_line(std::string_view line, byte_form form);

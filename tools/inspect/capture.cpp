@@ -23,7 +23,9 @@ class capture : public message_source {
         streams_(
             options.stream, [this](const packet &last, byte_view message) { add(last, message); },
             [this](const std::string &problem) { report(problem); }, {}) {
-    if (options_.stream == prefix_form::lines) throw usage_error("--stream=lines is not for captures");
+    if (options_.stream == prefix_form::lines) {
+      throw usage_error(file_->name() + ": --stream=lines is not for captures");
+    }
   }
 
   bool next(input_message &message) override {

@@ -57,7 +57,7 @@ std::optional<byte_string> plain_digits(const std::string &text) {
   }
   if (has_odd_words(text)) return std::nullopt;
   if (digits.size() % 2 != 0) {
-    throw input_error("odd number of hexadecimal digits (use --input=raw if the input is not text)");
+    throw input_error("an odd number of hexadecimal digits");
   }
   return from_hex(digits);
 }

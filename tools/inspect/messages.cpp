@@ -17,9 +17,9 @@ namespace {
 byte_string owned(byte_view bytes) { return byte_string(bytes.begin(), bytes.end()); }
 
 // What the input stands for, if it is text from beginning to end.
-void decode_text(input_file &from, byte_form form) {
+void decode_text(input_file &from, byte_form form, const input_options &options) {
   from.read_all();
-  if (form != byte_form::raw) from.replace(parse_bytes(owned(from.ahead()), form));
+  if (form != byte_form::raw) from.replace(parse_bytes(owned(from.ahead()), form, {from.name(), options.raw_choice}));
 }
 
 class whole_input : public message_source {
@@ -32,7 +32,7 @@ class whole_input : public message_source {
     is_read_ = true;
     from_->read_all();
     if (options_.input != byte_form::raw && !(options_.input == byte_form::automatic && !is_text(from_->ahead()))) {
-      decode_text(*from_, options_.input);
+      decode_text(*from_, options_.input, options_);
     }
     message.bytes = limited(from_->ahead(), options_);
     message.name = from_->name();
@@ -75,11 +75,11 @@ class prefixed_stream : public message_source {
       while (is_text(from_->ahead().subspan(seen))) {
         seen = from_->ahead().size();
         if (from_->read_more()) continue;
-        decode_text(*from_, byte_form::automatic);
+        decode_text(*from_, byte_form::automatic, options_);
         break;
       }
     } else if (options_.input != byte_form::raw) {
-      decode_text(*from_, options_.input);
+      decode_text(*from_, options_.input, options_);
     }
     std::size_t left = options_.skip;
     while (left != 0 && (!from_->ahead().empty() || from_->read_more())) {
@@ -212,7 +212,8 @@ std::unique_ptr<message_source> open_messages(std::unique_ptr<input_file> from, 
   if (auto packets = packets_of(*from, options)) {
     return messages_of_capture(std::move(from), std::move(packets), options);
   }
-  if (!options.filter.empty() || options.port) throw usage_error("--filter and --port are for captures");
+  if (!options.filter.empty() || options.port)
+    throw usage_error(from->name() + ": --filter and --port are for captures");
   switch (options.stream) {
     case prefix_form::none:
       return std::make_unique<whole_input>(std::move(from), options);

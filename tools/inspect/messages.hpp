@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "byte_forms.hpp"
 #include "bytes.hpp"
@@ -23,6 +24,7 @@ struct input_options {
   std::size_t length = std::numeric_limits<std::size_t>::max();  // bytes to take after that
   std::string filter;                                            // of the packets of a capture, as libpcap has them
   std::optional<std::size_t> port;                               // of UDP and TCP: only packets from or to it
+  std::string_view raw_choice = "--input=raw";                   // for errors: what reads text as bytes
 };
 
 // Where a message in a capture comes from. Empty if unknown.

@@ -29,6 +29,8 @@
 namespace inspect {
 namespace {
 
+constexpr std::string_view raw_choice = "the form \"bytes\"";  // as page.html calls it
+
 std::unique_ptr<document> held[2];
 byte_string result;
 std::unique_ptr<message_source> source;  // of the messages in an input
@@ -122,7 +124,7 @@ EXPORTED(form_of) std::uint32_t form_of(const unsigned char *data, std::size_t s
 }
 
 EXPORTED(bytes_of) void bytes_of(const unsigned char *data, std::size_t size, std::uint32_t form) {
-  give_bytes(parse_bytes(byte_string(data, data + size), static_cast<byte_form>(form)));
+  give_bytes(parse_bytes(byte_string(data, data + size), static_cast<byte_form>(form), {"the input", raw_choice}));
 }
 
 // An input that may be one message or many. `stream` is a prefix_form; a port of 0 is any.
@@ -131,6 +133,7 @@ void open_input(const unsigned char *data, std::size_t size, std::uint32_t form,
                 std::uint32_t port) {
   notes.clear();
   input_options options;
+  options.raw_choice = raw_choice;
   options.input = static_cast<byte_form>(form);
   options.stream = static_cast<prefix_form>(stream);
   if (port != 0) options.port = port;

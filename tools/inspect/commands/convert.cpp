@@ -50,8 +50,8 @@ exit_status convert(const command_options &options) {
   refuse_to_replace(file, options.output);
   const byte_string input = read_file(file);
   const message_form from = options.from == message_form::automatic ? detect(input) : options.from;
-  const byte_string message =
-      is_bytes(from) ? parse_bytes(input, byte_form_of(from)) : encode_text(type, name_of(file), input, options, from);
+  const byte_string message = is_bytes(from) ? parse_bytes(input, byte_form_of(from), {name_of(file), "--from=raw"})
+                                             : encode_text(type, name_of(file), input, options, from);
   if (is_bytes(options.to)) {
     write_text(options, format_bytes(message, byte_form_of(options.to)));
     return ok;
