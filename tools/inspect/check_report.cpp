@@ -46,9 +46,10 @@ std::string other_encoding(const check_result &result) {
 
 std::string totals_text(const check_totals &totals) {
   std::string text =
-      fmt::format("{} message{}, {}: {} decode, {} canonical, {} refused\n", totals.messages, plural(totals.messages),
+      fmt::format("{} message{}, {}: {} decode, {} canonical, {} refused", totals.messages, plural(totals.messages),
                   byte_count(totals.bytes), totals.decoded, totals.canonical, totals.messages - totals.decoded);
-  text += fmt::format("memory: {}", usage_text(totals.memory));
+  if (totals.errors != 0) text += fmt::format(", {} not read", totals.errors);
+  text += fmt::format("\nmemory: {}", usage_text(totals.memory));
   if (totals.amplification > 0) {
     text += fmt::format("; at most {:.1f} per input byte ({})", totals.amplification, totals.most_amplified);
   }
@@ -63,12 +64,12 @@ std::string totals_text(const check_totals &totals) {
   return text;
 }
 
-// Nothing but the totals.
+// Nothing but the totals, and on the standard error what is not in them.
 class summary : public check_report {
  public:
   bool takes_all() const override { return false; }
   void message(const check_result &) override {}
-  void error(const std::string &, const std::string &) override {}
+  void error(const std::string &, const std::string &why) override { fmt::print(stderr, "zorv-inspect: {}\n", why); }
   void end(const check_totals &totals) override { print(totals_text(totals)); }
 };
 
@@ -153,6 +154,7 @@ class json_report : public check_report {
     add(to, "canonical", totals.canonical);
     add(to, "refused", totals.messages - totals.decoded);
     add(to, "unknown_fields", totals.unknown);
+    add(to, "errors", totals.errors);
     add(to, "skipped", totals.skipped);
     add(to, "memory", totals.memory);
     add(to, "dropped", totals.dropped);

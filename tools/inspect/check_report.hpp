@@ -34,6 +34,7 @@ struct check_totals {
   std::size_t messages = 0, bytes = 0;
   std::size_t decoded = 0, canonical = 0;
   std::size_t unknown = 0;
+  std::size_t errors = 0;   // files and folders that cannot be read, or can only in part
   std::size_t skipped = 0;  // pipes, devices and sockets in folders
   counting_memory::usage memory, dropped;
   double amplification = 0;    // the highest memory per input byte

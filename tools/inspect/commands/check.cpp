@@ -26,9 +26,11 @@ class checking {
 
   exit_status run() {
     const auto begin = clock::now();
-    const folder_visitor visit{[&](const std::string &file) { check_file(file); },
-                               [&](const std::string &) { ++totals_.skipped; },
-                               [&](const std::string &folder, const std::string &why) { add_unreadable(folder, why); }};
+    const folder_visitor visit{
+        [&](const std::string &file) { check_file(file); }, [&](const std::string &) { ++totals_.skipped; },
+        [&](const std::string &folder, const std::string &why) {
+          add_error(folder, fmt::format("cannot read the folder {}: {}", folder, why), bad_usage);
+        }};
     for (const std::string &name : target_.files) visit_files(name, visit);
     progress_.clear();
     if (options_.timing) totals_.seconds = std::chrono::duration<double>(clock::now() - begin).count();
@@ -50,17 +52,16 @@ class checking {
       for_each_message(options_, file,
                        [&](const std::string &name, byte_view message) { check_message(name, message); });
     } catch (const std::runtime_error &error) {
-      progress_.clear();
-      report_->error(file, error.what());
-      status_ = worse(status_, dynamic_cast<const usage_error *>(&error) != nullptr ? bad_usage : bad_input);
+      add_error(file, error.what(), dynamic_cast<const usage_error *>(&error) != nullptr ? bad_usage : bad_input);
     }
     progress_.step();
   }
 
-  void add_unreadable(const std::string &folder, const std::string &why) {
+  void add_error(const std::string &name, const std::string &why, exit_status status) {
     progress_.clear();
-    report_->error(folder, fmt::format("cannot read the folder {}: {}", folder, why));
-    status_ = worse(status_, bad_usage);
+    report_->error(name, why);
+    ++totals_.errors;
+    status_ = worse(status_, status);
   }
 
   void check_message(const std::string &name, byte_view message) {
