@@ -217,8 +217,10 @@ TEST(a_stream, may_begin_and_end_within_the_input) {
   EXPECT_EQ(content_of(test::hex("ff ff ff 02 08 31 00"), prefix_form::varint, options).failure,
             "input: message 0 of the stream, at offset 3: length 2 exceeds the 1 byte left");
   options.skip = 9;
-  EXPECT_EQ(content_of(test::hex("ff ff ff"), prefix_form::varint, options), (stream_content{{}, ""}));
-  EXPECT_EQ(content_of(test::hex("ff ff ff"), prefix_form::none, options), (stream_content{{0}, ""}));
+  for (const prefix_form form : {prefix_form::varint, prefix_form::none}) {
+    EXPECT_EQ(content_of(test::hex("ff ff ff"), form, options).failure, "input: --skip=9 exceeds its 3 bytes");
+    EXPECT_EQ(content_of(byte_string(9), form, options).failure, "");
+  }
 }
 
 TEST(lines, are_messages_unless_they_are_empty_or_comments) {

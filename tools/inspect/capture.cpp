@@ -76,8 +76,10 @@ class capture : public message_source {
       case packet::content::datagram:
         if (found.missing != 0) {
           ++cut_off_;
+        } else if (const auto part = limited(found.bytes, options_)) {
+          add(found, *part);
         } else {
-          add(found, limited(found.bytes, options_));
+          ++too_short_;
         }
         break;
       case packet::content::segment:
@@ -122,6 +124,7 @@ class capture : public message_source {
     append(problems_, "TCP stream in part", "TCP streams in part");
     append(fragments_, "fragment of an IP packet", "fragments of IP packets");
     append(cut_off_, "datagram cut off by the capture", "datagrams cut off by the capture");
+    append(too_short_, "datagram shorter than --skip", "datagrams shorter than --skip");
     append(damaged_, "damaged packet", "damaged packets");
     const bool is_error = !text.empty();
     append(segments_, "TCP segment with data (--stream says how they are cut)",
@@ -144,7 +147,7 @@ class capture : public message_source {
   bool is_at_end_ = false;
   std::size_t count_ = 0;   // of packets
   std::size_t number_ = 0;  // of the next message
-  std::size_t problems_ = 0, fragments_ = 0, cut_off_ = 0, damaged_ = 0, segments_ = 0;
+  std::size_t problems_ = 0, fragments_ = 0, cut_off_ = 0, too_short_ = 0, damaged_ = 0, segments_ = 0;
 };
 
 }  // namespace

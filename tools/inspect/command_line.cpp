@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <exception>
 #include <map>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -142,6 +143,9 @@ class command_line {
     } catch (const input_error &error) {
       print_error(fmt::format("{}\n", error.what()));
       return bad_input;
+    } catch (const std::bad_alloc &) {
+      print_error("out of memory\n");
+      return bad_usage;
     } catch (const std::exception &error) {
       print_error(fmt::format("{}\n", error.what()));
       return bad_usage;

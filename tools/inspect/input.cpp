@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -73,6 +74,14 @@ void input_file::read_all() {
   if (!is_at_end_ && capacity_ <= file_size_) resize(file_size_ + 1);
   while (read_more()) {
   }
+}
+
+byte_view input_file::read_up_to(std::size_t size) {
+  if (size == SIZE_MAX) read_all();
+  while (ahead().size() < size && read_more()) {
+  }
+  if (progress_ != nullptr) progress_->clear();
+  return ahead().first(std::min(size, ahead().size()));
 }
 
 void input_file::replace(byte_view content) {

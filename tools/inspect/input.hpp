@@ -33,6 +33,9 @@ class input_file {
   bool read_more();
   void read_all();
 
+  // What is ahead, read until it is `size` bytes or the end.
+  byte_view read_up_to(std::size_t size);
+
   void consume(std::size_t size) { begin_ += size; }
 
   // What is ahead is replaced by what it stands for. Nothing more is read.

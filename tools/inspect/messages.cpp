@@ -22,6 +22,33 @@ void decode_text(input_file &from, byte_form form, const input_options &options)
   if (form != byte_form::raw) from.replace(parse_bytes(owned(from.ahead()), form, {from.name(), options.raw_choice}));
 }
 
+std::string beyond_the_end(std::size_t skip, std::size_t size) {
+  return fmt::format("--skip={} exceeds its {}", skip, byte_count(size));
+}
+
+// Decodes text, and leaves out what is to be skipped. Bytes that cannot be text end the wait for more that might be.
+void begin(input_file &from, const input_options &options) {
+  if (options.input == byte_form::automatic) {
+    std::size_t seen = 0;
+    while (is_text(from.ahead().subspan(seen))) {
+      seen = from.ahead().size();
+      if (from.read_more()) continue;
+      decode_text(from, byte_form::automatic, options);
+      break;
+    }
+  } else if (options.input != byte_form::raw) {
+    decode_text(from, options.input, options);
+  }
+  for (std::size_t left = options.skip; left != 0;) {
+    if (from.ahead().empty() && !from.read_more()) {
+      throw input_error(fmt::format("{}: {}", from.name(), beyond_the_end(options.skip, options.skip - left)));
+    }
+    const std::size_t size = std::min(left, from.ahead().size());
+    from.consume(size);
+    left -= size;
+  }
+}
+
 class whole_input : public message_source {
  public:
   whole_input(std::unique_ptr<input_file> from, const input_options &options)
@@ -30,11 +57,8 @@ class whole_input : public message_source {
   bool next(input_message &message) override {
     if (is_read_) return false;
     is_read_ = true;
-    from_->read_all();
-    if (options_.input != byte_form::raw && !(options_.input == byte_form::automatic && !is_text(from_->ahead()))) {
-      decode_text(*from_, options_.input, options_);
-    }
-    message.bytes = limited(from_->ahead(), options_);
+    begin(*from_, options_);
+    message.bytes = from_->read_up_to(options_.length);
     message.name = from_->name();
     return true;
   }
@@ -51,7 +75,7 @@ class prefixed_stream : public message_source {
       : from_(std::move(from)), options_(options) {}
 
   bool next(input_message &message) override {
-    if (std::exchange(is_new_, false)) begin();
+    if (std::exchange(is_new_, false)) begin(*from_, options_);
     from_->consume(std::exchange(last_size_, 0));
     while (true) {
       const byte_view stream = from_->ahead().first(std::min(from_->ahead().size(), options_.length - at_));
@@ -68,27 +92,6 @@ class prefixed_stream : public message_source {
   }
 
  private:
-  // Bytes that cannot be text end the wait for more that might be.
-  void begin() {
-    if (options_.input == byte_form::automatic) {
-      std::size_t seen = 0;
-      while (is_text(from_->ahead().subspan(seen))) {
-        seen = from_->ahead().size();
-        if (from_->read_more()) continue;
-        decode_text(*from_, byte_form::automatic, options_);
-        break;
-      }
-    } else if (options_.input != byte_form::raw) {
-      decode_text(*from_, options_.input, options_);
-    }
-    std::size_t left = options_.skip;
-    while (left != 0 && (!from_->ahead().empty() || from_->read_more())) {
-      const std::size_t size = std::min(left, from_->ahead().size());
-      from_->consume(size);
-      left -= size;
-    }
-  }
-
   void take(input_message &message, const first_message &found, byte_view stream) {
     const auto length = static_cast<std::size_t>(found.length);
     message.bytes = stream.subspan(found.start, length);
@@ -134,7 +137,12 @@ class lines_of_text : public message_source {
       }
       from_->consume(std::min(line->size() + 1, from_->ahead().size()));
       if (!content_) continue;
-      message.bytes = limited(*content_, options_);
+      const auto part = limited(*content_, options_);
+      if (!part) {
+        const std::string problem = beyond_the_end(options_.skip, content_->size());
+        throw input_error(fmt::format("{}: line {}: {}", from_->name(), line_, problem));
+      }
+      message.bytes = *part;
       message.is_single = false;
       message.number = number_++;
       message.name = fmt::format("{}[{}]", from_->name(), message.number);
@@ -192,8 +200,9 @@ std::unique_ptr<packet_source> packets_of(input_file &from, const input_options 
 
 }  // namespace
 
-byte_view limited(byte_view bytes, const input_options &options) {
-  const byte_view rest = bytes.subspan(std::min(options.skip, bytes.size()));
+std::optional<byte_view> limited(byte_view bytes, const input_options &options) {
+  if (options.skip > bytes.size()) return std::nullopt;
+  const byte_view rest = bytes.subspan(options.skip);
   return rest.first(std::min(options.length, rest.size()));
 }
 

@@ -36,8 +36,8 @@ struct packet_origin {
 // " 2026-11-22T12:00:01.500000Z 192.0.2.1:40000 > 192.0.2.2:4711", as far as it is known.
 std::string to_string(const packet_origin &origin);
 
-// The part of some bytes that `skip` and `length` choose.
-byte_view limited(byte_view bytes, const input_options &options);
+// The part of some bytes that `skip` and `length` choose; empty if there are fewer bytes than are to be skipped.
+std::optional<byte_view> limited(byte_view bytes, const input_options &options);
 
 struct input_message {
   byte_view bytes;        // valid until the next message is asked for
