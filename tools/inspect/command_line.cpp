@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <map>
 #include <new>
 #include <optional>
@@ -129,8 +130,10 @@ class command_line {
   int run(int count, char **arguments) {
     try {
       require_command(count, arguments);
-      require_values(count, arguments);
-      app_.parse(count, arguments);
+      const int end = end_of_options(count, arguments);
+      require_values(end, arguments);
+      app_.parse(end, arguments);
+      for (int index = end + 1; index < count; ++index) options_.operands.emplace_back(arguments[index]);
       refuse_what_is_left();
       const exit_status status = action_(options_);
       flush_output();
@@ -187,6 +190,12 @@ class command_line {
                                   suggested.empty() ? "; `zorv-inspect --help` lists them" : suggested));
   }
 
+  // The first "--", or the end: everything after it is an operand.
+  static int end_of_options(int count, char **arguments) {
+    const auto is_end = [](const char *argument) { return std::string_view(argument) == "--"; };
+    return static_cast<int>(std::find_if(arguments, arguments + count, is_end) - arguments);
+  }
+
   // "--output=" would take the next argument as its value otherwise, and overwrite that file.
   void require_values(int count, char **arguments) const {
     const std::string name = arguments[1];
@@ -220,8 +229,8 @@ class command_line {
     }
     const std::size_t most = most_operands_.at(selected_);
     if (options_.operands.size() > most) {
-      throw usage_error(
-          fmt::format("{}: unexpected argument; {} takes only one", options_.operands[most], selected_->get_name()));
+      throw usage_error(fmt::format("{}: unexpected argument; {} takes {}", options_.operands[most],
+                                    selected_->get_name(), most == 0 ? "none" : "only one"));
     }
   }
 
@@ -248,6 +257,12 @@ class command_line {
 
   // --- Options ---
 
+  // Given twice, the last one holds, also over another that sets the same: each is taken in its order.
+  static void add_value(CLI::App *command, const char *name, const std::function<void(const std::string &)> &take,
+                        const std::string &purpose, const char *text) {
+    command->add_option_function<std::string>(name, take, purpose)->option_text(text)->trigger_on_parse();
+  }
+
   template <class Value>
   void add_choice(CLI::App *command, const char *name, Value &value, const choices<Value> &values,
                   std::string purpose) {
@@ -259,7 +274,7 @@ class command_line {
       if (found == values.end()) throw usage_error(no_such_value(option, given, values, names));
       value = found->second;
     };
-    command->add_option_function<std::string>(name, choose, purpose + ": " + names)->option_text("FORM");
+    add_value(command, name, choose, purpose + ": " + names, "FORM");
   }
 
   template <class Value>
@@ -287,7 +302,7 @@ class command_line {
       }
       value = number;
     };
-    command->add_option_function<std::string>(name, read, purpose)->option_text("N");
+    add_value(command, name, read, purpose, "N");
   }
 
   void add_text(CLI::App *command, const char *name, std::string &value, const char *purpose, const char *text) {
@@ -295,7 +310,7 @@ class command_line {
       require_value(option, given);
       value = given;
     };
-    command->add_option_function<std::string>(name, take, purpose)->option_text(text);
+    add_value(command, name, take, purpose, text);
   }
 
   void add_operands(CLI::App *command, const char *text, const char *purpose, std::size_t most = SIZE_MAX) {
@@ -313,9 +328,11 @@ class command_line {
                "The input is a stream of messages, each after its length, or of lines of text");
     add_number(command, "--skip", options_.skip, "Leave out the first N bytes of the input, of each line or datagram");
     add_number(command, "--length", options_.length, "Read only N bytes after that");
-    command->add_flag(
-        "--pcap", [this](std::int64_t) { options_.input = byte_form::pcap; },
-        "The same as --input=pcap: a capture file, which is also recognised without");
+    command
+        ->add_flag_function(
+            "--pcap", [this](std::int64_t) { options_.input = byte_form::pcap; },
+            "The same as --input=pcap: a capture file, which is recognised without this option, too")
+        ->trigger_on_parse();
     add_number(command, "--port", options_.port, "Of a capture, read only UDP and TCP from or to this port", 65535);
     add_text(command, "--filter", options_.filter, "Of a capture file, read only packets for which this is true",
              "EXPRESSION");
