@@ -92,7 +92,8 @@ class help_format : public CLI::Formatter {
   }
 
   std::string make_option_opts(const CLI::Option *option) const override {
-    return option->get_positional() ? "" : Formatter::make_option_opts(option);
+    const std::string text = option->get_option_text();
+    return option->get_positional() || text.empty() ? "" : ' ' + text;
   }
 
  private:
@@ -243,6 +244,10 @@ class command_line {
       const std::string given = what.substr(what.find(": ") + 2);
       return fmt::format("{}: this option takes no value\n", given.substr(0, given.find(' ')));
     }
+    if (dynamic_cast<const CLI::ExcludesError *>(&error) != nullptr) {  // "--lines excludes --raw"
+      const std::size_t end = what.find(' ');
+      return fmt::format("{} and {} exclude each other\n", what.substr(0, end), what.substr(what.rfind(' ') + 1));
+    }
     return what + '\n';
   }
 
@@ -387,12 +392,16 @@ class command_line {
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
     add_single_input(decoding);
+    CLI::Option *const raw =
+        decoding->add_flag("--raw", options_.raw, "Show the fields of an unknown message by their numbers");
     add_bytes(decoding, "How to show bytes", json_bytes::length);
-    decoding->add_flag("--raw", options_.raw, "Show the fields of an unknown message by their numbers");
     add_colours(decoding);
     add_octets(decoding, "How to show lists of 8-bit numbers");
     decoding->add_flag("--lines", options_.lines, "Write each message on one line (JSON Lines)");
     add_text(decoding, "--path", options_.path, "Show only this member, such as policies[0].field2", "PATH");
+    for (const char *const name : {"--bytes", "--octets", "--lines", "--path"}) {
+      raw->excludes(decoding->get_option(name));
+    }
 
     CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
     add_operands(annotating, "[TYPE] [FILE]", "Message type, and file to read");
