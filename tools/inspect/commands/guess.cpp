@@ -3,7 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <span>
 
 #include "../commands.hpp"
@@ -43,8 +42,7 @@ exit_status guess_type(const command_options &options) {
                           is_tied ? "; as likely as the first" : "");
     }
     print(text);
-    const bool decodes = std::ranges::any_of(candidates, [](const candidate &each) { return each.fit != fit::none; });
-    if (!decodes) status = bad_input;
+    if (candidates.front().fit == fit::none) status = bad_input;
   });
   return status;
 }
