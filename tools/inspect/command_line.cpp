@@ -50,6 +50,31 @@ const choices<json_byte_lists> octets_forms{
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
 
+// Lines of at most 118 columns.
+std::string wrapped(std::string_view text) {
+  constexpr std::size_t width = 118;
+  std::string lines;
+  while (text.size() > width) {
+    const std::size_t end = text.rfind(' ', width);
+    lines += fmt::format("{}\n", text.substr(0, end));
+    text.remove_prefix(end + 1);
+  }
+  return lines.append(text);
+}
+
+// --- What the help says after the options ---
+
+constexpr std::string_view reads_file = "Without FILE, or if FILE is \"-\", the standard input is read.";
+constexpr std::string_view refused = "a message cannot be decoded, or other input is refused";
+constexpr std::string_view exit_heading = "Exit status: ";
+
+// `one` is what the status 1 means; empty if there is no input to refuse.
+std::string exit_text(std::string_view one, bool may_disagree = true) {
+  return fmt::format("{}0 success; {}2 wrong usage, or a file cannot be read or written{}", exit_heading,
+                     one.empty() ? "" : fmt::format("1 {}; ", one),
+                     may_disagree ? "; 3 the library and this tool disagree about the input." : ".");
+}
+
 std::vector<const CLI::App *> commands_of(const CLI::App &app) {
   return app.get_subcommands([](const CLI::App *) { return true; });
 }
@@ -73,6 +98,8 @@ class help_format : public CLI::Formatter {
   std::string make_expanded(const CLI::App *command) const override {
     std::string text = fmt::format("\nCommand {}{}:\n  {}\n\n", command->get_name(), operands_of(*command),
                                    command->get_description());
+    const std::string footer = command->get_footer();
+    if (const std::string notes = footer.substr(0, footer.find(exit_heading)); !notes.empty()) text += notes;
     for (const CLI::Option *option :
          command->get_options([](const CLI::Option *each) { return each->nonpositional(); })) {
       if (option->get_group() == "Options" && option != command->get_help_ptr() &&
@@ -115,12 +142,9 @@ class command_line {
     app_.set_version_flag("--version", std::string("zorv-inspect ") + PAVO_ZORV_VERSION);
     app_.set_help_all_flag("--help-all", "Print the help of all commands");
     app_.footer(
-        "Without FILE, or if FILE is \"-\", the standard input is read. TYPE is the name of a message; it may be "
-        "omitted if only\n"
-        "one message reads every byte of the input.\n\n"
-        "Exit status: 0 success; 1 a message cannot be decoded, two messages differ, or other input is refused; 2 "
-        "wrong usage,\n"
-        "or a file cannot be read or written; 3 the library and this tool disagree about the input.");
+        wrapped("After \"--\" come operands, also those that begin with a dash. Of an option that is given twice, "
+                "the last one holds.") +
+        "\n\n" + wrapped(exit_text("a message cannot be decoded, two messages differ, or other input is refused")));
     add_reading_commands();
     add_checking_commands();
     add_writing_commands();
@@ -318,6 +342,11 @@ class command_line {
     add_value(command, name, take, purpose, text);
   }
 
+  // What is true of the command's operands, and what its exit status means.
+  static void add_notes(CLI::App *command, const std::string &operands, const std::string &status) {
+    command->footer((operands.empty() ? "" : wrapped(operands) + "\n\n") + wrapped(status));
+  }
+
   void add_operands(CLI::App *command, const char *text, const char *purpose, std::size_t most = SIZE_MAX) {
     command->add_option("operands", options_.operands, purpose)->option_text(text);
     most_operands_[command] = most;
@@ -380,17 +409,21 @@ class command_line {
   }
 
   void add_reading_commands() {
-    add_operands(command("types", "List the messages, or the fields of one with their keys and record offsets", types),
-                 "[TYPE]", "Message type", 1);
+    CLI::App *const listing =
+        command("types", "List the messages, or the fields of one with their keys and record offsets", types);
+    add_operands(listing, "[TYPE]", "Message type", 1);
+    add_notes(listing, "", exit_text("", false));
     CLI::App *const describing = command(
         "schema", "Print the messages, or one with those that it contains, as a schema for other programs", schema);
     add_operands(describing, "[TYPE]", "Message type", 1);
     add_choice(describing, "-f,--form", options_.schema, schema_forms,
                "The language of protoc, a FileDescriptorSet, or JSON Schema");
     add_output(describing);
+    add_notes(describing, "TYPE is required for a JSON Schema, which is that of one message.", exit_text("", false));
 
     CLI::App *const decoding = command("decode", "Show messages as JSON", decode);
     add_operands(decoding, "[TYPE] [FILE]", "Message type, and file to read");
+    add_notes(decoding, reads_message_, exit_text(refused));
     add_single_input(decoding);
     CLI::Option *const raw =
         decoding->add_flag("--raw", options_.raw, "Show the fields of an unknown message by their numbers");
@@ -405,6 +438,7 @@ class command_line {
 
     CLI::App *const annotating = command("hex", "Show every byte of a message with its meaning", hex);
     add_operands(annotating, "[TYPE] [FILE]", "Message type, and file to read");
+    add_notes(annotating, reads_message_, exit_text(refused));
     add_single_input(annotating);
     add_colours(annotating);
     annotating->add_flag("--html", options_.html, "Write a page for a browser");
@@ -413,12 +447,18 @@ class command_line {
     CLI::App *const drawing =
         command("segments", "Show the segment table of an encoding, without and with reference mode", segments);
     add_operands(drawing, "[TYPE] [FILE]", "Message type, and file to read");
+    add_notes(drawing, reads_message_, exit_text(refused));
     add_single_input(drawing);
   }
 
   void add_checking_commands() {
     CLI::App *const comparing = command("diff", "Show where two messages differ", diff);
     add_operands(comparing, "[TYPE] A B", "Message type, and the files to compare");
+    add_notes(
+        comparing,
+        "If A or B is \"-\", the standard input is read. TYPE is the name of a message; it may be omitted if only "
+        "one message reads every byte of A.",
+        exit_text("the messages differ, one of them cannot be decoded, or other input is refused"));
     add_single_input(comparing);
     add_colours(comparing);
     comparing->add_flag("-a,--all", options_.all, "Show all differences, not only the first");
@@ -426,6 +466,8 @@ class command_line {
     CLI::App *const checking = command(
         "check", "Decode many messages: which are refused, which are not canonical, how much memory they take", check);
     add_operands(checking, "[TYPE] FILE...", "Message type, and the files and folders to check");
+    add_notes(checking, reads_message_,
+              exit_text("a message cannot be decoded, or with --strict is not canonical, or other input is refused"));
     add_input(checking);
     checking->add_flag("-a,--all", options_.all, "Print a line for every message");
     checking->add_flag("--strict", options_.strict, "Treat messages that are not canonical as refused");
@@ -438,17 +480,25 @@ class command_line {
     CLI::App *const guessing =
         command("guess", "List the messages that an input may be, the most likely first", guess_type);
     add_operands(guessing, "[FILE]", "File to read", 1);
+    add_notes(guessing, std::string(reads_file),
+              exit_text("the input does not decode as the first message of the list, or is refused", false));
     add_single_input(guessing);
     guessing->add_flag("-a,--all", options_.all, "List all messages, not only the likely ones");
 
     CLI::App *const listing = command("index", "List the messages of a stream", index_stream);
     add_operands(listing, "[TYPE] [FILE]", "Message type, and file to read");
+    add_notes(listing,
+              fmt::format("{} TYPE is the name of a message; without it, the message that is the most likely is shown.",
+                          reads_file),
+              exit_text("the input is refused", false));
     add_input(listing);
   }
 
   void add_writing_commands() {
     CLI::App *const encoding = command("encode", "Encode a message from JSON", encode);
     add_operands(encoding, "TYPE [FILE]", "Message type, and file to read");
+    add_notes(encoding, fmt::format("{} TYPE is the name of a message.", reads_file),
+              exit_text("the input is refused", false));
     add_output(encoding);
     add_stream(encoding, "Write a stream of length-prefixed messages, one for each JSON value in the input");
     add_bytes(encoding, "How bytes are given in the JSON", json_bytes::hex);
@@ -456,6 +506,12 @@ class command_line {
 
     CLI::App *const converting = command("convert", "Convert a message to another form", convert);
     add_operands(converting, "[TYPE] [FILE]", "Message type, and file to read");
+    add_notes(converting,
+              fmt::format("{} TYPE is the name of a message. It is required if the input is JSON or text, and has no "
+                          "effect from bytes to bytes; otherwise, it may be omitted if only one message reads every "
+                          "byte of the input.",
+                          reads_file),
+              exit_text(refused));
     choices<message_form> targets = message_forms;
     targets.erase("auto");
     add_choice(converting, "-f,--from", options_.from, message_forms,
@@ -467,7 +523,8 @@ class command_line {
 
     CLI::App *const opening =
         command("page", "Open the page that does all this in a browser, or write it to a file", page);
-    add_output(opening);
+    add_text(opening, "-o,--output", options_.output, "Write the page to this file instead of opening it", "FILE");
+    add_notes(opening, "", exit_text("", false));
     most_operands_[opening] = 0;
   }
 
@@ -483,6 +540,7 @@ class command_line {
           return ok;
         });
     add_operands(completing, "SHELL", "bash, fish or zsh", 1);
+    add_notes(completing, "", exit_text("", false));
   }
 
   void add_help() {
@@ -497,9 +555,13 @@ class command_line {
       return ok;
     });
     add_operands(helping, "[COMMAND]", "Name of a command", 1);
+    add_notes(helping, "", exit_text("", false));
   }
 
   CLI::App app_{"Inspect and edit the messages of pavo-zorv.", "zorv-inspect"};
+  const std::string reads_message_ = fmt::format(
+      "{} TYPE is the name of a message; it may be omitted if only one message reads every byte of the input.",
+      reads_file);
   command_options options_;
   action action_;
   const CLI::App *selected_ = nullptr;
