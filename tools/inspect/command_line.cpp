@@ -2,6 +2,7 @@
 #include "command_line.hpp"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -15,6 +16,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "commands.hpp"
@@ -27,7 +29,7 @@ namespace inspect {
 namespace {
 
 template <class Value>
-using choices = std::map<std::string, Value>;
+using choices = std::vector<std::pair<std::string, Value>>;
 
 const choices<byte_form> byte_forms{{"auto", byte_form::automatic}, {"raw", byte_form::raw},
                                     {"hex", byte_form::hex},        {"dump", byte_form::dump},
@@ -49,6 +51,17 @@ const choices<json_byte_lists> octets_forms{
     {"numbers", json_byte_lists::numbers}, {"hex", json_byte_lists::hex}, {"address", json_byte_lists::address}};
 const choices<colour_choice> colour_choices{
     {"auto", colour_choice::when_terminal}, {"always", colour_choice::always}, {"never", colour_choice::never}};
+
+template <class Value>
+auto find_choice(const choices<Value> &values, const std::string &name) {
+  return std::ranges::find(values, name, &std::pair<std::string, Value>::first);
+}
+
+template <class Value>
+choices<Value> without(const std::string &name, choices<Value> values) {
+  values.erase(find_choice(values, name));
+  return values;
+}
 
 // Lines of at most 118 columns.
 std::string wrapped(std::string_view text) {
@@ -293,26 +306,30 @@ class command_line {
   }
 
   template <class Value>
-  void add_choice(CLI::App *command, const char *name, Value &value, const choices<Value> &values,
-                  std::string purpose) {
+  void add_choice(CLI::App *command, const char *name, Value &value, choices<Value> values,
+                  const std::string &purpose) {
+    const auto is_default = [&](const auto &each) { return each.second == value; };
+    std::ranges::stable_partition(values, is_default);
     std::string names;
-    for (const auto &[each, meaning] : values) names += (names.empty() ? "" : ", ") + each;
-    const auto choose = [&value, values, names, option = long_name(name)](const std::string &given) {
+    for (const auto &each : values) {
+      names += fmt::format("{}{}{}", names.empty() ? "" : ", ", each.first, is_default(each) ? " (default)" : "");
+    }
+    const auto choose = [&value, values, option = long_name(name)](const std::string &given) {
       require_value(option, given);
-      const auto found = values.find(given);
-      if (found == values.end()) throw usage_error(no_such_value(option, given, values, names));
+      const auto found = find_choice(values, given);
+      if (found == values.end()) throw usage_error(no_such_value(option, given, values));
       value = found->second;
     };
     add_value(command, name, choose, purpose + ": " + names, "FORM");
   }
 
   template <class Value>
-  static std::string no_such_value(std::string_view option, const std::string &given, const choices<Value> &values,
-                                   const std::string &names) {
-    std::vector<std::string_view> each_name;
-    for (const auto &[each, meaning] : values) each_name.emplace_back(each);
-    const std::string suggested = suggestion(given, each_name);
-    return fmt::format("{}={}: no such form{}", option, given, suggested.empty() ? "; there are " + names : suggested);
+  static std::string no_such_value(std::string_view option, const std::string &given, const choices<Value> &values) {
+    std::vector<std::string_view> names;
+    for (const auto &[name, meaning] : values) names.emplace_back(name);
+    const std::string suggested = suggestion(given, names);
+    return fmt::format("{}={}: no such form{}", option, given,
+                       suggested.empty() ? fmt::format("; there are {}", fmt::join(names, ", ")) : suggested);
   }
 
   // "--input" of "-i,--input".
@@ -378,15 +395,12 @@ class command_line {
   }
 
   void add_stream(CLI::App *command, const char *purpose) {
-    choices<prefix_form> prefixes = prefix_forms;
-    prefixes.erase("lines");
-    add_choice(command, "-s,--stream", options_.stream, prefixes, purpose);
+    add_choice(command, "-s,--stream", options_.stream, without("lines", prefix_forms), purpose);
   }
 
   void add_bytes(CLI::App *command, const char *purpose, json_bytes last) {
-    choices<json_bytes> values = bytes_forms;
-    if (last != json_bytes::length) values.erase("length");
-    add_choice(command, "-b,--bytes", options_.bytes, values, purpose);
+    add_choice(command, "-b,--bytes", options_.bytes,
+               last == json_bytes::length ? bytes_forms : without("length", bytes_forms), purpose);
   }
 
   void add_octets(CLI::App *command, const char *purpose) {
@@ -512,11 +526,9 @@ class command_line {
                           "byte of the input.",
                           reads_file),
               exit_text(refused));
-    choices<message_form> targets = message_forms;
-    targets.erase("auto");
     add_choice(converting, "-f,--from", options_.from, message_forms,
                "Form of the input; text is the text form of protoc");
-    add_choice(converting, "-t,--to", options_.to, targets, "Form of the output");
+    add_choice(converting, "-t,--to", options_.to, without("auto", message_forms), "Form of the output");
     add_output(converting);
     add_bytes(converting, "How bytes are given in JSON", json_bytes::length);
     add_octets(converting, "How lists of 8-bit numbers are written in JSON");
@@ -534,7 +546,7 @@ class command_line {
     CLI::App *const completing = command(
         "completion", "Print the completion script for a shell", [this, shells](const command_options &options) {
           const std::string shell = options.operands.empty() ? "" : options.operands.front();
-          const auto found = shells.find(shell);
+          const auto found = find_choice(shells, shell);
           if (found == shells.end()) throw usage_error("completion takes the name of a shell: bash, fish or zsh");
           print(found->second(app_));
           return ok;

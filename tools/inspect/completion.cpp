@@ -33,11 +33,13 @@ std::vector<const CLI::Option *> options(const CLI::App &command) {
   return command.get_options([](const CLI::Option *option) { return option->nonpositional(); });
 }
 
-// The values that an option's description lists after the colon; empty if it lists none.
+// The values that an option's description lists after the colon, where the default is marked; empty if it lists none.
 std::string values(const CLI::Option &option) {
   if (option.get_option_text() != "FORM") return {};
   std::string text = option.get_description();
   text.erase(0, text.rfind(": ") + 2);
+  constexpr std::string_view mark = " (default)";
+  if (const std::size_t marked = text.find(mark); marked != text.npos) text.erase(marked, mark.size());
   std::erase(text, ',');
   return text;
 }
