@@ -93,8 +93,9 @@ class _Reader:
             _refuse(at, path, f"{about}: the {what} is cut off by the end of {container}")
         if not is_delimited:
             return at, after
-        if number > end - after:
-            _refuse(at, path, f"{about}: length {number} exceeds the {end - after} bytes left in {container}")
+        left = end - after
+        if number > left:
+            _refuse(at, path, f"{about}: length {number} exceeds the {left} byte{'s'[left == 1:]} left in {container}")
         return after, after + number
 
     def run(self, cls, field, at, end, path, about, container):

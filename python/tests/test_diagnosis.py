@@ -27,7 +27,7 @@ def refused(cls, data):
     ("api_addr", "08 01 13", -2, 2, "", "unknown field 2 of api_addr: group start cannot be skipped"),
     ("api_addr", "10 ff", -1, 1, "", "api_addr: the varint of unknown field 2 is cut off by the end of the input"),
     ("api_addr", "12 ff", -1, 1, "", "api_addr: the length of unknown field 2 is cut off by the end of the input"),
-    ("api_intf", "12 05 61", -1, 1, "field2", "field 2 of api_intf: length 5 exceeds the 1 bytes left in the input"),
+    ("api_intf", "12 05 61", -1, 1, "field2", "field 2 of api_intf: length 5 exceeds the 1 byte left in the input"),
     ("api_intf", "12 01 61 12 01 62", -1, 3, "field2",
      "field 2 of api_intf: second occurrence; the first is at offset 0"),
     ("api_prefix", "08 01 10 05 08 02", -1, 4, "octets",

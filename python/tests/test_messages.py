@@ -495,7 +495,7 @@ def test_errors_have_the_result_and_what_was_read():
     assert error.partial.to_dict() == {"field1": 7}
     assert (error.offset, error.path) == (3, "field2")
     assert str(error) == ("api_intf: CODEC_ERR_TRUNCATED at offset 3, field2: field 2 of api_intf: length 4 exceeds "
-                          "the 1 bytes left in the input")
+                          "the 1 byte left in the input")
     again = pickle.loads(pickle.dumps(error))
     assert str(again) == str(error) and again.partial == error.partial and again.offset == 3
 

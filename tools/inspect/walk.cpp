@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "text_encodings.hpp"
+
 namespace inspect {
 namespace {
 
@@ -190,7 +192,7 @@ class walker {
     const std::size_t left = end - length->next;
     if (length->value > left) {
       return fail_in({here.field, here.index}, CODEC_ERR_TRUNCATED, here.value,
-                     fmt::format("length {} exceeds the {} bytes left in {}", length->value, left, container()));
+                     fmt::format("length {} exceeds the {} left in {}", length->value, byte_count(left), container()));
     }
     here.number = length->value;
     here.content = length->next;
