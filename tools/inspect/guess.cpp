@@ -16,12 +16,12 @@ namespace inspect {
 namespace {
 
 candidate read_as(const message_type &type, byte_view input) {
-  const walk walked = walk_message(type, input);
-  candidate result{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), 0,
+  std::size_t unknown = 0;
+  const walk_outcome walked = walk_message(type, input, [&](const walked_field &each) {
+    if (each.field == nullptr) unknown += each.end - each.start;
+  });
+  candidate result{&type, fit::none, walked.failure ? walked.failure->offset : input.size(), unknown,
                    surprise_of(type, input)};
-  for (const walked_field &each : walked.fields) {
-    if (each.field == nullptr) result.unknown += each.end - each.start;
-  }
   if (walked.failure) return result;
   record content(type);
   if (content.decode(input) != CODEC_OK) return result;

@@ -56,16 +56,16 @@ std::string to_text_format(const message_type &type, byte_view message) {
       text += margin() + "}\n";
     }
   };
-  for (const walked_field &here : walk_message(type, message).fields) {
+  walk_message(type, message, [&](const walked_field &here) {
     close_down_to(here.depth);
-    if (here.field == nullptr) continue;
+    if (here.field == nullptr) return;
     if (here.field->nested != nullptr) {
       text += fmt::format("{}{} {{\n", margin(), here.field->name);
       ++depth;
     } else {
       text += fmt::format("{}{}: {}\n", margin(), here.field->name, value_text(here, message));
     }
-  }
+  });
   close_down_to(0);
   return text;
 }

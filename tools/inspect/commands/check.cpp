@@ -1,7 +1,6 @@
 // `check`: runs many messages through the library, and reports those that are not canonical, and totals.
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
 
 #include "../check_report.hpp"
@@ -77,7 +76,7 @@ class checking {
   }
 
   void judge(check_result &result, byte_view message) {
-    const walk walked = walk_message(*result.type, message);
+    const walk_outcome walked = outcome_of(*result.type, message);
     if (walked.failure) result.failure = &*walked.failure;
     if (!agree(result.findings.result, walked)) {
       result.verdict = check_result::contradictory;
@@ -90,8 +89,7 @@ class checking {
       status_ = worse(status_, bad_input);
     } else {
       result.verdict = check_result::not_canonical;
-      const auto is_unknown = [](const walked_field &each) { return each.field == nullptr; };
-      result.unknown_fields = static_cast<std::size_t>(std::ranges::count_if(walked.fields, is_unknown));
+      result.unknown_fields = walked.unknown_fields;
       totals_.unknown += result.unknown_fields;
       result.is_bad = options_.strict;
       if (options_.strict) status_ = worse(status_, bad_input);
