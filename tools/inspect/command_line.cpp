@@ -309,7 +309,7 @@ class command_line {
   void add_choice(CLI::App *command, const char *name, Value &value, choices<Value> values,
                   const std::string &purpose) {
     const auto is_default = [&](const auto &each) { return each.second == value; };
-    std::ranges::stable_partition(values, is_default);
+    std::stable_partition(values.begin(), values.end(), is_default);
     std::string names;
     for (const auto &each : values) {
       names += fmt::format("{}{}{}", names.empty() ? "" : ", ", each.first, is_default(each) ? " (default)" : "");
