@@ -219,8 +219,8 @@ PAVO_ZORV_INLINE_FUNCTION void pavo_zorv_stream_init(
 /** Returns where the next bytes of the stream are to be stored, and sets @p room to how many may be. That is never 0
  *  after `pavo_zorv_stream_next` has returned `PAVO_ZORV_FRAME_INCOMPLETE`; it may be 0 while there are messages to be
  *  taken, and is 0 after a failure. May move what is not used yet to the beginning of the buffer: messages that were
- *  returned before must not be used any more. Each byte is moved at most once: not before all whole messages are taken.
- */
+ *  returned before must not be used any more. Nothing is moved while a whole message is waiting, so that each byte is
+ *  moved at most once. */
 PAVO_ZORV_NODISCARD PAVO_ZORV_INLINE_FUNCTION unsigned char *pavo_zorv_stream_space(
     pavo_zorv_stream *stream, size_t *room) {
   const unsigned char *const bytes = stream->buffer + stream->first;

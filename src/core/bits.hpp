@@ -28,7 +28,7 @@ inline constexpr std::size_t vector_size = 32;
 inline constexpr std::size_t vector_size = 16;
 #endif
 
-// The order of bytes in memory is that of the wire: the first is the lowest.
+// To or from the order of bytes on the wire, in which the first is the lowest.
 template <class Word>
 inline Word in_wire_order(Word word) {
   static_assert(sizeof word == 4 || sizeof word == 8);

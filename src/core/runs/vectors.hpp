@@ -1,5 +1,5 @@
-// Vectors, which the fast loops over runs share. Only in this folder is code for particular processors; it does what
-// portable code does, which is beside it or in plain.hpp.
+// Vectors, which the fast loops over runs share. Only this folder has instructions of particular processors; they do
+// what portable code does, which is beside them or in plain.hpp.
 #pragma once
 
 #include <cstddef>

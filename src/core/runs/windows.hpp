@@ -36,7 +36,7 @@ class portable_piece {
   std::uint64_t bytes_;
 };
 
-// The shortest load, for a buffer, or an end of one, that the native piece does not fit.
+// The shortest load, for a buffer, or an end of one, that has no room for the native piece.
 #if defined(__SSE2__)
 class short_piece {
  public:
