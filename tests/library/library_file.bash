@@ -34,8 +34,9 @@ is every message in include/pavo_zorv_messages.h?"
     awk '/^typedef struct [a-z0-9_]+ \{/ { record = $3 }
          /^\}/ { record = "" }
          record != "" && /;/ { sub(/;.*/, ""); gsub(/\*/, " "); if (NF > 1) print record, $NF }' \
-      "$source/include/pavo_zorv.h" > "$work/members"
-    sed -n 's/^PAVO_ZORV_AT_(\([a-z0-9_]*\), \([a-z0-9_]*\),.*/\1 \2/p' "$source/include/pavo_zorv_layout.h" > "$work/placed"
+      "$source/include/pavo_zorv.h" | sort > "$work/members"
+    sed -n 's/^PAVO_ZORV_AT_(\([a-z0-9_]*\), \([a-z0-9_]*\),.*/\1 \2/p' "$source/include/pavo_zorv_layout.h" |
+      sort > "$work/placed"
     same "$work/members" "$work/placed" "the header has other members (<) than its layout names (>)"
     ;;
   exports_five_functions_of_each_message)
