@@ -24,7 +24,7 @@ protobuf::Message &peer_of(const message &type) {
     const protobuf::DescriptorPool *const pool = protobuf::DescriptorPool::generated_pool();
     for (const message &one : naive::messages()) {
       const protobuf::Descriptor *const found = pool->FindMessageTypeByName(std::string("zorv.") + one.name);
-      if (found == nullptr) test::broken(std::string("no peer for ") + one.name);
+      if (found == nullptr) test::broken(std::string("proto/zorv.proto has no message ") + one.name);
       peers.emplace_back(protobuf::MessageFactory::generated_factory()->GetPrototype(found)->New());
     }
   }

@@ -29,7 +29,7 @@ class peer {
 
   const protobuf::Descriptor &descriptor(const std::string &name) const {
     const protobuf::Descriptor *const found = pool_.FindMessageTypeByName("zorv." + name);
-    if (found == nullptr) throw std::runtime_error("no message " + name);
+    if (found == nullptr) throw std::runtime_error("proto/zorv.proto has no message " + name);
     return *found;
   }
 
