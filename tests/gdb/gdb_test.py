@@ -49,7 +49,8 @@ class Printers(unittest.TestCase):
 
     def test_mark_what_is_encoded_without_its_bit(self):
         self.assertEqual(printed("unmarked"), ["api_msg = {to_zorv (bit not set) = api_to_zorv = "
-                                               "{intf (bit not set) = api_intf = {field1 = 7}}}"])
+                                               "{intf (bit not set) = api_intf = {field1 = 7}}}"],
+                         "the records that tests/gdb/program.c fills")
 
     def test_survive_pointers_to_nowhere(self):
         broken, counted, nameless = printed("broken", "counted", "nameless")
