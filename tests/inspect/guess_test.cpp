@@ -54,7 +54,9 @@ placing place(const std::string &type, byte_view input) {
 TEST(guess, puts_the_right_message_first_for_every_broken_sample) {
   const std::vector<guessed_sample> broken = samples_in(fs::path(PAVO_ZORV_SAMPLES) / "broken", ".hex");
   EXPECT_EQ(broken.size(), 9u);
-  for (const guessed_sample &each : broken) EXPECT_TRUE(place(each.type, each.content).is_first) << each.name;
+  for (const guessed_sample &each : broken) {
+    EXPECT_EQ(guess(each.content).front().type->name, each.type) << "samples/broken/" << each.name;
+  }
 }
 
 // Without its last byte a colour is the key 08 alone, with which most messages begin; and the fields of an api_nodeid
@@ -65,11 +67,11 @@ TEST(guess, puts_the_right_message_first_for_samples_without_their_last_byte) {
     if (each.name != each.type + ".bin") continue;
     ++tried;
     const placing found = place(each.type, byte_view(each.content).first(each.content.size() - 1));
-    EXPECT_TRUE(found.is_most_likely) << each.name;
+    EXPECT_TRUE(found.is_most_likely) << "samples/" << each.name;
     const bool has_double = each.type == "api_msg_on_demand_color_notif" || each.type == "api_nodeid";
-    EXPECT_EQ(found.is_first, !has_double) << each.name;
+    EXPECT_EQ(found.is_first, !has_double) << "samples/" << each.name;
   }
-  EXPECT_EQ(tried, 31u);
+  EXPECT_EQ(tried, all_types().size());
 }
 
 TEST(guess, puts_the_right_message_first_for_19_of_20_samples_cut_off_anywhere) {
