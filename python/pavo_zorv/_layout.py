@@ -90,6 +90,9 @@ def layouts(header: str) -> Dict[str, Layout]:
             found = _FIELD.search(comment)
             if found:
                 fields[member] = _field(member, found, following[2])
+            elif re.search(r"\bField\s+\d+,", comment):
+                raise ValueError(f"python/pavo_zorv/_layout.py knows no kind by the comment of {name}.{member} in "
+                                 f"pavo_zorv.h:{comment}")
         options = re.search(rf"\bpavo_zorv_{name}_free_ext\([^)]*\boptions\)", declarations)
         known[name] = Layout(name, record, fields, options is not None)
     return known

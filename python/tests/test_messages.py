@@ -63,6 +63,12 @@ def test_every_presence_bit_in_the_header_belongs_to_one_field():
         assert [field.number for field in cls.fields.values()] == sorted(field.number for field in cls.fields.values())
 
 
+def test_a_member_of_no_known_kind_is_refused():
+    header = HEADER.replace("Field 1, unsigned 32-bit.", "Field 1, fixed 32-bit.", 1)
+    with pytest.raises(ValueError, match=r"^python/pavo_zorv/_layout\.py knows no kind by the comment of api_addr\."):
+        _layout.layouts(header)
+
+
 def test_kinds_are_those_that_the_header_names():
     kinds = [field.kind for cls in pavo_zorv.CLASSES.values() for field in cls.fields.values()]
     assert {kind: kinds.count(kind) for kind in _layout.KINDS} == {
