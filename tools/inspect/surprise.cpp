@@ -217,7 +217,21 @@ class surprise_reader {
   }
 
   std::size_t content(const message_info &type, const field_info &field, std::size_t at, std::size_t end) {
-    if (field.wire == wire_type::varint) return scalar(field, at, end);
+    switch (field.kind) {
+      case kind::flag:
+      case kind::integer:
+      case kind::integer_list:
+        return scalar(field, at, end);
+      case kind::string:
+      case kind::bytes:
+      case kind::message_list:
+      case kind::nested:
+        return delimited(type, field, at, end);
+    }
+    return end;
+  }
+
+  std::size_t delimited(const message_info &type, const field_info &field, std::size_t at, std::size_t end) {
     const auto length = varint(at, end);
     if (!length) return rest(at, end, true);
     if (length->is_over_long()) done_.bits += not_canonical;
