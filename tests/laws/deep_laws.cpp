@@ -17,7 +17,7 @@ class full_envelope : public testing::Test {
 
 TEST_F(full_envelope, comes_back_equal_and_is_written_the_same) {
   const byte_string bytes = naive::encoding(record).bytes();
-  EXPECT_GT(bytes.size(), 2000u);
+  EXPECT_GT(bytes.size(), 1000u);
   ASSERT_EQ(encoding_of(record), bytes);
   for (const std::uint32_t options : modes) {
     decoding back(naive::message_of<api_msg>(), random, options);
