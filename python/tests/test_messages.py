@@ -64,7 +64,7 @@ def test_every_presence_bit_in_the_header_belongs_to_one_field():
 
 
 def test_a_member_of_no_known_kind_is_refused():
-    header = HEADER.replace("Field 1, unsigned 32-bit.", "Field 1, fixed 32-bit.", 1)
+    header = HEADER.replace("Field 1, unsigned 32-bit.", "Field 1, of no kind.", 1)
     with pytest.raises(ValueError, match=r"^python/pavo_zorv/_layout\.py knows no kind by the comment of api_addr\."):
         _layout.layouts(header)
 
