@@ -54,7 +54,12 @@ class writer {
   }
 
   byte_string short_field(const member &field) {
-    if (field.is_varint()) return varint_field(field.number, value(field));
+    switch (field.wire()) {
+      case naive::wire::varint:
+        return varint_field(field.number, value(field));
+      case naive::wire::delimited:
+        break;
+    }
     return delimited_field(field.number, field.nested != nullptr ? byte_string() : text(random_.below(12)));
   }
 

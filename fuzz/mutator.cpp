@@ -211,13 +211,18 @@ class mutator {
     const member &field = type.members[index];
     one.key = static_cast<std::uint32_t>(index + 1) << 3 | field.wire_type();
     one.delimited = field.wire_type() == 2;
-    if (field.is_varint()) {
-      one.value = varint(random_.number());
-    } else if (field.nested == nullptr) {
-      one.value.resize(random_.percent(90) ? random_.below(6) : random_.below(140));
-      for (unsigned char &byte : one.value) byte = random_.byte();
-    } else if (depth < 5) {
-      for (std::size_t count = random_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
+    switch (field.wire()) {
+      case naive::wire::varint:
+        one.value = varint(random_.number());
+        break;
+      case naive::wire::delimited:
+        if (field.nested == nullptr) {
+          one.value.resize(random_.percent(90) ? random_.below(6) : random_.below(140));
+          for (unsigned char &byte : one.value) byte = random_.byte();
+        } else if (depth < 5) {
+          for (std::size_t count = random_.below(3); count-- != 0;) change(*field.nested, one.value, depth + 1);
+        }
+        break;
     }
     return one;
   }

@@ -28,7 +28,12 @@ void add_wholes(const message &type, const byte_string &bytes, std::size_t first
     const std::uint32_t key = number(first);
     const std::uint32_t value = number(first);
     const member &field = type.members.at((key >> 3) - 1);
-    if (field.is_varint()) continue;
+    switch (field.wire()) {
+      case naive::wire::varint:
+        continue;
+      case naive::wire::delimited:
+        break;
+    }
     if (field.kind == kind::bytes && referenced) continue;
     if (field.nested != nullptr) add_wholes(*field.nested, bytes, first, first + value, referenced, out);
     if (field.nested == nullptr) out.push_back({first, first + value});

@@ -158,12 +158,15 @@ TEST_P(changing_input, does_not_make_a_list_longer_than_it_was_counted) {
           bytes_maker maker(random);
           for (unsigned element = 0; element < count; ++element) {
             maker.varint(bytes, list.number * 8 + list.wire_type(), 32, 0);
-            if (list.is_varint()) {
-              maker.varint(bytes, std::uint64_t{1} << 7 * (size - 1), 32, 0);
-            } else {
-              // Unknown members inside.
-              bytes = bytes + byte_string{static_cast<unsigned char>(3 * (size - 1))} +
-                      (size - 1) * byte_string{0xf8, 0x01, 0x05};
+            switch (list.wire()) {
+              case naive::wire::varint:
+                maker.varint(bytes, std::uint64_t{1} << 7 * (size - 1), 32, 0);
+                break;
+              case naive::wire::delimited:
+                // Unknown members inside.
+                bytes = bytes + byte_string{static_cast<unsigned char>(3 * (size - 1))} +
+                        (size - 1) * byte_string{0xf8, 0x01, 0x05};
+                break;
             }
           }
           // An unknown field after it, now and then: so the run does not end with the input.

@@ -85,14 +85,19 @@ class bytes_maker {
     for (std::uint64_t elements = member.is_list() ? run_length(member, depth) : 1; elements-- != 0;) {
       varint(out, member.number * 8 + (random_.percent(98) ? member.wire_type() : random_.below(8)), 32,
              style == 1 ? 1 : 5);
-      if (!member.is_varint()) {
-        delimited(out, member, depth);
-      } else if (style == 0) {
-        varint(out, (std::uint64_t{1} << bits) - 1, 64, 0);
-      } else if (style == 1 && random_.percent(98)) {
-        varint(out, random_.label(), 64, 0);
-      } else {
-        varint(out, random_.number(), 64);
+      switch (member.wire()) {
+        case naive::wire::varint:
+          if (style == 0) {
+            varint(out, (std::uint64_t{1} << bits) - 1, 64, 0);
+          } else if (style == 1 && random_.percent(98)) {
+            varint(out, random_.label(), 64, 0);
+          } else {
+            varint(out, random_.number(), 64);
+          }
+          break;
+        case naive::wire::delimited:
+          delimited(out, member, depth);
+          break;
       }
     }
   }

@@ -71,6 +71,9 @@ inline constexpr statement statements[] = {
 
 enum class kind { flag, integer, string, bytes, integer_list, message_list, nested };
 
+// The wire types of members.
+enum class wire { varint = 0, delimited = 2 };
+
 struct message;
 
 struct member {
@@ -84,10 +87,23 @@ struct member {
 
   bool is_scalar() const { return kind == kind::flag || kind == kind::integer; }
   bool is_list() const { return kind == kind::integer_list || kind == kind::message_list; }
-  bool is_varint() const { return is_scalar() || kind == kind::integer_list; }
   bool has_count() const { return is_list() || kind == kind::bytes; }
   unsigned count_width() const { return kind == kind::bytes ? 8 : 4; }
-  unsigned wire_type() const { return is_varint() ? 0 : 2; }
+  naive::wire wire() const {
+    switch (kind) {
+      case kind::flag:
+      case kind::integer:
+      case kind::integer_list:
+        return wire::varint;
+      case kind::string:
+      case kind::bytes:
+      case kind::message_list:
+      case kind::nested:
+        return wire::delimited;
+    }
+    broken("a member of no kind");
+  }
+  unsigned wire_type() const { return static_cast<unsigned>(wire()); }
   std::uint32_t presence_bit() const { return std::uint32_t{1} << (number - 1); }
   std::size_t element_size() const;
 };

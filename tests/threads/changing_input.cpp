@@ -29,13 +29,16 @@ byte_string input_for(const naive::message &type, unsigned elements) {
                            : member.kind == naive::kind::message_list ? elements / 10 + 1
                                                                       : 1;
     for (unsigned element = 0; element < times; ++element) {
-      if (member.is_varint()) {
-        // Of one, two or three bytes.
-        append(result, test::varint_field(member.number, std::uint64_t{5} << 7 * (element % 3)));
-      } else if (member.nested != nullptr) {
-        append(result, test::delimited_field(member.number, input_for(*member.nested, elements / 10)));
-      } else {
-        append(result, test::delimited_field(member.number, byte_string(element + 20, 'x')));
+      switch (member.wire()) {
+        case naive::wire::varint:
+          // Of one, two or three bytes.
+          append(result, test::varint_field(member.number, std::uint64_t{5} << 7 * (element % 3)));
+          break;
+        case naive::wire::delimited:
+          append(result, test::delimited_field(member.number, member.nested != nullptr
+                                                                  ? input_for(*member.nested, elements / 10)
+                                                                  : byte_string(element + 20, 'x')));
+          break;
       }
     }
   }
